@@ -1,0 +1,14 @@
+#pragma once
+
+#include <windows.h>
+
+// What a module says of itself. Every DLL or program that links this floor defines these four once.
+namespace App {
+extern const wchar_t* const Title;  // application title: settings, message boxes, source of the errors it raises
+extern const short Major;
+extern const short Minor;
+extern const short Revision;
+
+// The module (DLL or program) that this code is linked into.
+HMODULE Module() noexcept;
+}  // namespace App

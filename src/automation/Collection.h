@@ -1,0 +1,65 @@
+#pragma once
+
+#include <functional>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "automation/Object.h"
+
+// A collection that belongs to the host, read in order. What hosts hand over comes in several kinds, and all are read: an
+// object with _NewEnum (asked first), an object with Count and Item (from 1, or from 0 when 1 to Count does not hold), an array.
+class HostCollection {
+public:
+    HostCollection() noexcept = default;  // nothing
+    // Takes a result as a collection. Nothing stays nothing. A value that is no collection object is error 13, and so are
+    // Null and Empty. No item is asked for yet; _NewEnum is, since that is how a collection is told from another object.
+    explicit HostCollection(const Variant& result);
+
+    explicit operator bool() const noexcept;  // false: nothing
+    // Calls `item` for each item in order until it returns false. A failure of the collection, or of `item`, passes through.
+    void ForEach(const std::function<bool(const Variant&)>& item) const;
+
+private:
+    enum class Kind { None, Enumerated, Counted, Array };
+    Kind kind_ = Kind::None;
+    Object object_;
+    Variant enumerator_;  // the enumerator that _NewEnum gave, or the array
+};
+
+// An ordered collection of the component's own, with unique text keys, compared without regard to case. Positions are 1-based.
+template <class T>
+class Collection {
+public:
+    // Appends. A key that is in use is error 457; an empty key is no key.
+    void Add(T item, const std::wstring& key = {}) {
+        if (!key.empty()) {
+            if (keys_.count(Folded(key))) RaiseError(ErrorNumber::KeyInUse);
+            keys_[Folded(key)] = items_.size();
+        }
+        items_.push_back(std::move(item));
+    }
+    long Count() const noexcept { return static_cast<long>(items_.size()); }
+    // Error 9 when the position is outside 1 to Count.
+    const T& Item(long position) const {
+        if (position < 1 || position > Count()) RaiseError(ErrorNumber::SubscriptOutOfRange);
+        return items_[static_cast<size_t>(position - 1)];
+    }
+    // Error 5 when no item has the key.
+    const T& Item(const std::wstring& key) const {
+        const auto found = keys_.find(Folded(key));
+        if (found == keys_.end()) RaiseError(ErrorNumber::InvalidProcedureCall);
+        return items_[found->second];
+    }
+    auto begin() const noexcept { return items_.begin(); }
+    auto end() const noexcept { return items_.end(); }
+
+private:
+    static std::wstring Folded(const std::wstring& key) {
+        std::wstring folded = key;
+        CharUpperBuffW(folded.data(), static_cast<DWORD>(folded.size()));
+        return folded;
+    }
+    std::vector<T> items_;
+    std::map<std::wstring, size_t> keys_;
+};

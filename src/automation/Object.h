@@ -1,0 +1,89 @@
+#pragma once
+
+#include <windows.h>
+#include <oaidl.h>
+
+#include <memory>
+#include <string>
+
+#include "automation/Variant.h"
+
+// One argument of a late-bound call. A plain value is passed by value; ByRef passes the variable itself.
+class Argument {
+public:
+    Argument(Variant value);
+    Argument(const wchar_t* text);
+    Argument(const std::wstring& text);
+    Argument(bool value);
+    Argument(short value);
+    Argument(long value);
+    Argument(int value);
+    Argument(const Object& object);
+    Argument(Argument&&) noexcept;
+    Argument(const Argument&) = delete;
+    ~Argument();
+
+private:
+    friend class Object;
+    friend Argument ByRef(std::wstring&);
+    friend Argument ByRef(long&);
+    friend Argument ByRef(short&);
+    friend Argument ByRef(bool&);
+    friend Argument ByRef(Variant&);
+    friend Argument ByRef(Object&);
+    Argument() noexcept;
+    void WriteBack();  // after a call that succeeded: what the callee left goes into the caller's variable
+    Variant passed_;   // what goes into DISPPARAMS
+    Variant holder_;   // the typed storage that a VT_BYREF points to; must not move in memory once `passed_` points at it
+    void* target_ = nullptr;
+    VARTYPE kind_ = VT_EMPTY;
+    // An implementer may hold the storage in a unique_ptr instead; only the constructors and ByRef are the interface.
+};
+
+// Passes a variable by reference, as VT_BYREF of the variable's own type. It must outlive the call; it is written when the
+// call succeeds. A callee that leaves a type that cannot be converted back raises error 13.
+Argument ByRef(std::wstring& variable);
+Argument ByRef(long& variable);
+Argument ByRef(short& variable);
+Argument ByRef(bool& variable);
+Argument ByRef(Variant& variable);
+Argument ByRef(Object& variable);
+
+// A late-bound reference to an object, or nothing. Copies share the member ids that were looked up: the look-up of a name is
+// a call to the other object too, so it is made once a member for as long as the object is held.
+// Every use of an empty reference is error 91.
+class Object {
+public:
+    Object() noexcept;
+    explicit Object(IDispatch* object);  // AddRefs
+    static Object Attach(IDispatch* object);
+    // A new object of the class; error 429 when it cannot be created (the description says why).
+    static Object Create(const wchar_t* progId);
+
+    explicit operator bool() const noexcept;
+    IDispatch* Dispatch() const noexcept;  // not AddRef'd
+    void Clear() noexcept;
+    bool IsSameAs(const Object& other) const noexcept;  // COM identity
+
+    // Reads a property (or calls a function) with arguments in their natural order.
+    template <class... Args>
+    Variant Get(const wchar_t* member, Args&&... args) const {
+        Argument list[sizeof...(Args) + 1] = {Argument(std::forward<Args>(args))..., Argument(Variant())};
+        return Invoke(member, DISPATCH_METHOD | DISPATCH_PROPERTYGET, list, sizeof...(Args));
+    }
+    // Calls a method.
+    template <class... Args>
+    Variant Call(const wchar_t* member, Args&&... args) const {
+        Argument list[sizeof...(Args) + 1] = {Argument(std::forward<Args>(args))..., Argument(Variant())};
+        return Invoke(member, DISPATCH_METHOD, list, sizeof...(Args));
+    }
+    // Writes a property.
+    void Let(const wchar_t* member, const Variant& value) const;
+    // Whether the object knows the name. No member is called.
+    bool Has(const wchar_t* member) const noexcept;
+
+private:
+    struct State;
+    std::shared_ptr<State> state_;
+    Variant Invoke(const wchar_t* member, WORD flags, Argument* arguments, size_t count) const;
+};

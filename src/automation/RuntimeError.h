@@ -1,0 +1,82 @@
+#pragma once
+
+#include <windows.h>
+#include <oaidl.h>
+
+#include <string>
+
+// A run-time failure, as the language of the hosts knows it: a number, who raised it, and what to tell. It is what every
+// call of this floor and of the floors above throws.
+struct RuntimeError {
+    long Number = 0;
+    std::wstring Source;
+    std::wstring Description;
+    std::wstring HelpFile;
+    long HelpContext = 0;
+    long LastDllError = 0;  // GetLastError of the Windows call that failed, 0 when none did
+};
+
+// The numbers that hosts know.
+namespace ErrorNumber {
+inline constexpr long InvalidProcedureCall = 5;
+inline constexpr long Overflow = 6;
+inline constexpr long OutOfMemory = 7;
+inline constexpr long SubscriptOutOfRange = 9;
+inline constexpr long TypeMismatch = 13;
+inline constexpr long FileNotFound = 53;
+inline constexpr long FileAlreadyOpen = 55;
+inline constexpr long DeviceIOError = 57;
+inline constexpr long DiskFull = 61;
+inline constexpr long PermissionDenied = 70;
+inline constexpr long PathFileAccessError = 75;
+inline constexpr long PathNotFound = 76;
+inline constexpr long ObjectNotSet = 91;
+inline constexpr long InvalidUseOfNull = 94;
+inline constexpr long InvalidPropertyValue = 380;
+inline constexpr long FormAlreadyShown = 400;
+inline constexpr long ObjectRequired = 424;
+inline constexpr long CannotCreateObject = 429;
+inline constexpr long NoSuchMember = 438;
+inline constexpr long AutomationError = 440;
+inline constexpr long WrongArgumentCount = 450;
+inline constexpr long NotACollection = 451;
+inline constexpr long KeyInUse = 457;
+inline constexpr long ServerNotAvailable = 462;
+inline constexpr long ClipboardNotOpened = 521;
+inline constexpr long DialogCancelled = 32755;
+inline constexpr long IndexOutOfBounds = 35600;
+inline constexpr long ElementNotFound = 35601;
+inline constexpr long KeyNotUnique = 35602;
+}  // namespace ErrorNumber
+
+// The first number of the range in which components number errors of their own (80040000 hexadecimal).
+inline constexpr long ObjectErrorBase = -2147221504;
+
+// Throws the error `number` with the standing description of that number and App::Title as its source.
+[[noreturn]] void RaiseError(long number);
+// The same with a description, and with a source other than App::Title when `source` is given.
+[[noreturn]] void RaiseError(long number, std::wstring description);
+[[noreturn]] void RaiseError(long number, std::wstring source, std::wstring description);
+// Throws `number` for a Windows call that failed with `lastError` (what GetLastError said), which goes into LastDllError
+// and, in words, into the description.
+[[noreturn]] void RaiseSystemError(long number, DWORD lastError);
+
+// The standing description of a run-time error number ("Type mismatch"), or the general one for a number that has none.
+std::wstring ErrorText(long number);
+
+// Only inside a catch block: the error being handled, whatever was thrown. A RuntimeError is returned as it is;
+// std::bad_alloc is error 7, any other exception error 440 (51 is avoided: hosts show it as "Internal error").
+RuntimeError CurrentError() noexcept;
+
+// The error that a failed automation call stands for. `exception` may be null (no details); its strings are taken over
+// and freed, its deferred fill-in is run. `S_OK`-like values are never passed.
+RuntimeError ErrorFromHresult(HRESULT hr, EXCEPINFO* exception);
+// Throws ErrorFromHresult(hr, null), with what IErrorInfo of the thread says, when `hr` is a failure.
+void CheckHresult(HRESULT hr);
+
+// The other way round, at a COM method's edge: the HRESULT of an error (800A0000 hexadecimal + number for the numbers up
+// to 65535, an HRESULT-like number as it is), and the same with the thread's IErrorInfo set.
+HRESULT HresultFromError(const RuntimeError& error) noexcept;
+HRESULT PublishError(const RuntimeError& error) noexcept;
+// Fills the EXCEPINFO of IDispatch::Invoke and returns DISP_E_EXCEPTION. With a null `exception` it publishes instead.
+HRESULT FillException(const RuntimeError& error, EXCEPINFO* exception) noexcept;

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <windows.h>
+#include <objbase.h>
+
+// What an in-process COM server needs beside its classes: the count of what is alive, class factories, registration.
+
+// Keeps the module loaded for as long as it lives: each object and each loaded window has one.
+class ModuleLock {
+public:
+    ModuleLock() noexcept;
+    ModuleLock(const ModuleLock&) noexcept;
+    ModuleLock& operator=(const ModuleLock&) noexcept = default;
+    ~ModuleLock();
+};
+
+// One creatable class of a server.
+struct ComClass {
+    const CLSID& Id;
+    const wchar_t* ProgId;       // "brvSQLEditor.clsSQLEditor"
+    const wchar_t* Description;  // what registry browsers show
+    const GUID* TypeLibrary;     // null when the server has none
+    // Makes an object and asks it for `iid`; must not throw.
+    HRESULT (*Create)(REFIID iid, void** object);
+};
+
+namespace Server {
+// Whether nothing of the module is alive: no object, no window, no lock of a class factory.
+bool CanUnload() noexcept;
+
+// DllGetClassObject for a table of classes.
+HRESULT GetClassObject(const ComClass* classes, size_t count, REFCLSID id, REFIID iid, void** object) noexcept;
+
+// Where a class is registered: for everybody (HKEY_LOCAL_MACHINE\Software\Classes) or for the user who runs it
+// (HKEY_CURRENT_USER\Software\Classes).
+enum class Scope { Machine, User };
+
+// Writes the ProgID, its version-independent form, CLSID, InprocServer32 (the module's own long path, ThreadingModel
+// Apartment), and the module's type library when `typeLibrary` (RegisterTypeLib, or RegisterTypeLibForUser looked up at run
+// time). Returns SELFREG_E_CLASS or the HRESULT of the Windows call that failed (access denied for a user without rights),
+// SELFREG_E_TYPELIB for the library; what was written before a failure is removed again.
+HRESULT Register(const ComClass* classes, size_t count, Scope scope, bool typeLibrary) noexcept;
+// Removes all of it. A key that is not there is no failure.
+HRESULT Unregister(const ComClass* classes, size_t count, Scope scope, bool typeLibrary) noexcept;
+}  // namespace Server
