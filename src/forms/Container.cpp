@@ -1,0 +1,100 @@
+#include "forms/Container.h"
+
+#include <vector>
+
+#include "automation/App.h"
+#include "automation/RuntimeError.h"
+#include "forms/Events.h"
+
+namespace {
+
+constexpr const wchar_t* PictureBoxClass = L"brvPictureBox";
+
+struct Registered {
+    const wchar_t* Name;
+};
+
+std::vector<Registered>& Classes() {
+    static std::vector<Registered> classes;
+    return classes;
+}
+
+}  // namespace
+
+void RegisterWindowClass(const wchar_t* name, WNDPROC procedure, UINT style) {
+    WNDCLASSEXW windowClass{};
+    windowClass.cbSize = sizeof windowClass;
+    if (GetClassInfoExW(App::Module(), name, &windowClass)) return;
+    windowClass = {};
+    windowClass.cbSize = sizeof windowClass;
+    windowClass.style = style;
+    windowClass.lpfnWndProc = procedure;
+    windowClass.hInstance = App::Module();
+    windowClass.hCursor = LoadCursorW(nullptr, IDC_ARROW);
+    windowClass.hbrBackground = reinterpret_cast<HBRUSH>(static_cast<INT_PTR>(COLOR_BTNFACE + 1));
+    windowClass.lpszClassName = name;
+    windowClass.hIcon = LoadIconW(App::Module(), MAKEINTRESOURCEW(1));
+    if (RegisterClassExW(&windowClass) == 0) RaiseSystemError(ErrorNumber::OutOfMemory, GetLastError());
+    Classes().push_back({name});
+}
+
+void UnregisterWindowClasses() noexcept {
+    for (const Registered& registered : Classes()) UnregisterClassW(registered.Name, App::Module());
+    Classes().clear();
+}
+
+void PictureBox::Create(HWND container, int id, DWORD style, DWORD exStyle) {
+    RegisterWindowClass(PictureBoxClass, DefWindowProcW, 0);
+    CreateWindowOf(PictureBoxClass, style, exStyle, container, id, L"");
+}
+
+void PictureBox::SetBackColor(int systemColor) noexcept {
+    backColor_ = systemColor;
+    InvalidateRect(Handle(), nullptr, TRUE);
+}
+
+void PictureBox::SetMousePointer(const wchar_t* systemCursor) noexcept {
+    cursor_ = LoadCursorW(nullptr, systemCursor);
+}
+
+LRESULT PictureBox::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
+    LRESULT result = 0;
+    if (Reflect(message, wParam, lParam, result)) return result;
+    switch (message) {
+        case WM_ERASEBKGND: {
+            RECT client;
+            GetClientRect(Handle(), &client);
+            FillRect(reinterpret_cast<HDC>(wParam), &client, GetSysColorBrush(backColor_));
+            return TRUE;
+        }
+        case WM_PAINT:
+            if (Paint) {
+                PAINTSTRUCT paint;
+                const HDC context = BeginPaint(Handle(), &paint);
+                RECT client;
+                GetClientRect(Handle(), &client);
+                Events::Raise([&] { Paint(context, client); });
+                EndPaint(Handle(), &paint);
+                return 0;
+            }
+            break;
+        case WM_SETCURSOR:
+            if (cursor_ != nullptr && LOWORD(lParam) == HTCLIENT && reinterpret_cast<HWND>(wParam) == Handle()) {
+                SetCursor(cursor_);
+                return TRUE;
+            }
+            break;
+        case WM_LBUTTONUP:
+            // The button-like boxes (collapse, restore) answer to a press and release inside.
+            if (Click) {
+                RECT client;
+                GetClientRect(Handle(), &client);
+                const POINT point{static_cast<short>(LOWORD(lParam)), static_cast<short>(HIWORD(lParam))};
+                if (PtInRect(&client, point)) Click();
+            }
+            break;
+        default:
+            break;
+    }
+    return Control::OnMessage(message, wParam, lParam);
+}

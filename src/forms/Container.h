@@ -1,0 +1,28 @@
+#pragma once
+
+#include "forms/Control.h"
+
+// A plain child window that holds other controls, or that is drawn by its owner: pages, panes, grips and bars.
+class PictureBox : public Control {
+public:
+    // `id` is the window's control id; tab order follows the order of creation.
+    void Create(HWND container, int id, DWORD style = WS_VISIBLE | WS_CLIPCHILDREN | WS_CLIPSIBLINGS, DWORD exStyle = 0);
+
+    // The system colour of the background, COLOR_BTNFACE unless set.
+    void SetBackColor(int systemColor) noexcept;
+    // Shown while the mouse is over it, IDC_ARROW unless set.
+    void SetMousePointer(const wchar_t* systemCursor) noexcept;
+    // Paints the client area after the background was erased.
+    std::function<void(HDC context, const RECT& client)> Paint;
+
+protected:
+    LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
+
+private:
+    int backColor_ = COLOR_BTNFACE;
+    HCURSOR cursor_ = nullptr;
+};
+
+// Window classes are registered once a module, and given back when the module goes.
+void RegisterWindowClass(const wchar_t* name, WNDPROC procedure, UINT style);
+void UnregisterWindowClasses() noexcept;

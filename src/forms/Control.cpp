@@ -1,0 +1,224 @@
+#include "forms/Control.h"
+
+#include <commctrl.h>
+#include <windowsx.h>
+
+#include "automation/App.h"
+#include "automation/RuntimeError.h"
+#include "forms/Events.h"
+#include "forms/Surroundings.h"
+#include "forms/Twips.h"
+
+namespace {
+
+
+UINT WhoAreYou() noexcept {
+    static const UINT message = RegisterWindowMessageW(L"brvControl.WhoAreYou");
+    return message;
+}
+
+int ShiftKeys() noexcept {
+    int state = 0;
+    if (GetKeyState(VK_SHIFT) < 0) state |= ShiftState::Shift;
+    if (GetKeyState(VK_CONTROL) < 0) state |= ShiftState::Ctrl;
+    if (GetKeyState(VK_MENU) < 0) state |= ShiftState::Alt;
+    return state;
+}
+
+}  // namespace
+
+Control::~Control() {
+    Destroy();
+}
+
+void Control::CreateWindowOf(const wchar_t* windowClass, DWORD style, DWORD exStyle, HWND container, int id,
+                             const wchar_t* text) {
+    const Surroundings surroundings;
+    const HWND window = CreateWindowExW(exStyle, windowClass, text, style | WS_CHILD, 0, 0, 0, 0, container,
+                                        reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)), App::Module(), nullptr);
+    if (window == nullptr) RaiseSystemError(ErrorNumber::OutOfMemory, GetLastError());
+    handle_ = window;
+    visible_ = (style & WS_VISIBLE) != 0;
+    // The platform's classes leave GWLP_USERDATA to the program: the way from handle to control is one read.
+    SetWindowLongPtrW(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
+    original_ = reinterpret_cast<WNDPROC>(
+        SetWindowLongPtrW(window, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&Control::Thunk)));
+}
+
+void Control::Destroy() noexcept {
+    if (handle_ != nullptr) DestroyWindow(handle_);
+    handle_ = nullptr;
+}
+
+void Control::AdoptPosition(const Control& other) noexcept {
+    left_ = other.left_;
+    top_ = other.top_;
+    width_ = other.width_;
+    height_ = other.height_;
+}
+
+UINT Control::Dpi() const noexcept {
+    return DpiOf(handle_);
+}
+
+void Control::Move(float left, float top, float width, float height) {
+    left_ = left;
+    top_ = top;
+    width_ = width < 0 ? 0 : width;
+    height_ = height < 0 ? 0 : height;
+    const UINT dpi = Dpi();
+    // Both edges are rounded, not the size: neighbours in twips stay neighbours in pixels.
+    const int x = TwipsToPixels(left_, dpi);
+    const int y = TwipsToPixels(top_, dpi);
+    SetWindowPos(handle_, nullptr, x, y, TwipsToPixels(left_ + width_, dpi) - x, TwipsToPixels(top_ + height_, dpi) - y,
+                 SWP_NOZORDER | SWP_NOACTIVATE | SWP_NOOWNERZORDER);
+    Events::Rethrow();
+}
+
+void Control::SetVisible(bool visible) {
+    visible_ = visible;
+    ShowWindow(handle_, visible ? SW_SHOWNA : SW_HIDE);
+    Events::Rethrow();
+}
+
+void Control::SetEnabled(bool enabled) {
+    EnableWindow(handle_, enabled);
+    Events::Rethrow();
+}
+
+void Control::BringToFront() {
+    SetWindowPos(handle_, HWND_TOP, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE | SWP_NOOWNERZORDER);
+    Events::Rethrow();
+}
+
+void Control::SetFocus() {
+    ::SetFocus(handle_);
+    Events::Rethrow();
+}
+
+bool Control::HasFocus() const noexcept {
+    const HWND focus = GetFocus();
+    return focus != nullptr && (focus == handle_ || IsChild(handle_, focus));
+}
+
+void Control::SetFont(HFONT font) {
+    Send(WM_SETFONT, reinterpret_cast<WPARAM>(font), TRUE);
+}
+
+std::wstring Control::WindowText() const {
+    std::wstring text(static_cast<size_t>(GetWindowTextLengthW(handle_)), L'\0');
+    text.resize(static_cast<size_t>(GetWindowTextW(handle_, text.data(), static_cast<int>(text.size()) + 1)));
+    return text;
+}
+
+void Control::SetWindowText(const std::wstring& text) {
+    SetWindowTextW(handle_, text.c_str());
+    Events::Rethrow();
+}
+
+LRESULT Control::Send(UINT message, WPARAM wParam, LPARAM lParam) const {
+    const LRESULT result = SendMessageW(handle_, message, wParam, lParam);
+    Events::Rethrow();
+    return result;
+}
+
+Control* Control::From(HWND window) noexcept {
+    // Asked by a message, so that the answer comes even where somebody has put a procedure of their own over ours.
+    if (window == nullptr || GetWindowThreadProcessId(window, nullptr) != GetCurrentThreadId()) return nullptr;
+    return reinterpret_cast<Control*>(SendMessageW(window, WhoAreYou(), 0, 0));
+}
+
+bool Control::Reflect(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result) {
+    HWND child = nullptr;
+    switch (message) {
+        case WM_COMMAND:
+        case WM_CTLCOLOREDIT:
+        case WM_CTLCOLORLISTBOX:
+        case WM_CTLCOLORBTN:
+        case WM_CTLCOLORSTATIC:
+            child = reinterpret_cast<HWND>(lParam);
+            break;
+        case WM_NOTIFY:
+            child = reinterpret_cast<const NMHDR*>(lParam)->hwndFrom;
+            break;
+        case WM_DRAWITEM:
+            child = reinterpret_cast<const DRAWITEMSTRUCT*>(lParam)->hwndItem;
+            break;
+        default:
+            return false;
+    }
+    Control* control = From(child);
+    return control != nullptr && control->OnReflected(message, wParam, lParam, result);
+}
+
+LRESULT Control::Original(UINT message, WPARAM wParam, LPARAM lParam) {
+    return CallWindowProcW(original_, handle_, message, wParam, lParam);
+}
+
+bool Control::OnReflected(UINT, WPARAM, LPARAM, LRESULT&) {
+    return false;
+}
+
+void Control::RaiseMouse(const MouseEvent& event, int button, WPARAM wParam, LPARAM lParam) {
+    if (!event) return;
+    (void)wParam;
+    const UINT dpi = Dpi();
+    event(button, ShiftKeys(), PixelsToTwips(GET_X_LPARAM(lParam), dpi), PixelsToTwips(GET_Y_LPARAM(lParam), dpi));
+}
+
+LRESULT Control::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
+    switch (message) {
+        case WM_LBUTTONDOWN:
+        case WM_LBUTTONDBLCLK:
+            RaiseMouse(MouseDown, MouseButton::Left, wParam, lParam);
+            break;
+        case WM_RBUTTONDOWN:
+            RaiseMouse(MouseDown, MouseButton::Right, wParam, lParam);
+            break;
+        case WM_MBUTTONDOWN:
+            RaiseMouse(MouseDown, MouseButton::Middle, wParam, lParam);
+            break;
+        case WM_MOUSEMOVE: {
+            int buttons = 0;
+            if (wParam & MK_LBUTTON) buttons |= MouseButton::Left;
+            if (wParam & MK_RBUTTON) buttons |= MouseButton::Right;
+            if (wParam & MK_MBUTTON) buttons |= MouseButton::Middle;
+            RaiseMouse(MouseMove, buttons, wParam, lParam);
+            break;
+        }
+        case WM_LBUTTONUP:
+            RaiseMouse(MouseUp, MouseButton::Left, wParam, lParam);
+            break;
+        case WM_RBUTTONUP:
+            RaiseMouse(MouseUp, MouseButton::Right, wParam, lParam);
+            break;
+        case WM_MBUTTONUP:
+            RaiseMouse(MouseUp, MouseButton::Middle, wParam, lParam);
+            break;
+        case WM_CAPTURECHANGED:
+            if (CaptureLost) CaptureLost();
+            break;
+        case WM_SETFOCUS: {
+            const LRESULT result = Original(message, wParam, lParam);
+            if (GotFocus) GotFocus();
+            return result;
+        }
+        case WM_SIZE: {
+            const LRESULT result = Original(message, wParam, lParam);
+            if (Resize) Resize();
+            return result;
+        }
+        default:
+            break;
+    }
+    return Original(message, wParam, lParam);
+}
+
+LRESULT CALLBACK Control::Thunk(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    auto* control = reinterpret_cast<Control*>(GetWindowLongPtrW(window, GWLP_USERDATA));
+    if (message == WhoAreYou()) return reinterpret_cast<LRESULT>(control);
+    LRESULT result = 0;
+    Events::Raise([&] { result = control->OnMessage(message, wParam, lParam); });
+    if (message == WM_NCDESTROY) control->handle_ = nullptr;
+    return result;
+}

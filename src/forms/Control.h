@@ -1,0 +1,100 @@
+#pragma once
+
+#include <windows.h>
+
+#include <functional>
+#include <string>
+
+// Mouse buttons and shift states as the events carry them: one value on MouseDown and MouseUp, a sum on MouseMove.
+namespace MouseButton {
+inline constexpr int Left = 1;
+inline constexpr int Right = 2;
+inline constexpr int Middle = 4;
+}  // namespace MouseButton
+
+namespace ShiftState {
+inline constexpr int Shift = 1;
+inline constexpr int Ctrl = 2;
+inline constexpr int Alt = 4;
+}  // namespace ShiftState
+
+// A child window of one of the platform's own classes, or a container of controls. Positions and sizes are in twips,
+// relative to the container's client area. A failure of Windows is error 7 at creation; every call that can raise an event
+// passes on what the event procedure let out.
+class Control {
+public:
+    using Event = std::function<void()>;
+    // Button(s), shift state, position in twips relative to the control.
+    using MouseEvent = std::function<void(int button, int shift, float x, float y)>;
+
+    Control() = default;
+    virtual ~Control();
+    Control(const Control&) = delete;
+    Control& operator=(const Control&) = delete;
+
+    HWND Handle() const noexcept { return handle_; }
+    UINT Dpi() const noexcept;
+
+    // What was set last, to the twip, whatever the pixels made of it.
+    float Left() const noexcept { return left_; }
+    float Top() const noexcept { return top_; }
+    float Width() const noexcept { return width_; }
+    float Height() const noexcept { return height_; }
+    // Raises Resize when the size in pixels changes.
+    void Move(float left, float top, float width, float height);
+    void SetLeft(float left) { Move(left, top_, width_, height_); }
+    void SetHeight(float height) { Move(left_, top_, width_, height); }
+    // Applies the position again after the dots per inch changed.
+    void Reposition() { Move(left_, top_, width_, height_); }
+
+    bool Visible() const noexcept { return visible_; }  // as set; a control in a hidden container may be visible
+    void SetVisible(bool visible);
+    void SetEnabled(bool enabled);
+    void BringToFront();
+    void SetFocus();
+    bool HasFocus() const noexcept;
+    // The control does not own the font.
+    virtual void SetFont(HFONT font);
+    std::wstring WindowText() const;
+    void SetWindowText(const std::wstring& text);
+
+    Event Click;
+    Event Resize;
+    Event GotFocus;
+    MouseEvent MouseDown;
+    MouseEvent MouseMove;
+    MouseEvent MouseUp;
+    Event CaptureLost;  // the mouse was taken away in the middle of a drag
+
+    // A message to the control's window; what its events let out is thrown when it is back.
+    LRESULT Send(UINT message, WPARAM wParam = 0, LPARAM lParam = 0) const;
+
+    // The control of a window handle, or null when it is none of ours.
+    static Control* From(HWND window) noexcept;
+    // Containers pass notifications of their children on to the child that they speak of. Returns whether there was one.
+    static bool Reflect(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result);
+
+protected:
+    // Makes the window and takes its messages over. Called once, or again after Destroy.
+    void CreateWindowOf(const wchar_t* windowClass, DWORD style, DWORD exStyle, HWND container, int id, const wchar_t* text);
+    void Destroy() noexcept;
+    void AdoptPosition(const Control& other) noexcept;
+
+    virtual LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam);
+    // A notification that the container reflected: WM_COMMAND, WM_NOTIFY, WM_CTLCOLORSTATIC, ... False: not taken.
+    virtual bool OnReflected(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result);
+    // What the window's class does with the message by itself.
+    LRESULT Original(UINT message, WPARAM wParam, LPARAM lParam);
+
+private:
+    static LRESULT CALLBACK Thunk(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+    void RaiseMouse(const MouseEvent& event, int button, WPARAM wParam, LPARAM lParam);
+
+    HWND handle_ = nullptr;
+    WNDPROC original_ = nullptr;
+    float left_ = 0;
+    float top_ = 0;
+    float width_ = 0;
+    float height_ = 0;
+    bool visible_ = true;
+};

@@ -1,0 +1,318 @@
+#include "forms/Form.h"
+
+#include <ole2.h>
+
+#include "automation/App.h"
+#include "automation/RuntimeError.h"
+#include "forms/Container.h"
+#include "forms/Events.h"
+#include "forms/Surroundings.h"
+#include "forms/Twips.h"
+
+namespace {
+
+constexpr const wchar_t* FormClass = L"brvSQLEditorForm";
+
+HMODULE HoldModule() noexcept {
+    HMODULE held = nullptr;
+    GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS, reinterpret_cast<LPCWSTR>(&HoldModule), &held);
+    return held;
+}
+
+}  // namespace
+
+Form::Form() = default;
+
+Form::~Form() {
+    if (handle_ != nullptr) {
+        EnableOthers();
+        DestroyWindow(handle_);
+        // The window procedure is not called any more: the reference that kept the code in the process can go. It is never
+        // the last one, since the caller came through COM, which has its own.
+        FreeLibrary(App::Module());
+    }
+    if (ole_) OleUninitialize();
+}
+
+UINT Form::Dpi() const noexcept {
+    return DpiOf(handle_);
+}
+
+void Form::Load() {
+    if (loaded_) return;
+    // Set first: a load that fails is not run again, and what it touches finds the window loaded.
+    loaded_ = true;
+    const Surroundings surroundings;
+    // Drag and drop and the clipboard need OLE, which the host may not have started on this thread.
+    ole_ = SUCCEEDED(OleInitialize(nullptr));
+    RegisterWindowClass(FormClass, &Form::Procedure, 0);
+    const HWND window = CreateWindowExW(0, FormClass, L"", WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN, 0, 0, 0, 0, nullptr, nullptr,
+                                        App::Module(), this);
+    if (window == nullptr) RaiseSystemError(ErrorNumber::OutOfMemory, GetLastError());
+    HoldModule();
+    MakeFonts();
+    CreateControls();
+    FontsChanged();
+    Events::Rethrow();
+    // Whatever becomes of the load, the window is laid out.
+    struct LayOut {
+        Form& Self;
+        bool Done = false;
+        void Run() {
+            Done = true;
+            Self.ready_ = true;
+            Self.Form_Resize();
+        }
+        ~LayOut() {
+            if (!Done) Events::Raise([this] { Run(); });
+        }
+    } layOut{*this};
+    Form_Load();
+    layOut.Run();
+}
+
+void Form::MakeFonts() {
+    const NONCLIENTMETRICSW metrics = MetricsFor(Dpi());
+    messageFont_.reset(CreateFontIndirectW(&metrics.lfMessageFont));
+}
+
+RECT Form::Bounds() const noexcept {
+    RECT bounds{};
+    GetWindowRect(handle_, &bounds);
+    return bounds;
+}
+
+void Form::SetBounds(int x, int y, int width, int height, UINT flags) {
+    SetWindowPos(handle_, nullptr, x, y, width, height, flags | SWP_NOZORDER | SWP_NOACTIVATE);
+    Events::Rethrow();
+}
+
+float Form::Left() const {
+    return PixelsToTwips(Bounds().left, Dpi());
+}
+
+float Form::Top() const {
+    return PixelsToTwips(Bounds().top, Dpi());
+}
+
+float Form::Width() const {
+    const RECT bounds = Bounds();
+    return PixelsToTwips(bounds.right - bounds.left, Dpi());
+}
+
+float Form::Height() const {
+    const RECT bounds = Bounds();
+    return PixelsToTwips(bounds.bottom - bounds.top, Dpi());
+}
+
+void Form::SetLeft(float left) {
+    SetBounds(TwipsToPixels(left, Dpi()), Bounds().top, 0, 0, SWP_NOSIZE);
+}
+
+void Form::SetTop(float top) {
+    SetBounds(Bounds().left, TwipsToPixels(top, Dpi()), 0, 0, SWP_NOSIZE);
+}
+
+void Form::SetWidth(float width) {
+    const RECT bounds = Bounds();
+    SetBounds(0, 0, TwipsToPixels(width, Dpi()), bounds.bottom - bounds.top, SWP_NOMOVE);
+}
+
+void Form::SetHeight(float height) {
+    const RECT bounds = Bounds();
+    SetBounds(0, 0, bounds.right - bounds.left, TwipsToPixels(height, Dpi()), SWP_NOMOVE);
+}
+
+float Form::ScaleWidth() const {
+    RECT client{};
+    GetClientRect(handle_, &client);
+    return PixelsToTwips(client.right, Dpi());
+}
+
+float Form::ScaleHeight() const {
+    RECT client{};
+    GetClientRect(handle_, &client);
+    return PixelsToTwips(client.bottom, Dpi());
+}
+
+Form::State Form::WindowState() const noexcept {
+    if (IsIconic(handle_)) return State::Minimized;
+    return IsZoomed(handle_) ? State::Maximized : State::Normal;
+}
+
+void Form::SetCaption(const std::wstring& caption) {
+    SetWindowTextW(handle_, caption.c_str());
+    Events::Rethrow();
+}
+
+void Form::DisableOthers() {
+    previousActive_ = GetActiveWindow();
+    struct Search {
+        Form& Self;
+    } search{*this};
+    EnumThreadWindows(
+        GetCurrentThreadId(),
+        [](HWND window, LPARAM parameter) -> BOOL {
+            Form& self = reinterpret_cast<Search*>(parameter)->Self;
+            if (window != self.handle_ && IsWindowVisible(window) && IsWindowEnabled(window)) {
+                self.disabled_.push_back(window);
+            }
+            return TRUE;
+        },
+        reinterpret_cast<LPARAM>(&search));
+    // After the enumeration: a host may make or destroy windows when one of its own is disabled.
+    for (const HWND window : disabled_) EnableWindow(window, FALSE);
+}
+
+void Form::EnableOthers() noexcept {
+    for (const HWND window : disabled_) {
+        if (IsWindow(window)) EnableWindow(window, TRUE);
+    }
+    disabled_.clear();
+}
+
+void Form::ShowModal() {
+    Load();
+    if (shown_) RaiseError(ErrorNumber::FormAlreadyShown);
+    const Surroundings surroundings;
+    struct Showing {
+        Form& Self;
+        ~Showing() {
+            if (Self.shown_) Events::Raise([this] { Self.Hide(); });
+            Self.EnableOthers();
+        }
+    } showing{*this};
+    shown_ = true;
+    DisableOthers();
+    // A window that was minimised when it was closed would come back as a button in the taskbar, with the host disabled
+    // behind it: it is restored.
+    const int command = IsIconic(handle_) ? SW_RESTORE : SW_SHOW;
+    ShowWindow(handle_, command);
+    // A process that was started hidden has its first ShowWindow turned into hiding.
+    if (!IsWindowVisible(handle_)) ShowWindow(handle_, command);
+    SetForegroundWindow(handle_);
+    Events::Rethrow();
+    Form_Activate();
+    RunLoop();
+}
+
+void Form::RunLoop() {
+    while (shown_) {
+        MSG message;
+        const BOOL got = GetMessageW(&message, nullptr, 0, 0);
+        if (got <= 0) {
+            // The host is quitting: its own loop has to see that too.
+            if (got == 0) PostQuitMessage(static_cast<int>(message.wParam));
+            Hide();
+            break;
+        }
+        if (CallMsgFilterW(&message, MSGF_DIALOGBOX)) continue;
+        const bool ours = message.hwnd == handle_ || IsChild(handle_, message.hwnd);
+        bool swallowed = false;
+        if (ours) Events::Raise([&] { swallowed = KeyPreview(message) || Menus.Translate(message) || Navigate(message); });
+        if (!swallowed) {
+            TranslateMessage(&message);
+            DispatchMessageW(&message);
+        }
+        Events::Rethrow();
+    }
+}
+
+bool Form::KeyPreview(MSG&) {
+    return false;
+}
+
+bool Form::Navigate(const MSG& message) {
+    if (message.message != WM_KEYDOWN) return false;
+    const bool ctrl = GetKeyState(VK_CONTROL) < 0;
+    const bool back = GetKeyState(VK_SHIFT) < 0;
+    const bool tab = message.wParam == VK_TAB && GetKeyState(VK_MENU) >= 0;
+    // F6 goes from pane to pane in every program of Windows; Ctrl+Tab leaves controls that take the Tab key for themselves.
+    if (!(tab || (message.wParam == VK_F6 && !ctrl))) return false;
+    if (tab && !ctrl && (SendMessageW(message.hwnd, WM_GETDLGCODE, VK_TAB, 0) & (DLGC_WANTTAB | DLGC_WANTALLKEYS)) != 0 &&
+        !back) {
+        return false;
+    }
+    const HWND next = GetNextDlgTabItem(handle_, GetFocus(), back);
+    if (next != nullptr) ::SetFocus(next);
+    return true;
+}
+
+void Form::Hide() {
+    if (!shown_) return;
+    shown_ = false;
+    // Enabled before this window goes, else the activation would go to another program.
+    EnableOthers();
+    ShowWindow(handle_, SW_HIDE);
+    if (IsWindow(previousActive_) && GetForegroundWindow() != previousActive_) SetForegroundWindow(previousActive_);
+    previousActive_ = nullptr;
+    // Wakes a loop that waits in GetMessage.
+    PostMessageW(handle_, WM_NULL, 0, 0);
+    Events::Rethrow();
+}
+
+void Form::Unload() {
+    if (!loaded_) return;
+    bool cancel = false;
+    Form_Unload(cancel);
+}
+
+LRESULT CALLBACK Form::Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message == WM_NCCREATE) {
+        auto* form = static_cast<Form*>(reinterpret_cast<const CREATESTRUCTW*>(lParam)->lpCreateParams);
+        form->handle_ = window;
+        SetWindowLongPtrW(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(form));
+    }
+    auto* form = reinterpret_cast<Form*>(GetWindowLongPtrW(window, GWLP_USERDATA));
+    if (form == nullptr) return DefWindowProcW(window, message, wParam, lParam);
+    LRESULT result = 0;
+    Events::Raise([&] { result = form->OnMessage(message, wParam, lParam); });
+    return result;
+}
+
+LRESULT Form::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
+    LRESULT result = 0;
+    if (Control::Reflect(message, wParam, lParam, result)) return result;
+    switch (message) {
+        case WM_COMMAND:
+            if (lParam == 0 && Menus.OnCommand(LOWORD(wParam))) return 0;
+            break;
+        case WM_INITMENUPOPUP:
+            if (HIWORD(lParam) == 0) Menus.OnInitPopup(reinterpret_cast<HMENU>(wParam));
+            break;
+        case WM_SIZE:
+            if (ready_) Form_Resize();
+            return 0;
+        case WM_CLOSE:
+            Unload();
+            return 0;
+        case WM_ACTIVATE:
+            // The focus comes back to where it was, as it does in a dialog.
+            if (LOWORD(wParam) == WA_INACTIVE) {
+                const HWND focus = GetFocus();
+                if (focus != nullptr && IsChild(handle_, focus)) lastFocus_ = focus;
+            } else if (HIWORD(wParam) == 0 && IsWindow(lastFocus_) && IsChild(handle_, lastFocus_)) {
+                ::SetFocus(lastFocus_);
+            }
+            return 0;
+        case WM_DPICHANGED: {
+            MakeFonts();
+            FontsChanged();
+            const auto* suggested = reinterpret_cast<const RECT*>(lParam);
+            SetWindowPos(handle_, nullptr, suggested->left, suggested->top, suggested->right - suggested->left,
+                         suggested->bottom - suggested->top, SWP_NOZORDER | SWP_NOACTIVATE);
+            if (ready_) Form_Resize();
+            return 0;
+        }
+        case WM_SETTINGCHANGE:
+            if (wParam == SPI_SETNONCLIENTMETRICS) {
+                MakeFonts();
+                FontsChanged();
+                if (ready_) Form_Resize();
+            }
+            break;
+        default:
+            break;
+    }
+    return DefWindowProcW(handle_, message, wParam, lParam);
+}

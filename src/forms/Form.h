@@ -1,0 +1,90 @@
+#pragma once
+
+#include <windows.h>
+
+#include <string>
+#include <vector>
+
+#include "automation/Server.h"
+#include "forms/Control.h"
+#include "forms/Handles.h"
+#include "forms/Menu.h"
+
+// A top-level window that is loaded late, shown modally without an owner, and hidden rather than closed. Positions and sizes
+// are in twips of the window's own dots per inch. Lives on one thread.
+class Form {
+public:
+    enum class State { Normal, Minimized, Maximized };
+
+    Form();
+    virtual ~Form();
+    Form(const Form&) = delete;
+    Form& operator=(const Form&) = delete;
+
+    // Makes the window and its controls and raises Form_Load, the first time that it is called; lays out and does nothing else
+    // afterwards. Every public member that touches the window or a control begins with it.
+    void Load();
+    bool Loaded() const noexcept { return loaded_; }
+    HWND Handle() const noexcept { return handle_; }
+    UINT Dpi() const noexcept;
+
+    float Left() const;
+    float Top() const;
+    float Width() const;
+    float Height() const;
+    void SetLeft(float left);
+    void SetTop(float top);
+    void SetWidth(float width);
+    void SetHeight(float height);
+    float ScaleWidth() const;   // inside the borders
+    float ScaleHeight() const;  // below the menu bar
+    State WindowState() const noexcept;
+
+    void SetCaption(const std::wstring& caption);
+    // Shows the window, raises Form_Activate, and runs a message loop until the window is hidden. The thread's other windows
+    // are disabled meanwhile and enabled again whatever happens. Error 400 when it is shown already.
+    void ShowModal();
+    bool Visible() const noexcept { return shown_; }
+    // Ends ShowModal.
+    void Hide();
+    // What the close box does: asks Form_Unload.
+    void Unload();
+
+protected:
+    // The names and the order of events are those of the hosts' own forms package.
+    virtual void CreateControls() = 0;
+    virtual void Form_Load() = 0;
+    virtual void Form_Activate() = 0;
+    virtual void Form_Resize() = 0;
+    virtual void Form_Unload(bool& cancel) = 0;
+    // The fonts were made, or made anew because the dots per inch changed.
+    virtual void FontsChanged() = 0;
+    // A key before it goes to the control that has the focus. True: it is swallowed.
+    virtual bool KeyPreview(MSG& message);
+
+    HFONT MessageFont() const noexcept { return messageFont_.get(); }  // the system's dialog font
+    MenuBar Menus{100};
+    void DrawMenuBar() const noexcept { ::DrawMenuBar(handle_); }
+
+private:
+    static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+    LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam);
+    void MakeFonts();
+    RECT Bounds() const noexcept;
+    void SetBounds(int x, int y, int width, int height, UINT flags);
+    void DisableOthers();
+    void EnableOthers() noexcept;
+    void RunLoop();
+    bool Navigate(const MSG& message);
+
+    HWND handle_ = nullptr;
+    HWND lastFocus_ = nullptr;
+    std::vector<HWND> disabled_;
+    HWND previousActive_ = nullptr;
+    FontHandle messageFont_;
+    ModuleLock lock_;
+    bool loaded_ = false;
+    bool ready_ = false;  // Form_Load is over: sizes are laid out from here on
+    bool shown_ = false;
+    bool ole_ = false;
+};

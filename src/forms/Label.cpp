@@ -1,0 +1,47 @@
+#include "forms/Label.h"
+
+#include "forms/Twips.h"
+
+void Label::Create(HWND container, int id, const std::wstring& caption) {
+    // SS_NOTIFY lets the mouse reach the tooltip; SS_NOPREFIX keeps an ampersand in a table's name.
+    CreateWindowOf(L"Static", SS_LEFT | SS_NOPREFIX | SS_NOTIFY | WS_VISIBLE | WS_CLIPSIBLINGS, 0, container, id,
+                   caption.c_str());
+    caption_ = caption;
+}
+
+void Label::SetCaption(const std::wstring& caption) {
+    if (caption == caption_) return;
+    caption_ = caption;
+    SetWindowText(caption);
+    UpdateTip();
+}
+
+void Label::SetFont(HFONT font) {
+    font_ = font;
+    Control::SetFont(font);
+}
+
+float Label::HeightFor(float width) const {
+    const UINT dpi = Dpi();
+    RECT area{0, 0, TwipsToPixels(width, dpi), 0};
+    const HDC context = GetDC(Handle());
+    const HGDIOBJ previous = SelectObject(context, font_);
+    DrawTextW(context, caption_.c_str(), static_cast<int>(caption_.size()), &area, DT_CALCRECT | DT_WORDBREAK | DT_NOPREFIX);
+    SelectObject(context, previous);
+    ReleaseDC(Handle(), context);
+    return PixelsToTwips(area.bottom, dpi);
+}
+
+void Label::UpdateTip() {
+    tip_.SetText(Handle(), HeightFor(Width()) > Height() ? caption_ : std::wstring());
+}
+
+LRESULT Label::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message == WM_SIZE) {
+        const LRESULT result = Control::OnMessage(message, wParam, lParam);
+        UpdateTip();
+        InvalidateRect(Handle(), nullptr, TRUE);
+        return result;
+    }
+    return Control::OnMessage(message, wParam, lParam);
+}

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "forms/Control.h"
+#include "forms/Tooltip.h"
+
+// A text that the user reads. It wraps; a text that does not fit its height is shown whole as a tooltip.
+class Label : public Control {
+public:
+    void Create(HWND container, int id, const std::wstring& caption);
+
+    const std::wstring& Caption() const noexcept { return caption_; }
+    void SetCaption(const std::wstring& caption);
+    // The height in twips that the caption takes at that width, in the label's font.
+    float HeightFor(float width) const;
+    void SetFont(HFONT font) override;
+
+protected:
+    LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
+
+private:
+    void UpdateTip();
+    std::wstring caption_;
+    HFONT font_ = nullptr;
+    Tooltip tip_;
+};

@@ -1,0 +1,56 @@
+#include "forms/ListBox.h"
+
+#include "automation/RuntimeError.h"
+
+void ListBox::Create(HWND container, int id) {
+    CreateWindowOf(L"ListBox",
+                   LBS_NOTIFY | LBS_NOINTEGRALHEIGHT | LBS_HASSTRINGS | WS_VSCROLL | WS_TABSTOP | WS_VISIBLE | WS_CLIPSIBLINGS,
+                   WS_EX_CLIENTEDGE, container, id, L"");
+}
+
+void ListBox::Clear() {
+    Send(LB_RESETCONTENT);
+}
+
+int ListBox::ListCount() const {
+    return static_cast<int>(Send(LB_GETCOUNT));
+}
+
+int ListBox::AddItem(const std::wstring& text) {
+    const auto row = static_cast<int>(Send(LB_ADDSTRING, 0, reinterpret_cast<LPARAM>(text.c_str())));
+    if (row < 0) RaiseError(ErrorNumber::OutOfMemory);
+    return row;
+}
+
+std::wstring ListBox::List(int row) const {
+    const LRESULT length = Send(LB_GETTEXTLEN, static_cast<WPARAM>(row));
+    if (length <= 0) return {};
+    std::wstring text(static_cast<size_t>(length) + 1, L'\0');
+    const LRESULT copied = Send(LB_GETTEXT, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(text.data()));
+    text.resize(copied > 0 ? static_cast<size_t>(copied) : 0);
+    return text;
+}
+
+void ListBox::SetItemData(int row, long data) {
+    if (Send(LB_SETITEMDATA, static_cast<WPARAM>(row), data) == LB_ERR) RaiseError(ErrorNumber::InvalidPropertyValue);
+}
+
+long ListBox::ItemData(int row) const {
+    return static_cast<long>(Send(LB_GETITEMDATA, static_cast<WPARAM>(row)));
+}
+
+int ListBox::ListIndex() const {
+    return static_cast<int>(Send(LB_GETCURSEL));
+}
+
+void ListBox::SetListIndex(int row) {
+    if (row < -1 || row >= ListCount()) RaiseError(ErrorNumber::InvalidPropertyValue);
+    Send(LB_SETCURSEL, static_cast<WPARAM>(row));
+    if (Click) Click();
+}
+
+bool ListBox::OnReflected(UINT message, WPARAM wParam, LPARAM, LRESULT&) {
+    if (message != WM_COMMAND || HIWORD(wParam) != LBN_SELCHANGE) return false;
+    if (Click) Click();
+    return true;
+}

@@ -1,0 +1,83 @@
+#include "forms/Surroundings.h"
+
+#include <iterator>
+
+#include "automation/App.h"
+
+namespace {
+
+template <class Function>
+Function UserFunction(const char* name) noexcept {
+    const HMODULE user = GetModuleHandleW(L"user32.dll");
+    return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(user, name)));
+}
+
+// A DLL keeps its manifest as resource 2, a program as resource 1. Made once a module and never released: an activation
+// context is a small thing, and windows that are still to be made may need it until the module goes.
+HANDLE ModuleContext() noexcept {
+    static const HANDLE context = [] {
+        wchar_t path[MAX_PATH * 4];
+        const DWORD length = GetModuleFileNameW(App::Module(), path, static_cast<DWORD>(std::size(path)));
+        if (length == 0 || length == std::size(path)) return INVALID_HANDLE_VALUE;
+        for (const WORD resource : {WORD{2}, WORD{1}}) {
+            ACTCTXW request{};
+            request.cbSize = sizeof request;
+            request.dwFlags = ACTCTX_FLAG_RESOURCE_NAME_VALID | ACTCTX_FLAG_HMODULE_VALID;
+            request.lpSource = path;
+            request.lpResourceName = MAKEINTRESOURCEW(resource);
+            request.hModule = App::Module();
+            const HANDLE made = CreateActCtxW(&request);
+            if (made != INVALID_HANDLE_VALUE) return made;
+        }
+        return INVALID_HANDLE_VALUE;
+    }();
+    return context;
+}
+
+using SetContext = DPI_AWARENESS_CONTEXT(WINAPI*)(DPI_AWARENESS_CONTEXT);
+
+SetContext SetThreadContext() noexcept {
+    static const auto function = UserFunction<SetContext>("SetThreadDpiAwarenessContext");
+    return function;
+}
+
+}  // namespace
+
+Surroundings::Surroundings() noexcept {
+    const HANDLE context = ModuleContext();
+    if (context != INVALID_HANDLE_VALUE) activated_ = ActivateActCtx(context, &cookie_) != FALSE;
+    if (const auto set = SetThreadContext()) {
+        dpiContext_ = set(DPI_AWARENESS_CONTEXT_PER_MONITOR_AWARE_V2);
+        // Windows 10 before 1703 knows the first form only.
+        if (dpiContext_ == nullptr) dpiContext_ = set(DPI_AWARENESS_CONTEXT_PER_MONITOR_AWARE);
+    }
+}
+
+Surroundings::~Surroundings() {
+    if (dpiContext_ != nullptr) SetThreadContext()(static_cast<DPI_AWARENESS_CONTEXT>(dpiContext_));
+    if (activated_) DeactivateActCtx(0, cookie_);
+}
+
+UINT DpiOf(HWND window) noexcept {
+    static const auto forWindow = UserFunction<UINT(WINAPI*)(HWND)>("GetDpiForWindow");
+    if (forWindow != nullptr && window != nullptr) {
+        if (const UINT dpi = forWindow(window)) return dpi;
+    }
+    const HDC screen = GetDC(nullptr);
+    const int dpi = GetDeviceCaps(screen, LOGPIXELSX);
+    ReleaseDC(nullptr, screen);
+    return dpi > 0 ? static_cast<UINT>(dpi) : 96U;
+}
+
+NONCLIENTMETRICSW MetricsFor(UINT dpi) noexcept {
+    static const auto forDpi = UserFunction<BOOL(WINAPI*)(UINT, UINT, PVOID, UINT, UINT)>("SystemParametersInfoForDpi");
+    NONCLIENTMETRICSW metrics{};
+    metrics.cbSize = sizeof metrics;
+    if (forDpi != nullptr && forDpi(SPI_GETNONCLIENTMETRICS, sizeof metrics, &metrics, 0, dpi)) return metrics;
+    SystemParametersInfoW(SPI_GETNONCLIENTMETRICS, sizeof metrics, &metrics, 0);
+    const auto screen = static_cast<int>(DpiOf(nullptr));
+    for (LOGFONTW* font : {&metrics.lfMessageFont, &metrics.lfMenuFont, &metrics.lfStatusFont, &metrics.lfCaptionFont}) {
+        font->lfHeight = MulDiv(font->lfHeight, static_cast<int>(dpi), screen);
+    }
+    return metrics;
+}

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <windows.h>
+
+// The host's process may carry an old manifest or none, and its own idea of dots per inch. While one of these lives, the
+// thread makes windows with this module's manifest (common controls 6) and per-monitor dots per inch; afterwards the host
+// has its surroundings back. Cheap; nests.
+class Surroundings {
+public:
+    Surroundings() noexcept;
+    ~Surroundings();
+    Surroundings(const Surroundings&) = delete;
+    Surroundings& operator=(const Surroundings&) = delete;
+
+private:
+    ULONG_PTR cookie_ = 0;
+    bool activated_ = false;
+    void* dpiContext_ = nullptr;
+};
+
+// Dots per inch of a window, or of the screen for null, on every release of Windows.
+UINT DpiOf(HWND window) noexcept;
+// SystemParametersInfo(SPI_GETNONCLIENTMETRICS) for those dots per inch.
+NONCLIENTMETRICSW MetricsFor(UINT dpi) noexcept;

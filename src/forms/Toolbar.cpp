@@ -1,0 +1,72 @@
+#include "forms/Toolbar.h"
+
+#include "automation/RuntimeError.h"
+#include "forms/Surroundings.h"
+#include "forms/Tooltip.h"
+#include "forms/Twips.h"
+
+namespace {
+constexpr int FirstCommand = 0x7000;
+}
+
+void Toolbar::Create(HWND container, int id) {
+    CreateWindowOf(TOOLBARCLASSNAMEW,
+                   TBSTYLE_FLAT | TBSTYLE_LIST | TBSTYLE_TOOLTIPS | CCS_TOP | CCS_NODIVIDER | WS_VISIBLE | WS_CLIPSIBLINGS |
+                       WS_TABSTOP,
+                   0, container, id, L"");
+    Send(TB_BUTTONSTRUCTSIZE, sizeof(TBBUTTON));
+    Send(TB_SETEXTENDEDSTYLE, 0, TBSTYLE_EX_MIXEDBUTTONS | TBSTYLE_EX_DOUBLEBUFFER);
+    // Tips of our own making, since those that the toolbar makes are owned by the form (see Tooltip).
+    tips_ = CreateTooltipWindow();
+    Send(TB_SETTOOLTIPS, reinterpret_cast<WPARAM>(tips_));
+}
+
+Toolbar::~Toolbar() {
+    if (tips_ != nullptr) DestroyWindow(tips_);
+}
+
+void Toolbar::SetImageList(HIMAGELIST images) {
+    Send(TB_SETIMAGELIST, 0, reinterpret_cast<LPARAM>(images));
+}
+
+void Toolbar::AddButton(const Button& button) {
+    TBBUTTON made{};
+    made.iBitmap = button.Image;
+    made.idCommand = FirstCommand + static_cast<int>(buttons_.size());
+    made.fsState = TBSTATE_ENABLED;
+    made.fsStyle = BTNS_BUTTON | BTNS_AUTOSIZE | BTNS_SHOWTEXT;
+    made.iString = reinterpret_cast<INT_PTR>(button.Caption.c_str());
+    if (!Send(TB_ADDBUTTONSW, 1, reinterpret_cast<LPARAM>(&made))) RaiseError(ErrorNumber::OutOfMemory);
+    buttons_.push_back(button);
+}
+
+float Toolbar::Arrange() {
+    Send(TB_AUTOSIZE);
+    RECT bar;
+    GetWindowRect(Handle(), &bar);
+    return PixelsToTwips(bar.bottom - bar.top, Dpi());
+}
+
+bool Toolbar::OnReflected(UINT message, WPARAM wParam, LPARAM, LRESULT&) {
+    if (message != WM_COMMAND) return false;
+    const int position = LOWORD(wParam) - FirstCommand;
+    if (position < 0 || position >= static_cast<int>(buttons_.size())) return false;
+    if (ButtonClick) ButtonClick(buttons_[static_cast<size_t>(position)]);
+    return true;
+}
+
+LRESULT Toolbar::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
+    // The tip window asks the toolbar's parent for the text; it is answered here already, where the texts are.
+    if (message == WM_NOTIFY) {
+        const auto* header = reinterpret_cast<const NMHDR*>(lParam);
+        if (header->hwndFrom == tips_ && header->code == static_cast<UINT>(TTN_GETDISPINFOW)) {
+            const auto position = static_cast<size_t>(header->idFrom) - FirstCommand;
+            if (position < buttons_.size()) {
+                auto* info = reinterpret_cast<NMTTDISPINFOW*>(lParam);
+                info->lpszText = buttons_[position].ToolTipText.data();
+                return 0;
+            }
+        }
+    }
+    return Control::OnMessage(message, wParam, lParam);
+}

@@ -1,0 +1,52 @@
+#include "forms/Tooltip.h"
+
+#include <commctrl.h>
+
+#include "automation/App.h"
+#include "forms/Surroundings.h"
+#include "forms/Twips.h"
+
+namespace {
+
+// The structure without the member that came last: common controls of every version take it.
+constexpr UINT ToolInfoSize = TTTOOLINFOW_V2_SIZE;
+
+TTTOOLINFOW ToolOf(HWND control) noexcept {
+    TTTOOLINFOW tool{};
+    tool.cbSize = ToolInfoSize;
+    tool.uFlags = TTF_IDISHWND | TTF_SUBCLASS;
+    tool.hwnd = control;
+    tool.uId = reinterpret_cast<UINT_PTR>(control);
+    return tool;
+}
+
+}  // namespace
+
+HWND CreateTooltipWindow() {
+    const Surroundings surroundings;
+    return CreateWindowExW(WS_EX_TOPMOST | WS_EX_TOOLWINDOW | WS_EX_TRANSPARENT, TOOLTIPS_CLASSW, nullptr,
+                           WS_POPUP | TTS_NOPREFIX | TTS_ALWAYSTIP, CW_USEDEFAULT, CW_USEDEFAULT, CW_USEDEFAULT,
+                           CW_USEDEFAULT, nullptr, nullptr, App::Module(), nullptr);
+}
+
+Tooltip::~Tooltip() {
+    if (tip_ != nullptr) DestroyWindow(tip_);
+}
+
+void Tooltip::SetText(HWND control, const std::wstring& text) {
+    if (tip_ != nullptr && control_ != nullptr) {
+        TTTOOLINFOW old = ToolOf(control_);
+        SendMessageW(tip_, TTM_DELTOOLW, 0, reinterpret_cast<LPARAM>(&old));
+        control_ = nullptr;
+    }
+    if (text.empty()) return;
+    if (tip_ == nullptr) tip_ = CreateTooltipWindow();
+    if (tip_ == nullptr) return;
+    TTTOOLINFOW tool = ToolOf(control);
+    std::wstring copy = text;
+    tool.lpszText = copy.data();
+    SendMessageW(tip_, TTM_SETMAXTIPWIDTH, 0, TwipsToPixels(4500, DpiOf(control)));
+    SendMessageW(tip_, TTM_SETDELAYTIME, TTDT_AUTOPOP, 20000);
+    SendMessageW(tip_, TTM_ADDTOOLW, 0, reinterpret_cast<LPARAM>(&tool));
+    control_ = control;
+}

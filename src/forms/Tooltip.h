@@ -1,0 +1,25 @@
+#pragma once
+
+#include <windows.h>
+
+#include <string>
+
+// The tip of one control. Its window belongs to no other window: one that is owned by the form can keep SetWindowPos from
+// making the form topmost under Wine. It is made with the first text.
+class Tooltip {
+public:
+    Tooltip() = default;
+    ~Tooltip();
+    Tooltip(const Tooltip&) = delete;
+    Tooltip& operator=(const Tooltip&) = delete;
+
+    // An empty text takes the tip away. The control's window must outlive the tip or be given again when it is made anew.
+    void SetText(HWND control, const std::wstring& text);
+
+private:
+    HWND tip_ = nullptr;
+    HWND control_ = nullptr;
+};
+
+// An empty tooltip window of that kind, for controls that manage the tools of their tip themselves.
+HWND CreateTooltipWindow();
