@@ -1,0 +1,126 @@
+# Compile and link options of every target of ours, and the functions that make the three kinds of them.
+
+configure_file(${CMAKE_SOURCE_DIR}/cmake/Version.h.in ${CMAKE_BINARY_DIR}/generated/automation/Version.h @ONLY)
+
+include_directories(${CMAKE_SOURCE_DIR}/src ${CMAKE_BINARY_DIR}/generated)
+add_compile_definitions(UNICODE _UNICODE WINVER=0x0A00 _WIN32_WINNT=0x0A00)
+add_compile_options($<$<COMPILE_LANGUAGE:CXX>:-Wall> $<$<COMPILE_LANGUAGE:CXX>:-Wextra>
+    $<$<COMPILE_LANGUAGE:CXX>:-ffunction-sections> $<$<COMPILE_LANGUAGE:CXX>:-fdata-sections>)
+
+# No run-time library beside a DLL or program; loaded at a random address; data not executable.
+# The reading of a type library and the .def files need names without the @bytes of stdcall.
+add_link_options(-static -static-libgcc -static-libstdc++
+    -Wl,--dynamicbase -Wl,--nxcompat -Wl,--disable-auto-image-base -Wl,--gc-sections
+    $<$<CONFIG:Release>:-s>)
+if(CMAKE_SIZEOF_VOID_P EQUAL 8)
+    add_link_options(-Wl,--high-entropy-va)
+else()
+    add_link_options(-Wl,--enable-stdcall-fixup)
+endif()
+
+if(CMAKE_SIZEOF_VOID_P EQUAL 8)
+    set(brv_widl_width --win64)
+    find_program(BRV_WIDL NAMES x86_64-w64-mingw32-widl widl)
+else()
+    set(brv_widl_width --win32)
+    find_program(BRV_WIDL NAMES i686-w64-mingw32-widl widl)
+endif()
+if(NOT BRV_WIDL)
+    message(FATAL_ERROR "widl, the IDL compiler of MinGW-w64, was not found (Debian: mingw-w64-tools)")
+endif()
+
+
+# The standard type library that every type library refers to: Windows' own, else Wine's.
+find_path(BRV_STDOLE_FOLDER NAMES stdole2.tlb NO_CMAKE_FIND_ROOT_PATH
+    PATHS "$ENV{SystemRoot}/System32" /usr/lib/i386-linux-gnu/wine/i386-windows /usr/lib/x86_64-linux-gnu/wine/x86_64-windows
+          /usr/lib/wine/i386-windows /usr/lib/wine/x86_64-windows /usr/lib32/wine/i386-windows)
+if(NOT BRV_STDOLE_FOLDER)
+    message(FATAL_ERROR "stdole2.tlb, the standard type library, was not found (Debian: libwine:i386)")
+endif()
+set(brv_widl ${BRV_WIDL} ${brv_widl_width} -I${CMAKE_SOURCE_DIR}/cmake/idl -I${CMAKE_SOURCE_DIR}/src
+    -I${CMAKE_BINARY_DIR}/generated -L${BRV_STDOLE_FOLDER})
+
+# brv_add_type_library(<name> <file.idl>)
+# Compiles the IDL to <name>.tlb, <name>_h.h and <name>_i.c in the build folder. Defines the target <name>_idl for
+# add_dependencies and the variable <name>_IDL_FOLDER (include path, also for the resource script) at the caller's.
+# The file begins with import "oaidl.idl"; its library says importlib("stdole2.tlb").
+function(brv_add_type_library name idl)
+    set(folder ${CMAKE_BINARY_DIR}/generated/${name}_idl)
+    set(outputs ${folder}/${name}.tlb ${folder}/${name}_h.h ${folder}/${name}_i.c)
+    get_filename_component(idl ${idl} ABSOLUTE)
+    add_custom_command(OUTPUT ${outputs}
+        COMMAND ${CMAKE_COMMAND} -E make_directory ${folder}
+        COMMAND ${brv_widl} -t -o ${folder}/${name}.tlb ${idl}
+        COMMAND ${brv_widl} -h -o ${folder}/${name}_h.h ${idl}
+        COMMAND ${brv_widl} -u -o ${folder}/${name}_i.c ${idl}
+        DEPENDS ${idl} ${CMAKE_BINARY_DIR}/generated/automation/Version.h
+        COMMENT "Type library ${name}.tlb"
+        VERBATIM)
+    add_custom_target(${name}_idl DEPENDS ${outputs})
+    set(${name}_IDL_FOLDER ${folder} PARENT_SCOPE)
+endfunction()
+
+# brv_add_com_server(<name> SOURCES ... [IDL x.idl] DEF x.def RC x.rc LIBRARIES ...)
+# An in-process server <name>.dll in the bin folder. With IDL the outputs of brv_add_type_library are on its include path.
+function(brv_add_com_server name)
+    cmake_parse_arguments(PARSE_ARGV 1 arg "" "IDL;DEF" "SOURCES;RC;LIBRARIES")
+    add_library(${name} SHARED ${arg_SOURCES} ${arg_DEF} ${arg_RC})
+    set_target_properties(${name} PROPERTIES PREFIX "" IMPORT_PREFIX "lib" OUTPUT_NAME ${name})
+    if(arg_IDL AND NOT TARGET ${name}_idl)
+        brv_add_type_library(${name} ${arg_IDL})
+    endif()
+    if(TARGET ${name}_idl)
+        add_dependencies(${name} ${name}_idl)
+        target_include_directories(${name} PRIVATE ${CMAKE_BINARY_DIR}/generated/${name}_idl)
+        set_property(SOURCE ${arg_RC} APPEND PROPERTY OBJECT_DEPENDS ${CMAKE_BINARY_DIR}/generated/${name}_idl/${name}.tlb)
+    endif()
+    brv_resource_inputs(${arg_RC})
+    target_include_directories(${name} PRIVATE ${CMAKE_CURRENT_SOURCE_DIR})
+    target_link_libraries(${name} PRIVATE ${arg_LIBRARIES})
+endfunction()
+
+# brv_add_program(<name> [WINDOWED] SOURCES ... [RC x.rc] LIBRARIES ...)
+# <name>.exe in the bin folder with wmain as its entry (wWinMain with WINDOWED).
+function(brv_add_program name)
+    cmake_parse_arguments(PARSE_ARGV 1 arg "WINDOWED" "" "SOURCES;RC;LIBRARIES")
+    add_executable(${name} ${arg_SOURCES} ${arg_RC})
+    if(arg_WINDOWED)
+        set_target_properties(${name} PROPERTIES WIN32_EXECUTABLE ON)
+    endif()
+    brv_resource_inputs(${arg_RC})
+    target_include_directories(${name} PRIVATE ${CMAKE_CURRENT_SOURCE_DIR})
+    target_link_options(${name} PRIVATE -municode)
+    target_link_libraries(${name} PRIVATE ${arg_LIBRARIES})
+endfunction()
+
+# brv_add_test(<name> SOURCES ... [RC x.rc] [LIBRARIES ...] [LABELS ...] [ARGUMENTS ...] [TIMEOUT seconds])
+# A GoogleTest program and one ctest entry for it: each start of Wine costs more than most tests. Its main function is
+# GoogleTest's unless a source brings one. The label is the folder of the caller below tests/.
+function(brv_add_test name)
+    if(NOT BRV_HAVE_GOOGLETEST)
+        return()
+    endif()
+    cmake_parse_arguments(PARSE_ARGV 1 arg "" "TIMEOUT" "SOURCES;RC;LIBRARIES;LABELS;ARGUMENTS")
+    add_executable(${name} ${arg_SOURCES} ${arg_RC})
+    brv_resource_inputs(${arg_RC})
+    target_include_directories(${name} PRIVATE ${CMAKE_CURRENT_SOURCE_DIR})
+    target_link_libraries(${name} PRIVATE ${arg_LIBRARIES} gtest_main gtest)
+    add_test(NAME ${name} COMMAND ${name} ${arg_ARGUMENTS})
+    if(NOT arg_TIMEOUT)
+        set(arg_TIMEOUT 120)
+    endif()
+    if(NOT arg_LABELS)
+        get_filename_component(arg_LABELS ${CMAKE_CURRENT_SOURCE_DIR} NAME)
+    endif()
+    set_tests_properties(${name} PROPERTIES TIMEOUT ${arg_TIMEOUT} LABELS "${arg_LABELS}")
+endfunction()
+
+# windres reports no dependencies: a resource script is compiled again when anything that it may include has changed.
+function(brv_resource_inputs)
+    foreach(rc IN LISTS ARGN)
+        get_filename_component(folder ${rc} ABSOLUTE)
+        get_filename_component(folder ${folder} DIRECTORY)
+        file(GLOB inputs CONFIGURE_DEPENDS ${folder}/*.manifest ${folder}/*.ico ${folder}/*.bmp ${folder}/*.png ${folder}/*.h)
+        set_property(SOURCE ${rc} APPEND PROPERTY OBJECT_DEPENDS ${inputs} ${CMAKE_BINARY_DIR}/generated/automation/Version.h)
+    endforeach()
+endfunction()
