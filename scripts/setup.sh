@@ -1,0 +1,259 @@
+# Functions that ./run, ./test and cmake/wine-run share: packages, build, Wine prefix, registration, display.
+# Meant to be sourced by bash. Everything that is made lies below build/.
+
+BRV_ROOT=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+BRV_BUILD=$BRV_ROOT/build
+BRV_PRESET=${BRV_PRESET:-win32}
+BRV_BIN=$BRV_BUILD/$BRV_PRESET/bin
+BRV_LOGS=$BRV_BUILD/logs
+
+BRV_PACKAGES=(g++-mingw-w64-i686 mingw-w64-tools cmake ninja-build googletest
+    wine wine32:i386 xvfb openbox xdotool imagemagick x11-utils
+    libodbc2:i386 libsqliteodbc:i386 odbc-postgresql:i386 sqlite3 fonts-liberation fonts-dejavu-core)
+
+# The in-process servers that are registered, by file name; one that is not built (yet) is passed over.
+BRV_SERVERS=(brvSQLEditor.dll brvError.dll)
+
+say() { printf '%s\n' "$*" >&2; }
+die() {
+    say "$(basename "$0"): $*"
+    exit 1
+}
+
+# log_tail FILE: what a failed step said last.
+log_tail() {
+    say "---- the end of $1:"
+    tail -n 40 "$1" >&2
+    say "----"
+}
+
+# --- packages ---------------------------------------------------------------------------------------------------------
+
+missing_packages() {
+    local have package
+    have=$(dpkg-query -W -f='${db:Status-Status} ${Package}:${Architecture}\n' \
+        "${BRV_PACKAGES[@]}" 2>/dev/null | sed -n 's/^installed //p')
+    for package in "${BRV_PACKAGES[@]}"; do
+        case $package in
+            *:*) grep -qxF "$package" <<<"$have" ;;
+            *) grep -qE "^${package//+/\\+}:(all|$(dpkg --print-architecture))\$" <<<"$have" ;;
+        esac || printf '%s\n' "$package"
+    done
+}
+
+# Installs what is missing from the distribution's packages, as root or through sudo.
+install_missing() {
+    if ! command -v dpkg-query >/dev/null; then
+        local command absent=()
+        for command in i686-w64-mingw32-g++ i686-w64-mingw32-widl cmake ninja wine Xvfb openbox xdotool import xdpyinfo sqlite3; do
+            command -v "$command" >/dev/null || absent+=("$command")
+        done
+        [ ${#absent[@]} -eq 0 ] || die "this is no Debian system, so nothing can be installed here; missing: ${absent[*]}"
+        return 0
+    fi
+    local missing as_root=() log=$BRV_LOGS/packages.log codename apt
+    mapfile -t missing < <(missing_packages)
+    [ ${#missing[@]} -gt 0 ] || return 0
+
+    mkdir -p "$BRV_LOGS"
+    say "Installing packages: ${missing[*]}"
+    if [ "$(id -u)" != 0 ]; then
+        command -v sudo >/dev/null || die "these packages are missing, and installing them needs root or sudo: ${missing[*]}"
+        as_root=(sudo)
+        [ -t 0 ] || as_root+=(-n)
+    fi
+    apt=("${as_root[@]}" env DEBIAN_FRONTEND=noninteractive timeout 1200 apt-get -o DPkg::Lock::Timeout=120 -o Acquire::Retries=2)
+    : >"$log"
+    if [[ "${missing[*]}" == *:i386* ]] && ! dpkg --print-foreign-architectures | grep -qx i386; then
+        "${as_root[@]}" dpkg --add-architecture i386 >>"$log" 2>&1 ||
+            die "could not enable the i386 architecture (dpkg --add-architecture i386)"
+    fi
+    # One index of several may be unreachable while the others are enough: what counts is whether the installation succeeds.
+    "${apt[@]}" update >>"$log" 2>&1 </dev/null || say "(apt-get update reported problems; going on)"
+    if ! "${apt[@]}" install -y --no-install-recommends "${missing[@]}" >>"$log" 2>&1 </dev/null; then
+        # An index of one architecture may lag behind the other's, and libraries of both must have one version.
+        codename=$(. /etc/os-release && printf '%s' "${VERSION_CODENAME:-}")
+        if [ -z "$codename" ] || ! "${apt[@]}" install -y --no-install-recommends -t "$codename" --allow-downgrades \
+            "${missing[@]}" >>"$log" 2>&1 </dev/null; then
+            log_tail "$log"
+            die "could not install the packages ${missing[*]} (network? package index? see above)"
+        fi
+    fi
+    mapfile -t missing < <(missing_packages)
+    [ ${#missing[@]} -eq 0 ] || die "still missing after the installation: ${missing[*]}"
+}
+
+# --- build ------------------------------------------------------------------------------------------------------------
+
+# Configures (once) and builds. Quiet while it goes well.
+build_project() {
+    local folder=$BRV_BUILD/$BRV_PRESET log=$BRV_LOGS/build-$BRV_PRESET.log started=$SECONDS
+    mkdir -p "$BRV_LOGS"
+    exec 8>"$BRV_BUILD/.build-lock"
+    flock -n 8 || { say "Waiting for another build in this folder ..." && flock -w 900 8; } || die "another build has kept this folder for 15 minutes"
+    # A folder that was moved or copied keeps the old place in its cache.
+    if [ -f "$folder/CMakeCache.txt" ] &&
+        ! grep -qxF "CMAKE_HOME_DIRECTORY:INTERNAL=$BRV_ROOT" "$folder/CMakeCache.txt"; then
+        rm -rf "$folder"
+    fi
+    if [ ! -f "$folder/build.ninja" ]; then
+        say "Configuring (preset $BRV_PRESET) ..."
+        if ! (cd "$BRV_ROOT" && timeout 300 cmake --preset "$BRV_PRESET") >"$log" 2>&1 </dev/null 8>&-; then
+            rm -f "$folder/build.ninja"
+            log_tail "$log"
+            die "CMake could not configure the project; whole log: $log"
+        fi
+    fi
+    say "Building ..."
+    if ! timeout 1800 cmake --build "$folder" -j "$(nproc)" >"$log" 2>&1 </dev/null 8>&-; then
+        log_tail "$log"
+        die "the build failed; whole log: $log"
+    fi
+    [ $((SECONDS - started)) -lt 5 ] || say "Built in $((SECONDS - started)) s."
+    exec 8>&-
+}
+
+# --- Wine -------------------------------------------------------------------------------------------------------------
+
+# Environment for every Windows program: the prefix of this project (or the caller's), quiet, with ODBC of this project.
+wine_environment() {
+    export WINEPREFIX=${WINEPREFIX:-$BRV_BUILD/wine32}
+    export WINEARCH=${WINEARCH:-win32}
+    export WINEDEBUG=${WINEDEBUG:--all}
+    # No questions about Mono and Gecko, no entries in the desktop's menus.
+    export WINEDLLOVERRIDES=${WINEDLLOVERRIDES:-mscoree,mshtml=;winemenubuilder.exe=d}
+    export ODBCSYSINI=$BRV_BUILD/odbc ODBCINI=$BRV_BUILD/odbc/odbc.ini
+    # Arguments and file names are UTF-8, also where the locale is "C".
+    [ "$(locale charmap 2>/dev/null)" = UTF-8 ] || export LC_ALL=C.UTF-8
+}
+
+# windows_path PATH: the same file as a Windows program under Wine names it.
+windows_path() {
+    local path
+    path=$(realpath -m -- "$1") || return 1
+    printf 'Z:%s' "${path//\//\\}"
+}
+
+# The drivers that a program under Wine finds: it sees the 32-bit driver manager and drivers of this machine.
+make_odbc() {
+    local folder=$BRV_BUILD/odbc sqlite postgresql
+    [ -f "$folder/odbcinst.ini" ] && [ -f "$folder/odbc.ini" ] && return 0
+    sqlite=$(dpkg -L libsqliteodbc:i386 2>/dev/null | grep '/libsqlite3odbc\.so$')
+    postgresql=$(dpkg -L odbc-postgresql:i386 2>/dev/null | grep '/psqlodbcw\.so$')
+    mkdir -p "$folder"
+    : >"$folder/odbc.ini"
+    {
+        [ -z "$sqlite" ] || printf '[SQLite3]\nDescription = SQLite 3\nDriver = %s\n\n' "$sqlite"
+        [ -z "$postgresql" ] || printf '[PostgreSQL Unicode]\nDescription = PostgreSQL\nDriver = %s\n\n' "$postgresql"
+    } >"$folder/odbcinst.ini.new"
+    mv "$folder/odbcinst.ini.new" "$folder/odbcinst.ini"
+}
+
+# Makes the Wine prefix unless it is there. Its folders for documents are its own, not links into the user's.
+make_prefix() {
+    make_odbc
+    [ -f "$WINEPREFIX/.made" ] && return 0
+    mkdir -p "$(dirname "$WINEPREFIX")" "$BRV_LOGS"
+    (
+        flock -w 300 7 || exit 1
+        [ -f "$WINEPREFIX/.made" ] && exit 0
+        log=$BRV_LOGS/wine-prefix.log
+        say "Making the Wine prefix $(basename "$WINEPREFIX") ..."
+        rm -rf "$WINEPREFIX"
+        # Without a display: setting up a prefix draws nothing, and a window that asks something would never be answered.
+        if ! env -u DISPLAY timeout 240 wine wineboot -i >"$log" 2>&1 </dev/null 7>&-; then
+            log_tail "$log"
+            timeout 20 wineserver -k 7>&-
+            say "Wine could not make its prefix $WINEPREFIX"
+            exit 1
+        fi
+        timeout 60 wineserver -w 7>&- || timeout 20 wineserver -k 7>&-
+        find "$WINEPREFIX/drive_c/users" -type l | while IFS= read -r link; do
+            rm "$link" && mkdir "$link"
+        done
+        touch "$WINEPREFIX/.made"
+    ) 7>"$WINEPREFIX.lock" || return 1
+}
+
+# Takes a share in the prefix, so that the last one to leave may end its server. File descriptor 9 must not reach Wine:
+# the server would keep the share for ever.
+enter_prefix() {
+    exec 9>"$WINEPREFIX.users"
+    flock -s -w 60 9 || die "another command keeps the Wine prefix $WINEPREFIX"
+    # One server for all programs to come: each start from nothing costs seconds.
+    [ ! -x "$(command -v wineserver)" ] || timeout 30 wineserver -p300 9>&- 8>&- >/dev/null 2>&1
+}
+
+# Ends the programs and the server of the prefix, unless another command of this project still uses it.
+leave_prefix() {
+    if flock -x -n 9 2>/dev/null; then
+        timeout 30 wineserver -k 9>&- >/dev/null 2>&1
+        timeout 30 wineserver -w 9>&- >/dev/null 2>&1
+    fi
+    exec 9>&-
+}
+
+# run_wine PROGRAM ARGUMENTS...: a Windows program that gets neither our locks nor a terminal, which would make Wine draw
+# a console of its own on it.
+run_wine() { wine "$@" </dev/null 9>&- 8>&-; }
+
+# Registers the in-process servers for the prefix when one of them is newer than the last time.
+register_servers() {
+    local stamp=$WINEPREFIX/.registered server file due=
+    [ -f "$stamp" ] && [ "$(cat "$stamp")" = "$BRV_BIN" ] || due=1
+    for server in "${BRV_SERVERS[@]}"; do
+        file=$BRV_BIN/$server
+        [ ! -f "$file" ] || [ "$stamp" -nt "$file" ] || due=1
+    done
+    [ -n "$due" ] || return 0
+    for server in "${BRV_SERVERS[@]}"; do
+        file=$BRV_BIN/$server
+        [ -f "$file" ] || continue
+        (
+            run_wine() { timeout -k 5 60 wine "$@" </dev/null 9>&- 8>&-; }
+            run_wine regsvr32 /s "$(windows_path "$file")"
+        ) >/dev/null 2>&1 || die "regsvr32 could not register $server (result $?)"
+    done
+    printf '%s' "$BRV_BIN" >"$stamp"
+}
+
+# --- display ----------------------------------------------------------------------------------------------------------
+
+display_usable() { [ -n "${DISPLAY:-}" ] && timeout 5 xdpyinfo >/dev/null 2>&1; }
+
+# Starts a virtual display with a window manager on a free number and points DISPLAY at it.
+start_display() {
+    local number="" file tries=0
+    mkdir -p "$BRV_LOGS"
+    file=$(mktemp "$BRV_LOGS/display.XXXXXX")
+    Xvfb -displayfd 3 -screen 0 1280x1024x24 -nolisten tcp -noreset 3>"$file" >"$BRV_LOGS/xvfb.log" 2>&1 </dev/null 9>&- 8>&- &
+    BRV_XVFB=$!
+    while [ -z "$number" ] && [ $tries -lt 100 ] && kill -0 "$BRV_XVFB" 2>/dev/null; do
+        sleep 0.1
+        number=$(cat "$file")
+        tries=$((tries + 1))
+    done
+    rm -f "$file"
+    if [ -z "$number" ]; then
+        log_tail "$BRV_LOGS/xvfb.log"
+        die "the virtual display (Xvfb) did not start"
+    fi
+    export DISPLAY=:$number
+    unset XAUTHORITY WAYLAND_DISPLAY
+    XDG_CONFIG_HOME=$BRV_BUILD/xdg openbox --sm-disable >"$BRV_LOGS/openbox.log" 2>&1 </dev/null 9>&- 8>&- &
+    BRV_OPENBOX=$!
+    # Windows placed before the manager runs would be moved by it.
+    for tries in $(seq 50); do
+        timeout 5 xprop -root _NET_SUPPORTING_WM_CHECK 2>/dev/null | grep -q 'window id' && return 0
+        kill -0 "$BRV_OPENBOX" 2>/dev/null || break
+        sleep 0.1
+    done
+    die "the window manager (openbox) did not start on the virtual display"
+}
+
+stop_display() {
+    [ -z "${BRV_OPENBOX:-}" ] || kill "$BRV_OPENBOX" 2>/dev/null
+    [ -z "${BRV_XVFB:-}" ] || kill "$BRV_XVFB" 2>/dev/null
+    [ -z "${BRV_XVFB:-}" ] || wait "$BRV_XVFB" "$BRV_OPENBOX" 2>/dev/null
+    BRV_OPENBOX='' BRV_XVFB=''
+}
