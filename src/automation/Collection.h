@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "automation/Object.h"
+#include "automation/RuntimeError.h"
 
 // A collection that belongs to the host, read in order. What hosts hand over comes in several kinds, and all are read: an
 // object with _NewEnum (asked first), an object with Count and Item (from 1, or from 0 when 1 to Count does not hold), an array.

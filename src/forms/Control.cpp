@@ -50,11 +50,9 @@ void Control::Destroy() noexcept {
     handle_ = nullptr;
 }
 
-void Control::AdoptPosition(const Control& other) noexcept {
-    left_ = other.left_;
-    top_ = other.top_;
-    width_ = other.width_;
-    height_ = other.height_;
+void Control::DestroyFormer(HWND former) noexcept {
+    SetWindowLongPtrW(former, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(original_));
+    DestroyWindow(former);
 }
 
 UINT Control::Dpi() const noexcept {
@@ -105,13 +103,13 @@ void Control::SetFont(HFONT font) {
     Send(WM_SETFONT, reinterpret_cast<WPARAM>(font), TRUE);
 }
 
-std::wstring Control::WindowText() const {
+std::wstring Control::WindowCaption() const {
     std::wstring text(static_cast<size_t>(GetWindowTextLengthW(handle_)), L'\0');
     text.resize(static_cast<size_t>(GetWindowTextW(handle_, text.data(), static_cast<int>(text.size()) + 1)));
     return text;
 }
 
-void Control::SetWindowText(const std::wstring& text) {
+void Control::SetWindowCaption(const std::wstring& text) {
     SetWindowTextW(handle_, text.c_str());
     Events::Rethrow();
 }

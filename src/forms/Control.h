@@ -55,8 +55,8 @@ public:
     bool HasFocus() const noexcept;
     // The control does not own the font.
     virtual void SetFont(HFONT font);
-    std::wstring WindowText() const;
-    void SetWindowText(const std::wstring& text);
+    std::wstring WindowCaption() const;
+    void SetWindowCaption(const std::wstring& text);
 
     Event Click;
     Event Resize;
@@ -78,7 +78,8 @@ protected:
     // Makes the window and takes its messages over. Called once, or again after Destroy.
     void CreateWindowOf(const wchar_t* windowClass, DWORD style, DWORD exStyle, HWND container, int id, const wchar_t* text);
     void Destroy() noexcept;
-    void AdoptPosition(const Control& other) noexcept;
+    // Destroys a window that this control had before it was made anew.
+    void DestroyFormer(HWND former) noexcept;
 
     virtual LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam);
     // A notification that the container reflected: WM_COMMAND, WM_NOTIFY, WM_CTLCOLORSTATIC, ... False: not taken.

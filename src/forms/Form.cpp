@@ -147,19 +147,16 @@ void Form::SetCaption(const std::wstring& caption) {
 
 void Form::DisableOthers() {
     previousActive_ = GetActiveWindow();
-    struct Search {
-        Form& Self;
-    } search{*this};
     EnumThreadWindows(
         GetCurrentThreadId(),
-        [](HWND window, LPARAM parameter) -> BOOL {
-            Form& self = reinterpret_cast<Search*>(parameter)->Self;
+        [](HWND window, LPARAM parameter) WINAPI -> BOOL {
+            auto& self = *reinterpret_cast<Form*>(parameter);
             if (window != self.handle_ && IsWindowVisible(window) && IsWindowEnabled(window)) {
                 self.disabled_.push_back(window);
             }
             return TRUE;
         },
-        reinterpret_cast<LPARAM>(&search));
+        reinterpret_cast<LPARAM>(this));
     // After the enumeration: a host may make or destroy windows when one of its own is disabled.
     for (const HWND window : disabled_) EnableWindow(window, FALSE);
 }

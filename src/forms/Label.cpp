@@ -12,7 +12,7 @@ void Label::Create(HWND container, int id, const std::wstring& caption) {
 void Label::SetCaption(const std::wstring& caption) {
     if (caption == caption_) return;
     caption_ = caption;
-    SetWindowText(caption);
+    SetWindowCaption(caption);
     UpdateTip();
 }
 

@@ -59,7 +59,7 @@ void SaveSetting(const std::wstring& application, const std::wstring& section, c
 float ToSingle(const std::wstring& text) {
     float value = 0;
     // The invariant locale writes numbers with a point.
-    const HRESULT result = VarR4FromStr(text.c_str(), LOCALE_INVARIANT, LOCALE_NOUSEROVERRIDE, &value);
+    const HRESULT result = VarR4FromStr(const_cast<OLECHAR*>(text.c_str()), LOCALE_INVARIANT, LOCALE_NOUSEROVERRIDE, &value);
     if (result == DISP_E_OVERFLOW) RaiseError(ErrorNumber::Overflow);
     if (FAILED(result) || !std::isfinite(value)) RaiseError(ErrorNumber::TypeMismatch);
     return value;

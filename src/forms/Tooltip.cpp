@@ -2,6 +2,8 @@
 
 #include <commctrl.h>
 
+#include <cstddef>
+
 #include "automation/App.h"
 #include "forms/Surroundings.h"
 #include "forms/Twips.h"
@@ -9,7 +11,7 @@
 namespace {
 
 // The structure without the member that came last: common controls of every version take it.
-constexpr UINT ToolInfoSize = TTTOOLINFOW_V2_SIZE;
+constexpr UINT ToolInfoSize = offsetof(TTTOOLINFOW, lpReserved);
 
 TTTOOLINFOW ToolOf(HWND control) noexcept {
     TTTOOLINFOW tool{};

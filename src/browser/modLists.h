@@ -1,0 +1,42 @@
+#pragma once
+
+#include <string>
+
+#include "automation/Variant.h"
+#include "forms/Nodes.h"
+
+// The object tree. (The catalogue's half of this module is in catalogue/modLists.h.)
+namespace modLists {
+// The words that say what kind of node a node is: its tag.
+namespace NodeKind {
+inline constexpr const wchar_t* Schemas = L"schemas";
+inline constexpr const wchar_t* Schema = L"schema";
+inline constexpr const wchar_t* Tables = L"tables";
+inline constexpr const wchar_t* Table = L"table";
+inline constexpr const wchar_t* Views = L"views";
+inline constexpr const wchar_t* View = L"view";
+inline constexpr const wchar_t* Columns = L"columns";
+inline constexpr const wchar_t* Column = L"column";
+inline constexpr const wchar_t* Properties = L"properties";
+inline constexpr const wchar_t* Property = L"property";
+inline constexpr const wchar_t* Undefined = L"undefined";
+}  // namespace NodeKind
+
+// Raised by m_AddNode, source the application title, when the tree holds as many nodes as it can.
+inline constexpr long NodeLimitError = -2147221502;  // ObjectErrorBase + 2
+
+// Adds a node and sets its tag. The node that fills the tree up to its limit is added, and then NodeLimitError is raised.
+// Any other failure is reported and gives nothing.
+Node m_AddNode(Nodes& Nodes, const std::wstring& Text, const std::wstring& Tag, const Variant& Relative = Variant::Missing(),
+               const Variant& Relationship = Variant::Missing(), const Variant& Key = Variant::Missing());
+// Removes all children of a node, with what is below them.
+void m_ClearNode(Nodes& Nodes, const Node& Node);
+
+// Put a node back into its unfilled state: a "table" or "view", a "schema", a "tables" or "views" node. NodeLimitError goes up.
+void AddDefaultDBObjectItems(Nodes& Nodes, const Node& Node);
+void AddDefaultSchemaItems(Nodes& Nodes, const Node& Node);
+void AddDefaultTablesViewsItems(Nodes& Nodes, const Node& Node);
+
+// Empties the tree of the editor window and creates its root with a placeholder, when a dictionary is connected.
+void PopulateDBObjects();
+}  // namespace modLists

@@ -1,0 +1,90 @@
+#include <string>
+
+#include "automation/RuntimeError.h"
+#include "browser/modLists.h"
+#include "component/modGlobal.h"
+#include "dictionary/clsDictionary.h"
+#include "editor/frmSQLEditor.h"
+#include "errors/modErrorHandler.h"
+
+namespace {
+
+constexpr const wchar_t* Module = L"modLists";
+
+// A placeholder gives an unfilled node its expand button.
+Node AddPlaceholder(Nodes& Nodes, const Node& Parent) {
+    return modLists::m_AddNode(Nodes, L"(undefined)", modLists::NodeKind::Undefined, Parent.Index(), TreeRelationship::Child);
+}
+
+// The trap of the procedures that reset a branch: the node limit goes up, so that the user sees one message.
+void ReportUnlessOwn(const wchar_t* Routine) {
+    if (IsOwnError(CurrentError())) throw;
+    ReportError(Module, Routine);
+}
+
+}  // namespace
+
+Node modLists::m_AddNode(::Nodes& Nodes, const std::wstring& Text, const std::wstring& Tag, const Variant& Relative,
+                         const Variant& Relationship, const Variant& Key) try {
+    const ::Node Node = Nodes.Add(Relative, Relationship, Key, Text);
+    Node.SetTag(Tag);
+    const short Index = Node.Index();
+    const short Count = Nodes.Count();
+    // After the node was added: the one that reaches the limit stays.
+    if (Index < 0 || Count == ::Nodes::Limit) RaiseError(NodeLimitError, L"Maximum items in TreeView exceeded.");
+    return Node;
+} catch (...) {
+    ReportUnlessOwn(L"m_AddNode");
+    return {};
+}
+
+void modLists::m_ClearNode(::Nodes& Nodes, const ::Node& Node) try {
+    while (Node.Children() > 0) Nodes.Remove(Node.Child().Index());
+} catch (...) {
+    std::wstring Debug;
+    try {
+        Debug = L"index=[" + std::to_wstring(Node.Child().Index()) + L"] count=[" + std::to_wstring(Nodes.Count()) + L"]";
+    } catch (...) {
+        // The node itself is gone: the report says what can still be said.
+        Debug = L"index=[] count=[" + std::to_wstring(Nodes.Count()) + L"]";
+    }
+    ReportError(Module, L"m_ClearNode", Debug);
+}
+
+void modLists::AddDefaultDBObjectItems(::Nodes& Nodes, const ::Node& Node) try {
+    m_ClearNode(Nodes, Node);
+    const ::Node Columns = m_AddNode(Nodes, L"Columns", NodeKind::Columns, Node.Index(), TreeRelationship::Child);
+    AddPlaceholder(Nodes, Columns);
+} catch (...) {
+    ReportUnlessOwn(L"AddDefaultDBObjectItems");
+}
+
+void modLists::AddDefaultSchemaItems(::Nodes& Nodes, const ::Node& Node) try {
+    m_ClearNode(Nodes, Node);
+    const ::Node Tables = m_AddNode(Nodes, L"Tables", NodeKind::Tables, Node.Index(), TreeRelationship::Child);
+    const ::Node Views = m_AddNode(Nodes, L"Views", NodeKind::Views, Node.Index(), TreeRelationship::Child);
+    AddDefaultTablesViewsItems(Nodes, Tables);
+    AddDefaultTablesViewsItems(Nodes, Views);
+} catch (...) {
+    ReportUnlessOwn(L"AddDefaultSchemaItems");
+}
+
+// Two placeholders here, one elsewhere: kept, the difference is deliberate.
+void modLists::AddDefaultTablesViewsItems(::Nodes& Nodes, const ::Node& Node) try {
+    m_ClearNode(Nodes, Node);
+    AddPlaceholder(Nodes, Node);
+    AddPlaceholder(Nodes, Node);
+} catch (...) {
+    ReportUnlessOwn(L"AddDefaultTablesViewsItems");
+}
+
+void modLists::PopulateDBObjects() try {
+    Nodes& Nodes = EditorForm->trvDBObjects.Items();
+    Nodes.Clear();
+    if (Dictionary == nullptr) return;
+    if (!Dictionary->Connected()) return;
+    m_AddNode(Nodes, SchemaTermPlural, NodeKind::Schemas, Variant::Missing(), Variant::Missing(), NodeKind::Schemas);
+    AddPlaceholder(Nodes, Nodes.Item(std::wstring(NodeKind::Schemas)));
+} catch (...) {
+    ReportError(Module, L"PopulateDBObjects");
+}

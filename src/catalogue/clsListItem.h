@@ -1,0 +1,53 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "automation/Collection.h"
+
+// One entry of the reference, or the record of the active item of the object browser. Filled once by Constructor and only
+// read afterwards. A getter that fails reports and returns an empty text or 0.
+class clsListItem {
+public:
+    clsListItem();
+    ~clsListItem();
+    clsListItem(const clsListItem&) = delete;
+    clsListItem& operator=(const clsListItem&) = delete;
+
+    std::wstring Category() const;
+    // `Commands`: an array whose elements become the texts of the task commands, in index order; missing or empty: none.
+    void Constructor(const std::wstring& Text, long Id, long list, long DBType, const std::wstring& Category,
+                     const std::wstring& Description, const std::wstring& DragDrop, const std::wstring& SelectText,
+                     const std::wstring& InsertText, const std::wstring& UpdateText, const std::wstring& DeleteText,
+                     const std::wstring& ExecuteText, const Variant& Commands = Variant::Missing());
+    long DBType() const;
+    std::wstring DeleteText() const;
+    std::wstring Description() const;
+    void Destructor();
+    std::wstring DragDrop() const;
+    std::wstring ExecuteText() const;
+    // The command at a position counted from 0; empty beyond the last one. A negative position is an error of the collection,
+    // 32767 an overflow: both are reported and give the empty text.
+    std::wstring GetCommand(short Index) const;
+    long Id() const;
+    std::wstring InsertText() const;
+    long list() const;  // 1 ANSI SQL, 2 database-specific, 3 the host's own commands
+    std::wstring SelectText() const;
+    std::wstring Text() const;
+    std::wstring UpdateText() const;
+
+private:
+    std::wstring text_;
+    long id_ = 0;
+    long list_ = 0;
+    long dbType_ = 0;
+    std::wstring category_;
+    std::wstring description_;
+    std::wstring dragDrop_;
+    std::wstring selectText_;
+    std::wstring insertText_;
+    std::wstring updateText_;
+    std::wstring deleteText_;
+    std::wstring executeText_;
+    std::unique_ptr<Collection<std::wstring>> commands_;
+};

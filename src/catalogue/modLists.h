@@ -1,0 +1,25 @@
+#pragma once
+
+#include <string>
+
+class Variant;
+
+// The catalogue and the panes that show it. (The object tree's half of this module is in browser/modLists.h.)
+namespace modLists {
+// Fills the catalogue with all its entries, in their order. Called once, at start-up, on the empty collection.
+void CreateListItems();
+
+// Adds one entry to the catalogue; its Id, and in decimal its key, is the number of entries before it.
+void m_CreateListItem(const std::wstring& Text, long list, long DBType, const std::wstring& Category,
+                      const std::wstring& Description, const std::wstring& DragDrop, const std::wstring& SelectText,
+                      const std::wstring& InsertText, const std::wstring& UpdateText, const std::wstring& DeleteText,
+                      const std::wstring& ExecuteText);
+
+// A value as it is shown: "null" for Null, else its ordinary text.
+std::wstring m_VntToStr(const Variant& Value);
+
+// The panes of the editor window. Each is emptied and filled from the catalogue.
+void PopulateAnsiSQLCommands();
+void PopulateDatabaseSpecificCommands();
+void PopulateKolvexCommands();
+}  // namespace modLists

@@ -1,0 +1,75 @@
+#include "catalogue/clsListItem.h"
+#include "catalogue/modLists.h"
+#include "component/modGlobal.h"
+#include "dictionary/clsDictionary.h"
+#include "editor/frmSQLEditor.h"
+#include "errors/modErrorHandler.h"
+
+namespace {
+
+constexpr const wchar_t* Module = L"modLists";
+
+// Holds the painting of a list while it fills: every row of a list that paints is laid out on its own.
+class PaintingHeld {
+public:
+    explicit PaintingHeld(const Control& Control) : control_(Control) { control_.Send(WM_SETREDRAW, FALSE); }
+    ~PaintingHeld() {
+        SendMessageW(control_.Handle(), WM_SETREDRAW, TRUE, 0);
+        InvalidateRect(control_.Handle(), nullptr, TRUE);
+    }
+    PaintingHeld(const PaintingHeld&) = delete;
+    PaintingHeld& operator=(const PaintingHeld&) = delete;
+
+private:
+    const Control& control_;
+};
+
+void FillList(ListBox& List, long Number) {
+    {
+        const PaintingHeld held(List);
+        List.Clear();
+        for (const auto& Entry : *ListItems) {
+            if (Entry->list() != Number) continue;
+            List.SetItemData(List.AddItem(Entry->Text()), Entry->Id());
+        }
+    }
+    if (List.ListCount() > 0) List.SetListIndex(0);
+}
+
+}  // namespace
+
+void modLists::PopulateAnsiSQLCommands() try {
+    FillList(EditorForm->lstAnsiSQL, 1);
+} catch (...) {
+    ReportError(Module, L"PopulateAnsiSQLCommands");
+}
+
+void modLists::PopulateKolvexCommands() try {
+    FillList(EditorForm->lstKolvex, 3);
+} catch (...) {
+    ReportError(Module, L"PopulateKolvexCommands");
+}
+
+void modLists::PopulateDatabaseSpecificCommands() try {
+    TreeView& Tree = EditorForm->trvDatabaseSpecific;
+    Nodes& Nodes = Tree.Items();
+    Nodes.Clear();
+    if (Dictionary == nullptr) return;
+    if (!Dictionary->Connected()) return;
+    if (DBType == 4 || DBType == 8) {
+        for (const wchar_t* Category :
+             {L"SQL Commands", L"Single Row Number Functions", L"Single Row Character Functions", L"Group Functions",
+              L"Date Functions", L"Conversion Functions", L"Other Functions", L"Format Models", L"Pseudo Columns",
+              L"Data Types"}) {
+            Nodes.Add(Variant::Missing(), Variant::Missing(), Category, Category);
+        }
+    }
+    for (const auto& Entry : *ListItems) {
+        if (Entry->list() != 2 || Entry->DBType() != DBType) continue;
+        const Node Added = Nodes.Add(Entry->Category(), TreeRelationship::Child, Variant::Missing(), Entry->Text());
+        Added.SetTag(std::to_wstring(Entry->Id()));
+    }
+    if (Nodes.Count() > 0) Tree.SetSelectedItem(Nodes.Item(1));
+} catch (...) {
+    ReportError(Module, L"PopulateDatabaseSpecificCommands");
+}

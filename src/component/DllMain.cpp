@@ -1,0 +1,51 @@
+#include <windows.h>
+#include <olectl.h>
+
+#include "automation/Server.h"
+#include "component/clsSQLEditor.h"
+#include "component/modGlobal.h"
+#include "forms/Container.h"
+
+extern "C" BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, LPVOID processEnds) {
+    if (reason == DLL_PROCESS_ATTACH) DisableThreadLibraryCalls(module);
+    // At the end of a process the system takes the window classes back itself.
+    if (reason == DLL_PROCESS_DETACH && processEnds == nullptr) UnregisterWindowClasses();
+    return TRUE;
+}
+
+STDAPI DllGetClassObject(REFCLSID id, REFIID iid, void** object) {
+    // Not in DllMain: what goes wrong is reported through another component, and none may be loaded there.
+    static bool started = false;
+    if (!started && id == SQLEditorClass.Id) {
+        started = true;
+        try {
+            modGlobal::Main();
+        } catch (...) {
+            // Not even reported: the next procedure that fails tries the reporting again.
+        }
+    }
+    return Server::GetClassObject(&SQLEditorClass, 1, id, iid, object);
+}
+
+STDAPI DllCanUnloadNow() {
+    if (!Server::CanUnload()) return S_FALSE;
+    // This is the last that the module hears before it goes. What it holds of the host and of the error component is given
+    // back now: in DllMain it would be too late.
+    modGlobal::Forget();
+    return Server::CanUnload() ? S_OK : S_FALSE;
+}
+
+STDAPI DllRegisterServer() {
+    return Server::Register(&SQLEditorClass, 1, Server::Scope::Machine, true);
+}
+
+STDAPI DllUnregisterServer() {
+    return Server::Unregister(&SQLEditorClass, 1, Server::Scope::Machine, true);
+}
+
+// regsvr32 /i:user registers for the user alone, without administrator rights; regsvr32 /i without it for everybody.
+STDAPI DllInstall(BOOL install, LPCWSTR commandLine) {
+    const bool user = commandLine != nullptr && lstrcmpiW(commandLine, L"user") == 0;
+    const Server::Scope scope = user ? Server::Scope::User : Server::Scope::Machine;
+    return install ? Server::Register(&SQLEditorClass, 1, scope, true) : Server::Unregister(&SQLEditorClass, 1, scope, true);
+}

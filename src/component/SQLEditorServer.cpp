@@ -1,0 +1,263 @@
+#include <windows.h>
+
+#include <cstring>
+#include <new>
+
+#include "automation/App.h"
+#include "automation/RuntimeError.h"
+#include "brvSQLEditor_h.h"
+#include "component/clsSQLEditor.h"
+#include "component/modGlobal.h"
+#include "errors/modErrorHandler.h"
+#include "forms/Surroundings.h"
+
+// The door: clsSQLEditor as a COM object with a dual interface. Invoke is written by hand, since Display takes its text in
+// three ways and a type library marshaller refuses the one that every script engine uses (VT_BYREF | VT_VARIANT).
+
+namespace {
+
+constexpr const wchar_t* Module = L"clsSQLEditor";
+
+enum MemberId : DISPID { IdConstructor = 1, IdDisplay = 2, IdDestructor = 3 };
+
+struct MemberName {
+    const wchar_t* Name;
+    MemberId Id;
+    const wchar_t* Argument;  // null: takes none
+};
+
+constexpr MemberName Members[] = {
+    {L"Constructor", IdConstructor, L"Database"},
+    {L"Display", IdDisplay, L"SQL"},
+    {L"Destructor", IdDestructor, nullptr},
+};
+
+// The object in an argument, however it was passed. What a language writes for "no object" is nothing: Nothing, and the null
+// and undefined of languages that have no Nothing.
+Object ObjectArgument(const VARIANT& argument) {
+    const Variant value(argument);
+    if (value.IsNull() || value.IsEmpty() || value.IsMissing()) return Object();
+    return value.ToObject();
+}
+
+ITypeInfo* LoadTypeInformation(REFGUID guid) noexcept {
+    wchar_t path[MAX_PATH * 4];
+    const DWORD length = GetModuleFileNameW(App::Module(), path, static_cast<DWORD>(std::size(path)));
+    if (length == 0 || length == std::size(path)) return nullptr;
+    ITypeLib* library = nullptr;
+    if (FAILED(LoadTypeLibEx(path, REGKIND_NONE, &library))) return nullptr;
+    ITypeInfo* info = nullptr;
+    library->GetTypeInfoOfGuid(guid, &info);
+    library->Release();
+    return info;
+}
+
+class SQLEditorObject final : public _clsSQLEditor, public ISupportErrorInfo, public IProvideClassInfo {
+public:
+    // ---- IUnknown
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {
+        if (object == nullptr) return E_POINTER;
+        if (iid == IID_IUnknown || iid == IID_IDispatch || iid == IID__clsSQLEditor) {
+            *object = static_cast<_clsSQLEditor*>(this);
+        } else if (iid == IID_ISupportErrorInfo) {
+            *object = static_cast<ISupportErrorInfo*>(this);
+        } else if (iid == IID_IProvideClassInfo) {
+            *object = static_cast<IProvideClassInfo*>(this);
+        } else {
+            *object = nullptr;
+            return E_NOINTERFACE;
+        }
+        AddRef();
+        return S_OK;
+    }
+    ULONG STDMETHODCALLTYPE AddRef() override {
+        return static_cast<ULONG>(InterlockedIncrement(&references_));
+    }
+    ULONG STDMETHODCALLTYPE Release() override {
+        const LONG left = InterlockedDecrement(&references_);
+        if (left == 0) {
+            // The end of the object hides its window: nothing that happens there may come back to this count.
+            references_ = 0x10000;
+            const Surroundings surroundings;
+            delete this;
+        }
+        return static_cast<ULONG>(left);
+    }
+
+    // ---- IDispatch
+    HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override {
+        if (count == nullptr) return E_POINTER;
+        *count = 1;
+        return S_OK;
+    }
+    HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT index, LCID, ITypeInfo** info) override {
+        if (info == nullptr) return E_POINTER;
+        *info = nullptr;
+        if (index != 0) return DISP_E_BADINDEX;
+        *info = LoadTypeInformation(IID__clsSQLEditor);
+        return *info != nullptr ? S_OK : TYPE_E_CANTLOADLIBRARY;
+    }
+    HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR* names, UINT count, LCID, DISPID* ids) override {
+        if (names == nullptr || ids == nullptr) return E_POINTER;
+        if (count == 0) return E_INVALIDARG;
+        for (UINT at = 0; at < count; ++at) ids[at] = DISPID_UNKNOWN;
+        for (const MemberName& member : Members) {
+            if (lstrcmpiW(names[0], member.Name) != 0) continue;
+            ids[0] = member.Id;
+            HRESULT result = S_OK;
+            for (UINT at = 1; at < count; ++at) {
+                if (member.Argument != nullptr && lstrcmpiW(names[at], member.Argument) == 0) {
+                    ids[at] = 0;
+                } else {
+                    result = DISP_E_UNKNOWNNAME;
+                }
+            }
+            return result;
+        }
+        return DISP_E_UNKNOWNNAME;
+    }
+    HRESULT STDMETHODCALLTYPE Invoke(DISPID id, REFIID iid, LCID, WORD flags, DISPPARAMS* parameters, VARIANT* result,
+                                     EXCEPINFO* exception, UINT* argumentError) override {
+        if (iid != IID_NULL) return DISP_E_UNKNOWNINTERFACE;
+        if (id < IdConstructor || id > IdDestructor || (flags & DISPATCH_METHOD) == 0) return DISP_E_MEMBERNOTFOUND;
+        if (parameters == nullptr) return E_POINTER;
+        const UINT expected = id == IdDestructor ? 0 : 1;
+        if (parameters->cArgs != expected) return DISP_E_BADPARAMCOUNT;
+        if (parameters->cNamedArgs > 0 && (parameters->rgdispidNamedArgs == nullptr || *parameters->rgdispidNamedArgs != 0)) {
+            if (argumentError != nullptr) *argumentError = 0;
+            return DISP_E_PARAMNOTFOUND;
+        }
+        if (result != nullptr) VariantInit(result);
+        if (exception != nullptr) *exception = {};
+        return Guarded([&] { Call(id, *parameters); }, exception);
+    }
+
+    // ---- _clsSQLEditor, early bound
+    HRESULT STDMETHODCALLTYPE Constructor(IDispatch** Database) override {
+        return Guarded([&] { editor_.Constructor(Database != nullptr ? Object(*Database) : Object()); }, nullptr);
+    }
+    HRESULT STDMETHODCALLTYPE Display(BSTR* SQL) override {
+        if (SQL == nullptr) return E_POINTER;
+        return Guarded([&] { ShowBstr(*SQL); }, nullptr);
+    }
+    HRESULT STDMETHODCALLTYPE Destructor() override {
+        return Guarded([&] { editor_.Destructor(); }, nullptr);
+    }
+
+    // ---- ISupportErrorInfo, IProvideClassInfo
+    HRESULT STDMETHODCALLTYPE InterfaceSupportsErrorInfo(REFIID iid) override {
+        return iid == IID__clsSQLEditor ? S_OK : S_FALSE;
+    }
+    HRESULT STDMETHODCALLTYPE GetClassInfo(ITypeInfo** info) override {
+        if (info == nullptr) return E_POINTER;
+        *info = LoadTypeInformation(CLSID_clsSQLEditor);
+        return *info != nullptr ? S_OK : TYPE_E_CANTLOADLIBRARY;
+    }
+
+private:
+    // What even the reporting could not take leaves here as an HRESULT with its description.
+    template <class Work>
+    HRESULT Guarded(Work&& work, EXCEPINFO* exception) noexcept {
+        // The host may let go of the object from inside the modal loop.
+        AddRef();
+        HRESULT result = S_OK;
+        try {
+            const Surroundings surroundings;
+            work();
+        } catch (...) {
+            const RuntimeError error = CurrentError();
+            result = exception != nullptr ? FillException(error, exception) : PublishError(error);
+        }
+        Release();
+        return result;
+    }
+
+    void Call(DISPID id, DISPPARAMS& parameters) {
+        switch (id) {
+            case IdConstructor: {
+                Object database;
+                if (!Converted(L"Constructor", [&] { database = ObjectArgument(parameters.rgvarg[0]); })) return;
+                editor_.Constructor(database);
+                break;
+            }
+            case IdDisplay:
+                Show(parameters.rgvarg[0]);
+                break;
+            default:
+                editor_.Destructor();
+                break;
+        }
+    }
+
+    // An argument that is no object, or no text, is reported as an error of the member that it was meant for.
+    template <class Conversion>
+    static bool Converted(const wchar_t* routine, Conversion&& conversion) try {
+        conversion();
+        return true;
+    } catch (...) {
+        ReportError(Module, routine);
+        return false;
+    }
+
+    void ShowBstr(BSTR& text) {
+        std::wstring sql = TextOf(text);
+        const std::wstring before = sql;
+        editor_.Display(sql);
+        if (sql == before) return;  // what the host's string holds is left alone, down to its address
+        BSTR written = NewBstr(sql);
+        std::swap(text, written);
+        SysFreeString(written);
+    }
+
+    void Show(VARIANT& argument) {
+        if (argument.vt == (VT_BYREF | VT_BSTR)) {
+            if (argument.pbstrVal != nullptr) ShowBstr(*argument.pbstrVal);
+            return;
+        }
+        VARIANT* variable = &argument;
+        // By reference to a variant, which may refer to another one.
+        while (variable->vt == (VT_BYREF | VT_VARIANT) && variable->pvarVal != nullptr) variable = variable->pvarVal;
+        if (variable != &argument && variable->vt == VT_BSTR) {
+            ShowBstr(variable->bstrVal);
+            return;
+        }
+        if (variable->vt == (VT_BYREF | VT_BSTR) && variable->pbstrVal != nullptr) {
+            ShowBstr(*variable->pbstrVal);
+            return;
+        }
+        std::wstring sql;
+        if (!Converted(L"Display", [&] { sql = Variant(*variable).ToText(); })) return;
+        const std::wstring before = sql;
+        editor_.Display(sql);
+        // By value there is no variable to write to; one that held another type becomes a text when the text was edited.
+        if (variable == &argument || sql == before) return;
+        Variant written(sql);
+        VariantClear(variable);
+        std::memcpy(variable, static_cast<VARIANT*>(&written), sizeof(VARIANT));
+        static_cast<VARIANT&>(written).vt = VT_EMPTY;
+    }
+
+    ~SQLEditorObject() = default;
+
+    LONG references_ = 1;
+    ModuleLock lock_;
+    clsSQLEditor editor_;
+};
+
+HRESULT CreateSQLEditor(REFIID iid, void** object) {
+    SQLEditorObject* made = nullptr;
+    try {
+        made = new SQLEditorObject;
+    } catch (...) {
+        return PublishError(CurrentError());
+    }
+    const HRESULT result = made->QueryInterface(iid, object);
+    made->Release();
+    return result;
+}
+
+}  // namespace
+
+const ComClass SQLEditorClass{CLSID_clsSQLEditor, L"brvSQLEditor.clsSQLEditor",
+                              L"The SQL Editor window of a spreadsheet's database add-in", &LIBID_brvSQLEditor,
+                              &CreateSQLEditor};

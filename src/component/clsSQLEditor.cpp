@@ -1,0 +1,83 @@
+#include "component/clsSQLEditor.h"
+
+#include "component/modGlobal.h"
+#include "dictionary/clsDictionary.h"
+#include "editor/frmSQLEditor.h"
+#include "errors/modErrorHandler.h"
+
+namespace {
+constexpr const wchar_t* Module = L"clsSQLEditor";
+}
+
+clsSQLEditor::clsSQLEditor() {
+    try {
+        // Nothing to begin with.
+    } catch (...) {
+        ReportError(Module, L"Class_Initialize");
+    }
+}
+
+clsSQLEditor::~clsSQLEditor() {
+    try {
+        try {
+            Destructor();
+        } catch (...) {
+            ReportError(Module, L"Class_Terminate");
+        }
+    } catch (...) {
+        // Even the reporting failed, and an object's end has no caller to tell.
+    }
+}
+
+void clsSQLEditor::Constructor(const Object& Database) try {
+    // A database that is missing and one that is not connected leave different roots and adapters behind: kept.
+    if (!Database) {
+        HostDatabase.Clear();
+        OwnerName.clear();
+        SchemaTermPlural = L"Schemas";
+        return;
+    }
+    if (!Database.Get(L"Connected").ToBoolean()) {
+        HostDatabase.Clear();
+        OwnerName.clear();
+        Dictionary = std::make_shared<clsDictionary>();
+        Dictionary->Constructor(Object());
+        SchemaTermPlural.clear();
+        return;
+    }
+    HostDatabase = Database;
+    const std::wstring CurrentCatalog = HostDatabase.Get(L"CurrentCatalog").ToText();
+    const std::wstring UserName = HostDatabase.Get(L"UserName").ToText();
+    OwnerName = CurrentCatalog.empty() ? UserName : CurrentCatalog;
+    DBType = HostDatabase.Get(L"DBType").ToLong();
+    const std::wstring SchemaTerm = HostDatabase.Get(L"SchemaTerm").ToText();
+    SchemaTermPlural = SchemaTerm.empty() ? L"Schemas" : SchemaTerm + L"s";
+    const auto Adapter = std::make_shared<clsDictionary>();
+    Dictionary = Adapter;
+    Adapter->Constructor(HostDatabase.Get(L"Dictionary").ToObject());
+} catch (...) {
+    ReportError(Module, L"Constructor");
+}
+
+void clsSQLEditor::Display(std::wstring& SQL) try {
+    if (EditorForm == nullptr) {
+        EditorForm = std::make_shared<frmSQLEditor>();
+        EditorForm->Constructor();
+    }
+    // The host may ask for another window, or for none, while this one is shown.
+    const auto Window = EditorForm;
+    if (Window == nullptr) RaiseError(ErrorNumber::ObjectNotSet);
+    Window->Display(SQL);
+} catch (...) {
+    ReportError(Module, L"Display");
+}
+
+void clsSQLEditor::Destructor() try {
+    if (EditorForm == nullptr) return;
+    // The window refuses to be unloaded and hides; letting go of it is what ends it.
+    const auto Window = EditorForm;
+    Window->Unload();
+    EditorForm.reset();
+} catch (...) {
+    ReportError(Module, L"Destructor");
+}

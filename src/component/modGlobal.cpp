@@ -1,0 +1,51 @@
+#include "component/modGlobal.h"
+
+#include "automation/App.h"
+#include "automation/Version.h"
+#include "catalogue/clsListItem.h"
+#include "catalogue/modLists.h"
+#include "dictionary/clsDictionary.h"
+#include "editor/frmSQLEditor.h"
+#include "errors/clsErrorHandler.h"
+#include "errors/modErrorHandler.h"
+
+namespace App {
+const wchar_t* const Title = L"brvSQLEditor";
+const short Major = BRV_VERSION_MAJOR;
+const short Minor = BRV_VERSION_MINOR;
+const short Revision = BRV_VERSION_REVISION;
+}  // namespace App
+
+namespace {
+template <class T>
+T& Everlasting() {
+    return *new T();
+}
+}  // namespace
+
+std::shared_ptr<frmSQLEditor>& EditorForm = Everlasting<std::shared_ptr<frmSQLEditor>>();
+Object& HostDatabase = Everlasting<Object>();
+std::wstring& OwnerName = Everlasting<std::wstring>();
+long DBType = 0;
+std::wstring& SchemaTermPlural = Everlasting<std::wstring>();
+std::shared_ptr<clsDictionary>& Dictionary = Everlasting<std::shared_ptr<clsDictionary>>();
+std::shared_ptr<Collection<std::shared_ptr<const clsListItem>>>& ListItems =
+    Everlasting<std::shared_ptr<Collection<std::shared_ptr<const clsListItem>>>>();
+std::shared_ptr<clsErrorHandler>& ErrorHandler = Everlasting<std::shared_ptr<clsErrorHandler>>();
+
+void modGlobal::Main() try {
+    ListItems = std::make_shared<Collection<std::shared_ptr<const clsListItem>>>();
+    modLists::CreateListItems();
+} catch (...) {
+    ReportError(L"modGlobal", L"Main");
+}
+
+void modGlobal::Forget() noexcept {
+    EditorForm.reset();
+    Dictionary.reset();
+    HostDatabase.Clear();
+    ErrorHandler.reset();
+    OwnerName.clear();
+    SchemaTermPlural.clear();
+    DBType = 0;
+}

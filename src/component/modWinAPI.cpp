@@ -1,0 +1,12 @@
+#include "component/modWinAPI.h"
+
+#include "errors/modErrorHandler.h"
+#include "forms/Events.h"
+#include "forms/Form.h"
+
+void modWinAPI::SetWindowTopMost(::Form& Form) try {
+    SetWindowPos(Form.Handle(), HWND_TOPMOST, 0, 0, 0, 0, SWP_NOSIZE | SWP_NOMOVE);
+    Events::Rethrow();
+} catch (...) {
+    ReportError(L"modWinAPI", L"SetWindowTopMost");
+}

@@ -1,0 +1,142 @@
+#pragma once
+
+#include <array>
+#include <memory>
+#include <string>
+
+#include "forms/CommandButton.h"
+#include "forms/Container.h"
+#include "forms/Form.h"
+#include "forms/Label.h"
+#include "forms/ListBox.h"
+#include "forms/Menu.h"
+#include "forms/RichTextBox.h"
+#include "forms/StatusBar.h"
+#include "forms/Toolbar.h"
+#include "forms/TreeView.h"
+
+// The editor window: modal while Display runs, hidden between, never unloaded while the component holds it. One class, whose
+// subjects are defined in the files that the banners name.
+class frmSQLEditor : public Form, public std::enable_shared_from_this<frmSQLEditor> {
+public:
+    frmSQLEditor();
+    ~frmSQLEditor() override;
+
+    // ---- Lifecycle (editor/frmSQLEditor_Lifecycle.cpp)
+
+    // Selects the owner's schema in the object browser, which loads the window when there is an owner.
+    void Constructor();
+    // Shows the window on `SQL` and returns when it was closed, the editor's text in `SQL`. When it fails before the window
+    // was shown, `SQL` is unchanged.
+    void Display(std::wstring& SQL);
+
+    // ---- Controls (made and wired in editor/frmSQLEditor_Controls.cpp). Public, since modLists fills them.
+
+    Toolbar tlbToolbar;
+    std::array<CommandButton, 4> cmdLeft;
+    std::array<PictureBox, 4> picLeft;
+    TreeView trvDBObjects;
+    ListBox lstAnsiSQL;
+    TreeView trvDatabaseSpecific;
+    ListBox lstKolvex;
+    Label lblDescription;
+    PictureBox picHide;
+    PictureBox picUnhide;
+    PictureBox imgSplitterV;
+    PictureBox picSplitterV;
+    PictureBox picRight;
+    RichTextBox rtbSQL;
+    StatusBar sbStatusBar;
+    ImageListHandle imlImages;
+
+    MenuItem mnuFile{L"&File"};
+    MenuItem mnuFileNew{L"&New"};
+    MenuItem mnuFileOpen{L"&Open..."};
+    MenuItem mnuFileSave{L"&Save"};
+    MenuItem mnuFileSaveAs{L"Save &As..."};
+    MenuItem mnuFilePrint{L"&Print..."};
+    MenuItem mnuFileClose{L"&Close"};
+
+    MenuItem mnuEdit{L"&Edit"};
+    MenuItem mnuEditCut{L"Cu&t"};
+    MenuItem mnuEditCopy{L"&Copy"};
+    MenuItem mnuEditPaste{L"&Paste"};
+    MenuItem mnuEditDelete{L"&Delete"};
+    MenuItem mnuEditMakeLowerCase{L"Make &Lower Case"};
+    MenuItem mnuEditMakeUpperCase{L"Make &Upper Case"};
+    MenuItem mnuFind{L"&Find..."};
+    MenuItem mnuFindNext{L"Find &Next"};
+    MenuItem mnuEditReplace{L"&Replace..."};
+    MenuItem mnuEditGoto{L"&Goto..."};
+    MenuItem mnuEditSelectAll{L"Select &All"};
+    MenuItem mnuEditTimeDate{L"Time/&Date"};
+
+    MenuItem mnuAction{L"&Action"};
+    MenuItem mnuActionSelect{L"&Select"};
+    MenuItem mnuActionInsert{L"&Insert"};
+    MenuItem mnuActionUpdate{L"&Update"};
+    MenuItem mnuActionDelete{L"&Delete"};
+    MenuItem mnuActionExecute{L"&Execute"};
+    MenuItem mnuActionCreate{L"&Create"};
+    MenuItem mnuActionTasks{L"&Tasks"};
+    std::array<MenuItem, 3> mnuActionTask{MenuItem(L"undefined"), MenuItem(L"undefined"), MenuItem(L"undefined")};
+
+    MenuItem mnuView{L"&View"};
+    MenuItem mnuViewStatusBar{L"&StatusBar"};
+    MenuItem mnuViewObjectBrowser{L"&Object Browser"};
+    MenuItem mnuViewSystem{L"System Tables&Views"};
+
+protected:
+    void CreateControls() override;
+    void FontsChanged() override;
+
+    // ---- Lifecycle
+    void Form_Load() override;
+    void Form_Activate() override;
+    void Form_Unload(bool& cancel) override;
+
+    // ---- Layout (editor/frmSQLEditor_Layout.cpp)
+    void Form_Resize() override;
+
+private:
+    // ---- Lifecycle
+    void Form_Initialize();
+    void m_FormTitle(const std::wstring& Title);
+    void mnuFileClose_Click();
+    void tlbToolbar_ButtonClick(const Toolbar::Button& Button);
+
+    // ---- Controls
+    void CreateMenus();
+    void CreateImages();
+
+    // ---- Layout
+    void m_SizeControls();
+    void cmdLeft_Click(int Index);
+    void imgSplitterV_MouseDown(int Button, int Shift, float X, float Y);
+    void imgSplitterV_MouseMove(int Button, int Shift, float X, float Y);
+    void imgSplitterV_MouseUp(int Button, int Shift, float X, float Y);
+    void picHide_Click();
+    void picUnhide_Click();
+    void picLeft_Resize(int Index);
+    void picRight_Resize();
+    void mnuViewObjectBrowser_Click();
+    void mnuViewStatusBar_Click();
+
+    // ---- Editing (editor/frmSQLEditor_FileEdit.cpp)
+    void rtbSQL_Change();
+    void rtbSQL_SelChange();
+
+    // ---- Reference lists (catalogue/frmSQLEditor_Lists.cpp)
+    void lstAnsiSQL_Click();
+    void lstKolvex_Click();
+    void trvDatabaseSpecific_NodeClick(const Node& Node);
+
+    // ---- Action menu (statements/frmSQLEditor_ActionMenu.cpp)
+    void m_EnableActionMenu();
+    void m_SelectFromListBox(const ListBox& List);
+    void m_SelectFromTreeView(const TreeView& Tree);
+
+    bool moving_ = false;       // the splitter is being dragged
+    short activeView_ = 0;      // 0 object browser, 1 ANSI SQL list, 2 database-specific tree, 3 host command list
+    long savedSplit_ = 0;       // split position, twips, from before the left pane was collapsed
+};

@@ -1,0 +1,189 @@
+#include <windows.h>
+#include <commctrl.h>
+
+#include "automation/App.h"
+#include "editor/frmSQLEditor.h"
+#include "forms/Surroundings.h"
+#include "forms/Twips.h"
+
+namespace {
+
+// Control ids, for whoever drives the window from outside.
+enum ControlId {
+    IdToolbar = 1000,
+    IdStatusBar,
+    IdEditor,
+    IdDescription,
+    IdHide,
+    IdUnhide,
+    IdSplitter,
+    IdSplitterBar,
+    IdRight,
+    IdLeftButton = 1010,
+    IdLeftPage = 1020,
+    IdView = 1030,
+};
+
+constexpr WORD ReturnIcon = 2;
+constexpr float FirstSplit = 2400;  // twips: the widest caption of a tab button, and half of the editor's width at first
+
+// A small arrow head in the middle of the box, pointing left or right.
+void PaintArrow(HDC Context, const RECT& Client, bool ToLeft) {
+    const int X = (Client.left + Client.right) / 2;
+    const int Y = (Client.top + Client.bottom) / 2;
+    int Size = (Client.bottom - Client.top) / 4;
+    const int Widest = (Client.right - Client.left - 2) / 2;
+    if (Size > Widest) Size = Widest;
+    if (Size < 2) Size = 2;
+    const int Tip = ToLeft ? X - Size / 2 : X + Size / 2;
+    const int Back = ToLeft ? Tip + Size : Tip - Size;
+    const POINT Arrow[] = {{Tip, Y}, {Back, Y - Size}, {Back, Y + Size}};
+    const HGDIOBJ Pen = SelectObject(Context, GetStockObject(NULL_PEN));
+    const HGDIOBJ Brush = SelectObject(Context, GetSysColorBrush(COLOR_BTNTEXT));
+    Polygon(Context, Arrow, 3);
+    SelectObject(Context, Brush);
+    SelectObject(Context, Pen);
+}
+
+std::wstring FixedPitchFace(HWND Window) {
+    for (const wchar_t* Face : {L"Consolas", L"Courier New"}) {
+        LOGFONTW Wanted{};
+        Wanted.lfCharSet = DEFAULT_CHARSET;
+        lstrcpynW(Wanted.lfFaceName, Face, LF_FACESIZE);
+        bool Found = false;
+        const HDC Context = GetDC(Window);
+        EnumFontFamiliesExW(
+            Context, &Wanted,
+            [](const LOGFONTW*, const TEXTMETRICW*, DWORD, LPARAM Parameter) WINAPI -> int {
+                *reinterpret_cast<bool*>(Parameter) = true;
+                return 0;
+            },
+            reinterpret_cast<LPARAM>(&Found), 0);
+        ReleaseDC(Window, Context);
+        if (Found) return Face;
+    }
+    return L"Courier New";
+}
+
+}  // namespace
+
+void frmSQLEditor::CreateMenus() {
+    for (MenuItem* entry : {&mnuFileNew, &mnuFileOpen, &mnuFileSave, &mnuFileSaveAs}) mnuFile.Append(*entry);
+    mnuFile.AppendSeparator();
+    mnuFile.Append(mnuFilePrint);
+    mnuFile.AppendSeparator();
+    mnuFile.Append(mnuFileClose);
+
+    for (MenuItem* entry : {&mnuEditCut, &mnuEditCopy, &mnuEditPaste, &mnuEditDelete}) mnuEdit.Append(*entry);
+    mnuEdit.AppendSeparator();
+    for (MenuItem* entry : {&mnuEditMakeLowerCase, &mnuEditMakeUpperCase}) mnuEdit.Append(*entry);
+    mnuEdit.AppendSeparator();
+    for (MenuItem* entry : {&mnuFind, &mnuFindNext, &mnuEditReplace, &mnuEditGoto}) mnuEdit.Append(*entry);
+    mnuEdit.AppendSeparator();
+    for (MenuItem* entry : {&mnuEditSelectAll, &mnuEditTimeDate}) mnuEdit.Append(*entry);
+
+    for (MenuItem* entry : {&mnuActionSelect, &mnuActionInsert, &mnuActionUpdate, &mnuActionDelete, &mnuActionExecute,
+                            &mnuActionCreate, &mnuActionTasks}) {
+        mnuAction.Append(*entry);
+    }
+    for (MenuItem& task : mnuActionTask) mnuActionTasks.Append(task);
+
+    for (MenuItem* entry : {&mnuViewStatusBar, &mnuViewObjectBrowser, &mnuViewSystem}) mnuView.Append(*entry);
+    mnuViewStatusBar.SetChecked(true);
+    mnuViewObjectBrowser.SetChecked(true);
+
+    mnuFileClose.Click = [this] { mnuFileClose_Click(); };
+    mnuViewStatusBar.Click = [this] { mnuViewStatusBar_Click(); };
+    mnuViewObjectBrowser.Click = [this] { mnuViewObjectBrowser_Click(); };
+
+    for (MenuItem* menu : {&mnuFile, &mnuEdit, &mnuAction, &mnuView}) Menus.Append(*menu);
+    Menus.Create(Handle());
+}
+
+void frmSQLEditor::CreateImages() {
+    const Surroundings surroundings;
+    const int Size = TwipsToPixels(240, Dpi());
+    ImageListHandle Images(ImageList_Create(Size, Size, ILC_COLOR32, 1, 0));
+    const auto Icon = static_cast<HICON>(
+        LoadImageW(App::Module(), MAKEINTRESOURCEW(ReturnIcon), IMAGE_ICON, Size, Size, LR_DEFAULTCOLOR));
+    if (Icon != nullptr) {
+        const IconHandle Owned(Icon);
+        if (Images) ImageList_ReplaceIcon(Images.get(), -1, Icon);
+    }
+    tlbToolbar.SetImageList(Images.get());
+    imlImages = std::move(Images);
+}
+
+void frmSQLEditor::CreateControls() {
+    const HWND Window = Handle();
+    CreateMenus();
+
+    // The order of creation is the order of the Tab key.
+    tlbToolbar.Create(Window, IdToolbar);
+    for (int Index = 0; Index < 4; ++Index) {
+        static constexpr const wchar_t* Captions[] = {L"Database Objects", L"ANSI SQL", L"Database Specific", L"Kolvex"};
+        const auto At = static_cast<size_t>(Index);
+        cmdLeft[At].Create(Window, IdLeftButton + Index, Captions[Index]);
+        cmdLeft[At].Click = [this, Index] { cmdLeft_Click(Index); };
+    }
+    for (int Index = 0; Index < 4; ++Index) {
+        const auto At = static_cast<size_t>(Index);
+        picLeft[At].Create(Window, IdLeftPage + Index, WS_VISIBLE | WS_CLIPCHILDREN | WS_CLIPSIBLINGS,
+                           WS_EX_CONTROLPARENT);
+        picLeft[At].Resize = [this, Index] { picLeft_Resize(Index); };
+    }
+    trvDBObjects.Create(picLeft[0].Handle(), IdView);
+    lstAnsiSQL.Create(picLeft[1].Handle(), IdView + 1);
+    trvDatabaseSpecific.Create(picLeft[2].Handle(), IdView + 2);
+    lstKolvex.Create(picLeft[3].Handle(), IdView + 3);
+    lblDescription.Create(Window, IdDescription, L"");
+    picHide.Create(Window, IdHide);
+    picUnhide.Create(Window, IdUnhide);
+    picRight.Create(Window, IdRight, WS_VISIBLE | WS_CLIPCHILDREN | WS_CLIPSIBLINGS, WS_EX_CONTROLPARENT);
+    picRight.Resize = [this] { picRight_Resize(); };
+    rtbSQL.Create(picRight.Handle(), IdEditor);
+    rtbSQL.SetEditorFont(FixedPitchFace(Window), 10);
+    imgSplitterV.Create(Window, IdSplitter);
+    picSplitterV.Create(Window, IdSplitterBar, WS_CLIPSIBLINGS);
+    sbStatusBar.Create(Window, IdStatusBar, {1500});
+
+    tlbToolbar.ButtonClick = [this](const Toolbar::Button& Button) { tlbToolbar_ButtonClick(Button); };
+    CreateImages();
+    tlbToolbar.AddButton({L"return", L"Return SQL to Kolvex", L"Close the editor and return the SQL to Kolvex", 0});
+
+    lstAnsiSQL.Click = [this] { lstAnsiSQL_Click(); };
+    lstKolvex.Click = [this] { lstKolvex_Click(); };
+    trvDatabaseSpecific.NodeClick = [this](const Node& Node) { trvDatabaseSpecific_NodeClick(Node); };
+    rtbSQL.Change = [this] { rtbSQL_Change(); };
+    rtbSQL.SelChange = [this] { rtbSQL_SelChange(); };
+
+    picHide.SetWindowCaption(L"Hide the left pane");
+    picHide.Click = [this] { picHide_Click(); };
+    picHide.Paint = [](HDC Context, const RECT& Client) { PaintArrow(Context, Client, true); };
+    picUnhide.SetWindowCaption(L"Show the left pane");
+    picUnhide.Click = [this] { picUnhide_Click(); };
+    picUnhide.Paint = [](HDC Context, const RECT& Client) { PaintArrow(Context, Client, false); };
+
+    imgSplitterV.SetWindowCaption(L"Splitter");
+    imgSplitterV.SetMousePointer(IDC_SIZEWE);
+    imgSplitterV.MouseDown = [this](int B, int S, float X, float Y) { imgSplitterV_MouseDown(B, S, X, Y); };
+    imgSplitterV.MouseMove = [this](int B, int S, float X, float Y) { imgSplitterV_MouseMove(B, S, X, Y); };
+    imgSplitterV.MouseUp = [this](int B, int S, float X, float Y) { imgSplitterV_MouseUp(B, S, X, Y); };
+    picSplitterV.SetBackColor(COLOR_3DSHADOW);
+
+    imgSplitterV.Move(FirstSplit, 0, 0, 0);
+    picSplitterV.Move(FirstSplit, 0, 0, 0);
+}
+
+void frmSQLEditor::FontsChanged() {
+    const HFONT Font = MessageFont();
+    tlbToolbar.SetFont(Font);
+    for (CommandButton& Button : cmdLeft) Button.SetFont(Font);
+    trvDBObjects.SetFont(Font);
+    lstAnsiSQL.SetFont(Font);
+    trvDatabaseSpecific.SetFont(Font);
+    lstKolvex.SetFont(Font);
+    lblDescription.SetFont(Font);
+    sbStatusBar.SetFont(Font);
+    if (imlImages) CreateImages();
+}

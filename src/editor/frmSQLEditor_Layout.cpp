@@ -1,0 +1,194 @@
+#include <algorithm>
+
+#include "editor/frmSQLEditor.h"
+#include "errors/modErrorHandler.h"
+#include "forms/Twips.h"
+
+// All lengths in twips.
+namespace {
+
+constexpr const wchar_t* Module = L"frmSQLEditor";
+
+constexpr float MinimumWidth = 3000;
+constexpr float MinimumHeight = 4000;
+constexpr float SplitLimit = 500;       // how near to either side the splitter can be dragged
+constexpr float CollapsedSplit = 20;    // the split position that stands for a collapsed left pane
+constexpr float CollapsedBelow = 100;   // a left pane that is no wider counts as collapsed
+constexpr float NarrowestPane = 1500;   // of either pane, when there is room for both
+constexpr float Margin = 50;            // from the window's sides
+constexpr float SplitterWidth = 40;     // between the panes
+constexpr float TabHeight = 300;
+constexpr float Gap = 20;
+constexpr int TabCount = 4;
+
+}  // namespace
+
+void frmSQLEditor::Form_Resize() try {
+    if (WindowState() == State::Minimized) return;
+    // Compared in pixels: a minimum that is no whole number of them is reached all the same.
+    const UINT dpi = Dpi();
+    if (TwipsToPixels(Width(), dpi) < TwipsToPixels(MinimumWidth, dpi)) SetWidth(MinimumWidth);
+    if (TwipsToPixels(Height(), dpi) < TwipsToPixels(MinimumHeight, dpi)) SetHeight(MinimumHeight);
+    m_SizeControls();
+} catch (...) {
+    ReportError(Module, L"Form_Resize");
+}
+
+void frmSQLEditor::m_SizeControls() try {
+    const float InnerWidth = ScaleWidth();
+    const float InnerHeight = ScaleHeight();
+
+    float LeftWidth = picSplitterV.Left();
+    const bool Shown = LeftWidth > CollapsedBelow;
+
+    if (Shown && LeftWidth < NarrowestPane) LeftWidth = NarrowestPane;
+    if (LeftWidth > InnerWidth - NarrowestPane) LeftWidth = InnerWidth - NarrowestPane;
+
+    const float Top = tlbToolbar.Arrange();
+    float Bottom = InnerHeight;
+    if (sbStatusBar.Visible()) Bottom -= sbStatusBar.Arrange();
+    const float PaneHeight = std::max(Bottom - Top, 0.0F);
+
+    // The description gets the height that it was drawn for, five lines, and less in a low window.
+    const float Line = lblDescription.HeightFor(100000);
+    const float LabelHeight = std::min(5 * Line, PaneHeight / 4);
+    const float PageHeight = std::max(PaneHeight - TabCount * TabHeight - (TabCount + 3) * Gap - LabelHeight, 0.0F);
+
+    float Y = Top + Gap;
+    for (int Index = 0; Index < TabCount; ++Index) {
+        const auto At = static_cast<size_t>(Index);
+        cmdLeft[At].Move(Margin, Y, LeftWidth, TabHeight);
+        Y += TabHeight + Gap;
+        if (Index == activeView_) {
+            for (PictureBox& Page : picLeft) Page.Move(Margin, Y, LeftWidth, PageHeight);
+            Y += PageHeight + Gap;
+        }
+    }
+    lblDescription.Move(Margin, Y, LeftWidth, std::max(Bottom - Gap - Y, 0.0F));
+    for (CommandButton& Button : cmdLeft) Button.SetVisible(Shown);
+    for (PictureBox& Page : picLeft) Page.SetVisible(Shown);
+    lblDescription.SetVisible(Shown);
+
+    // The grip lies under the panes and shows in the gap between them. It keeps the split position; the bar keeps what was
+    // asked for, so that a window that grows again gives the left pane back what it had.
+    imgSplitterV.Move(LeftWidth, Top, Margin + SplitterWidth, PaneHeight);
+    picHide.Move(Margin + LeftWidth - TabHeight, Top + Gap, TabHeight, TabHeight);
+    picHide.SetVisible(Shown);
+    picUnhide.Move(0, Top, Margin + LeftWidth, PaneHeight);
+    picUnhide.SetVisible(!Shown);
+
+    picRight.Move(Margin + LeftWidth + SplitterWidth, Top, std::max(InnerWidth - LeftWidth - 140, 0.0F), PaneHeight);
+    mnuViewObjectBrowser.SetChecked(Shown);
+} catch (...) {
+    ReportError(Module, L"m_SizeControls");
+}
+
+void frmSQLEditor::cmdLeft_Click(int Index) try {
+    for (int Other = 0; Other < TabCount; ++Other) {
+        // The pages behind are still visible; disabled, they keep the Tab key out.
+        picLeft[static_cast<size_t>(Other)].SetEnabled(Other == Index);
+    }
+    picLeft[static_cast<size_t>(Index)].BringToFront();
+    switch (Index) {
+        case 0:
+            lblDescription.SetCaption(L"");
+            trvDBObjects.SetFocus();
+            break;
+        case 1:
+            lstAnsiSQL.SetFocus();
+            lstAnsiSQL.SetListIndex(lstAnsiSQL.ListIndex());
+            break;
+        case 2:
+            trvDatabaseSpecific.SetFocus();
+            trvDatabaseSpecific_NodeClick(trvDatabaseSpecific.SelectedItem());
+            break;
+        default:
+            lstKolvex.SetFocus();
+            lstKolvex.SetListIndex(lstKolvex.ListIndex());
+            break;
+    }
+    activeView_ = static_cast<short>(Index);
+    m_SizeControls();
+} catch (...) {
+    ReportError(Module, L"cmdLeft_Click");
+}
+
+void frmSQLEditor::imgSplitterV_MouseDown(int Button, int, float, float) try {
+    if (Button != MouseButton::Left) return;
+    SetCapture(imgSplitterV.Handle());
+    picSplitterV.Move(imgSplitterV.Left(), imgSplitterV.Top(), imgSplitterV.Width(), imgSplitterV.Height() - 20);
+    picSplitterV.SetVisible(true);
+    picSplitterV.BringToFront();
+    moving_ = true;
+} catch (...) {
+    ReportError(Module, L"imgSplitterV_MouseDown");
+}
+
+void frmSQLEditor::imgSplitterV_MouseMove(int, int, float X, float) try {
+    if (!moving_) return;
+    const float Furthest = ScaleWidth() - SplitLimit;
+    const float Position = imgSplitterV.Left() + X;
+    picSplitterV.SetLeft(Position < SplitLimit ? SplitLimit : Position > Furthest ? Furthest : Position);
+} catch (...) {
+    ReportError(Module, L"imgSplitterV_MouseMove");
+}
+
+void frmSQLEditor::imgSplitterV_MouseUp(int, int, float, float) try {
+    if (!moving_) return;
+    moving_ = false;
+    ReleaseCapture();
+    m_SizeControls();
+    picSplitterV.SetVisible(false);
+} catch (...) {
+    ReportError(Module, L"imgSplitterV_MouseUp");
+}
+
+void frmSQLEditor::picHide_Click() try {
+    savedSplit_ = static_cast<long>(imgSplitterV.Left());
+    imgSplitterV.SetLeft(CollapsedSplit);
+    picSplitterV.SetLeft(CollapsedSplit);
+    m_SizeControls();
+} catch (...) {
+    ReportError(Module, L"picHide_Click");
+}
+
+void frmSQLEditor::picUnhide_Click() try {
+    imgSplitterV.SetLeft(static_cast<float>(savedSplit_));
+    picSplitterV.SetLeft(static_cast<float>(savedSplit_));
+    m_SizeControls();
+} catch (...) {
+    ReportError(Module, L"picUnhide_Click");
+}
+
+void frmSQLEditor::picLeft_Resize(int Index) try {
+    const PictureBox& Page = picLeft[static_cast<size_t>(Index)];
+    Control* const Views[] = {&trvDBObjects, &lstAnsiSQL, &trvDatabaseSpecific, &lstKolvex};
+    if (Views[Index]->Handle() != nullptr) Views[Index]->Move(0, 0, Page.Width(), Page.Height());
+} catch (...) {
+    ReportError(Module, L"picLeft_Resize");
+}
+
+void frmSQLEditor::picRight_Resize() try {
+    if (rtbSQL.Handle() != nullptr) rtbSQL.Move(0, 0, picRight.Width(), picRight.Height());
+} catch (...) {
+    ReportError(Module, L"picRight_Resize");
+}
+
+void frmSQLEditor::mnuViewObjectBrowser_Click() try {
+    mnuViewObjectBrowser.SetChecked(!mnuViewObjectBrowser.Checked());
+    if (mnuViewObjectBrowser.Checked()) {
+        picUnhide_Click();
+    } else {
+        picHide_Click();
+    }
+} catch (...) {
+    ReportError(Module, L"mnuViewObjectBrowser_Click");
+}
+
+void frmSQLEditor::mnuViewStatusBar_Click() try {
+    mnuViewStatusBar.SetChecked(!mnuViewStatusBar.Checked());
+    sbStatusBar.SetVisible(mnuViewStatusBar.Checked());
+    m_SizeControls();
+} catch (...) {
+    ReportError(Module, L"mnuViewStatusBar_Click");
+}

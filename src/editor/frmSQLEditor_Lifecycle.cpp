@@ -1,0 +1,133 @@
+#include "automation/App.h"
+#include "browser/modLists.h"
+#include "catalogue/modLists.h"
+#include "component/modGlobal.h"
+#include "component/modWinAPI.h"
+#include "dictionary/clsDictionary.h"
+#include "editor/frmSQLEditor.h"
+#include "errors/modErrorHandler.h"
+#include "forms/Settings.h"
+
+namespace {
+
+constexpr const wchar_t* Module = L"frmSQLEditor";
+constexpr const wchar_t* SettingsSection = L"Settings";
+
+float Placement(const wchar_t* Key, const wchar_t* Default) {
+    return ToSingle(GetSetting(App::Title, SettingsSection, Key, Default));
+}
+
+void SavePlacement(const wchar_t* Key, float Value) {
+    SaveSetting(App::Title, SettingsSection, Key, FromSingle(Value));
+}
+
+// Without regard to case, as the database's own names are compared.
+std::wstring UCase(std::wstring Text) {
+    CharUpperBuffW(Text.data(), static_cast<DWORD>(Text.size()));
+    return Text;
+}
+
+}  // namespace
+
+frmSQLEditor::frmSQLEditor() {
+    Form_Initialize();
+}
+
+frmSQLEditor::~frmSQLEditor() = default;
+
+void frmSQLEditor::Form_Initialize() try {
+    moving_ = false;
+} catch (...) {
+    ReportError(Module, L"Form_Initialize");
+}
+
+void frmSQLEditor::Constructor() try {
+    if (OwnerName.empty()) return;
+    Load();
+    const Node Schemas = trvDBObjects.Items().Item(std::wstring(modLists::NodeKind::Schemas));
+    const std::wstring Owner = UCase(OwnerName);
+    for (Node Schema = Schemas.Child(); Schema; Schema = Schema.Next()) {
+        if (UCase(Schema.Text()) == Owner) {
+            trvDBObjects.SetSelectedItem(Schema);
+            Schema.EnsureVisible();
+            return;
+        }
+    }
+} catch (...) {
+    ReportError(Module, L"Constructor");
+}
+
+void frmSQLEditor::Display(std::wstring& SQL) try {
+    // Asked first, so that a call from inside the modal loop leaves the text that is being edited alone.
+    if (Visible()) RaiseError(ErrorNumber::FormAlreadyShown);
+    const auto held = shared_from_this();  // the host may let go of the window while it is shown
+    Load();
+    rtbSQL.SetText(SQL);
+    rtbSQL.DataChanged = false;
+    const bool Connected = Dictionary != nullptr && Dictionary->Connected();
+    sbStatusBar.SetPanelText(1, Connected ? HostDatabase.Get(L"DBTypeName", ByRef(DBType)).ToText()
+                                          : std::wstring(L"Not connected to a database"));
+    modWinAPI::SetWindowTopMost(*this);
+    ShowModal();
+    SQL = rtbSQL.Text();
+} catch (...) {
+    ReportError(Module, L"Display");
+}
+
+void frmSQLEditor::Form_Load() try {
+    EditorForm = shared_from_this();
+    SetLeft(Placement(L"MainLeft", L"1000"));
+    SetTop(Placement(L"MainTop", L"1000"));
+    SetWidth(Placement(L"MainWidth", L"6500"));
+    SetHeight(Placement(L"MainHeight", L"6500"));
+    modLists::PopulateDBObjects();
+    modLists::PopulateAnsiSQLCommands();
+    modLists::PopulateDatabaseSpecificCommands();
+    modLists::PopulateKolvexCommands();
+} catch (...) {
+    ReportError(Module, L"Form_Load");
+}
+
+void frmSQLEditor::Form_Activate() try {
+    rtbSQL.DataChanged = false;
+    rtbSQL.FileName.clear();
+    m_FormTitle(L"");
+    cmdLeft_Click(0);
+    rtbSQL.SetFocus();
+    m_EnableActionMenu();
+} catch (...) {
+    ReportError(Module, L"Form_Activate");
+}
+
+void frmSQLEditor::m_FormTitle(const std::wstring& Title) try {
+    SetCaption(Title.empty() ? L"SQL Editor" : L"SQL Editor - " + Title);
+} catch (...) {
+    ReportError(Module, L"m_FormTitle");
+}
+
+// Every way out of the window comes through here: there is none that keeps the host's SQL unchanged.
+void frmSQLEditor::mnuFileClose_Click() try {
+    // A maximised window's values are written too; kept.
+    if (WindowState() != State::Minimized) {
+        SavePlacement(L"MainLeft", Left());
+        SavePlacement(L"MainTop", Top());
+        SavePlacement(L"MainWidth", Width());
+        SavePlacement(L"MainHeight", Height());
+    }
+    Hide();
+} catch (...) {
+    ReportError(Module, L"mnuFileClose_Click");
+}
+
+void frmSQLEditor::Form_Unload(bool& cancel) try {
+    cancel = true;
+    mnuFileClose_Click();
+} catch (...) {
+    ReportError(Module, L"Form_Unload");
+}
+
+void frmSQLEditor::tlbToolbar_ButtonClick(const Toolbar::Button& Button) try {
+    if (Button.Key == L"return") mnuFileClose_Click();
+} catch (...) {
+    ReportError(Module, L"tlbToolbar_ButtonClick");
+}

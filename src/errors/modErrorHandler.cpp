@@ -1,0 +1,25 @@
+#include "errors/modErrorHandler.h"
+
+#include "automation/App.h"
+#include "component/modGlobal.h"
+#include "errors/clsErrorHandler.h"
+
+void ReportError(const std::wstring& Module, const std::wstring& Routine, const Variant& DebugMessage) {
+    const RuntimeError error = CurrentError();
+    // Compiled code carries no line numbers.
+    constexpr long Line = 0;
+    if (ErrorHandler == nullptr) ErrorHandler = std::make_shared<clsErrorHandler>();
+    // Held here too: the component may be asked to unload while its error component shows an alert.
+    const auto handler = ErrorHandler;
+    handler->ErrorMessage(Module, Routine, MakeErrorObject(error), Line, DebugMessage);
+}
+
+bool IsNotComponentError(long Number) {
+    long difference = 0;
+    if (__builtin_sub_overflow(Number, ObjectErrorBase, &difference)) RaiseError(ErrorNumber::Overflow);
+    return !(difference > 0 && difference < 65535);
+}
+
+bool IsOwnError(const RuntimeError& error) {
+    return error.Source == App::Title && !IsNotComponentError(error.Number);
+}

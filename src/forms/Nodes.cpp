@@ -1,0 +1,288 @@
+#include "forms/Nodes.h"
+
+#include "automation/RuntimeError.h"
+#include "forms/TreeView.h"
+
+struct Node::Item : std::enable_shared_from_this<Node::Item> {
+    std::wstring Text;
+    std::wstring Tag;
+    std::wstring Key;
+    Nodes* Owner = nullptr;  // null once the node was removed
+    Item* Parent = nullptr;
+    Item* First = nullptr;
+    Item* Last = nullptr;
+    Item* Previous = nullptr;
+    Item* Next = nullptr;
+    long Children = 0;
+    size_t Slot = 0;
+    bool Expanded = false;
+    HTREEITEM Mirror = nullptr;
+};
+
+// ---- Node
+
+Node::Item& Node::Living() const {
+    if (item_ == nullptr) RaiseError(ErrorNumber::ObjectNotSet);
+    if (item_->Owner == nullptr) RaiseError(ErrorNumber::ElementNotFound);
+    return *item_;
+}
+
+Node Node::Of(Item* item) noexcept {
+    return item != nullptr ? Node(item->shared_from_this()) : Node();
+}
+
+const std::wstring& Node::Text() const {
+    return Living().Text;
+}
+
+void Node::SetText(const std::wstring& text) const {
+    Item& item = Living();
+    item.Text = text;
+    TVITEMW change{};
+    change.mask = TVIF_TEXT;
+    change.hItem = item.Mirror;
+    change.pszText = item.Text.data();
+    item.Owner->tree_.Send(TVM_SETITEMW, 0, reinterpret_cast<LPARAM>(&change));
+}
+
+const std::wstring& Node::Tag() const {
+    return Living().Tag;
+}
+
+void Node::SetTag(std::wstring tag) const {
+    Living().Tag = std::move(tag);
+}
+
+const std::wstring& Node::Key() const {
+    return Living().Key;
+}
+
+short Node::Index() const {
+    const Item& item = Living();
+    return static_cast<short>(item.Owner->IndexOf(item.Slot));
+}
+
+Node Node::Parent() const {
+    return Of(Living().Parent);
+}
+
+Node Node::Child() const {
+    return Of(Living().First);
+}
+
+Node Node::FirstSibling() const {
+    const Item& item = Living();
+    return Of(item.Parent != nullptr ? item.Parent->First : item.Owner->firstRoot_);
+}
+
+Node Node::LastSibling() const {
+    const Item& item = Living();
+    return Of(item.Parent != nullptr ? item.Parent->Last : item.Owner->lastRoot_);
+}
+
+Node Node::Next() const {
+    return Of(Living().Next);
+}
+
+Node Node::Previous() const {
+    return Of(Living().Previous);
+}
+
+long Node::Children() const {
+    return Living().Children;
+}
+
+bool Node::Expanded() const {
+    return Living().Expanded;
+}
+
+void Node::SetExpanded(bool expanded) const {
+    Item& item = Living();
+    item.Owner->tree_.SetExpanded(*this, expanded);
+}
+
+bool Node::Selected() const {
+    return Living().Owner->tree_.SelectedItem() == *this;
+}
+
+void Node::EnsureVisible() const {
+    Item& item = Living();
+    item.Owner->tree_.Send(TVM_ENSUREVISIBLE, 0, reinterpret_cast<LPARAM>(item.Mirror));
+}
+
+// ---- Nodes
+
+Nodes::~Nodes() {
+    // References to nodes may be held beyond the tree.
+    for (const Slot& slot : slots_) {
+        if (slot != nullptr) slot->Owner = nullptr;
+    }
+}
+
+void Nodes::Adjust(size_t slot, int change) noexcept {
+    for (size_t at = slot + 1; at <= sums_.size(); at += at & (~at + 1)) sums_[at - 1] += change;
+}
+
+long Nodes::IndexOf(size_t slot) const noexcept {
+    long index = 0;
+    for (size_t at = slot + 1; at > 0; at -= at & (~at + 1)) index += sums_[at - 1];
+    return index;
+}
+
+void Nodes::Compact() {
+    size_t to = 0;
+    for (size_t from = 0; from < slots_.size(); ++from) {
+        if (slots_[from] == nullptr) continue;
+        slots_[from]->Slot = to;
+        if (to != from) slots_[to] = std::move(slots_[from]);
+        ++to;
+    }
+    slots_.resize(to);
+    sums_.resize(to);
+    // Every slot holds one node now: the sum at `at` spans as many slots as its lowest set bit says.
+    for (size_t at = 1; at <= to; ++at) sums_[at - 1] = static_cast<int>(at & (~at + 1));
+}
+
+Node::Item* Nodes::Relative(const Variant& relative) const {
+    if (relative.IsMissing() || relative.IsEmpty()) return nullptr;
+    return relative.vt == VT_BSTR ? Item(relative.ToText()).item_.get() : Item(relative.ToLong()).item_.get();
+}
+
+HTREEITEM Nodes::Mirror(const Node::Item& item, HTREEITEM after) {
+    TVINSERTSTRUCTW insert{};
+    insert.hParent = item.Parent != nullptr ? item.Parent->Mirror : TVI_ROOT;
+    insert.hInsertAfter = after;
+    insert.item.mask = TVIF_TEXT | TVIF_PARAM;
+    insert.item.pszText = const_cast<wchar_t*>(item.Text.c_str());
+    insert.item.lParam = reinterpret_cast<LPARAM>(&item);
+    return reinterpret_cast<HTREEITEM>(tree_.Send(TVM_INSERTITEMW, 0, reinterpret_cast<LPARAM>(&insert)));
+}
+
+Node Nodes::Add(const Variant& relative, const Variant& relationship, const Variant& key, const std::wstring& text) {
+    auto made = std::make_shared<Node::Item>();
+    made->Text = text;
+    if (!key.IsMissing() && !key.IsEmpty()) made->Key = key.ToText();
+    if (!made->Key.empty() && keys_.count(made->Key) != 0) RaiseError(ErrorNumber::KeyNotUnique);
+
+    Node::Item* other = Relative(relative);
+    const long relation = relationship.IsMissing() || relationship.IsEmpty() ? TreeRelationship::Next : relationship.ToLong();
+    Node::Item* previous = nullptr;
+    if (relation == TreeRelationship::Child && other != nullptr) {
+        made->Parent = other;
+        previous = other->Last;
+    } else {
+        made->Parent = other != nullptr ? other->Parent : nullptr;
+        Node::Item* const last = made->Parent != nullptr ? made->Parent->Last : lastRoot_;
+        switch (other != nullptr ? relation : TreeRelationship::Last) {
+            case TreeRelationship::First: previous = nullptr; break;
+            case TreeRelationship::Next: previous = other; break;
+            case TreeRelationship::Previous: previous = other->Previous; break;
+            default: previous = last; break;
+        }
+    }
+    Node::Item*& first = made->Parent != nullptr ? made->Parent->First : firstRoot_;
+    Node::Item*& last = made->Parent != nullptr ? made->Parent->Last : lastRoot_;
+
+    // TVI_LAST costs the control less than a named item, which it searches for.
+    made->Mirror = Mirror(*made, previous == nullptr ? TVI_FIRST : previous == last ? TVI_LAST : previous->Mirror);
+    if (made->Mirror == nullptr) RaiseError(ErrorNumber::OutOfMemory);
+
+    made->Owner = this;
+    made->Previous = previous;
+    made->Next = previous != nullptr ? previous->Next : first;
+    (previous != nullptr ? previous->Next : first) = made.get();
+    (made->Next != nullptr ? made->Next->Previous : last) = made.get();
+    if (made->Parent != nullptr) ++made->Parent->Children;
+
+    made->Slot = slots_.size();
+    slots_.push_back(made);
+    // The new sum spans as many slots as its position's lowest set bit says: what stands before it, less what stands before those.
+    const size_t at = slots_.size();
+    sums_.push_back(static_cast<int>(1 + IndexOf(at - 2) - IndexOf(at - (at & (~at + 1)) - 1)));
+    ++living_;
+    if (!made->Key.empty()) keys_[made->Key] = made.get();
+    return Node(made);
+}
+
+Node Nodes::Item(long index) const {
+    if (index < 1 || index > living_) RaiseError(ErrorNumber::IndexOutOfBounds);
+    size_t step = 1;
+    while (step * 2 <= sums_.size()) step *= 2;
+    size_t at = 0;
+    long rest = index;
+    for (; step > 0; step /= 2) {
+        if (at + step <= sums_.size() && sums_[at + step - 1] < rest) {
+            at += step;
+            rest -= sums_[at - 1];
+        }
+    }
+    return Node(slots_[at]);
+}
+
+Node Nodes::Item(const std::wstring& key) const {
+    const auto found = keys_.find(key);
+    if (found == keys_.end()) RaiseError(ErrorNumber::ElementNotFound);
+    return Node::Of(found->second);
+}
+
+void Nodes::Detach(Node::Item& item) noexcept {
+    Node::Item*& first = item.Parent != nullptr ? item.Parent->First : firstRoot_;
+    Node::Item*& last = item.Parent != nullptr ? item.Parent->Last : lastRoot_;
+    (item.Previous != nullptr ? item.Previous->Next : first) = item.Next;
+    (item.Next != nullptr ? item.Next->Previous : last) = item.Previous;
+    if (item.Parent != nullptr) --item.Parent->Children;
+}
+
+void Nodes::Forget(Node::Item& item) {
+    // Depth first without recursion: the links of a removed node are not needed any more.
+    std::vector<Node::Item*> going{&item};
+    while (!going.empty()) {
+        Node::Item* current = going.back();
+        going.pop_back();
+        for (Node::Item* child = current->First; child != nullptr; child = child->Next) going.push_back(child);
+        if (!current->Key.empty()) keys_.erase(current->Key);
+        current->Owner = nullptr;
+        Adjust(current->Slot, -1);
+        --living_;
+        slots_[current->Slot].reset();  // `current` may be gone after this
+    }
+    if (slots_.size() > 64 && slots_.size() > static_cast<size_t>(living_) * 2) Compact();
+}
+
+void Nodes::Remove(long index) {
+    const Node node = Item(index);
+    Node::Item& item = *node.item_;
+    const HTREEITEM mirror = item.Mirror;
+    Detach(item);
+    Forget(item);
+    tree_.DeleteMirror(mirror);
+}
+
+void Nodes::Clear() {
+    while (firstRoot_ != nullptr) {
+        Node::Item& root = *firstRoot_;
+        Detach(root);
+        Forget(root);
+    }
+    slots_.clear();
+    sums_.clear();
+    keys_.clear();
+    tree_.DeleteMirror(TVI_ROOT);
+}
+
+// ---- what the tree's window asks of the model
+
+Node TreeView::NodeOf(LPARAM parameter) noexcept {
+    return Node::Of(reinterpret_cast<Node::Item*>(parameter));
+}
+
+HTREEITEM TreeView::MirrorOf(const Node& node) {
+    return node.Living().Mirror;
+}
+
+bool TreeView::MarkExpanded(const Node& node, bool expanded) {
+    Node::Item& item = node.Living();
+    const bool changed = item.Expanded != expanded;
+    item.Expanded = expanded;
+    return changed;
+}

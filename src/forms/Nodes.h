@@ -1,0 +1,112 @@
+#pragma once
+
+#include <windows.h>
+#include <commctrl.h>
+
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "automation/Variant.h"
+
+class Nodes;
+class TreeView;
+
+// How a new node stands to its relative.
+namespace TreeRelationship {
+inline constexpr long First = 0;
+inline constexpr long Last = 1;
+inline constexpr long Next = 2;
+inline constexpr long Previous = 3;
+inline constexpr long Child = 4;
+}  // namespace TreeRelationship
+
+// A reference to a node of a tree, or to nothing. It stays safe after the node was removed: every use of a removed node is
+// error 35601, every use of nothing is error 91.
+class Node {
+public:
+    Node() noexcept = default;
+
+    explicit operator bool() const noexcept { return item_ != nullptr; }
+    bool operator==(const Node& other) const noexcept { return item_ == other.item_; }
+
+    const std::wstring& Text() const;
+    void SetText(const std::wstring& text) const;
+    const std::wstring& Tag() const;
+    void SetTag(std::wstring tag) const;
+    const std::wstring& Key() const;
+    // The position in the collection, from 1: nodes count in the order in which they were added.
+    short Index() const;
+
+    // A relative that is not there is nothing.
+    Node Parent() const;
+    Node Child() const;
+    Node FirstSibling() const;
+    Node LastSibling() const;
+    Node Next() const;
+    Node Previous() const;
+    long Children() const;
+
+    bool Expanded() const;
+    // Opens or closes the branch and raises the tree's Expand or Collapse, also when it has no children to show.
+    void SetExpanded(bool expanded) const;
+    bool Selected() const;
+    void EnsureVisible() const;
+
+private:
+    friend class Nodes;
+    friend class TreeView;
+    struct Item;
+    explicit Node(std::shared_ptr<Item> item) noexcept : item_(std::move(item)) {}
+    Item& Living() const;
+    static Node Of(Item* item) noexcept;
+    std::shared_ptr<Item> item_;
+};
+
+// The nodes of a tree: the model. The control's window mirrors it and is never asked for structure or text, since it checks
+// every handle that it is given by a search through all its items.
+class Nodes {
+public:
+    // The largest collection that a 16-bit Index can address.
+    static constexpr long Limit = 32767;
+
+    explicit Nodes(TreeView& tree) : tree_(tree) {}
+    ~Nodes();
+    Nodes(const Nodes&) = delete;
+    Nodes& operator=(const Nodes&) = delete;
+
+    // `relative`: the index or the key of the relative, Missing for a root. `relationship`: a TreeRelationship, Missing means
+    // Next. Errors: 35601 no such relative, 35602 the key is in use, 7 the control refused.
+    Node Add(const Variant& relative, const Variant& relationship, const Variant& key, const std::wstring& text);
+    short Count() const noexcept { return static_cast<short>(living_); }
+    // Error 35600 for an index outside 1 to Count, 35601 for a key that is not there.
+    Node Item(long index) const;
+    Node Item(const std::wstring& key) const;
+    // Removes the node and everything below it.
+    void Remove(long index);
+    void Clear();
+
+private:
+    friend class Node;
+    friend class TreeView;
+    using Slot = std::shared_ptr<Node::Item>;
+
+    Node::Item* Relative(const Variant& relative) const;
+    void Detach(Node::Item& item) noexcept;
+    void Forget(Node::Item& item);
+    void Adjust(size_t slot, int change) noexcept;
+    long IndexOf(size_t slot) const noexcept;
+    void Compact();
+    HTREEITEM Mirror(const Node::Item& item, HTREEITEM after);
+
+    TreeView& tree_;
+    // Slots in the order of adding; a removed node leaves a hole. The sums of a Fenwick tree over them turn a slot into a
+    // position number and back, so that nothing is renumbered when a node goes.
+    std::vector<Slot> slots_;
+    std::vector<int> sums_;
+    long living_ = 0;
+    std::map<std::wstring, Node::Item*> keys_;
+    Node::Item* firstRoot_ = nullptr;
+    Node::Item* lastRoot_ = nullptr;
+};

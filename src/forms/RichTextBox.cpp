@@ -1,0 +1,255 @@
+#include "forms/RichTextBox.h"
+
+#include <richedit.h>
+
+#include <algorithm>
+#include <cstring>
+
+#include "automation/RuntimeError.h"
+#include "forms/Events.h"
+
+namespace {
+
+// The newest control that the system has. The library stays loaded: windows of its classes may outlive this module's.
+const wchar_t* RichEditClass() {
+    static const wchar_t* const name = []() -> const wchar_t* {
+        if (LoadLibraryExW(L"msftedit.dll", nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32) != nullptr) return L"RICHEDIT50W";
+        if (LoadLibraryExW(L"riched20.dll", nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32) != nullptr) return L"RichEdit20W";
+        return nullptr;
+    }();
+    if (name == nullptr) RaiseSystemError(ErrorNumber::FileNotFound, ERROR_MOD_NOT_FOUND);
+    return name;
+}
+
+// Overwriting a text in place costs the control more the longer the text is, under Wine with the square of it. Beyond this
+// many characters a fresh control takes the new text.
+constexpr long ReplaceBeyond = 16 * 1024;
+
+// What EM_SETTEXTEX would take for something else than plain text, or cut short.
+bool NeedsStream(const std::wstring& text) noexcept {
+    return text.rfind(L"{\\rtf", 0) == 0 || text.rfind(L"{\\urtf", 0) == 0 || text.rfind(L"{urtf", 0) == 0 ||
+           text.find(L'\0') != std::wstring::npos;
+}
+
+struct StreamSource {
+    const wchar_t* Text;
+    size_t Length;
+    size_t Position;
+};
+
+DWORD CALLBACK ReadStream(DWORD_PTR cookie, LPBYTE buffer, LONG capacity, LONG* written) noexcept {
+    auto& source = *reinterpret_cast<StreamSource*>(cookie);
+    size_t take = std::min(static_cast<size_t>(capacity) / sizeof(wchar_t), source.Length - source.Position);
+    // A CR LF that is split between two buffers becomes two line ends under Wine: a full buffer ends behind a line feed.
+    if (source.Position + take < source.Length) {
+        for (size_t end = take; end > 0; --end) {
+            if (source.Text[source.Position + end - 1] == L'\n') {
+                take = end;
+                break;
+            }
+        }
+        if (take > 1 && source.Text[source.Position + take - 1] == L'\r') --take;
+    }
+    std::memcpy(buffer, source.Text + source.Position, take * sizeof(wchar_t));
+    source.Position += take;
+    *written = static_cast<LONG>(take * sizeof(wchar_t));
+    return 0;
+}
+
+}  // namespace
+
+void RichTextBox::Create(HWND container, int id) {
+    MakeWindow(container, id);
+}
+
+void RichTextBox::MakeWindow(HWND container, int id) {
+    CreateWindowOf(RichEditClass(),
+                   ES_MULTILINE | ES_AUTOHSCROLL | ES_AUTOVSCROLL | ES_NOHIDESEL | ES_WANTRETURN | WS_HSCROLL | WS_VSCROLL |
+                       WS_TABSTOP | WS_VISIBLE | WS_CLIPSIBLINGS,
+                   WS_EX_CLIENTEDGE, container, id, L"");
+    Prepare();
+}
+
+void RichTextBox::Prepare() {
+    Send(EM_EXLIMITTEXT, 0, 0x7FFFFFFE);
+    // Lines are as long as they are: SQL that wraps by itself reads as if it had line breaks.
+    Send(EM_SETTARGETDEVICE, 0, 1);
+    Send(EM_SETUNDOLIMIT, 1000);
+    Send(EM_AUTOURLDETECT, 0);
+    if (!face_.empty()) SetEditorFont(face_, points_);
+    Send(EM_SETEVENTMASK, 0, ENM_CHANGE | ENM_SELCHANGE);
+}
+
+void RichTextBox::SetFont(HFONT) {}
+
+void RichTextBox::SetEditorFont(const std::wstring& face, float points) {
+    face_ = face;
+    points_ = points;
+    CHARFORMAT2W format{};
+    format.cbSize = sizeof format;
+    format.dwMask = CFM_FACE | CFM_SIZE | CFM_BOLD | CFM_ITALIC | CFM_CHARSET | CFM_COLOR;
+    format.yHeight = static_cast<LONG>(points * 20);  // twips
+    format.bCharSet = DEFAULT_CHARSET;
+    format.dwEffects = CFE_AUTOCOLOR;
+    format.bPitchAndFamily = FIXED_PITCH | FF_MODERN;
+    lstrcpynW(format.szFaceName, face.c_str(), LF_FACESIZE);
+    Send(EM_SETCHARFORMAT, SCF_DEFAULT, reinterpret_cast<LPARAM>(&format));
+    Send(EM_SETCHARFORMAT, SCF_ALL, reinterpret_cast<LPARAM>(&format));
+}
+
+long RichTextBox::TextLength() const {
+    GETTEXTLENGTHEX request{};
+    request.flags = GTL_USECRLF | GTL_NUMCHARS | GTL_PRECISE;
+    request.codepage = 1200;
+    return static_cast<long>(Send(EM_GETTEXTLENGTHEX, reinterpret_cast<WPARAM>(&request)));
+}
+
+std::wstring RichTextBox::Text() const {
+    const long length = TextLength();
+    if (length <= 0) return {};
+    std::wstring text(static_cast<size_t>(length) + 1, L'\0');
+    GETTEXTEX request{};
+    request.cb = static_cast<DWORD>(text.size() * sizeof(wchar_t));
+    request.flags = GT_USECRLF;
+    request.codepage = 1200;
+    const LRESULT copied = Send(EM_GETTEXTEX, reinterpret_cast<WPARAM>(&request), reinterpret_cast<LPARAM>(text.data()));
+    text.resize(static_cast<size_t>(std::clamp<LRESULT>(copied, 0, length)));
+    return text;
+}
+
+void RichTextBox::StreamIn(const std::wstring& text) {
+    StreamSource source{text.data(), text.size(), 0};
+    EDITSTREAM stream{};
+    stream.dwCookie = reinterpret_cast<DWORD_PTR>(&source);
+    stream.pfnCallback = &ReadStream;
+    Send(EM_STREAMIN, SF_TEXT | SF_UNICODE, reinterpret_cast<LPARAM>(&stream));
+}
+
+void RichTextBox::Replace() {
+    const HWND old = Handle();
+    const HWND container = GetParent(old);
+    const int id = GetDlgCtrlID(old);
+    const bool focus = GetFocus() == old;
+    const bool visible = Visible();
+    RECT place;
+    GetWindowRect(old, &place);
+    MapWindowPoints(nullptr, container, reinterpret_cast<POINT*>(&place), 2);
+    const HWND after = GetWindow(old, GW_HWNDPREV);
+    MakeWindow(container, id);
+    SetWindowPos(Handle(), after != nullptr ? after : HWND_TOP, place.left, place.top, place.right - place.left,
+                 place.bottom - place.top, SWP_NOACTIVATE);
+    if (!visible) SetVisible(false);
+    if (focus) ::SetFocus(Handle());
+    DestroyFormer(old);
+}
+
+void RichTextBox::SetText(const std::wstring& text) {
+    struct Filling {
+        bool& Flag;
+        explicit Filling(bool& flag) : Flag(flag) { Flag = true; }
+        ~Filling() { Flag = false; }
+    };
+    {
+        const Filling filling(filling_);
+        if (TextLength() > ReplaceBeyond) Replace();
+        if (NeedsStream(text)) {
+            StreamIn(text);
+        } else {
+            SETTEXTEX request{};
+            request.flags = ST_DEFAULT;
+            request.codepage = 1200;
+            Send(EM_SETTEXTEX, reinterpret_cast<WPARAM>(&request), reinterpret_cast<LPARAM>(text.c_str()));
+        }
+        Send(EM_SETSEL, 0, 0);
+        Send(EM_EMPTYUNDOBUFFER);
+    }
+    if (Change) Change();
+}
+
+// Where lines are not wrapped, the line of a position tells how many line ends stand before it.
+long RichTextBox::FromControl(long position) const {
+    return position + static_cast<long>(Send(EM_EXLINEFROMCHAR, 0, position));
+}
+
+long RichTextBox::ToControl(long position) const {
+    // The mapping grows with the position, so it can be turned round by halving. A position between CR and LF is the one
+    // before the line end.
+    long low = 0;
+    long high = position;
+    while (low < high) {
+        const long middle = low + (high - low + 1) / 2;
+        if (FromControl(middle) <= position) {
+            low = middle;
+        } else {
+            high = middle - 1;
+        }
+    }
+    return low;
+}
+
+long RichTextBox::SelStart() const {
+    CHARRANGE range{};
+    Send(EM_EXGETSEL, 0, reinterpret_cast<LPARAM>(&range));
+    return FromControl(range.cpMin);
+}
+
+long RichTextBox::SelLength() const {
+    CHARRANGE range{};
+    Send(EM_EXGETSEL, 0, reinterpret_cast<LPARAM>(&range));
+    return FromControl(range.cpMax) - FromControl(range.cpMin);
+}
+
+std::wstring RichTextBox::SelText() const {
+    CHARRANGE range{};
+    Send(EM_EXGETSEL, 0, reinterpret_cast<LPARAM>(&range));
+    if (range.cpMax <= range.cpMin) return {};
+    std::wstring raw(static_cast<size_t>(range.cpMax - range.cpMin) + 1, L'\0');
+    const LRESULT copied = Send(EM_GETSELTEXT, 0, reinterpret_cast<LPARAM>(raw.data()));
+    raw.resize(static_cast<size_t>(std::clamp<LRESULT>(copied, 0, range.cpMax - range.cpMin)));
+    std::wstring text;
+    text.reserve(raw.size());
+    for (const wchar_t unit : raw) {
+        text += unit;
+        if (unit == L'\r') text += L'\n';
+    }
+    return text;
+}
+
+void RichTextBox::SetSelStart(long start) {
+    if (start < 0) RaiseError(ErrorNumber::InvalidPropertyValue);
+    CHARRANGE range{};
+    range.cpMin = range.cpMax = ToControl(start);
+    Send(EM_EXSETSEL, 0, reinterpret_cast<LPARAM>(&range));
+}
+
+void RichTextBox::SetSelLength(long length) {
+    if (length < 0) RaiseError(ErrorNumber::InvalidPropertyValue);
+    CHARRANGE range{};
+    Send(EM_EXGETSEL, 0, reinterpret_cast<LPARAM>(&range));
+    range.cpMax = ToControl(FromControl(range.cpMin) + length);
+    Send(EM_EXSETSEL, 0, reinterpret_cast<LPARAM>(&range));
+}
+
+void RichTextBox::SetSelText(const std::wstring& text) {
+    Send(EM_REPLACESEL, TRUE, reinterpret_cast<LPARAM>(text.c_str()));
+}
+
+void RichTextBox::CaretPosition(long& line, long& column) const {
+    CHARRANGE range{};
+    Send(EM_EXGETSEL, 0, reinterpret_cast<LPARAM>(&range));
+    const LRESULT row = Send(EM_EXLINEFROMCHAR, 0, range.cpMax);
+    line = static_cast<long>(row) + 1;
+    column = range.cpMax - static_cast<long>(Send(EM_LINEINDEX, static_cast<WPARAM>(row))) + 1;
+}
+
+bool RichTextBox::OnReflected(UINT message, WPARAM wParam, LPARAM lParam, LRESULT&) {
+    if (message == WM_COMMAND && HIWORD(wParam) == EN_CHANGE) {
+        if (!filling_ && Change) Change();
+        return true;
+    }
+    if (message == WM_NOTIFY && reinterpret_cast<const NMHDR*>(lParam)->code == EN_SELCHANGE) {
+        if (!filling_ && SelChange) SelChange();
+        return true;
+    }
+    return false;
+}

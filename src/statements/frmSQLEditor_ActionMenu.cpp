@@ -1,0 +1,35 @@
+#include "catalogue/clsListItem.h"
+#include "component/modGlobal.h"
+#include "editor/frmSQLEditor.h"
+#include "errors/modErrorHandler.h"
+
+namespace {
+constexpr const wchar_t* Module = L"frmSQLEditor";
+}
+
+void frmSQLEditor::m_EnableActionMenu() try {
+    // Nothing can be chosen yet for which there is a statement.
+    for (MenuItem* entry : {&mnuActionCreate, &mnuActionDelete, &mnuActionExecute, &mnuActionInsert, &mnuActionSelect,
+                            &mnuActionUpdate, &mnuActionTasks}) {
+        entry->SetEnabled(false);
+    }
+} catch (...) {
+    ReportError(Module, L"m_EnableActionMenu");
+}
+
+void frmSQLEditor::m_SelectFromListBox(const ListBox& List) try {
+    const int Row = List.ListIndex();
+    lblDescription.SetCaption(Row == -1 ? std::wstring()
+                                        : ListItems->Item(std::to_wstring(List.ItemData(Row)))->Description());
+} catch (...) {
+    ReportError(Module, L"m_SelectFromListBox");
+}
+
+void frmSQLEditor::m_SelectFromTreeView(const TreeView& Tree) try {
+    const Node Selected = Tree.SelectedItem();
+    // A tag that reads as no number is an error here: categories are told apart by the caller.
+    lblDescription.SetCaption(
+        Selected ? ListItems->Item(std::to_wstring(Variant(Selected.Tag()).ToLong()))->Description() : std::wstring());
+} catch (...) {
+    ReportError(Module, L"m_SelectFromTreeView");
+}
