@@ -1,0 +1,440 @@
+// drive: works the SQL Editor's window from another process, as a test tool would, by window messages only.
+
+#include <commctrl.h>
+#include <windows.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <functional>
+#include <iterator>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "MenuHook.h"
+#include "Window.h"
+
+namespace {
+
+using Arguments = std::vector<std::wstring>;
+
+constexpr char Help[] =
+    "drive [--time SECONDS] COMMAND ...    works the SQL Editor's window (time limit 10 s unless given)\n"
+    "  wait [SECONDS]            waits for the window; prints its handle and rectangle: left top right bottom\n"
+    "  gone [SECONDS]            waits until the window is no longer shown\n"
+    "  rect                      prints the rectangle\n"
+    "  caption | text            prints the caption, the editor's text\n"
+    "  status [PART]             prints a part of the status bar (the first)\n"
+    "  settext FILE              replaces the editor's text by the file's (UTF-8)\n"
+    "  type TEXT                 types into the editor, character by character\n"
+    "  button N                  prints the screen centre of toolbar button N: x y\n"
+    "  press N                   presses toolbar button N\n"
+    "  menu CAPTION CAPTION...   chooses from the menu bar, captions without ampersand and shortcut\n"
+    "  menus                     lists the menu bar\n"
+    "  tree [N]                  lists tree control N with its texts; +/- says expanded or not, * selected\n"
+    "  list [N]                  lists list box N; * says selected\n"
+    "  dialog TEXT [BUTTON [ID=VALUE...]]\n"
+    "                            waits for a dialog or message box that contains TEXT, prints its texts, fills the\n"
+    "                            controls with these ids, and presses BUTTON\n"
+    "  close                     asks the window to close\n"
+    "  dump                      lists all its windows: class, id, rectangle, style, text\n"
+    "Exit code: 0 done, 1 not found in time, 2 usage, 3 no answer, 4 menu entry disabled.\n";
+
+std::string Utf8(const std::wstring& text) {
+    if (text.empty()) return {};
+    const int length =
+        WideCharToMultiByte(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), nullptr, 0, nullptr, nullptr);
+    std::string bytes(static_cast<size_t>(length), '\0');
+    WideCharToMultiByte(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), bytes.data(), length, nullptr, nullptr);
+    return bytes;
+}
+
+std::wstring Utf16(const std::string& bytes) {
+    if (bytes.empty()) return {};
+    const int length = MultiByteToWideChar(CP_UTF8, 0, bytes.data(), static_cast<int>(bytes.size()), nullptr, 0);
+    std::wstring text(static_cast<size_t>(length), L'\0');
+    MultiByteToWideChar(CP_UTF8, 0, bytes.data(), static_cast<int>(bytes.size()), text.data(), length);
+    return text;
+}
+
+void PrintBytes(HANDLE out, const std::string& bytes) {
+    for (size_t done = 0; done < bytes.size();) {
+        DWORD written = 0;
+        if (!WriteFile(out, bytes.data() + done, static_cast<DWORD>(bytes.size() - done), &written, nullptr) ||
+            !written)
+            return;
+        done += written;
+    }
+}
+
+void Print(const std::wstring& text) { PrintBytes(GetStdHandle(STD_OUTPUT_HANDLE), Utf8(text)); }
+void PrintLine(const std::wstring& text) { Print(text + L"\n"); }
+
+std::wstring OneLine(const std::wstring& text, size_t most = 200) {
+    std::wstring line;
+    for (size_t at = 0; at < text.size() && at < most; ++at) {
+        if (text[at] == L'\r')
+            line += L"\\r";
+        else if (text[at] == L'\n')
+            line += L"\\n";
+        else
+            line += text[at];
+    }
+    return text.size() > most ? line + L"..." : line;
+}
+
+std::wstring Numbers(const RECT& r) {
+    return std::to_wstring(r.left) + L" " + std::to_wstring(r.top) + L" " + std::to_wstring(r.right) + L" " +
+           std::to_wstring(r.bottom);
+}
+
+RECT RectOf(HWND window) {
+    RECT rect = {};
+    if (!GetWindowRect(window, &rect)) throw Failure(NotFound, "the window is gone");
+    return rect;
+}
+
+// Argument `index` as a number from 1; 1 when it is missing.
+size_t NumberAt(const Arguments& arguments, size_t index) {
+    if (index >= arguments.size()) return 1;
+    const long number = wcstol(arguments[index].c_str(), nullptr, 10);
+    if (number < 1) throw Failure(Usage, "a number from 1 was expected");
+    return static_cast<size_t>(number);
+}
+
+void SetTime(const Arguments& arguments, size_t index) {
+    if (index < arguments.size()) Deadline::Set(wcstod(arguments[index].c_str(), nullptr));
+}
+
+HWND Editor(HWND window) { return DescendantOfClass(window, L"RICHEDIT", 1); }
+
+// --- waiting
+// ----------------------------------------------------------------------------------------------------------
+
+void Wait(const Arguments& arguments) {
+    SetTime(arguments, 1);
+    HWND window = WaitForEditor();
+    Send(window, WM_NULL);  // shown and answering
+    wchar_t handle[32];
+    swprintf(handle, 32, L"0x%llx ", static_cast<unsigned long long>(reinterpret_cast<uintptr_t>(window)));
+    PrintLine(handle + Numbers(RectOf(window)));
+}
+
+void Gone(const Arguments& arguments) {
+    SetTime(arguments, 1);
+    while (FindEditor()) {
+        if (!Deadline::Retry()) throw Failure(NotFound, "the window is still shown");
+    }
+}
+
+// --- texts
+// ------------------------------------------------------------------------------------------------------------
+
+std::string FileContent(const std::wstring& name) {
+    HANDLE file = CreateFileW(name.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
+    if (file == INVALID_HANDLE_VALUE) throw Failure(Usage, "the file cannot be opened: " + Utf8(name));
+    std::string content;
+    char buffer[64 * 1024];
+    for (DWORD got = 0; ReadFile(file, buffer, sizeof buffer, &got, nullptr) && got;) content.append(buffer, got);
+    CloseHandle(file);
+    return content;
+}
+
+void SetText(const Arguments& arguments) {
+    const std::wstring text = Utf16(FileContent(arguments.at(1)));
+    HWND editor = Editor(WaitForEditor());
+    // Not WM_SETTEXT, which takes some texts for rich text.
+    Send(editor, EM_SETSEL, 0, -1);
+    Send(editor, EM_REPLACESEL, TRUE, reinterpret_cast<LPARAM>(text.c_str()));
+}
+
+void Type(const Arguments& arguments) {
+    HWND editor = Editor(WaitForEditor());
+    for (wchar_t c : arguments.at(1)) {
+        if (c == L'\r') continue;
+        // A line end is what the Return key gives on Windows; Wine's control ignores the character and looks at the
+        // key.
+        if (c == L'\n')
+            Send(editor, EM_REPLACESEL, TRUE, reinterpret_cast<LPARAM>(L"\r\n"));
+        else
+            Send(editor, WM_CHAR, c, 1);
+    }
+}
+
+void Status(const Arguments& arguments) {
+    HWND bar = DescendantOfClass(WaitForEditor(), STATUSCLASSNAMEW, 1);
+    const size_t part = NumberAt(arguments, 1) - 1;
+    const size_t length = LOWORD(Send(bar, SB_GETTEXTLENGTHW, part));
+    RemoteMemory text(bar, (length + 2) * sizeof(wchar_t));
+    Send(bar, SB_GETTEXTW, part, text.Address());
+    PrintLine(text.ReadText(length));
+}
+
+// --- toolbar
+// ----------------------------------------------------------------------------------------------------------
+
+HWND Toolbar() { return DescendantOfClass(WaitForEditor(), TOOLBARCLASSNAMEW, 1); }
+
+void ButtonCentre(const Arguments& arguments) {
+    HWND bar = Toolbar();
+    RemoteMemory memory(bar, sizeof(RECT));
+    if (!Send(bar, TB_GETITEMRECT, NumberAt(arguments, 1) - 1, memory.Address()))
+        throw Failure(NotFound, "no such button");
+    RECT rect;
+    memory.Read(&rect, sizeof rect);
+    POINT centre = {(rect.left + rect.right) / 2, (rect.top + rect.bottom) / 2};
+    ClientToScreen(bar, &centre);
+    PrintLine(std::to_wstring(centre.x) + L" " + std::to_wstring(centre.y));
+}
+
+void PressButton(const Arguments& arguments) {
+    HWND bar = Toolbar();
+    RemoteMemory memory(bar, sizeof(TBBUTTON));
+    if (!Send(bar, TB_GETBUTTON, NumberAt(arguments, 1) - 1, memory.Address()))
+        throw Failure(NotFound, "no such button");
+    TBBUTTON button;
+    memory.Read(&button, sizeof button);
+    Post(GetParent(bar), WM_COMMAND, MAKEWPARAM(button.idCommand, BN_CLICKED), reinterpret_cast<LPARAM>(bar));
+}
+
+// --- menu bar
+// ---------------------------------------------------------------------------------------------------------
+
+struct CloseHandleDeleter {
+    void operator()(void* handle) const { CloseHandle(handle); }
+};
+struct UnmapDeleter {
+    void operator()(MenuRequest* view) const { UnmapViewOfFile(view); }
+};
+struct UnhookDeleter {
+    void operator()(HHOOK hook) const { UnhookWindowsHookEx(hook); }
+};
+
+// Asks the part of this program that runs in the window's process. `path` empty: lists the menu bar.
+std::unique_ptr<MenuRequest> AskMenu(HWND window, const Arguments& path) {
+    wchar_t name[64];
+    MenuRequestName(name, GetCurrentProcessId());
+    std::unique_ptr<void, CloseHandleDeleter> mapping(
+        CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, sizeof(MenuRequest), name));
+    std::unique_ptr<MenuRequest, UnmapDeleter> request(
+        mapping ? static_cast<MenuRequest*>(MapViewOfFile(mapping.get(), FILE_MAP_WRITE | FILE_MAP_READ, 0, 0, 0))
+                : nullptr);
+    if (!request) throw Failure(NoAnswer, "no shared memory");
+    request->Window = reinterpret_cast<uintptr_t>(window);
+    request->Depth = static_cast<uint32_t>(path.size());
+    if (path.size() > std::size(request->Path)) throw Failure(Usage, "too many captions");
+    for (size_t level = 0; level < path.size(); ++level) {
+        wcsncpy(request->Path[level], path[level].c_str(), std::size(request->Path[level]) - 1);
+    }
+
+    wchar_t file[MAX_PATH] = L"";
+    GetModuleFileNameW(nullptr, file, MAX_PATH);
+    std::wstring library = file;
+    library.resize(library.find_last_of(L"\\/") + 1);
+    library += L"drive_menu.dll";
+    HMODULE module = LoadLibraryW(library.c_str());
+    FARPROC hook = module ? GetProcAddress(module, "MenuHook@12") : nullptr;
+    if (module && !hook) hook = GetProcAddress(module, "MenuHook");
+    if (!hook) throw Failure(NoAnswer, "drive_menu.dll is missing beside this program");
+    const DWORD thread = GetWindowThreadProcessId(window, nullptr);
+    std::unique_ptr<std::remove_pointer_t<HHOOK>, UnhookDeleter> hooked(
+        SetWindowsHookExW(WH_CALLWNDPROC, reinterpret_cast<HOOKPROC>(reinterpret_cast<void*>(hook)), module, thread));
+    if (!hooked) throw Failure(NoAnswer, "the thread of the window takes no hook");
+    Send(window, RegisterWindowMessageW(MenuMessage), GetCurrentProcessId(), 0);
+    return std::make_unique<MenuRequest>(*request);
+}
+
+void ChooseMenu(const Arguments& arguments) {
+    const Arguments path(arguments.begin() + 1, arguments.end());
+    if (path.empty()) throw Failure(Usage, "captions were expected");
+    HWND window = WaitForEditor();
+    const auto answer = AskMenu(window, path);
+    if (!answer->Found) throw Failure(NotFound, "no such menu entry");
+    if (answer->State & MFS_DISABLED) throw Failure(Disabled, "the menu entry is disabled");
+    Post(window, WM_COMMAND, MAKEWPARAM(answer->Id, 0), 0);
+}
+
+void ListMenus(const Arguments&) {
+    const auto answer = AskMenu(WaitForEditor(), {});
+    if (!answer->Found) throw Failure(NotFound, "the window has no menu bar");
+    Print(std::wstring(answer->Text, answer->Length));
+}
+
+// --- lists and trees
+// --------------------------------------------------------------------------------------------------
+
+void ListItems(const Arguments& arguments) {
+    HWND list = DescendantOfClass(WaitForEditor(), L"LISTBOX", NumberAt(arguments, 1));
+    const LRESULT count = Send(list, LB_GETCOUNT), selected = Send(list, LB_GETCURSEL);
+    for (LRESULT row = 0; row < count; ++row) {
+        const LRESULT length = Send(list, LB_GETTEXTLEN, static_cast<WPARAM>(row));
+        if (length < 0) throw Failure(NotFound, "the list box changed while it was read");
+        // A row may have grown since: leave room rather than trust the length.
+        std::wstring text(static_cast<size_t>(length) + 4096, L'\0');
+        const LRESULT got = Send(list, LB_GETTEXT, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(text.data()));
+        text.resize(got > 0 ? static_cast<size_t>(got) : 0);
+        PrintLine((row == selected ? L"* " : L"  ") + OneLine(text));
+    }
+}
+
+void ListTree(const Arguments& arguments) {
+    HWND tree = DescendantOfClass(WaitForEditor(), WC_TREEVIEWW, NumberAt(arguments, 1));
+    constexpr size_t Capacity = 4096;
+    RemoteMemory memory(tree, sizeof(TVITEMW) + Capacity * sizeof(wchar_t));
+    std::function<void(LRESULT, size_t)> print = [&](LRESULT item, size_t depth) {
+        for (; item; item = Send(tree, TVM_GETNEXTITEM, TVGN_NEXT, item)) {
+            TVITEMW request = {};
+            request.mask = TVIF_TEXT | TVIF_STATE | TVIF_CHILDREN | TVIF_HANDLE;
+            request.hItem = reinterpret_cast<HTREEITEM>(item);
+            request.stateMask = TVIS_EXPANDED | TVIS_SELECTED;
+            request.pszText = reinterpret_cast<wchar_t*>(memory.Address(sizeof(TVITEMW)));
+            request.cchTextMax = Capacity;
+            memory.Write(&request, sizeof request);
+            if (!Send(tree, TVM_GETITEMW, 0, memory.Address()))
+                throw Failure(NotFound, "the tree changed while it was read");
+            TVITEMW answer;
+            memory.Read(&answer, sizeof answer);
+            const wchar_t sign = answer.state & TVIS_EXPANDED ? L'-' : answer.cChildren ? L'+' : L' ';
+            PrintLine(std::wstring(depth * 2, L' ') + (answer.state & TVIS_SELECTED ? L"*" : L"") + sign + L" " +
+                      OneLine(memory.ReadText(Capacity, sizeof(TVITEMW))));
+            print(Send(tree, TVM_GETNEXTITEM, TVGN_CHILD, item), depth + 1);
+        }
+    };
+    print(Send(tree, TVM_GETNEXTITEM, TVGN_ROOT), 0);
+}
+
+// --- dialogs
+// ----------------------------------------------------------------------------------------------------------
+
+// All texts of a dialog, line by line.
+std::wstring DialogText(HWND dialog) {
+    std::wstring text = TextOf(dialog) + L"\n";
+    for (HWND child : Descendants(dialog)) {
+        const std::wstring own = TextOf(child);
+        if (!own.empty() && IsWindowVisible(child)) text += own + L"\n";
+    }
+    return text;
+}
+
+BOOL CALLBACK CollectDialog(HWND window, LPARAM dialogs) {
+    if (IsWindowVisible(window) && ClassOf(window) == L"#32770")
+        reinterpret_cast<std::vector<HWND>*>(dialogs)->push_back(window);
+    return TRUE;
+}
+
+// The visible dialog that contains `part`, null when there is none, and its texts.
+HWND FindDialog(const std::wstring& part, std::wstring& text) {
+    std::vector<HWND> dialogs;
+    EnumWindows(CollectDialog, reinterpret_cast<LPARAM>(&dialogs));
+    for (HWND dialog : dialogs) {
+        try {
+            text = DialogText(dialog);
+        } catch (const Failure& failure) {
+            if (failure.Code == NotFound) continue;  // it closed meanwhile
+            throw;
+        }
+        if (text.find(part) != std::wstring::npos) return dialog;
+    }
+    return nullptr;
+}
+
+void Dialog(const Arguments& arguments) {
+    std::wstring text;
+    HWND dialog = FindDialog(arguments.at(1), text);
+    while (!dialog) {
+        if (!Deadline::Retry()) throw Failure(NotFound, "no dialog with this text");
+        dialog = FindDialog(arguments.at(1), text);
+    }
+    Print(text);
+    if (arguments.size() < 3) return;
+    const std::vector<HWND> children = Descendants(dialog);
+    for (size_t at = 3; at < arguments.size(); ++at) {
+        const size_t equals = arguments[at].find(L'=');
+        if (equals == std::wstring::npos) throw Failure(Usage, "ID=VALUE was expected");
+        const int id = static_cast<int>(wcstol(arguments[at].c_str(), nullptr, 0));
+        bool filled = false;
+        for (HWND child : children) {
+            if (GetDlgCtrlID(child) != id) continue;
+            Send(child, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(arguments[at].c_str() + equals + 1));
+            filled = true;
+            break;
+        }
+        if (!filled) throw Failure(NotFound, "the dialog has no control with the id " + std::to_string(id));
+    }
+    for (HWND child : children) {
+        if (_wcsicmp(ClassOf(child).c_str(), L"Button") != 0 || !IsWindowVisible(child)) continue;
+        if (WithoutAmpersands(TextOf(child)) != WithoutAmpersands(arguments[2])) continue;
+        if (!IsWindowEnabled(child)) throw Failure(Disabled, "the button is disabled");
+        // What the button itself would post; BM_CLICK needs the dialog to be the active window.
+        Post(GetParent(child), WM_COMMAND, MAKEWPARAM(GetDlgCtrlID(child), BN_CLICKED),
+             reinterpret_cast<LPARAM>(child));
+        return;
+    }
+    throw Failure(NotFound, "the dialog has no such button");
+}
+
+// --- everything
+// -------------------------------------------------------------------------------------------------------
+
+void DumpWindow(HWND window, size_t depth) {
+    wchar_t style[64];
+    swprintf(style, 64, L"%08lx/%08lx", static_cast<unsigned long>(GetWindowLongW(window, GWL_STYLE)),
+             static_cast<unsigned long>(GetWindowLongW(window, GWL_EXSTYLE)));
+    PrintLine(std::wstring(depth * 2, L' ') + ClassOf(window) +
+              (depth ? L" #" + std::to_wstring(GetDlgCtrlID(window)) : L"") + L" [" + Numbers(RectOf(window)) + L"] " +
+              style + (IsWindowVisible(window) ? L"" : L" hidden") + (IsWindowEnabled(window) ? L"" : L" disabled") +
+              L" \"" + OneLine(TextOf(window)) + L"\"");
+    for (HWND child = GetWindow(window, GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT))
+        DumpWindow(child, depth + 1);
+}
+
+const std::map<std::wstring, void (*)(const Arguments&)> Commands = {
+    {L"wait", Wait},
+    {L"gone", Gone},
+    {L"rect", [](const Arguments&) { PrintLine(Numbers(RectOf(WaitForEditor()))); }},
+    {L"caption", [](const Arguments&) { PrintLine(TextOf(WaitForEditor())); }},
+    {L"text", [](const Arguments&) { Print(TextOf(Editor(WaitForEditor()))); }},
+    {L"status", Status},
+    {L"settext", SetText},
+    {L"type", Type},
+    {L"button", ButtonCentre},
+    {L"press", PressButton},
+    {L"menu", ChooseMenu},
+    {L"menus", ListMenus},
+    {L"tree", ListTree},
+    {L"list", ListItems},
+    {L"dialog", Dialog},
+    {L"close", [](const Arguments&) { Post(WaitForEditor(), WM_CLOSE); }},
+    {L"dump", [](const Arguments&) { DumpWindow(WaitForEditor(), 0); }},
+};
+
+}  // namespace
+
+int wmain(int count, wchar_t** values) {
+    Arguments arguments(values + 1, values + count);
+    Deadline::Set(10);
+    HANDLE err = GetStdHandle(STD_ERROR_HANDLE);
+    try {
+        if (arguments.size() > 1 && arguments[0] == L"--time") {
+            SetTime(arguments, 1);
+            arguments.erase(arguments.begin(), arguments.begin() + 2);
+        }
+        const auto command = arguments.empty() ? Commands.end() : Commands.find(arguments[0]);
+        if (command == Commands.end()) {
+            PrintBytes(err, Help);
+            return Usage;
+        }
+        command->second(arguments);
+        return Done;
+    } catch (const Failure& failure) {
+        PrintBytes(err, std::string("drive: ") + failure.what() + "\n");
+        return failure.Code;
+    } catch (const std::out_of_range&) {
+        PrintBytes(err, Help);
+        return Usage;
+    } catch (const std::exception& exception) {
+        PrintBytes(err, std::string("drive: ") + exception.what() + "\n");
+        return NoAnswer;
+    }
+}
