@@ -1,7 +1,7 @@
 // drive: works the SQL Editor's window from another process, as a test tool would, by window messages only.
 
-#include <commctrl.h>
 #include <windows.h>
+#include <commctrl.h>
 
 #include <cstdio>
 #include <cstdlib>
