@@ -5,7 +5,10 @@
 
 #include "automation/App.h"
 #include "automation/RuntimeError.h"
+#include <ocidl.h>
+
 #include "brvSQLEditor_h.h"
+#include "brvSQLEditor_i.c"
 #include "component/clsSQLEditor.h"
 #include "component/modGlobal.h"
 #include "errors/modErrorHandler.h"

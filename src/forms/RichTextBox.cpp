@@ -31,6 +31,21 @@ bool NeedsStream(const std::wstring& text) noexcept {
            text.find(L'\0') != std::wstring::npos;
 }
 
+// CR LF for every line end. The control would do the same but for CR CR LF, of which it makes a blank.
+std::wstring WithCrLf(const std::wstring& text) {
+    std::wstring result;
+    result.reserve(text.size() + text.size() / 16);
+    for (size_t at = 0; at < text.size(); ++at) {
+        if (text[at] == L'\r' || text[at] == L'\n') {
+            result += L"\r\n";
+            if (text[at] == L'\r' && at + 1 < text.size() && text[at + 1] == L'\n') ++at;
+        } else {
+            result += text[at];
+        }
+    }
+    return result;
+}
+
 struct StreamSource {
     const wchar_t* Text;
     size_t Length;
@@ -152,7 +167,9 @@ void RichTextBox::SetText(const std::wstring& text) {
     {
         const Filling filling(filling_);
         if (TextLength() > ReplaceBeyond) Replace();
-        if (NeedsStream(text)) {
+        if (text.find(L"\r\r") != std::wstring::npos) {
+            StreamIn(WithCrLf(text));
+        } else if (NeedsStream(text)) {
             StreamIn(text);
         } else {
             SETTEXTEX request{};

@@ -1,0 +1,2 @@
+#include "catalogue/modLists.h"
+void modLists::CreateListItems() {}

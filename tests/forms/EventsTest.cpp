@@ -1,0 +1,72 @@
+#include "forms/Events.h"
+
+#include "Expect.h"
+#include "forms/CommandButton.h"
+#include "forms/Container.h"
+
+namespace {
+
+struct Page {
+    TopWindow Top;
+    PictureBox Box;
+    CommandButton Button;
+    Page() {
+        Box.Create(Top.Handle(), 1);
+        Button.Create(Box.Handle(), 2, L"Press");
+    }
+};
+
+}  // namespace
+
+TEST(Events, WhatAnEventLetsOutComesFromTheCallThatRaisedIt) {
+    Page page;
+    page.Button.Click = [] { RaiseError(77); };
+    EXPECT_EQ(77, NumberOf([&] { page.Button.Send(BM_CLICK); }));
+    // Nothing of it is left behind.
+    page.Button.Click = nullptr;
+    EXPECT_EQ(0, NumberOf([&] { page.Button.Send(BM_CLICK); }));
+}
+
+TEST(Events, TheFirstErrorWins) {
+    Page page;
+    int calls = 0;
+    page.Button.Click = [&] { RaiseError(++calls); };
+    SendMessageW(page.Button.Handle(), BM_CLICK, 0, 0);
+    SendMessageW(page.Button.Handle(), BM_CLICK, 0, 0);
+    EXPECT_EQ(1, NumberOf([] { Events::Rethrow(); }));
+    EXPECT_EQ(0, NumberOf([] { Events::Rethrow(); }));
+    EXPECT_EQ(2, calls);
+}
+
+TEST(Events, ASetterPassesOnWhatItsEventLetsOut) {
+    Page page;
+    page.Box.Resize = [] { RaiseError(5); };
+    EXPECT_EQ(5, NumberOf([&] { page.Box.Move(0, 0, 3000, 3000); }));
+}
+
+TEST(Events, ReachTheControlWhenAnotherProcedureLiesOverIts) {
+    Page page;
+    int clicks = 0;
+    page.Button.Click = [&] { ++clicks; };
+    static WNDPROC below;
+    below = reinterpret_cast<WNDPROC>(SetWindowLongPtrW(
+        page.Button.Handle(), GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(+[](HWND w, UINT m, WPARAM a, LPARAM b) WINAPI -> LRESULT {
+            return CallWindowProcW(below, w, m, a, b);
+        })));
+    page.Button.Send(BM_CLICK);
+    EXPECT_EQ(1, clicks);
+}
+
+TEST(Events, MouseEventsCarryButtonsShiftAndTwips) {
+    Page page;
+    page.Box.Move(0, 0, 3000, 3000);
+    struct Seen {
+        int Button, Shift;
+        float X, Y;
+    } seen{};
+    page.Box.MouseMove = [&](int button, int shift, float x, float y) { seen = {button, shift, x, y}; };
+    page.Box.Send(WM_MOUSEMOVE, MK_LBUTTON | MK_RBUTTON, MAKELPARAM(10, static_cast<WORD>(-4)));
+    EXPECT_EQ(MouseButton::Left | MouseButton::Right, seen.Button);
+    EXPECT_FLOAT_EQ(10 * 1440.0F / page.Box.Dpi(), seen.X);
+    EXPECT_FLOAT_EQ(-4 * 1440.0F / page.Box.Dpi(), seen.Y);
+}

@@ -1,0 +1,127 @@
+#include "forms/RichTextBox.h"
+
+#include <richedit.h>
+
+#include "Expect.h"
+
+namespace {
+
+struct Editor {
+    TopWindow Top;
+    RichTextBox Box;
+    int Changes = 0;
+    Editor() {
+        Box.Create(Top.Handle(), 1);
+        Box.SetEditorFont(L"Courier New", 10);
+        Box.Move(0, 0, 6000, 5000);
+        Box.Change = [this] { ++Changes; };
+    }
+    std::wstring Through(const std::wstring& text) {
+        Box.SetText(text);
+        return Box.Text();
+    }
+};
+
+std::wstring Statements(int count) {
+    std::wstring text;
+    for (int at = 0; at < count; ++at) text += L"select column_" + std::to_wstring(at) + L" from table_name where x = 'abc'\r\n";
+    return text;
+}
+
+}  // namespace
+
+TEST(RichTextBox, TextComesOutAsItWentIn) {
+    Editor editor;
+    using namespace std::string_literals;
+    for (const std::wstring& text :
+         {L""s, L"select 1\r\nfrom dual"s, L"a\r\n"s, L"\r\n\r\n"s, L"\t x \t"s, L"{\\rtf1 hello {\\b bold}}"s, L"{\\urtf1 x}"s,
+          L"a\0b\r\nc\0\0d"s, L"x\xD800y\xDC00z"s, L"x\xD83D\xDE00z"s, L"\xFEFFx"s, L"\x05E9\x05DC\x05D5\x05DD abc"s,
+          L"e\x0301"s, L"x\x2028y\x2029z"s}) {
+        EXPECT_EQ(text, editor.Through(text));
+        EXPECT_EQ(static_cast<long>(text.size()), editor.Box.TextLength());
+    }
+}
+
+TEST(RichTextBox, EveryLineEndComesOutAsCrLf) {
+    Editor editor;
+    EXPECT_EQ(L"a\r\nb", editor.Through(L"a\nb"));
+    EXPECT_EQ(L"a\r\nb", editor.Through(L"a\rb"));
+    EXPECT_EQ(L"a\r\n\r\nb", editor.Through(L"a\n\nb"));
+    EXPECT_EQ(L"a\r\n\r\nb", editor.Through(L"a\r\r\nb"));  // the control alone makes a blank of this one
+    EXPECT_EQ(L"{\\rtf\r\nb", editor.Through(L"{\\rtf\nb"));
+}
+
+TEST(RichTextBox, ALongTextComesOutWholeAndGivesWayToAnother) {
+    Editor editor;
+    const std::wstring text = Statements(2000);
+    EXPECT_EQ(text, editor.Through(text));
+    EXPECT_EQ(L"short", editor.Through(L"short"));
+    std::wstring split = text;
+    split[5] = L'\0';  // goes another way in
+    EXPECT_EQ(split, editor.Through(split));
+    EXPECT_EQ(text, editor.Through(text));
+    EXPECT_EQ(GetDlgItem(editor.Top.Handle(), 1), editor.Box.Handle());
+}
+
+TEST(RichTextBox, EachReplacementRaisesOneChange) {
+    Editor editor;
+    editor.Box.SetText(L"one\r\ntwo");
+    EXPECT_EQ(1, editor.Changes);
+    editor.Box.SetText(Statements(500));
+    EXPECT_EQ(2, editor.Changes);
+    editor.Box.SetText(L"");
+    EXPECT_EQ(3, editor.Changes);
+    editor.Box.Send(WM_CHAR, L'x');
+    EXPECT_EQ(4, editor.Changes);
+}
+
+TEST(RichTextBox, NothingCanBeUndoneAfterAReplacement) {
+    Editor editor;
+    editor.Box.SetText(L"another sheet's statement");
+    editor.Box.SetText(L"this one's");
+    EXPECT_FALSE(editor.Box.Send(EM_CANUNDO));
+    editor.Box.Send(EM_UNDO);
+    EXPECT_EQ(L"this one's", editor.Box.Text());
+}
+
+TEST(RichTextBox, PositionsCountALineEndTwice) {
+    Editor editor;
+    editor.Box.SetText(L"ab\r\ncd\r\nef");
+    for (const long position : {0L, 1L, 2L, 4L, 5L, 6L, 8L, 9L, 10L}) {
+        editor.Box.SetSelStart(position);
+        EXPECT_EQ(position, editor.Box.SelStart());
+    }
+    editor.Box.SetSelStart(100);
+    EXPECT_EQ(10, editor.Box.SelStart());
+    editor.Box.SetSelStart(1);
+    editor.Box.SetSelLength(5);
+    EXPECT_EQ(1, editor.Box.SelStart());
+    EXPECT_EQ(5, editor.Box.SelLength());
+    EXPECT_EQ(L"b\r\ncd", editor.Box.SelText());
+    long line = 0;
+    long column = 0;
+    editor.Box.CaretPosition(line, column);
+    EXPECT_EQ(2, line);
+    EXPECT_EQ(3, column);
+    EXPECT_EQ(ErrorNumber::InvalidPropertyValue, NumberOf([&] { editor.Box.SetSelStart(-1); }));
+}
+
+TEST(RichTextBox, ASelectionIsReplacedByPlainTextInOneStep) {
+    Editor editor;
+    editor.Box.SetText(L"ab\r\ncd");
+    editor.Box.SetSelStart(1);
+    editor.Box.SetSelLength(4);
+    editor.Box.SetSelText(L"{\\rtf1 x}\r\ny");
+    EXPECT_EQ(L"a{\\rtf1 x}\r\nyd", editor.Box.Text());
+    EXPECT_EQ(13, editor.Box.SelStart());
+    editor.Box.Send(EM_UNDO);
+    EXPECT_EQ(L"ab\r\ncd", editor.Box.Text());
+}
+
+TEST(RichTextBox, TakesMoreThanTheControlsFirstLimit) {
+    Editor editor;
+    editor.Box.SetText(std::wstring(40000, L'x'));
+    editor.Box.SetSelStart(40000);
+    editor.Box.Send(WM_CHAR, L'y');
+    EXPECT_EQ(40001, editor.Box.TextLength());
+}
