@@ -12,7 +12,7 @@ BRV_PACKAGES=(g++-mingw-w64-i686 mingw-w64-tools cmake ninja-build googletest
     libodbc2:i386 libsqliteodbc:i386 odbc-postgresql:i386 sqlite3 fonts-liberation fonts-dejavu-core)
 
 # The in-process servers that are registered, by file name; one that is not built (yet) is passed over.
-BRV_SERVERS=(brvSQLEditor.dll brvError.dll)
+BRV_SERVERS=(brvSQLEditor.dll brvError.dll brvADO.dll)
 
 say() { printf '%s\n' "$*" >&2; }
 die() {
@@ -215,6 +215,21 @@ register_servers() {
         ) >/dev/null 2>&1 || die "regsvr32 could not register $server (result $?)"
     done
     printf '%s' "$BRV_BIN" >"$stamp"
+}
+
+# The sample database, made again when its script is newer.
+make_sample() {
+    local script=$BRV_ROOT/host/demo/shop.sql file=$BRV_BUILD/shop.db log=$BRV_LOGS/shop.log
+    [ -f "$script" ] || return 0
+    [ "$file" -nt "$script" ] && return 0
+    mkdir -p "$BRV_LOGS"
+    rm -f "$file.new"
+    if ! timeout 120 sqlite3 -bail "$file.new" <"$script" >"$log" 2>&1; then
+        log_tail "$log"
+        say "the sample database could not be made from host/demo/shop.sql"
+        return 1
+    fi
+    mv "$file.new" "$file"
 }
 
 # --- display ----------------------------------------------------------------------------------------------------------
