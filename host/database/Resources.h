@@ -1,0 +1,24 @@
+#pragma once
+
+// Numbers of the resources, for the resource script and the code.
+#define IDM_CONTROLS_MANIFEST 2
+#define IDD_CREATE_TABLE 101
+#define IDC_TABLE_NAME_LABEL 1000
+#define IDC_TABLE_NAME 1001
+#define IDC_COLUMNS_LABEL 1002
+#define IDC_COLUMNS 1003
+#define IDC_ADD 1004
+#define IDC_REMOVE 1005
+#define IDC_MOVE_UP 1006
+#define IDC_MOVE_DOWN 1007
+#define IDC_COLUMN_NAME_LABEL 1008
+#define IDC_COLUMN_NAME 1009
+#define IDC_COLUMN_TYPE_LABEL 1010
+#define IDC_COLUMN_TYPE 1011
+#define IDC_COLUMN_SIZE_LABEL 1012
+#define IDC_COLUMN_SIZE 1013
+#define IDC_NULLABLE 1014
+#define IDC_PRIMARY_KEY 1015
+#define IDC_PREVIEW_LABEL 1016
+#define IDC_PREVIEW 1017
+#define IDC_HINT 1018

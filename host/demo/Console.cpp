@@ -1,0 +1,54 @@
+#include "host/demo/Console.h"
+
+#include <algorithm>
+
+std::string ToUtf8(std::wstring_view text) {
+    const int length = static_cast<int>(text.size());
+    std::string utf8(static_cast<size_t>(WideCharToMultiByte(CP_UTF8, 0, text.data(), length, nullptr, 0, nullptr, nullptr)), '\0');
+    WideCharToMultiByte(CP_UTF8, 0, text.data(), length, utf8.data(), static_cast<int>(utf8.size()), nullptr, nullptr);
+    return utf8;
+}
+
+std::wstring FromUtf8(std::string_view utf8) {
+    const int length = static_cast<int>(utf8.size());
+    std::wstring text(static_cast<size_t>(MultiByteToWideChar(CP_UTF8, 0, utf8.data(), length, nullptr, 0)), L'\0');
+    MultiByteToWideChar(CP_UTF8, 0, utf8.data(), length, text.data(), static_cast<int>(text.size()));
+    return text;
+}
+
+std::wstring SystemMessage(DWORD error) {
+    wchar_t text[512] = {};
+    FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, error, 0, text, 512, nullptr);
+    std::wstring message = text;
+    while (!message.empty() && wcschr(L"\r\n .", message.back())) message.pop_back();
+    return message.empty() ? L"error " + std::to_wstring(error) : message;
+}
+
+namespace Console {
+namespace {
+
+void Write(DWORD stream, std::wstring_view text) {
+    const HANDLE handle = GetStdHandle(stream);
+    if (!handle || handle == INVALID_HANDLE_VALUE) return;
+    DWORD mode = 0, written = 0;
+    if (GetConsoleMode(handle, &mode)) {
+        // A console takes only so much in one call.
+        for (size_t i = 0; i < text.size(); i += 8192) {
+            const std::wstring_view part = text.substr(i, 8192);
+            WriteConsoleW(handle, part.data(), static_cast<DWORD>(part.size()), &written, nullptr);
+        }
+        return;
+    }
+    const std::string utf8 = ToUtf8(text);
+    for (size_t i = 0; i < utf8.size(); i += written) {
+        if (!WriteFile(handle, utf8.data() + i, static_cast<DWORD>(utf8.size() - i), &written, nullptr) || !written) return;
+    }
+}
+
+}  // namespace
+
+void Print(std::wstring_view text) { Write(STD_OUTPUT_HANDLE, text); }
+
+void PrintError(std::wstring_view text) { Write(STD_ERROR_HANDLE, text); }
+
+}  // namespace Console

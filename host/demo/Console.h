@@ -1,0 +1,18 @@
+#pragma once
+
+#include <windows.h>
+
+#include <string>
+#include <string_view>
+
+std::string ToUtf8(std::wstring_view text);
+std::wstring FromUtf8(std::string_view utf8);
+
+// What Windows says of an error code, without the line end behind it.
+std::wstring SystemMessage(DWORD error);
+
+// Writes to standard output or standard error: as Unicode to a console, as UTF-8 to a file or pipe. Line ends are "\n".
+namespace Console {
+void Print(std::wstring_view text);
+void PrintError(std::wstring_view text);
+}  // namespace Console

@@ -1,0 +1,70 @@
+#include "host/demo/Csv.h"
+
+#include "host/demo/Console.h"
+
+std::wstring CsvRow(const std::vector<std::optional<std::wstring>>& fields) {
+    std::wstring row;
+    for (size_t i = 0; i < fields.size(); ++i) {
+        if (i) row += L',';
+        if (!fields[i]) continue;
+        const std::wstring& text = *fields[i];
+        const bool quote = text.empty() || text.find_first_of(L",\"\r\n") != std::wstring::npos || text.front() == L' ' ||
+                           text.back() == L' ';
+        if (!quote) {
+            row += text;
+            continue;
+        }
+        row += L'"';
+        for (const wchar_t c : text) {
+            if (c == L'"') row += L'"';
+            row += c;
+        }
+        row += L'"';
+    }
+    return row + L"\r\n";
+}
+
+CsvFile::CsvFile(std::wstring path) : path_(std::move(path)), temporary_(path_ + L".part") {
+    file_ = CreateFileW(temporary_.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (file_ == INVALID_HANDLE_VALUE) Fail();
+    buffer_ = "\xEF\xBB\xBF";
+}
+
+CsvFile::~CsvFile() {
+    if (file_ == INVALID_HANDLE_VALUE) return;
+    CloseHandle(file_);
+    DeleteFileW(temporary_.c_str());
+}
+
+bool CsvFile::Fail() {
+    if (failure_.empty()) failure_ = SystemMessage(GetLastError());
+    return false;
+}
+
+bool CsvFile::Flush() {
+    DWORD written = 0;
+    if (!WriteFile(file_, buffer_.data(), static_cast<DWORD>(buffer_.size()), &written, nullptr)) return Fail();
+    if (written != buffer_.size()) {
+        SetLastError(ERROR_DISK_FULL);
+        return Fail();
+    }
+    buffer_.clear();
+    return true;
+}
+
+bool CsvFile::Write(const std::vector<std::optional<std::wstring>>& fields) {
+    if (!failure_.empty()) return false;
+    buffer_ += ToUtf8(CsvRow(fields));
+    return buffer_.size() < 65536 || Flush();
+}
+
+bool CsvFile::Close() {
+    if (!failure_.empty() || !Flush()) return false;
+    const bool closed = CloseHandle(file_);
+    if (!closed) Fail();
+    file_ = INVALID_HANDLE_VALUE;
+    if (closed && MoveFileExW(temporary_.c_str(), path_.c_str(), MOVEFILE_REPLACE_EXISTING)) return true;
+    Fail();
+    DeleteFileW(temporary_.c_str());
+    return false;
+}

@@ -1,0 +1,44 @@
+#include "host/demo/Options.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+TEST(ReadOptions, ReadsBothForms) {
+    Options options;
+    EXPECT_EQ(ReadOptions({L"--connect", L"DSN=x;UID=y", L"--sql=select 1=1", L"--max-rows=0", L"--csv", L"out.csv"}, options), L"");
+    EXPECT_EQ(options.Connect, L"DSN=x;UID=y");
+    EXPECT_EQ(options.Sql, L"select 1=1");
+    EXPECT_EQ(options.MaxRows, 0);
+    EXPECT_EQ(options.Csv, L"out.csv");
+    EXPECT_TRUE(options.Editor);
+}
+
+TEST(ReadOptions, ComplainsOfWhatIsWrong) {
+    const auto wrong = [](const std::vector<std::wstring>& arguments) {
+        Options options;
+        return !ReadOptions(arguments, options).empty();
+    };
+    EXPECT_TRUE(wrong({}));
+    EXPECT_TRUE(wrong({L"--connect"}));
+    EXPECT_TRUE(wrong({L"--connect", L"x", L"--frobnicate"}));
+    EXPECT_TRUE(wrong({L"--connect", L"x", L"--max-rows", L"-1"}));
+    EXPECT_TRUE(wrong({L"--connect", L"x", L"--max-rows", L"ten"}));
+    EXPECT_TRUE(wrong({L"--connect", L"x", L"--max-rows", L"99999999999"}));
+    EXPECT_TRUE(wrong({L"--connect", L"x", L"stray"}));
+    EXPECT_FALSE(wrong({L"--connect", L"x", L"--no-editor"}));
+}
+
+TEST(ReadOptions, AsksForNothingElseWithHelp) {
+    Options options;
+    EXPECT_EQ(ReadOptions({L"--help"}, options), L"");
+    EXPECT_TRUE(options.Help);
+}
+
+TEST(ReadTextFile, TellsWhyItCannotRead) {
+    std::wstring failure;
+    EXPECT_FALSE(ReadTextFile(L"Z:\\no such folder\\x.sql", failure));
+    EXPECT_FALSE(failure.empty());
+}
+
+}  // namespace
