@@ -85,9 +85,9 @@ install_missing() {
 
 # --- build ------------------------------------------------------------------------------------------------------------
 
-# Configures (once) and builds. Quiet while it goes well.
+# build_project [TARGET]: configures (once) and builds. Quiet while it goes well.
 build_project() {
-    local folder=$BRV_BUILD/$BRV_PRESET log=$BRV_LOGS/build-$BRV_PRESET.log started=$SECONDS
+    local target=${1:-all} folder=$BRV_BUILD/$BRV_PRESET log=$BRV_LOGS/build-$BRV_PRESET.log started=$SECONDS
     mkdir -p "$BRV_LOGS"
     exec 8>"$BRV_BUILD/.build-lock"
     flock -n 8 || { say "Waiting for another build in this folder ..." && flock -w 900 8; } || die "another build has kept this folder for 15 minutes"
@@ -105,7 +105,7 @@ build_project() {
         fi
     fi
     say "Building ..."
-    if ! timeout 1800 cmake --build "$folder" -j "$(nproc)" >"$log" 2>&1 </dev/null 8>&-; then
+    if ! timeout 1800 cmake --build "$folder" --target "$target" -j "$(nproc)" >"$log" 2>&1 </dev/null 8>&-; then
         log_tail "$log"
         die "the build failed; whole log: $log"
     fi
