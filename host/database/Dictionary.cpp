@@ -138,7 +138,9 @@ std::vector<std::wstring> Dictionary::Objects(long objectType, const std::wstrin
         for (const TableRow& row : ReadTables(connection, catalogArgument, schemaArgument, table, types)) {
             if (!row.Table || row.Table->empty()) continue;
             // A driver may give more than it was asked for: other types, and what a wildcard in the schema's name matches.
-            if (IsView(row.Type) != views || (!includeSystem && IsSystem(row.Type))) continue;
+            if (IsView(row.Type) != views) continue;
+            const bool ownTable = facts.Kind->SystemPrefix && row.Table->starts_with(facts.Kind->SystemPrefix);
+            if (!includeSystem && (ownTable || IsSystem(row.Type))) continue;
             if (schemaArgument && row.Schema.value_or(L"") != wanted) continue;
             if (!only.empty() && !SameText(*row.Table, only)) continue;
             names.push_back(*row.Table);

@@ -43,7 +43,7 @@ const Product products[] = {
     {L"Derby", L"Apache Derby", 13, L"VALUES CURRENT SCHEMA"},
     {L"MySQL", L"MySQL", 17, nullptr, true},
     {L"MariaDB", L"MariaDB", 17, nullptr, true},
-    {L"SQLite", L"SQLite", 17, nullptr, false, sqliteKeywords},
+    {L"SQLite", L"SQLite", 17, nullptr, false, sqliteKeywords, L"sqlite_"},
     {L"Informix", L"Informix", 2},
     {L"Firebird", L"Firebird", 28},
     {L"InterBase", L"InterBase", 28},

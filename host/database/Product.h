@@ -14,6 +14,8 @@ struct Product {
     bool CatalogsAreSchemas = false;
     // Words that cannot be a name without quotes beyond those that ODBC reserves and the driver reports.
     const wchar_t* Keywords = L"";
+    // How the names of the product's own tables begin, where its driver calls them tables like any other; null: it does not.
+    const wchar_t* SystemPrefix = nullptr;
 };
 
 // The product whose name part occurs in `dbmsName`; a general one when none does. `hasSchemas` chooses between the two

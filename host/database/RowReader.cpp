@@ -48,7 +48,12 @@ bool ReadDate(const std::wstring& text, Variant& value) {
     if (*p == L'.') {
         do ++p; while (*p >= L'0' && *p <= L'9');
     }
-    if (*p != L'\0' || fields[0] < 100) return false;
+    if (*p != L'\0' || fields[0] < 100 || fields[1] < 1 || fields[1] > 12) return false;
+    // Windows takes the 30th of February for the 1st of March.
+    static const unsigned days[] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
+    const bool leapYear = fields[0] % 4 == 0 && (fields[0] % 100 != 0 || fields[0] % 400 == 0);
+    const unsigned last = fields[1] == 2 && leapYear ? 29 : days[fields[1] - 1];
+    if (fields[2] < 1 || fields[2] > last || fields[3] > 23 || fields[4] > 59 || fields[5] > 59) return false;
     time.wYear = static_cast<WORD>(fields[0]);
     time.wMonth = static_cast<WORD>(fields[1]);
     time.wDay = static_cast<WORD>(fields[2]);

@@ -67,7 +67,7 @@ TEST(ReadTypes, GivesTheDriversTypesOnceWithTheUsualOnesFirst) {
 TEST(CreateTableStatement, IsUnderstoodByTheDatabase) {
     const auto session = OpenEmpty();
     const NewTable table = {L"a \"b\".c", {{L"Order", L"integer", L"", true, true}, {L"Größe", L"varchar", L"40", false, false}}};
-    Run(*session, CreateTableStatement(session->Facts().Rules, table));
+    RunSql(*session, CreateTableStatement(session->Facts().Rules, table));
     Odbc::Statement statement(*session->Live());
     statement.Execute(L"select count(*) from pragma_table_info('a \"b\".c')");
     ASSERT_TRUE(statement.Fetch());

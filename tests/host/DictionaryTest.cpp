@@ -44,12 +44,20 @@ TEST(Dictionary, HasNoSchemasInSQLite) {
 TEST(Dictionary, ListsTablesSortedWithoutViews) {
     const Dictionary dictionary(OpenSample());
     const Names tables = dictionary.Objects(Dictionary::Tables, L"", L"", false);
-    EXPECT_EQ(tables.size(), 18u - 1);  // all but the statistics that ANALYZE leaves
+    EXPECT_EQ(tables.size(), 17u);
     for (const wchar_t* name : {L"Order", L"Order Details", L"price.history", L"The \"Golden Leaf\" Club", L"Übersetzung", L"customer", L"survey"}) {
         EXPECT_TRUE(Contains(tables, name)) << name;
     }
     EXPECT_FALSE(Contains(tables, L"best_sellers"));
     EXPECT_LT(std::find(tables.begin(), tables.end(), L"customer"), std::find(tables.begin(), tables.end(), L"Order"));
+}
+
+TEST(Dictionary, ListsTheDatabasesOwnTablesWhenAsked) {
+    const Dictionary dictionary(OpenSample());
+    EXPECT_FALSE(Contains(dictionary.Objects(Dictionary::Tables, L"", L"", false), L"sqlite_stat1"));
+    const Names all = dictionary.Objects(Dictionary::Tables, L"", L"", true);
+    EXPECT_TRUE(Contains(all, L"sqlite_stat1"));
+    EXPECT_TRUE(Contains(all, L"customer"));
 }
 
 TEST(Dictionary, ListsViews) {
@@ -77,7 +85,7 @@ TEST(Dictionary, DescribesColumnsInOrder) {
     EXPECT_EQ(Field(columns[0], L"COLUMN_NAME"), L"order_id");
     EXPECT_EQ(Field(columns[7], L"COLUMN_NAME"), L"Gift Note");
     EXPECT_EQ(Field(columns[0], L"TABLE_NAME"), L"Order");
-    EXPECT_EQ(Field(columns[5], L"TYPE_NAME"), L"varchar(10)");
+    EXPECT_EQ(Field(columns[5], L"TYPE_NAME"), L"VARCHAR(10)");
     EXPECT_EQ(Field(columns[0], L"NULLABLE"), L"0");
     EXPECT_EQ(Field(columns[2], L"NULLABLE"), L"1");
     EXPECT_EQ(Field(columns[0], L"REMARKS"), L"(null)");
@@ -106,7 +114,7 @@ TEST(Dictionary, DoesNotTakeAnUnderscoreForAnyCharacter) {
 
 TEST(Dictionary, ReadsNamesBeyondTheBasicPlane) {
     const auto session = OpenEmpty();
-    Run(*session, L"create table \"\xD83C\xDF75 100% a\\b 'x'\" (\"\xD83D\xDE00\" text)");
+    RunSql(*session, L"create table \"\xD83C\xDF75 100% a\\b 'x'\" (\"\xD83D\xDE00\" text)");
     const Dictionary dictionary(session);
     EXPECT_EQ(dictionary.Objects(Dictionary::Tables, L"", L"", false), (Names{L"\xD83C\xDF75 100% a\\b 'x'"}));
     EXPECT_EQ(ColumnNames(dictionary, L"\xD83C\xDF75 100% a\\b 'x'"), (Names{L"\xD83D\xDE00"}));
@@ -114,10 +122,10 @@ TEST(Dictionary, ReadsNamesBeyondTheBasicPlane) {
 
 TEST(Dictionary, TellsThatATableWasDropped) {
     const auto session = OpenEmpty();
-    Run(*session, L"create table t (a integer)");
+    RunSql(*session, L"create table t (a integer)");
     const Dictionary dictionary(session);
     EXPECT_EQ(ColumnNames(dictionary, L"t"), (Names{L"a"}));
-    Run(*session, L"drop table t");
+    RunSql(*session, L"drop table t");
     EXPECT_EQ(NumberOf([&] { dictionary.Columns(L"", L"t"); }), -2147221494);
     EXPECT_EQ(dictionary.Objects(Dictionary::Tables, L"", L"", false), Names());
 }
@@ -126,9 +134,9 @@ TEST(Dictionary, SeesWhatWasMadeMeanwhile) {
     const auto session = OpenEmpty();
     const Dictionary dictionary(session);
     EXPECT_EQ(dictionary.Objects(Dictionary::Tables, L"", L"", false), Names());
-    Run(*session, L"create table b (a integer)");
-    Run(*session, L"create table A (a integer)");
-    Run(*session, L"create view v as select * from b");
+    RunSql(*session, L"create table b (a integer)");
+    RunSql(*session, L"create table A (a integer)");
+    RunSql(*session, L"create view v as select * from b");
     EXPECT_EQ(dictionary.Objects(Dictionary::Tables, L"", L"", false), (Names{L"A", L"b"}));
     EXPECT_EQ(dictionary.Objects(Dictionary::Views, L"", L"", false), (Names{L"v"}));
 }

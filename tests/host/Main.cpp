@@ -25,7 +25,7 @@ std::shared_ptr<Session> OpenSample() { return std::make_shared<Session>(SampleC
 
 std::shared_ptr<Session> OpenEmpty() { return std::make_shared<Session>(L"Driver=SQLite3;Database=:memory:", 5); }
 
-void Run(Session& session, const std::wstring& sql) {
+void RunSql(Session& session, const std::wstring& sql) {
     Odbc::Statement statement(*session.Live());
     statement.Execute(sql);
 }

@@ -94,8 +94,8 @@ TEST(Statement, CutsAtALimit) {
 
 TEST(Statement, ReadsNullNumbersAndBinary) {
     const auto session = OpenEmpty();
-    Run(*session, L"create table t (a integer, b double, c blob, d date, e text, f bigint)");
-    Run(*session, L"insert into t values (42, 0.1, x'00FF10', '2024-02-29', null, 9007199254740993)");
+    RunSql(*session, L"create table t (a integer, b double, c blob, d date, e text, f bigint)");
+    RunSql(*session, L"insert into t values (42, 0.1, x'00FF10', '2024-02-29', null, 9007199254740993)");
     auto statement = Query(session, L"select * from t");
     ASSERT_EQ(statement->AllColumns().size(), 6u);
     EXPECT_TRUE(statement->AllColumns()[0].IsNumber());
@@ -111,10 +111,10 @@ TEST(Statement, ReadsNullNumbersAndBinary) {
 
 TEST(Statement, ReadsBlobsOfAnyLength) {
     const auto session = OpenEmpty();
-    Run(*session, L"create table t (b blob)");
+    RunSql(*session, L"create table t (b blob)");
     for (const int length : {0, 1, 4095, 4096, 4097, 100000}) {
-        Run(*session, L"delete from t");
-        Run(*session, L"insert into t values (zeroblob(" + std::to_wstring(length) + L"))");
+        RunSql(*session, L"delete from t");
+        RunSql(*session, L"insert into t values (zeroblob(" + std::to_wstring(length) + L"))");
         auto statement = Query(session, L"select b from t");
         ASSERT_TRUE(statement->Fetch());
         EXPECT_EQ(statement->Text(1), L"0x" + std::wstring(static_cast<size_t>(length) * 2, L'0')) << length;
@@ -123,7 +123,7 @@ TEST(Statement, ReadsBlobsOfAnyLength) {
 
 TEST(Statement, CountsChangedRows) {
     const auto session = OpenEmpty();
-    Run(*session, L"create table t (a integer)");
+    RunSql(*session, L"create table t (a integer)");
     EXPECT_EQ(Query(session, L"insert into t values (1), (2), (3)")->RowCount(), 3);
     EXPECT_EQ(Query(session, L"update t set a = 0 where a > 1")->RowCount(), 2);
     EXPECT_EQ(Query(session, L"delete from t where a = 99")->RowCount(), 0);

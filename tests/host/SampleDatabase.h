@@ -14,4 +14,4 @@ std::shared_ptr<Session> OpenSample();
 std::shared_ptr<Session> OpenEmpty();
 
 // Runs a statement that gives no rows.
-void Run(Session& session, const std::wstring& sql);
+void RunSql(Session& session, const std::wstring& sql);
