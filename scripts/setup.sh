@@ -123,6 +123,7 @@ wine_environment() {
     # No questions about Mono and Gecko, no entries in the desktop's menus.
     export WINEDLLOVERRIDES=${WINEDLLOVERRIDES:-mscoree,mshtml=;winemenubuilder.exe=d}
     export ODBCSYSINI=$BRV_BUILD/odbc ODBCINI=$BRV_BUILD/odbc/odbc.ini
+    export BRV_SHOP_DB=$BRV_BUILD/shop.db  # for tests that read the sample database
     # Arguments and file names are UTF-8, also where the locale is "C".
     [ "$(locale charmap 2>/dev/null)" = UTF-8 ] || export LC_ALL=C.UTF-8
 }
