@@ -45,6 +45,12 @@ void PaintArrow(HDC Context, const RECT& Client, bool ToLeft) {
     SelectObject(Context, Pen);
 }
 
+// The face of a small button.
+void PaintBox(HDC Context, const RECT& Client) {
+    RECT Edge = Client;
+    DrawEdge(Context, &Edge, BDR_RAISEDINNER, BF_RECT);
+}
+
 std::wstring FixedPitchFace(HWND Window) {
     for (const wchar_t* Face : {L"Consolas", L"Courier New"}) {
         LOGFONTW Wanted{};
@@ -159,10 +165,16 @@ void frmSQLEditor::CreateControls() {
 
     picHide.SetWindowCaption(L"Hide the left pane");
     picHide.Click = [this] { picHide_Click(); };
-    picHide.Paint = [](HDC Context, const RECT& Client) { PaintArrow(Context, Client, true); };
+    picHide.Paint = [](HDC Context, const RECT& Client) {
+        PaintBox(Context, Client);
+        PaintArrow(Context, Client, true);
+    };
     picUnhide.SetWindowCaption(L"Show the left pane");
     picUnhide.Click = [this] { picUnhide_Click(); };
-    picUnhide.Paint = [](HDC Context, const RECT& Client) { PaintArrow(Context, Client, false); };
+    picUnhide.Paint = [](HDC Context, const RECT& Client) {
+        PaintBox(Context, Client);
+        PaintArrow(Context, Client, false);
+    };
 
     imgSplitterV.SetWindowCaption(L"Splitter");
     imgSplitterV.SetMousePointer(IDC_SIZEWE);
@@ -171,6 +183,9 @@ void frmSQLEditor::CreateControls() {
     imgSplitterV.MouseUp = [this](int B, int S, float X, float Y) { imgSplitterV_MouseUp(B, S, X, Y); };
     picSplitterV.SetBackColor(COLOR_3DSHADOW);
 
+    // In front of the tab button whose right end it takes.
+    picHide.BringToFront();
+    picUnhide.BringToFront();
     imgSplitterV.Move(FirstSplit, 0, 0, 0);
     picSplitterV.Move(FirstSplit, 0, 0, 0);
 }
@@ -178,7 +193,9 @@ void frmSQLEditor::CreateControls() {
 void frmSQLEditor::FontsChanged() {
     const HFONT Font = MessageFont();
     tlbToolbar.SetFont(Font);
-    for (CommandButton& Button : cmdLeft) Button.SetFont(Font);
+    for (size_t At = 0; At < cmdLeft.size(); ++At) {
+        cmdLeft[At].SetFont(static_cast<short>(At) == activeView_ ? BoldFont() : Font);
+    }
     trvDBObjects.SetFont(Font);
     lstAnsiSQL.SetFont(Font);
     trvDatabaseSpecific.SetFont(Font);

@@ -85,10 +85,14 @@ void frmSQLEditor::m_SizeControls() try {
 
 void frmSQLEditor::cmdLeft_Click(int Index) try {
     for (int Other = 0; Other < TabCount; ++Other) {
+        const auto At = static_cast<size_t>(Other);
         // The pages behind are still visible; disabled, they keep the Tab key out.
-        picLeft[static_cast<size_t>(Other)].SetEnabled(Other == Index);
+        picLeft[At].SetEnabled(Other == Index);
+        cmdLeft[At].SetFont(Other == Index ? BoldFont() : MessageFont());
+        if (Other != Index) picLeft[At].SendToBack();
     }
-    picLeft[static_cast<size_t>(Index)].BringToFront();
+    // In front of the other pages, and behind its button for the Tab key.
+    picLeft[static_cast<size_t>(Index)].PlaceBehind(cmdLeft[static_cast<size_t>(Index)]);
     switch (Index) {
         case 0:
             lblDescription.SetCaption(L"");

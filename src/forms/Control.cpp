@@ -84,9 +84,21 @@ void Control::SetEnabled(bool enabled) {
     Events::Rethrow();
 }
 
-void Control::BringToFront() {
-    SetWindowPos(handle_, HWND_TOP, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE | SWP_NOOWNERZORDER);
+void Control::PlaceAfter(HWND after) {
+    SetWindowPos(handle_, after, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE | SWP_NOOWNERZORDER);
     Events::Rethrow();
+}
+
+void Control::BringToFront() {
+    PlaceAfter(HWND_TOP);
+}
+
+void Control::SendToBack() {
+    PlaceAfter(HWND_BOTTOM);
+}
+
+void Control::PlaceBehind(const Control& other) {
+    PlaceAfter(other.handle_);
 }
 
 void Control::SetFocus() {

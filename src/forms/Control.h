@@ -51,6 +51,9 @@ public:
     void SetVisible(bool visible);
     void SetEnabled(bool enabled);
     void BringToFront();
+    void SendToBack();
+    // Puts the control behind another one of the same container; the Tab key comes to it after that one.
+    void PlaceBehind(const Control& other);
     void SetFocus();
     bool HasFocus() const noexcept;
     // The control does not own the font.
@@ -89,6 +92,7 @@ protected:
 
 private:
     static LRESULT CALLBACK Thunk(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+    void PlaceAfter(HWND after);
     void RaiseMouse(const MouseEvent& event, int button, WPARAM wParam, LPARAM lParam);
 
     HWND handle_ = nullptr;

@@ -72,8 +72,19 @@ void Form::Load() {
 }
 
 void Form::MakeFonts() {
-    const NONCLIENTMETRICSW metrics = MetricsFor(Dpi());
-    messageFont_.reset(CreateFontIndirectW(&metrics.lfMessageFont));
+    LOGFONTW font = MetricsFor(Dpi()).lfMessageFont;
+    // The controls still show the former fonts: those go when the controls have the new ones.
+    formerFonts_[0] = std::move(messageFont_);
+    formerFonts_[1] = std::move(boldFont_);
+    messageFont_.reset(CreateFontIndirectW(&font));
+    font.lfWeight = FW_BOLD;
+    boldFont_.reset(CreateFontIndirectW(&font));
+}
+
+void Form::RenewFonts() {
+    MakeFonts();
+    FontsChanged();
+    for (FontHandle& font : formerFonts_) font.reset();
 }
 
 RECT Form::Bounds() const noexcept {
@@ -293,8 +304,7 @@ LRESULT Form::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
             }
             return 0;
         case WM_DPICHANGED: {
-            MakeFonts();
-            FontsChanged();
+            RenewFonts();
             const auto* suggested = reinterpret_cast<const RECT*>(lParam);
             SetWindowPos(handle_, nullptr, suggested->left, suggested->top, suggested->right - suggested->left,
                          suggested->bottom - suggested->top, SWP_NOZORDER | SWP_NOACTIVATE);
@@ -303,8 +313,7 @@ LRESULT Form::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
         }
         case WM_SETTINGCHANGE:
             if (wParam == SPI_SETNONCLIENTMETRICS) {
-                MakeFonts();
-                FontsChanged();
+                RenewFonts();
                 if (ready_) Form_Resize();
             }
             break;

@@ -63,6 +63,7 @@ protected:
     virtual bool KeyPreview(MSG& message);
 
     HFONT MessageFont() const noexcept { return messageFont_.get(); }  // the system's dialog font
+    HFONT BoldFont() const noexcept { return boldFont_.get(); }        // the same, bold
     MenuBar Menus{100};
     void DrawMenuBar() const noexcept { ::DrawMenuBar(handle_); }
 
@@ -70,6 +71,7 @@ private:
     static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
     LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam);
     void MakeFonts();
+    void RenewFonts();
     RECT Bounds() const noexcept;
     void SetBounds(int x, int y, int width, int height, UINT flags);
     void DisableOthers();
@@ -82,6 +84,8 @@ private:
     std::vector<HWND> disabled_;
     HWND previousActive_ = nullptr;
     FontHandle messageFont_;
+    FontHandle boldFont_;
+    FontHandle formerFonts_[2];
     ModuleLock lock_;
     bool loaded_ = false;
     bool ready_ = false;  // Form_Load is over: sizes are laid out from here on

@@ -181,6 +181,7 @@ void RichTextBox::SetText(const std::wstring& text) {
         Send(EM_EMPTYUNDOBUFFER);
     }
     if (Change) Change();
+    if (SelChange) SelChange();
 }
 
 // Where lines are not wrapped, the line of a position tells how many line ends stand before it.

@@ -13,6 +13,8 @@ struct Page {
     Page() {
         Box.Create(Top.Handle(), 1);
         Button.Create(Box.Handle(), 2, L"Press");
+        Box.Move(0, 0, 1500, 1500);
+        Button.Move(0, 0, 1500, 300);  // a click hits a button that has a size only
     }
 };
 

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "automation/RuntimeError.h"
+#include "forms/Container.h"
 
 // The number of the run-time error that the work raises, 0 when it raises none.
 template <class Work>
@@ -15,17 +16,22 @@ long NumberOf(Work&& work) {
     return 0;
 }
 
-// A plain top-level window to put controls on.
+// A container on a hidden top-level window, to put controls on.
 class TopWindow {
 public:
     TopWindow()
-        : handle_(CreateWindowExW(0, L"Static", L"top", WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN, 0, 0, 600, 500, nullptr, nullptr,
-                                  GetModuleHandleW(nullptr), nullptr)) {}
-    ~TopWindow() { DestroyWindow(handle_); }
+        : top_(CreateWindowExW(0, L"Static", L"top", WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN, 0, 0, 600, 500, nullptr, nullptr,
+                               GetModuleHandleW(nullptr), nullptr)) {
+        container_.Create(top_, 1);
+        container_.Move(0, 0, 9000, 7000);
+    }
+    ~TopWindow() { DestroyWindow(top_); }
     TopWindow(const TopWindow&) = delete;
     TopWindow& operator=(const TopWindow&) = delete;
-    HWND Handle() const { return handle_; }
+    HWND Handle() const { return container_.Handle(); }
+    HWND Top() const { return top_; }
 
 private:
-    HWND handle_;
+    HWND top_;
+    PictureBox container_;
 };

@@ -9,6 +9,12 @@
 
 namespace {
 
+// The log without the resizes, of which a window manager may cause any number.
+std::wstring WithoutResizes(std::wstring log) {
+    for (size_t at; (at = log.find(L"resize ")) != std::wstring::npos;) log.erase(at, 7);
+    return log;
+}
+
 class TestForm : public Form {
 public:
     std::wstring Log;
@@ -25,6 +31,8 @@ protected:
         Log += L"controls ";
         First.Create(Handle(), 1, L"First");
         Second.Create(Handle(), 2, L"Second");
+        First.Move(0, 0, 1500, 300);
+        Second.Move(0, 300, 1500, 300);
     }
     void FontsChanged() override {}
     void Form_Load() override {
@@ -126,7 +134,7 @@ TEST(Form, IsModalAndGivesTheHostItsWindowsBack) {
     EXPECT_TRUE(IsWindowEnabled(host));
     EXPECT_FALSE(IsWindowEnabled(disabledBefore));
     EXPECT_FALSE(IsWindowVisible(form.Handle()));
-    EXPECT_EQ(L"controls load resize activate unload ", form.Log);
+    EXPECT_EQ(L"controls load activate unload ", WithoutResizes(form.Log));
     DestroyWindow(host);
     DestroyWindow(disabledBefore);
 }
@@ -212,5 +220,5 @@ TEST(Form, MayBeHiddenByAnEventAndShownAgain) {
         const Later later([&] { form.Hide(); });
         form.ShowModal();
     }
-    EXPECT_EQ(L"controls load resize activate activate activate ", form.Log);
+    EXPECT_EQ(L"controls load activate activate activate ", WithoutResizes(form.Log));
 }

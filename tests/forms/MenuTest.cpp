@@ -22,9 +22,9 @@ struct Window {
         File.AppendSeparator();
         File.Append(Close);
         Bar.Append(File);
-        Bar.Create(Top.Handle());
+        Bar.Create(Top.Top());
     }
-    HMENU FileMenu() const { return GetSubMenu(GetMenu(Top.Handle()), 0); }
+    HMENU FileMenu() const { return GetSubMenu(GetMenu(Top.Top()), 0); }
     std::wstring Texts(HMENU menu) const {
         std::wstring texts;
         for (int at = 0; at < GetMenuItemCount(menu); ++at) {
