@@ -131,6 +131,14 @@ private:
         return text;
     }
 
+    // A name that the user typed: blanks around it are no part of it.
+    std::wstring NameIn(int id) const {
+        const std::wstring text = TextOf(id);
+        const size_t first = text.find_first_not_of(L" \t");
+        if (first == std::wstring::npos) return {};
+        return text.substr(first, text.find_last_not_of(L" \t") - first + 1);
+    }
+
     void Prepare() {
         // The editor's window is topmost. What it owns stands above it, but only a topmost window stays there when the owner
         // is made topmost once more.
@@ -177,13 +185,13 @@ private:
         if (!scale.right || !scale.bottom || !client.right) return;
         const int width = MulDiv(client.right, 1000, scale.right);
         const int height = MulDiv(client.bottom, 1000, scale.bottom);
-        const int margin = 7, gap = 4, line = 14, label = 8, button = 60;
+        const int margin = 7, gap = 4, line = 14, field = 12, label = 8, button = 60;
 
-        Place(IDC_TABLE_NAME_LABEL, margin, margin + 3, 50, label);
-        Place(IDC_TABLE_NAME, margin + 54, margin, width - 2 * margin - 54, line);
+        Place(IDC_TABLE_NAME_LABEL, margin, margin + 2, 50, label);
+        Place(IDC_TABLE_NAME, margin + 54, margin, width - 2 * margin - 54, field);
 
-        const int top = margin + line + 7;
-        const int fixed = top + label + 2 + 7 + label + 2 + line + 7 + label + 2 + 7 + line + margin;
+        const int top = margin + field + 7;
+        const int fixed = top + label + 2 + 7 + label + 2 + field + 7 + label + 2 + 7 + line + margin;
         const int free = std::max(height - fixed, 60);
         const int listHeight = std::max(free * 55 / 100, 72);
         const int previewHeight = free - listHeight;
@@ -201,18 +209,18 @@ private:
         const int name = shared * 55 / 100, type = shared - name;
         int x = margin;
         Place(IDC_COLUMN_NAME_LABEL, x, y, name, label);
-        Place(IDC_COLUMN_NAME, x, y + label + 2, name, line);
+        Place(IDC_COLUMN_NAME, x, y + label + 2, name, field);
         x += name + gap;
         Place(IDC_COLUMN_TYPE_LABEL, x, y, type, label);
         Place(IDC_COLUMN_TYPE, x, y + label + 2, type, 150);  // the height of the opened list
         x += type + gap;
         Place(IDC_COLUMN_SIZE_LABEL, x, y, size, label);
-        Place(IDC_COLUMN_SIZE, x, y + label + 2, size, line);
+        Place(IDC_COLUMN_SIZE, x, y + label + 2, size, field);
         x += size + gap + 2;
-        Place(IDC_NULLABLE, x, y + label + 4, box, 10);
+        Place(IDC_NULLABLE, x, y + label + 3, box, 10);
         x += box + gap;
-        Place(IDC_PRIMARY_KEY, x, y + label + 4, box, 10);
-        y += label + 2 + line + 7;
+        Place(IDC_PRIMARY_KEY, x, y + label + 3, box, 10);
+        y += label + 2 + field + 7;
 
         Place(IDC_PREVIEW_LABEL, margin, y, 80, label);
         y += label + 2;
@@ -343,7 +351,15 @@ private:
     }
 
     void ShowStatement() {
-        SetWindowTextW(Item(IDC_PREVIEW), CreateTableStatement(rules_, table_).c_str());
+        const std::wstring statement = CreateTableStatement(rules_, table_);
+        SetWindowTextW(Item(IDC_PREVIEW), statement.c_str());
+        // The line of the selected column is the one to watch.
+        size_t line = 0;
+        for (int i = 0; i <= selected_ && line != std::wstring::npos; ++i) line = statement.find(L"\r\n", line + 1);
+        if (line != std::wstring::npos && selected_ >= 0) {
+            Send(IDC_PREVIEW, EM_SETSEL, line + 2, static_cast<LPARAM>(line + 2));
+            Send(IDC_PREVIEW, EM_SCROLLCARET);
+        }
         const std::wstring problem = Problem(table_);
         SetWindowTextW(Item(IDC_HINT), problem.c_str());
         Enable(IDOK, problem.empty());
@@ -382,10 +398,10 @@ private:
         if (filling_ || !column) return;
         switch (id) {
             case IDC_COLUMN_NAME:
-                column->Name = TextOf(id);
+                column->Name = NameIn(id);
                 break;
             case IDC_COLUMN_SIZE:
-                column->Size = TextOf(id);
+                column->Size = NameIn(id);
                 break;
             case IDC_NULLABLE:
                 column->Nullable = IsDlgButtonChecked(window_, id) == BST_CHECKED;
@@ -442,7 +458,7 @@ private:
                 return TRUE;
             case IDC_TABLE_NAME:
                 if (code != EN_CHANGE) return FALSE;
-                table_.Name = TextOf(id);
+                table_.Name = NameIn(id);
                 ShowStatement();
                 return TRUE;
             case IDC_COLUMN_NAME:
@@ -450,7 +466,7 @@ private:
                 if (code == EN_CHANGE) Change(id);
                 return TRUE;
             case IDC_COLUMN_TYPE:
-                if (code == CBN_EDITCHANGE) ChangeType(TextOf(id));
+                if (code == CBN_EDITCHANGE) ChangeType(NameIn(id));
                 // The edit field still holds the old text when a row of the list is chosen.
                 if (const LRESULT row = Send(id, CB_GETCURSEL); code == CBN_SELCHANGE && row >= 0) {
                     ChangeType(std::wstring(types_[static_cast<size_t>(row)].Name));
