@@ -1,60 +1,283 @@
 #include "automation/DynamicObject.h"
+
+#include <utility>
+
 #include "automation/RuntimeError.h"
+
 namespace {
-std::wstring Folded(std::wstring t) { CharUpperBuffW(t.data(), t.size()); return t; }
-class Enumerator : public IEnumVARIANT {
-    std::vector<Variant> items_; size_t at_ = 0; LONG r_ = 1;
+
+// The key of the default member, which has no name.
+constexpr const wchar_t* DefaultName = L"";
+constexpr const wchar_t* EnumeratorName = L"_NewEnum";
+
+std::wstring Folded(std::wstring name) {
+    CharUpperBuffW(name.data(), static_cast<DWORD>(name.size()));
+    return name;
+}
+
+class ItemEnumerator final : public IEnumVARIANT {
 public:
-    explicit Enumerator(std::vector<Variant> i) : items_(std::move(i)) {}
-    virtual ~Enumerator() = default;
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID i, void** o) override { if (i == IID_IUnknown || i == IID_IEnumVARIANT) { *o = this; AddRef(); return S_OK; } *o = nullptr; return E_NOINTERFACE; }
-    ULONG STDMETHODCALLTYPE AddRef() override { return ++r_; }
-    ULONG STDMETHODCALLTYPE Release() override { ULONG n = --r_; if (!n) delete this; return n; }
-    HRESULT STDMETHODCALLTYPE Next(ULONG n, VARIANT* v, ULONG* f) override { ULONG k = 0; for (; k < n && at_ < items_.size(); ++k) { VariantInit(&v[k]); VariantCopy(&v[k], &items_[at_++]); } if (f) *f = k; return k == n ? S_OK : S_FALSE; }
-    HRESULT STDMETHODCALLTYPE Skip(ULONG n) override { at_ += n; return at_ <= items_.size() ? S_OK : S_FALSE; }
-    HRESULT STDMETHODCALLTYPE Reset() override { at_ = 0; return S_OK; }
-    HRESULT STDMETHODCALLTYPE Clone(IEnumVARIANT** o) override { auto* e = new Enumerator(items_); e->at_ = at_; *o = e; return S_OK; }
-};
-}
-struct DynamicObject::Slot { Member m; Setter s; };
-DynamicObject::DynamicObject() {} DynamicObject::~DynamicObject() {}
-void DynamicObject::Define(const std::wstring& n, Member m) { auto f = names_.find(Folded(n)); if (f != names_.end()) { slots_[f->second].m = m; return; } names_[Folded(n)] = slots_.size(); slots_.push_back({m, {}}); }
-void DynamicObject::DefineLet(const std::wstring& n, Setter s) { auto f = names_.find(Folded(n)); if (f != names_.end()) { slots_[f->second].s = s; return; } names_[Folded(n)] = slots_.size(); slots_.push_back({{}, s}); }
-void DynamicObject::DefineDefault(Member m) { Define(L"\x1""default", m); }
-void DynamicObject::DefineEnumerator(std::function<std::vector<Variant>()> items) { Define(L"_NewEnum", [items](const Arguments&) { Variant v; v.vt = VT_UNKNOWN; v.punkVal = new Enumerator(items()); return v; }); }
-HRESULT DynamicObject::QueryInterface(REFIID i, void** o) { if (i == IID_IUnknown || i == IID_IDispatch) { *o = this; AddRef(); return S_OK; } *o = nullptr; return E_NOINTERFACE; }
-ULONG DynamicObject::AddRef() { return ++references_; } ULONG DynamicObject::Release() { ULONG n = --references_; if (!n) delete this; return n; }
-HRESULT DynamicObject::GetTypeInfoCount(UINT* c) { *c = 0; return S_OK; } HRESULT DynamicObject::GetTypeInfo(UINT, LCID, ITypeInfo** t) { if (t) *t = nullptr; return E_NOTIMPL; }
-HRESULT DynamicObject::GetIDsOfNames(REFIID, LPOLESTR* n, UINT, LCID, DISPID* ids) { auto f = names_.find(Folded(n[0])); if (f == names_.end()) { ids[0] = DISPID_UNKNOWN; return DISP_E_UNKNOWNNAME; } ids[0] = static_cast<DISPID>(f->second + 1); return S_OK; }
-HRESULT DynamicObject::Invoke(DISPID id, REFIID, LCID, WORD fl, DISPPARAMS* p, VARIANT* r, EXCEPINFO* e, UINT*) {
-    try {
-        if (id == DISPID_VALUE || id == DISPID_NEWENUM) { auto f = names_.find(Folded(id ? L"_NewEnum" : L"\x1""default")); if (f == names_.end()) return DISP_E_MEMBERNOTFOUND; id = static_cast<DISPID>(f->second + 1); }
-        if (id < 1 || static_cast<size_t>(id) > slots_.size()) return DISP_E_MEMBERNOTFOUND;
-        Slot s = slots_[id - 1];
-        if (fl & (DISPATCH_PROPERTYPUT | DISPATCH_PROPERTYPUTREF)) { if (!s.s) return DISP_E_MEMBERNOTFOUND; s.s(Variant(p->rgvarg[0])); return S_OK; }
-        if (!s.m) return DISP_E_MEMBERNOTFOUND;
-        Variant v = s.m(Arguments(*p));
-        if (r) { VariantInit(r); VariantCopy(r, &v); }
+    explicit ItemEnumerator(std::vector<Variant> items, size_t at = 0) : items_(std::move(items)), at_(at) {}
+
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {
+        if (object == nullptr) return E_POINTER;
+        *object = iid == IID_IUnknown || iid == IID_IEnumVARIANT ? this : nullptr;
+        if (*object == nullptr) return E_NOINTERFACE;
+        AddRef();
         return S_OK;
-    } catch (...) { return FillException(CurrentError(), e); }
+    }
+    ULONG STDMETHODCALLTYPE AddRef() override { return ++references_; }
+    ULONG STDMETHODCALLTYPE Release() override {
+        const ULONG left = --references_;
+        if (left == 0) delete this;
+        return left;
+    }
+    HRESULT STDMETHODCALLTYPE Next(ULONG count, VARIANT* items, ULONG* fetched) override {
+        if (items == nullptr) return E_POINTER;
+        ULONG given = 0;
+        HRESULT result = S_OK;
+        while (given < count && at_ < items_.size() && SUCCEEDED(result)) {
+            VariantInit(&items[given]);
+            result = VariantCopy(&items[given], &items_[at_]);
+            if (SUCCEEDED(result)) {
+                ++given;
+                ++at_;
+            }
+        }
+        if (fetched != nullptr) *fetched = given;
+        return FAILED(result) ? result : given == count ? S_OK : S_FALSE;
+    }
+    HRESULT STDMETHODCALLTYPE Skip(ULONG count) override {
+        const size_t left = items_.size() - at_;
+        at_ += count < left ? count : left;
+        return count <= left ? S_OK : S_FALSE;
+    }
+    HRESULT STDMETHODCALLTYPE Reset() override {
+        at_ = 0;
+        return S_OK;
+    }
+    HRESULT STDMETHODCALLTYPE Clone(IEnumVARIANT** clone) override {
+        if (clone == nullptr) return E_POINTER;
+        *clone = nullptr;
+        try {
+            *clone = new ItemEnumerator(items_, at_);
+        } catch (...) {
+            return E_OUTOFMEMORY;
+        }
+        return S_OK;
+    }
+
+private:
+    ~ItemEnumerator() = default;
+    std::vector<Variant> items_;
+    size_t at_;
+    ULONG references_ = 1;
+    ModuleLock lock_;
+};
+
+}  // namespace
+
+// ---- Arguments
+
+Arguments::Arguments(const DISPPARAMS& parameters) noexcept : parameters_(parameters) {}
+
+size_t Arguments::Count() const noexcept {
+    return parameters_.cArgs;
 }
-Arguments::Arguments(const DISPPARAMS& p) noexcept : parameters_(p) {}
-size_t Arguments::Count() const noexcept { return parameters_.cArgs; }
-const VARIANT* Arguments::Raw(size_t i) const noexcept { return i < Count() ? &parameters_.rgvarg[Count() - 1 - i] : nullptr; }
-Variant Arguments::operator[](size_t i) const { return i < Count() ? Variant(*Raw(i)) : Variant::Missing(); }
-bool Arguments::Has(size_t i) const noexcept { try { return !(*this)[i].IsMissing(); } catch (...) { return false; } }
-bool Arguments::Let(size_t i, const Variant& v) const {
-    const VARIANT* a = Raw(i); if (!a || !(a->vt & VT_BYREF)) return false;
-    if (a->vt == (VT_BYREF | VT_VARIANT)) { VariantCopy(a->pvarVal, const_cast<Variant*>(&v)); return true; }
-    Variant c; CheckHresult(VariantChangeType(&c, const_cast<Variant*>(&v), 0, a->vt & ~VT_BYREF));
-    if (a->vt == (VT_BYREF | VT_BSTR)) { std::swap(*a->pbstrVal, c.bstrVal); } else if (a->vt == (VT_BYREF | VT_BOOL)) *a->pboolVal = c.boolVal; else if (a->vt == (VT_BYREF | VT_I4)) *a->plVal = c.lVal; else if (a->vt == (VT_BYREF | VT_I2)) *a->piVal = c.iVal; else return false;
-    return true;
+
+const VARIANT* Arguments::Raw(size_t position) const noexcept {
+    return position < Count() ? &parameters_.rgvarg[Count() - 1 - position] : nullptr;
 }
+
+Variant Arguments::operator[](size_t position) const {
+    const VARIANT* raw = Raw(position);
+    return raw != nullptr ? Variant(*raw) : Variant::Missing();
+}
+
+bool Arguments::Has(size_t position) const noexcept {
+    const VARIANT* raw = Raw(position);
+    return raw != nullptr && !(raw->vt == VT_ERROR && raw->scode == DISP_E_PARAMNOTFOUND);
+}
+
+bool Arguments::Let(size_t position, const Variant& value) const {
+    const VARIANT* raw = Raw(position);
+    if (raw == nullptr || (raw->vt & VT_BYREF) == 0 || raw->byref == nullptr) return false;
+    if (raw->vt == (VT_BYREF | VT_VARIANT)) {
+        CheckHresult(VariantCopy(raw->pvarVal, const_cast<Variant*>(&value)));
+        return true;
+    }
+    const auto type = static_cast<VARTYPE>(raw->vt & ~VT_BYREF);
+    Variant changed;
+    CheckHresult(VariantChangeTypeEx(&changed, const_cast<Variant*>(&value), LOCALE_USER_DEFAULT, VARIANT_ALPHABOOL, type));
+    switch (type) {
+        case VT_BSTR:
+            std::swap(*raw->pbstrVal, changed.bstrVal);
+            return true;
+        case VT_DISPATCH:
+        case VT_UNKNOWN:
+            std::swap(*raw->ppunkVal, changed.punkVal);
+            return true;
+        case VT_BOOL:
+        case VT_I2:
+        case VT_UI2:
+            *raw->piVal = changed.iVal;
+            return true;
+        case VT_I1:
+        case VT_UI1:
+            *raw->pbVal = changed.bVal;
+            return true;
+        case VT_I4:
+        case VT_UI4:
+        case VT_INT:
+        case VT_UINT:
+        case VT_R4:
+        case VT_ERROR:
+            *raw->plVal = changed.lVal;
+            return true;
+        case VT_R8:
+        case VT_DATE:
+        case VT_CY:
+        case VT_I8:
+        case VT_UI8:
+            *raw->pdblVal = changed.dblVal;
+            return true;
+        default:
+            RaiseError(ErrorNumber::TypeMismatch);
+    }
+}
+
+// ---- DynamicObject
+
+struct DynamicObject::Slot {
+    Member Read;
+    Setter Write;
+};
+
+DynamicObject::DynamicObject() = default;
+DynamicObject::~DynamicObject() = default;
+
+DynamicObject::Slot& DynamicObject::SlotOf(const std::wstring& name) {
+    const auto [found, added] = names_.try_emplace(Folded(name), slots_.size());
+    if (added) slots_.emplace_back();
+    return slots_[found->second];
+}
+
+void DynamicObject::Define(const std::wstring& name, Member member) {
+    SlotOf(name).Read = std::move(member);
+}
+
+void DynamicObject::DefineLet(const std::wstring& name, Setter setter) {
+    SlotOf(name).Write = std::move(setter);
+}
+
+void DynamicObject::DefineDefault(Member member) {
+    SlotOf(DefaultName).Read = std::move(member);
+}
+
+void DynamicObject::DefineEnumerator(std::function<std::vector<Variant>()> items) {
+    SlotOf(EnumeratorName).Read = [items = std::move(items)](const Arguments&) {
+        VARIANT made;
+        VariantInit(&made);
+        made.punkVal = new ItemEnumerator(items());
+        made.vt = VT_UNKNOWN;
+        return Variant::Attach(made);
+    };
+}
+
+HRESULT DynamicObject::QueryInterface(REFIID iid, void** object) {
+    if (object == nullptr) return E_POINTER;
+    *object = iid == IID_IUnknown || iid == IID_IDispatch ? static_cast<IDispatch*>(this) : nullptr;
+    if (*object == nullptr) return E_NOINTERFACE;
+    AddRef();
+    return S_OK;
+}
+
+ULONG DynamicObject::AddRef() {
+    return ++references_;
+}
+
+ULONG DynamicObject::Release() {
+    const ULONG left = --references_;
+    if (left == 0) delete this;
+    return left;
+}
+
+HRESULT DynamicObject::GetTypeInfoCount(UINT* count) {
+    if (count == nullptr) return E_POINTER;
+    *count = 0;
+    return S_OK;
+}
+
+HRESULT DynamicObject::GetTypeInfo(UINT, LCID, ITypeInfo** info) {
+    if (info != nullptr) *info = nullptr;
+    return E_NOTIMPL;
+}
+
+HRESULT DynamicObject::GetIDsOfNames(REFIID, LPOLESTR* names, UINT count, LCID, DISPID* ids) {
+    if (names == nullptr || ids == nullptr) return E_POINTER;
+    for (UINT at = 0; at < count; ++at) ids[at] = DISPID_UNKNOWN;
+    if (count == 0 || names[0] == nullptr || *names[0] == L'\0') return DISP_E_UNKNOWNNAME;
+    try {
+        const auto found = names_.find(Folded(names[0]));
+        if (found == names_.end()) return DISP_E_UNKNOWNNAME;
+        ids[0] = static_cast<DISPID>(found->second + 1);
+    } catch (...) {
+        return E_OUTOFMEMORY;
+    }
+    // Arguments have positions here and no names.
+    return count == 1 ? S_OK : DISP_E_UNKNOWNNAME;
+}
+
+HRESULT DynamicObject::Invoke(DISPID id, REFIID, LCID, WORD flags, DISPPARAMS* parameters, VARIANT* result,
+                              EXCEPINFO* exception, UINT*) {
+    if (parameters == nullptr) return E_POINTER;
+    // A member may let go of the object, or define others.
+    AddRef();
+    HRESULT outcome = S_OK;
+    try {
+        outcome = Answer(id, flags, *parameters, result);
+    } catch (...) {
+        outcome = FillException(CurrentError(), exception);
+    }
+    Release();
+    return outcome;
+}
+
+HRESULT DynamicObject::Answer(DISPID id, WORD flags, DISPPARAMS& parameters, VARIANT* result) {
+    if (id == DISPID_VALUE || id == DISPID_NEWENUM) {
+        const auto found = names_.find(Folded(id == DISPID_VALUE ? DefaultName : EnumeratorName));
+        if (found == names_.end()) return DISP_E_MEMBERNOTFOUND;
+        id = static_cast<DISPID>(found->second + 1);
+    }
+    if (id < 1 || static_cast<size_t>(id) > slots_.size()) return DISP_E_MEMBERNOTFOUND;
+    const Slot slot = slots_[static_cast<size_t>(id) - 1];
+    if ((flags & (DISPATCH_PROPERTYPUT | DISPATCH_PROPERTYPUTREF)) != 0) {
+        if (!slot.Write) return DISP_E_MEMBERNOTFOUND;
+        if (parameters.cArgs != 1) return DISP_E_BADPARAMCOUNT;
+        slot.Write(Variant(parameters.rgvarg[0]));
+        return S_OK;
+    }
+    if (!slot.Read) return DISP_E_MEMBERNOTFOUND;
+    Variant value = slot.Read(Arguments(parameters));
+    if (result != nullptr) {
+        *result = value;
+        static_cast<VARIANT&>(value).vt = VT_EMPTY;  // handed over
+    }
+    return S_OK;
+}
+
 Object MakeCollection(std::vector<Variant> items) {
-    auto* o = new DynamicObject; Object held = Object::Attach(o);
-    auto shared = std::make_shared<std::vector<Variant>>(std::move(items));
-    o->Define(L"Count", [shared](const Arguments&) { return Variant(static_cast<long>(shared->size())); });
-    auto item = [shared](const Arguments& a) { long i = a[0].ToLong(); if (i < 1 || i > (long)shared->size()) RaiseError(9); return (*shared)[i - 1]; };
-    o->Define(L"Item", item); o->DefineDefault(item); o->DefineEnumerator([shared] { return *shared; });
+    auto* made = new DynamicObject;
+    const Object held = Object::Attach(made);
+    const auto shared = std::make_shared<const std::vector<Variant>>(std::move(items));
+    const auto item = [shared](const Arguments& arguments) {
+        const long position = arguments[0].ToLong();
+        if (position < 1 || static_cast<size_t>(position) > shared->size()) RaiseError(ErrorNumber::SubscriptOutOfRange);
+        return (*shared)[static_cast<size_t>(position) - 1];
+    };
+    made->Define(L"Count", [shared](const Arguments&) { return Variant(static_cast<long>(shared->size())); });
+    made->Define(L"Item", item);
+    made->DefineDefault(item);
+    made->DefineEnumerator([shared] { return *shared; });
     return held;
 }

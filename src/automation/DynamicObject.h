@@ -54,6 +54,8 @@ protected:
 
 private:
     struct Slot;
+    Slot& SlotOf(const std::wstring& name);
+    HRESULT Answer(DISPID id, WORD flags, DISPPARAMS& parameters, VARIANT* result);
     std::vector<Slot> slots_;
     std::map<std::wstring, size_t> names_;
     ULONG references_ = 1;

@@ -1,65 +1,239 @@
 #include "automation/Object.h"
-#include <map>
-#include "automation/Collection.h"
+
+#include <dispex.h>
+#include <objbase.h>
+
+#include <cstring>
+#include <functional>
+#include <utility>
+#include <vector>
+
 #include "automation/RuntimeError.h"
-Argument::Argument() noexcept {}
-Argument::Argument(Variant v) : passed_(std::move(v)) {}
-Argument::Argument(const wchar_t* t) : passed_(t) {}
-Argument::Argument(const std::wstring& t) : passed_(t) {}
-Argument::Argument(bool v) : passed_(v) {}
-Argument::Argument(short v) : passed_(v) {}
-Argument::Argument(long v) : passed_(v) {}
-Argument::Argument(int v) : passed_(v) {}
-Argument::Argument(const Object& o) : passed_(o) {}
-Argument::Argument(Argument&& o) noexcept : passed_(std::move(o.passed_)), holder_(std::move(o.holder_)), target_(o.target_), kind_(o.kind_) { o.kind_ = VT_EMPTY; }
-Argument::~Argument() { if (passed_.vt & VT_BYREF) passed_.vt = VT_EMPTY; }
-void Argument::WriteBack() { if (kind_ == VT_BSTR) *(std::wstring*)target_ = TextOf(holder_.bstrVal); if (kind_ == VT_BOOL) *(bool*)target_ = holder_.boolVal != 0; if (kind_ == VT_I4) *(long*)target_ = holder_.lVal; }
-Argument ByRef(std::wstring& v) { Argument a; a.holder_ = Variant(v); a.kind_ = VT_BSTR; a.target_ = &v; return a; }
-Argument ByRef(long& v) { Argument a; a.holder_ = Variant(v); a.kind_ = VT_I4; a.target_ = &v; return a; }
-Argument ByRef(bool& v) { Argument a; a.holder_ = Variant(v); a.kind_ = VT_BOOL; a.target_ = &v; return a; }
-struct Object::State { IDispatch* d; std::map<std::wstring, DISPID> ids; ~State() { if (d) d->Release(); } };
-Object::Object() noexcept {}
-Object::Object(IDispatch* d) { if (d) { d->AddRef(); state_ = std::make_shared<State>(); state_->d = d; } }
-Object Object::Attach(IDispatch* d) { Object o(d); if (d) d->Release(); return o; }
-Object Object::Create(const wchar_t* p) { CLSID c; HRESULT h = CLSIDFromProgID(p, &c); IDispatch* d = nullptr; if (SUCCEEDED(h)) h = CoCreateInstance(c, nullptr, CLSCTX_INPROC_SERVER, IID_IDispatch, (void**)&d); if (FAILED(h)) RaiseError(429, L"ActiveX component can't create object"); return Attach(d); }
-Object::operator bool() const noexcept { return state_ != nullptr; }
-IDispatch* Object::Dispatch() const noexcept { return state_ ? state_->d : nullptr; }
-void Object::Clear() noexcept { state_.reset(); }
-bool Object::Has(const wchar_t* m) const noexcept { DISPID id; LPOLESTR n = const_cast<LPOLESTR>(m); return state_ && SUCCEEDED(state_->d->GetIDsOfNames(IID_NULL, &n, 1, 0, &id)); }
-void Object::Let(const wchar_t* m, const Variant& v) const { if (!state_) RaiseError(91); DISPID id, put = DISPID_PROPERTYPUT; LPOLESTR n = const_cast<LPOLESTR>(m); CheckHresult(state_->d->GetIDsOfNames(IID_NULL, &n, 1, 0, &id)); Variant c(v); DISPPARAMS p{&c, &put, 1, 1}; EXCEPINFO e{}; HRESULT h = state_->d->Invoke(id, IID_NULL, 0, DISPATCH_PROPERTYPUT, &p, nullptr, &e, nullptr); if (FAILED(h)) throw ErrorFromHresult(h, &e); }
-bool Object::IsSameAs(const Object& o) const noexcept { return Dispatch() == o.Dispatch(); }
-Variant Object::Invoke(const wchar_t* m, WORD f, Argument* a, size_t n) const {
-    if (!state_) RaiseError(91);
-    auto keep = state_;
-    auto it = keep->ids.find(m);
-    if (it == keep->ids.end()) { DISPID id; LPOLESTR nm = const_cast<LPOLESTR>(m); CheckHresult(keep->d->GetIDsOfNames(IID_NULL, &nm, 1, LOCALE_USER_DEFAULT, &id)); it = keep->ids.emplace(m, id).first; }
-    std::vector<VARIANTARG> args(n + 1);
-    for (size_t i = 0; i < n; i++) { Argument& x = a[i]; if (x.kind_ != VT_EMPTY) { x.passed_.vt = VT_BYREF | x.kind_; x.passed_.byref = &x.holder_.lVal; } args[n - 1 - i] = x.passed_; }
-    DISPPARAMS p{args.data(), nullptr, (UINT)n, 0};
-    Variant r; EXCEPINFO e{}; UINT ae = 0;
-    HRESULT h = keep->d->Invoke(it->second, IID_NULL, LOCALE_USER_DEFAULT, f, &p, &r, &e, &ae);
-    if (FAILED(h)) throw ErrorFromHresult(h, &e);
-    for (size_t i = 0; i < n; i++) a[i].WriteBack();
-    return r;
-}
-HostCollection::HostCollection(const Variant& r) {
-    if (r.IsNothing()) return;
-    if (r.IsArray()) { kind_ = Kind::Array; enumerator_ = r; return; }
-    if (!r.IsObject()) RaiseError(13);
-    object_ = r.ToObject();
-    DISPPARAMS p{}; Variant e; EXCEPINFO x{};
-    if (SUCCEEDED(object_.Dispatch()->Invoke(DISPID_NEWENUM, IID_NULL, 0, DISPATCH_METHOD | DISPATCH_PROPERTYGET, &p, e.Receive(), &x, nullptr)) && e.IsObject() && !e.IsNothing()) { kind_ = Kind::Enumerated; enumerator_ = e; return; }
-    if (object_.Has(L"Count") && object_.Has(L"Item")) { kind_ = Kind::Counted; return; }
-    RaiseError(13);
-}
-HostCollection::operator bool() const noexcept { return kind_ != Kind::None; }
-void HostCollection::ForEach(const std::function<bool(const Variant&)>& f) const {
-    if (kind_ == Kind::Array) { for (auto& v : enumerator_.ToArray()) if (!f(v)) return; }
-    else if (kind_ == Kind::Counted) { long n = object_.Get(L"Count").ToLong(); for (long i = 1; i <= n; i++) if (!f(object_.Get(L"Item", i))) return; }
-    else if (kind_ == Kind::Enumerated) {
-        IEnumVARIANT* e = nullptr; CheckHresult(enumerator_.punkVal->QueryInterface(IID_IEnumVARIANT, (void**)&e));
-        struct R { IEnumVARIANT* e; ~R() { e->Release(); } } r{e};
-        e->Reset();
-        for (;;) { Variant v; ULONG n = 0; HRESULT h = e->Next(1, v.Receive(), &n); CheckHresult(h); if (h != S_OK || !n) return; if (!f(v)) return; }
+
+// ---- Argument
+
+// A variable that is passed by reference: the storage that the callee sees, at an address of its own.
+struct Argument::Reference {
+    Variant Storage;
+    VARTYPE Type;
+    std::function<void(const Variant&)> Assign;
+};
+
+Argument::Argument(Variant value) : value_(std::move(value)) {}
+Argument::Argument(const wchar_t* text) : value_(text) {}
+Argument::Argument(const std::wstring& text) : value_(text) {}
+Argument::Argument(bool value) : value_(value) {}
+Argument::Argument(short value) : value_(value) {}
+Argument::Argument(long value) : value_(value) {}
+Argument::Argument(int value) : value_(value) {}
+Argument::Argument(const Object& object) : value_(object) {}
+Argument::Argument(std::unique_ptr<Reference> reference) noexcept : reference_(std::move(reference)) {}
+Argument::Argument(Argument&&) noexcept = default;
+Argument::~Argument() = default;
+
+VARIANT Argument::Passed() noexcept {
+    VARIANT passed;
+    VariantInit(&passed);
+    if (reference_ == nullptr) {
+        std::memcpy(&passed, static_cast<const VARIANT*>(&value_), sizeof passed);
+    } else if (reference_->Type == VT_VARIANT) {
+        passed.vt = VT_BYREF | VT_VARIANT;
+        passed.pvarVal = &reference_->Storage;
+    } else {
+        passed.vt = static_cast<VARTYPE>(VT_BYREF | reference_->Type);
+        passed.byref = &reference_->Storage.byref;
     }
+    return passed;
+}
+
+void Argument::WriteBack() {
+    if (reference_ != nullptr) reference_->Assign(reference_->Storage);
+}
+
+Argument ByRef(std::wstring& variable) {
+    return Argument(std::make_unique<Argument::Reference>(Argument::Reference{
+        Variant(variable), VT_BSTR, [&variable](const Variant& left) { variable = TextOf(left.bstrVal); }}));
+}
+
+Argument ByRef(long& variable) {
+    return Argument(std::make_unique<Argument::Reference>(
+        Argument::Reference{Variant(variable), VT_I4, [&variable](const Variant& left) { variable = left.lVal; }}));
+}
+
+Argument ByRef(short& variable) {
+    return Argument(std::make_unique<Argument::Reference>(
+        Argument::Reference{Variant(variable), VT_I2, [&variable](const Variant& left) { variable = left.iVal; }}));
+}
+
+Argument ByRef(bool& variable) {
+    return Argument(std::make_unique<Argument::Reference>(Argument::Reference{
+        Variant(variable), VT_BOOL, [&variable](const Variant& left) { variable = left.boolVal != VARIANT_FALSE; }}));
+}
+
+Argument ByRef(Variant& variable) {
+    return Argument(std::make_unique<Argument::Reference>(
+        Argument::Reference{variable, VT_VARIANT, [&variable](const Variant& left) { variable = left; }}));
+}
+
+Argument ByRef(Object& variable) {
+    return Argument(std::make_unique<Argument::Reference>(Argument::Reference{
+        Variant(variable), VT_DISPATCH, [&variable](const Variant& left) { variable = Object(left.pdispVal); }}));
+}
+
+// ---- Object
+
+struct Object::State {
+    IDispatch* Dispatch = nullptr;
+    // The other way in, for objects that know their names there only; null until it was needed. Its member ids are its own.
+    IDispatchEx* Extended = nullptr;
+    struct Member {
+        std::wstring Name;
+        DISPID Id;
+    };
+    std::vector<Member> Members;  // a handful: a search by length and letters beats any table
+
+    State() = default;
+    State(const State&) = delete;
+    State& operator=(const State&) = delete;
+    ~State() {
+        if (Extended != nullptr) Extended->Release();
+        if (Dispatch != nullptr) Dispatch->Release();
+    }
+
+    // The id of a member, asked for once.
+    DISPID IdOf(const wchar_t* name) {
+        for (const Member& member : Members) {
+            if (member.Name == name) return member.Id;
+        }
+        DISPID id = DISPID_UNKNOWN;
+        const HRESULT result = LookUp(name, id);
+        if (FAILED(result)) throw ErrorFromHresult(result, nullptr);
+        Members.push_back({name, id});
+        return id;
+    }
+
+    HRESULT LookUp(const wchar_t* name, DISPID& id) noexcept {
+        if (Extended == nullptr) {
+            auto* writable = const_cast<LPOLESTR>(name);
+            const HRESULT result = Dispatch->GetIDsOfNames(IID_NULL, &writable, 1, LOCALE_USER_DEFAULT, &id);
+            // The objects of VBScript under Wine have IDispatchEx alone and leave this call unwritten.
+            if (result != E_NOTIMPL ||
+                FAILED(Dispatch->QueryInterface(__uuidof(IDispatchEx), reinterpret_cast<void**>(&Extended)))) {
+                return result;
+            }
+        }
+        const BSTR text = SysAllocString(name);
+        const HRESULT result = Extended->GetDispID(text, fdexNameCaseInsensitive, &id);
+        SysFreeString(text);
+        return result;
+    }
+
+    HRESULT Invoke(DISPID id, WORD flags, DISPPARAMS& parameters, VARIANT* result, EXCEPINFO& exception) noexcept {
+        if (Extended != nullptr) {
+            return Extended->InvokeEx(id, LOCALE_USER_DEFAULT, flags, &parameters, result, &exception, nullptr);
+        }
+        UINT argumentError = 0;
+        return Dispatch->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, flags, &parameters, result, &exception, &argumentError);
+    }
+};
+
+Object::Object() noexcept = default;
+
+Object::Object(IDispatch* object) {
+    if (object == nullptr) return;
+    state_ = std::make_shared<State>();
+    object->AddRef();
+    state_->Dispatch = object;
+}
+
+Object Object::Attach(IDispatch* object) {
+    if (object == nullptr) return Object();
+    struct Release {
+        IDispatch* Held;
+        ~Release() { Held->Release(); }
+    } release{object};
+    return Object(object);
+}
+
+Object Object::Create(const wchar_t* progId) {
+    CLSID id;
+    HRESULT result = CLSIDFromProgID(progId, &id);
+    IDispatch* made = nullptr;
+    if (SUCCEEDED(result)) {
+        result = CoCreateInstance(id, nullptr, CLSCTX_INPROC_SERVER | CLSCTX_LOCAL_SERVER, IID_IDispatch,
+                                  reinterpret_cast<void**>(&made));
+    }
+    if (FAILED(result) || made == nullptr) {
+        const RuntimeError reason = ErrorFromHresult(FAILED(result) ? result : E_NOINTERFACE, nullptr);
+        RaiseError(ErrorNumber::CannotCreateObject, ErrorText(ErrorNumber::CannotCreateObject) + L": " + progId + L" (" +
+                                                        reason.Description + L")");
+    }
+    return Attach(made);
+}
+
+Object::operator bool() const noexcept {
+    return state_ != nullptr;
+}
+
+IDispatch* Object::Dispatch() const noexcept {
+    return state_ != nullptr ? state_->Dispatch : nullptr;
+}
+
+void Object::Clear() noexcept {
+    // Moved out first: what the other object does when it goes may come back to this variable.
+    const auto old = std::exchange(state_, nullptr);
+}
+
+bool Object::IsSameAs(const Object& other) const noexcept {
+    if (Dispatch() == other.Dispatch()) return true;
+    if (Dispatch() == nullptr || other.Dispatch() == nullptr) return false;
+    IUnknown* mine = nullptr;
+    IUnknown* theirs = nullptr;
+    Dispatch()->QueryInterface(IID_IUnknown, reinterpret_cast<void**>(&mine));
+    other.Dispatch()->QueryInterface(IID_IUnknown, reinterpret_cast<void**>(&theirs));
+    const bool same = mine != nullptr && mine == theirs;
+    if (mine != nullptr) mine->Release();
+    if (theirs != nullptr) theirs->Release();
+    return same;
+}
+
+bool Object::Has(const wchar_t* member) const noexcept {
+    DISPID id = DISPID_UNKNOWN;
+    return state_ != nullptr && SUCCEEDED(state_->LookUp(member, id)) && id != DISPID_UNKNOWN;
+}
+
+Variant Object::Invoke(const wchar_t* member, WORD flags, Argument* arguments, size_t count) const {
+    if (state_ == nullptr) RaiseError(ErrorNumber::ObjectNotSet);
+    const auto state = state_;  // the callee may clear the variable that this is
+    const DISPID id = state->IdOf(member);
+
+    constexpr size_t Most = 8;
+    VARIANTARG passed[Most];
+    if (count > Most) RaiseError(ErrorNumber::InvalidProcedureCall);
+    for (size_t at = 0; at < count; ++at) passed[count - 1 - at] = arguments[at].Passed();
+
+    DISPPARAMS parameters{passed, nullptr, static_cast<UINT>(count), 0};
+    VARIANT raw;
+    VariantInit(&raw);
+    EXCEPINFO exception{};
+    const HRESULT result = state->Invoke(id, flags, parameters, &raw, exception);
+    // Beside a failure a callee may have left anything in the result: then it is not ours to free.
+    if (FAILED(result)) throw ErrorFromHresult(result, &exception);
+    Variant owned = Variant::Attach(raw);
+    for (size_t at = 0; at < count; ++at) arguments[at].WriteBack();
+    return (owned.vt & VT_BYREF) != 0 ? Variant(static_cast<const VARIANT&>(owned)) : owned;
+}
+
+void Object::Let(const wchar_t* member, const Variant& value) const {
+    if (state_ == nullptr) RaiseError(ErrorNumber::ObjectNotSet);
+    const auto state = state_;
+    const DISPID id = state->IdOf(member);
+    DISPID named = DISPID_PROPERTYPUT;
+    Variant copy(value);
+    DISPPARAMS parameters{&copy, &named, 1, 1};
+    EXCEPINFO exception{};
+    HRESULT result = DISP_E_MEMBERNOTFOUND;
+    if (value.IsObject()) result = state->Invoke(id, DISPATCH_PROPERTYPUTREF, parameters, nullptr, exception);
+    if (result == DISP_E_MEMBERNOTFOUND) result = state->Invoke(id, DISPATCH_PROPERTYPUT, parameters, nullptr, exception);
+    if (FAILED(result)) throw ErrorFromHresult(result, &exception);
 }

@@ -31,13 +31,15 @@ private:
     friend Argument ByRef(bool&);
     friend Argument ByRef(Variant&);
     friend Argument ByRef(Object&);
-    Argument() noexcept;
-    void WriteBack();  // after a call that succeeded: what the callee left goes into the caller's variable
-    Variant passed_;   // what goes into DISPPARAMS
-    Variant holder_;   // the typed storage that a VT_BYREF points to; must not move in memory once `passed_` points at it
-    void* target_ = nullptr;
-    VARTYPE kind_ = VT_EMPTY;
-    // An implementer may hold the storage in a unique_ptr instead; only the constructors and ByRef are the interface.
+    struct Reference;
+    explicit Argument(std::unique_ptr<Reference> reference) noexcept;
+    // What goes into DISPPARAMS: owned by this argument for the time of the call.
+    VARIANT Passed() noexcept;
+    // After a call that succeeded: what the callee left goes into the caller's variable.
+    void WriteBack();
+
+    Variant value_;
+    std::unique_ptr<Reference> reference_;
 };
 
 // Passes a variable by reference, as VT_BYREF of the variable's own type. It must outlive the call; it is written when the

@@ -2,12 +2,114 @@
 
 #include <oleauto.h>
 
-#include <exception>
 #include <new>
 #include <utility>
 
 #include "automation/App.h"
 #include "automation/Variant.h"
+
+namespace {
+
+struct Standing {
+    long Number;
+    const wchar_t* Text;
+};
+
+constexpr Standing Texts[] = {
+    {ErrorNumber::InvalidProcedureCall, L"Invalid procedure call or argument"},
+    {ErrorNumber::Overflow, L"Overflow"},
+    {ErrorNumber::OutOfMemory, L"Out of memory"},
+    {ErrorNumber::SubscriptOutOfRange, L"Subscript out of range"},
+    {ErrorNumber::TypeMismatch, L"Type mismatch"},
+    {ErrorNumber::FileNotFound, L"File not found"},
+    {ErrorNumber::FileAlreadyOpen, L"File already open"},
+    {ErrorNumber::DeviceIOError, L"Device I/O error"},
+    {ErrorNumber::DiskFull, L"Disk full"},
+    {ErrorNumber::PermissionDenied, L"Permission denied"},
+    {ErrorNumber::PathFileAccessError, L"Path/File access error"},
+    {ErrorNumber::PathNotFound, L"Path not found"},
+    {ErrorNumber::ObjectNotSet, L"Object variable not set"},
+    {ErrorNumber::InvalidUseOfNull, L"Invalid use of Null"},
+    {ErrorNumber::InvalidPropertyValue, L"Invalid property value"},
+    {ErrorNumber::FormAlreadyShown, L"The window is shown already and cannot be shown modally"},
+    {ErrorNumber::ObjectRequired, L"Object required"},
+    {ErrorNumber::CannotCreateObject, L"The object cannot be created"},
+    {ErrorNumber::NoInterface, L"The class does not support automation"},
+    {ErrorNumber::NoSuchMember, L"The object does not support this property or method"},
+    {ErrorNumber::AutomationError, L"Automation error"},
+    {ErrorNumber::ArgumentNotOptional, L"An argument is missing that is not optional"},
+    {ErrorNumber::WrongArgumentCount, L"Wrong number of arguments"},
+    {ErrorNumber::NotACollection, L"The object is not a collection"},
+    {ErrorNumber::KeyInUse, L"The key belongs to another element of the collection"},
+    {ErrorNumber::ServerNotAvailable, L"The remote server is not available"},
+    {ErrorNumber::ClipboardNotOpened, L"The clipboard cannot be opened"},
+    {ErrorNumber::DialogCancelled, L"Cancel was selected"},
+    {ErrorNumber::IndexOutOfBounds, L"Index out of bounds"},
+    {ErrorNumber::ElementNotFound, L"Element not found"},
+    {ErrorNumber::KeyNotUnique, L"The key is not unique in the collection"},
+};
+
+struct Translated {
+    HRESULT Result;
+    long Number;
+};
+
+constexpr Translated Results[] = {
+    {DISP_E_MEMBERNOTFOUND, ErrorNumber::NoSuchMember},
+    {DISP_E_UNKNOWNNAME, ErrorNumber::NoSuchMember},
+    {DISP_E_TYPEMISMATCH, ErrorNumber::TypeMismatch},
+    {DISP_E_OVERFLOW, ErrorNumber::Overflow},
+    {DISP_E_BADPARAMCOUNT, ErrorNumber::WrongArgumentCount},
+    {DISP_E_PARAMNOTOPTIONAL, ErrorNumber::ArgumentNotOptional},
+    {DISP_E_BADINDEX, ErrorNumber::SubscriptOutOfRange},
+    {E_OUTOFMEMORY, ErrorNumber::OutOfMemory},
+    {E_NOINTERFACE, ErrorNumber::NoInterface},
+    {E_INVALIDARG, ErrorNumber::InvalidProcedureCall},
+    {E_ACCESSDENIED, ErrorNumber::PermissionDenied},
+    {HRESULT_FROM_WIN32(RPC_S_SERVER_UNAVAILABLE), ErrorNumber::ServerNotAvailable},
+    {RPC_E_DISCONNECTED, ErrorNumber::ServerNotAvailable},
+};
+
+std::wstring SystemText(DWORD code) {
+    wchar_t* text = nullptr;
+    const DWORD length = FormatMessageW(
+        FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, code, 0,
+        reinterpret_cast<wchar_t*>(&text), 0, nullptr);
+    std::wstring result = length > 0 ? std::wstring(text, length) : std::wstring();
+    LocalFree(text);
+    while (!result.empty() && (result.back() == L'\n' || result.back() == L'\r' || result.back() == L' ')) result.pop_back();
+    return result;
+}
+
+std::wstring Taken(BSTR& text) {
+    std::wstring result = TextOf(text);
+    SysFreeString(text);
+    text = nullptr;
+    return result;
+}
+
+long NumberOf(HRESULT result) noexcept {
+    // A number that a host raised, dressed as an HRESULT of its control facility.
+    if (HRESULT_FACILITY(result) == FACILITY_CONTROL && FAILED(result)) return HRESULT_CODE(result);
+    for (const Translated& known : Results) {
+        if (known.Result == result) return known.Number;
+    }
+    return result;
+}
+
+std::wstring DescriptionOf(long number, HRESULT result) {
+    for (const Standing& standing : Texts) {
+        if (standing.Number == number) return standing.Text;
+    }
+    std::wstring text = number > 0xFFFF || number < 0 ? SystemText(static_cast<DWORD>(result)) : std::wstring();
+    return text.empty() ? ErrorText(number) : text;
+}
+
+BSTR BstrOrNull(const std::wstring& text) noexcept {
+    return text.empty() ? nullptr : SysAllocStringLen(text.data(), static_cast<UINT>(text.size()));
+}
+
+}  // namespace
 
 HMODULE App::Module() noexcept {
     HMODULE module = nullptr;
@@ -16,60 +118,132 @@ HMODULE App::Module() noexcept {
     return module;
 }
 
-namespace {
-struct Known { long Number; const wchar_t* Text; };
-constexpr Known Texts[] = {
-    {ErrorNumber::InvalidProcedureCall, L"Invalid procedure call or argument"},
-    {ErrorNumber::Overflow, L"Overflow"},
-    {ErrorNumber::OutOfMemory, L"Out of memory"},
-    {ErrorNumber::SubscriptOutOfRange, L"Subscript out of range"},
-    {ErrorNumber::TypeMismatch, L"Type mismatch"},
-    {ErrorNumber::ObjectNotSet, L"Object variable or With block variable not set"},
-    {ErrorNumber::InvalidUseOfNull, L"Invalid use of Null"},
-    {ErrorNumber::NoSuchMember, L"Object doesn't support this property or method"},
-    {ErrorNumber::ElementNotFound, L"Element not found"},
-    {ErrorNumber::FormAlreadyShown, L"Form already displayed; can't show modally"},
-};
+std::wstring ErrorText(long number) {
+    for (const Standing& standing : Texts) {
+        if (standing.Number == number) return standing.Text;
+    }
+    return L"Application-defined or object-defined error";
 }
-std::wstring ErrorText(long n) { for (auto& k : Texts) if (k.Number == n) return k.Text; return L"Application-defined or object-defined error"; }
-void RaiseError(long n) { throw RuntimeError{n, App::Title, ErrorText(n), L"", 0, 0}; }
-void RaiseError(long n, std::wstring d) { throw RuntimeError{n, App::Title, std::move(d), L"", 0, 0}; }
-void RaiseError(long n, std::wstring s, std::wstring d) { throw RuntimeError{n, std::move(s), std::move(d), L"", 0, 0}; }
-void RaiseSystemError(long n, DWORD e) { throw RuntimeError{n, App::Title, ErrorText(n), L"", 0, static_cast<long>(e)}; }
+
+void RaiseError(long number) {
+    RaiseError(number, ErrorText(number));
+}
+
+void RaiseError(long number, std::wstring description) {
+    RaiseError(number, App::Title, std::move(description));
+}
+
+void RaiseError(long number, std::wstring source, std::wstring description) {
+    RuntimeError error;
+    error.Number = number;
+    error.Source = std::move(source);
+    error.Description = std::move(description);
+    throw error;
+}
+
+void RaiseSystemError(long number, DWORD lastError) {
+    RuntimeError error;
+    error.Number = number;
+    error.Source = App::Title;
+    error.Description = ErrorText(number);
+    error.LastDllError = static_cast<long>(lastError);
+    const std::wstring reason = SystemText(lastError);
+    if (!reason.empty()) error.Description += L": " + reason;
+    throw error;
+}
+
 RuntimeError CurrentError() noexcept {
-    try { throw; }
-    catch (const RuntimeError& e) { return e; }
-    catch (const std::bad_alloc&) { return RuntimeError{7, App::Title, ErrorText(7), L"", 0, 0}; }
-    catch (...) { return RuntimeError{440, App::Title, L"Automation error", L"", 0, 0}; }
-}
-RuntimeError ErrorFromHresult(HRESULT hr, EXCEPINFO* x) {
-    RuntimeError e;
-    HRESULT code = hr;
-    if (x && hr == DISP_E_EXCEPTION) {
-        if (x->pfnDeferredFillIn) x->pfnDeferredFillIn(x);
-        e.Source = TextOf(x->bstrSource); e.Description = TextOf(x->bstrDescription); e.HelpFile = TextOf(x->bstrHelpFile);
-        e.HelpContext = x->dwHelpContext;
-        SysFreeString(x->bstrSource); SysFreeString(x->bstrDescription); SysFreeString(x->bstrHelpFile);
-        code = x->wCode ? x->wCode : x->scode;
+    long number = ErrorNumber::AutomationError;
+    try {
+        try {
+            throw;
+        } catch (const RuntimeError& error) {
+            return error;
+        } catch (const std::bad_alloc&) {
+            number = ErrorNumber::OutOfMemory;
+        } catch (...) {
+        }
+        RuntimeError error;
+        error.Number = number;
+        error.Source = App::Title;
+        error.Description = ErrorText(number);
+        return error;
+    } catch (...) {
+        // No memory even for the texts: the number alone.
+        RuntimeError error;
+        error.Number = ErrorNumber::OutOfMemory;
+        return error;
     }
-    if ((code & 0xFFFF0000) == 0x800A0000) code &= 0xFFFF;
-    switch (code) {
-        case DISP_E_MEMBERNOTFOUND: case DISP_E_UNKNOWNNAME: e.Number = 438; break;
-        case DISP_E_TYPEMISMATCH: e.Number = 13; break;
-        case DISP_E_OVERFLOW: e.Number = 6; break;
-        case E_OUTOFMEMORY: e.Number = 7; break;
-        default: e.Number = code;
-    }
-    if (e.Source.empty()) e.Source = App::Title;
-    if (e.Description.empty()) e.Description = ErrorText(e.Number);
-    return e;
 }
-void CheckHresult(HRESULT hr) { if (FAILED(hr)) throw ErrorFromHresult(hr, nullptr); }
-HRESULT HresultFromError(const RuntimeError& e) noexcept { return e.Number > 0 && e.Number < 65536 ? static_cast<HRESULT>(0x800A0000 + e.Number) : e.Number; }
-HRESULT PublishError(const RuntimeError& e) noexcept { return HresultFromError(e); }
-HRESULT FillException(const RuntimeError& e, EXCEPINFO* x) noexcept {
-    if (!x) return PublishError(e);
-    *x = {}; x->scode = HresultFromError(e);
-    x->bstrSource = SysAllocString(e.Source.c_str()); x->bstrDescription = SysAllocString(e.Description.c_str());
+
+RuntimeError ErrorFromHresult(HRESULT hr, EXCEPINFO* exception) {
+    RuntimeError error;
+    HRESULT result = hr;
+    if (exception != nullptr) {
+        if (hr == DISP_E_EXCEPTION) {
+            // Some servers fill the details in only when they are asked for.
+            if (exception->pfnDeferredFillIn != nullptr) exception->pfnDeferredFillIn(exception);
+            error.HelpContext = static_cast<long>(exception->dwHelpContext);
+            // A server that raises an exception without saying which has failed all the same.
+            result = exception->wCode != 0 ? static_cast<HRESULT>(exception->wCode)
+                     : exception->scode != S_OK ? exception->scode
+                                                : DISP_E_EXCEPTION;
+        }
+        error.Source = Taken(exception->bstrSource);
+        error.Description = Taken(exception->bstrDescription);
+        error.HelpFile = Taken(exception->bstrHelpFile);
+    }
+    error.Number = NumberOf(result);
+    if (error.Source.empty()) error.Source = App::Title;
+    if (error.Description.empty()) error.Description = DescriptionOf(error.Number, result);
+    return error;
+}
+
+void CheckHresult(HRESULT hr) {
+    if (SUCCEEDED(hr)) return;
+    RuntimeError error = ErrorFromHresult(hr, nullptr);
+    IErrorInfo* info = nullptr;
+    if (GetErrorInfo(0, &info) == S_OK && info != nullptr) {
+        BSTR text = nullptr;
+        if (SUCCEEDED(info->GetSource(&text)) && SysStringLen(text) > 0) error.Source = TextOf(text);
+        SysFreeString(text);
+        text = nullptr;
+        if (SUCCEEDED(info->GetDescription(&text)) && SysStringLen(text) > 0) error.Description = TextOf(text);
+        SysFreeString(text);
+        info->Release();
+    }
+    throw error;
+}
+
+HRESULT HresultFromError(const RuntimeError& error) noexcept {
+    if (error.Number > 0 && error.Number <= 0xFFFF) return MAKE_HRESULT(SEVERITY_ERROR, FACILITY_CONTROL, error.Number);
+    return FAILED(static_cast<HRESULT>(error.Number)) ? static_cast<HRESULT>(error.Number) : E_FAIL;
+}
+
+HRESULT PublishError(const RuntimeError& error) noexcept {
+    ICreateErrorInfo* made = nullptr;
+    if (SUCCEEDED(CreateErrorInfo(&made))) {
+        made->SetSource(const_cast<LPOLESTR>(error.Source.c_str()));
+        made->SetDescription(const_cast<LPOLESTR>(error.Description.c_str()));
+        made->SetHelpFile(const_cast<LPOLESTR>(error.HelpFile.c_str()));
+        made->SetHelpContext(static_cast<DWORD>(error.HelpContext));
+        IErrorInfo* info = nullptr;
+        if (SUCCEEDED(made->QueryInterface(IID_IErrorInfo, reinterpret_cast<void**>(&info)))) {
+            SetErrorInfo(0, info);
+            info->Release();
+        }
+        made->Release();
+    }
+    return HresultFromError(error);
+}
+
+HRESULT FillException(const RuntimeError& error, EXCEPINFO* exception) noexcept {
+    if (exception == nullptr) return PublishError(error);
+    *exception = {};
+    exception->scode = HresultFromError(error);
+    exception->bstrSource = BstrOrNull(error.Source);
+    exception->bstrDescription = BstrOrNull(error.Description);
+    exception->bstrHelpFile = BstrOrNull(error.HelpFile);
+    exception->dwHelpContext = static_cast<DWORD>(error.HelpContext);
     return DISP_E_EXCEPTION;
 }

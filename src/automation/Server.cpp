@@ -1,49 +1,254 @@
 #include "automation/Server.h"
 
+#include <oleauto.h>
 #include <olectl.h>
+
+#include <new>
 #include <string>
+#include <vector>
 
 #include "automation/App.h"
-
-static LONG locks;
-ModuleLock::ModuleLock() noexcept { InterlockedIncrement(&locks); }
-ModuleLock::ModuleLock(const ModuleLock&) noexcept { InterlockedIncrement(&locks); }
-ModuleLock::~ModuleLock() { InterlockedDecrement(&locks); }
-bool Server::CanUnload() noexcept { return locks == 0; }
-struct Factory : IClassFactory { const ComClass* c; LONG r = 1;
- HRESULT STDMETHODCALLTYPE QueryInterface(REFIID i, void** o) override { if (i == IID_IUnknown || i == IID_IClassFactory) { *o = this; AddRef(); return S_OK; } *o = nullptr; return E_NOINTERFACE; }
- ULONG STDMETHODCALLTYPE AddRef() override { return ++r; } ULONG STDMETHODCALLTYPE Release() override { ULONG n = --r; if (!n) delete this; return n; }
- HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown* u, REFIID i, void** o) override { return u ? CLASS_E_NOAGGREGATION : c->Create(i, o); }
- HRESULT STDMETHODCALLTYPE LockServer(BOOL l) override { l ? InterlockedIncrement(&locks) : InterlockedDecrement(&locks); return S_OK; } };
-HRESULT Server::GetClassObject(const ComClass* cs, size_t n, REFCLSID id, REFIID iid, void** o) noexcept { *o = nullptr; for (size_t i = 0; i < n; i++) if (cs[i].Id == id) { auto* f = new Factory; f->c = &cs[i]; HRESULT h = f->QueryInterface(iid, o); f->Release(); return h; } return CLASS_E_CLASSNOTAVAILABLE; }
+#include "automation/RuntimeError.h"
 
 namespace {
-HRESULT Put(HKEY root, const std::wstring& path, const wchar_t* name, const std::wstring& value) {
+
+LONG alive = 0;
+
+class ClassFactory final : public IClassFactory {
+public:
+    explicit ClassFactory(const ComClass& made) : made_(made) {}
+
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {
+        if (object == nullptr) return E_POINTER;
+        *object = iid == IID_IUnknown || iid == IID_IClassFactory ? this : nullptr;
+        if (*object == nullptr) return E_NOINTERFACE;
+        AddRef();
+        return S_OK;
+    }
+    ULONG STDMETHODCALLTYPE AddRef() override { return static_cast<ULONG>(InterlockedIncrement(&references_)); }
+    ULONG STDMETHODCALLTYPE Release() override {
+        const LONG left = InterlockedDecrement(&references_);
+        if (left == 0) delete this;
+        return static_cast<ULONG>(left);
+    }
+    HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown* outer, REFIID iid, void** object) override {
+        if (object == nullptr) return E_POINTER;
+        *object = nullptr;
+        return outer != nullptr ? CLASS_E_NOAGGREGATION : made_.Create(iid, object);
+    }
+    HRESULT STDMETHODCALLTYPE LockServer(BOOL lock) override {
+        if (lock) {
+            InterlockedIncrement(&alive);
+        } else {
+            InterlockedDecrement(&alive);
+        }
+        return S_OK;
+    }
+
+private:
+    ~ClassFactory() = default;
+    const ComClass& made_;
+    LONG references_ = 1;
+    ModuleLock lock_;
+};
+
+// ---- registration
+
+std::wstring TextOfGuid(REFGUID guid) {
+    wchar_t text[40];
+    StringFromGUID2(guid, text, 40);
+    return text;
+}
+
+std::wstring ModulePath() {
+    std::wstring path(MAX_PATH, L'\0');
+    for (;;) {
+        const DWORD length = GetModuleFileNameW(App::Module(), path.data(), static_cast<DWORD>(path.size()));
+        if (length == 0) RaiseSystemError(ErrorNumber::PathNotFound, GetLastError());
+        if (length < path.size()) {
+            path.resize(length);
+            break;
+        }
+        path.resize(path.size() * 2);
+    }
+    // A host may have loaded the module by its short name, which need not last.
+    std::wstring whole(32768, L'\0');
+    const DWORD length = GetLongPathNameW(path.c_str(), whole.data(), static_cast<DWORD>(whole.size()));
+    if (length == 0 || length >= whole.size()) return path;
+    whole.resize(length);
+    return whole;
+}
+
+HKEY RootOf(Server::Scope scope) noexcept {
+    return scope == Server::Scope::User ? HKEY_CURRENT_USER : HKEY_LOCAL_MACHINE;
+}
+
+std::wstring ClassesKey(const std::wstring& below) {
+    return L"Software\\Classes\\" + below;
+}
+
+// Thrown by the registration's own steps.
+struct Refused {
+    LSTATUS Status;
+};
+
+void Write(HKEY root, const std::wstring& path, const wchar_t* name, const std::wstring& value) {
     HKEY key = nullptr;
-    LSTATUS st = RegCreateKeyExW(root, path.c_str(), 0, nullptr, 0, KEY_SET_VALUE, nullptr, &key, nullptr);
-    if (st == ERROR_SUCCESS) {
-        st = RegSetValueExW(key, name, 0, REG_SZ, (const BYTE*)value.c_str(), (value.size() + 1) * 2);
+    LSTATUS status = RegCreateKeyExW(root, path.c_str(), 0, nullptr, 0, KEY_SET_VALUE, nullptr, &key, nullptr);
+    if (status == ERROR_SUCCESS) {
+        status = RegSetValueExW(key, name, 0, REG_SZ, reinterpret_cast<const BYTE*>(value.c_str()),
+                                static_cast<DWORD>((value.size() + 1) * sizeof(wchar_t)));
         RegCloseKey(key);
     }
-    return HRESULT_FROM_WIN32(st);
+    if (status != ERROR_SUCCESS) throw Refused{status};
 }
-std::wstring Guid(REFGUID g) { wchar_t t[64]; StringFromGUID2(g, t, 64); return t; }
+
+LSTATUS Remove(HKEY root, const std::wstring& path) noexcept {
+    LSTATUS status = RegDeleteTreeW(root, path.c_str());
+    // Under Wine the tree goes and the key itself stays.
+    if (status == ERROR_SUCCESS) status = RegDeleteKeyW(root, path.c_str());
+    return status == ERROR_FILE_NOT_FOUND || status == ERROR_PATH_NOT_FOUND ? ERROR_SUCCESS : status;
 }
-HRESULT Server::Register(const ComClass* cs, size_t n, Scope scope, bool lib) noexcept {
-    HKEY root = scope == Scope::User ? HKEY_CURRENT_USER : HKEY_LOCAL_MACHINE;
-    wchar_t path[2048]; GetModuleFileNameW(App::Module(), path, 2048);
-    for (size_t i = 0; i < n; i++) {
-        std::wstring c = L"Software\\Classes\\CLSID\\" + Guid(cs[i].Id), p = std::wstring(L"Software\\Classes\\") + cs[i].ProgId;
-        HRESULT h;
-        if (FAILED(h = Put(root, p, nullptr, cs[i].Description)) || FAILED(h = Put(root, p + L"\\CLSID", nullptr, Guid(cs[i].Id))) ||
-            FAILED(h = Put(root, c, nullptr, cs[i].Description)) || FAILED(h = Put(root, c + L"\\InprocServer32", nullptr, path)) ||
-            FAILED(h = Put(root, c + L"\\InprocServer32", L"ThreadingModel", L"Apartment")) || FAILED(h = Put(root, c + L"\\ProgID", nullptr, cs[i].ProgId))) return h;
+
+std::wstring VersionedProgId(const ComClass& registered) {
+    return std::wstring(registered.ProgId) + L".1";
+}
+
+void WriteClass(HKEY root, const ComClass& registered, const std::wstring& path) {
+    const std::wstring id = TextOfGuid(registered.Id);
+    const std::wstring versioned = VersionedProgId(registered);
+    Write(root, ClassesKey(registered.ProgId), nullptr, registered.Description);
+    Write(root, ClassesKey(std::wstring(registered.ProgId) + L"\\CLSID"), nullptr, id);
+    Write(root, ClassesKey(std::wstring(registered.ProgId) + L"\\CurVer"), nullptr, versioned);
+    Write(root, ClassesKey(versioned), nullptr, registered.Description);
+    Write(root, ClassesKey(versioned + L"\\CLSID"), nullptr, id);
+    const std::wstring key = ClassesKey(L"CLSID\\" + id);
+    Write(root, key, nullptr, registered.Description);
+    Write(root, key + L"\\InprocServer32", nullptr, path);
+    Write(root, key + L"\\InprocServer32", L"ThreadingModel", L"Apartment");
+    Write(root, key + L"\\ProgID", nullptr, versioned);
+    Write(root, key + L"\\VersionIndependentProgID", nullptr, registered.ProgId);
+    Write(root, key + L"\\Programmable", nullptr, L"");
+    if (registered.TypeLibrary != nullptr) Write(root, key + L"\\TypeLib", nullptr, TextOfGuid(*registered.TypeLibrary));
+}
+
+LSTATUS RemoveClass(HKEY root, const ComClass& registered) {
+    LSTATUS first = ERROR_SUCCESS;
+    for (const std::wstring& key : {std::wstring(registered.ProgId), VersionedProgId(registered),
+                                    L"CLSID\\" + TextOfGuid(registered.Id)}) {
+        const LSTATUS status = Remove(root, ClassesKey(key));
+        if (first == ERROR_SUCCESS) first = status;
     }
-    (void)lib;
-    return S_OK;
+    return first;
 }
-HRESULT Server::Unregister(const ComClass* cs, size_t n, Scope scope, bool) noexcept {
-    HKEY root = scope == Scope::User ? HKEY_CURRENT_USER : HKEY_LOCAL_MACHINE;
-    for (size_t i = 0; i < n; i++) { RegDeleteTreeW(root, (L"Software\\Classes\\CLSID\\" + Guid(cs[i].Id)).c_str()); RegDeleteTreeW(root, (std::wstring(L"Software\\Classes\\") + cs[i].ProgId).c_str()); }
-    return S_OK;
+
+// Per user the two functions are looked up: they came with Windows Vista and not every import library has them.
+template <class Function>
+Function LibraryFunction(const char* name) noexcept {
+    return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"oleaut32.dll"), name)));
+}
+
+HRESULT RegisterLibrary(const std::wstring& path, Server::Scope scope) noexcept {
+    ITypeLib* library = nullptr;
+    HRESULT result = LoadTypeLibEx(path.c_str(), REGKIND_NONE, &library);
+    if (FAILED(result)) return result;
+    auto* writable = const_cast<OLECHAR*>(path.c_str());
+    if (scope == Server::Scope::Machine) {
+        result = RegisterTypeLib(library, writable, nullptr);
+    } else {
+        using Register = HRESULT(STDAPICALLTYPE*)(ITypeLib*, OLECHAR*, OLECHAR*);
+        const auto function = LibraryFunction<Register>("RegisterTypeLibForUser");
+        result = function != nullptr ? function(library, writable, nullptr) : E_NOTIMPL;
+    }
+    library->Release();
+    return result;
+}
+
+HRESULT UnregisterLibrary(const std::wstring& path, Server::Scope scope) noexcept {
+    ITypeLib* library = nullptr;
+    HRESULT result = LoadTypeLibEx(path.c_str(), REGKIND_NONE, &library);
+    if (FAILED(result)) return result;
+    TLIBATTR* attributes = nullptr;
+    result = library->GetLibAttr(&attributes);
+    if (SUCCEEDED(result)) {
+        using Unregister = HRESULT(STDAPICALLTYPE*)(REFGUID, WORD, WORD, LCID, SYSKIND);
+        const auto function =
+            scope == Server::Scope::Machine ? &UnRegisterTypeLib : LibraryFunction<Unregister>("UnRegisterTypeLibForUser");
+        result = function != nullptr ? function(attributes->guid, attributes->wMajorVerNum, attributes->wMinorVerNum,
+                                                attributes->lcid, attributes->syskind)
+                                     : E_NOTIMPL;
+        library->ReleaseTLibAttr(attributes);
+    }
+    library->Release();
+    // One that is not registered is as good as removed.
+    return result == TYPE_E_REGISTRYACCESS || result == TYPE_E_LIBNOTREGISTERED ||
+                   result == HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND)
+               ? S_OK
+               : result;
+}
+
+}  // namespace
+
+// ---- what is alive
+
+ModuleLock::ModuleLock() noexcept {
+    InterlockedIncrement(&alive);
+}
+
+ModuleLock::ModuleLock(const ModuleLock&) noexcept {
+    InterlockedIncrement(&alive);
+}
+
+ModuleLock::~ModuleLock() {
+    InterlockedDecrement(&alive);
+}
+
+bool Server::CanUnload() noexcept {
+    return InterlockedCompareExchange(&alive, 0, 0) == 0;
+}
+
+HRESULT Server::GetClassObject(const ComClass* classes, size_t count, REFCLSID id, REFIID iid, void** object) noexcept {
+    if (object == nullptr) return E_POINTER;
+    *object = nullptr;
+    for (size_t at = 0; at < count; ++at) {
+        if (classes[at].Id != id) continue;
+        auto* factory = new (std::nothrow) ClassFactory(classes[at]);
+        if (factory == nullptr) return E_OUTOFMEMORY;
+        const HRESULT result = factory->QueryInterface(iid, object);
+        factory->Release();
+        return result;
+    }
+    return CLASS_E_CLASSNOTAVAILABLE;
+}
+
+HRESULT Server::Register(const ComClass* classes, size_t count, Scope scope, bool typeLibrary) noexcept {
+    HRESULT result = S_OK;
+    try {
+        const std::wstring path = ModulePath();
+        for (size_t at = 0; at < count; ++at) WriteClass(RootOf(scope), classes[at], path);
+        if (typeLibrary) result = RegisterLibrary(path, scope);
+        if (FAILED(result) && result != E_OUTOFMEMORY && result != E_ACCESSDENIED) result = SELFREG_E_TYPELIB;
+    } catch (const Refused& refused) {
+        result = HRESULT_FROM_WIN32(refused.Status);
+    } catch (...) {
+        result = SELFREG_E_CLASS;
+    }
+    // A class that is registered by half would be found and not be made.
+    if (FAILED(result)) Unregister(classes, count, scope, false);
+    return result;
+}
+
+HRESULT Server::Unregister(const ComClass* classes, size_t count, Scope scope, bool typeLibrary) noexcept {
+    try {
+        LSTATUS first = ERROR_SUCCESS;
+        for (size_t at = 0; at < count; ++at) {
+            const LSTATUS status = RemoveClass(RootOf(scope), classes[at]);
+            if (first == ERROR_SUCCESS) first = status;
+        }
+        HRESULT result = typeLibrary ? UnregisterLibrary(ModulePath(), scope) : S_OK;
+        if (FAILED(result)) result = SELFREG_E_TYPELIB;
+        return first == ERROR_SUCCESS ? result : HRESULT_FROM_WIN32(first);
+    } catch (...) {
+        return SELFREG_E_CLASS;
+    }
 }

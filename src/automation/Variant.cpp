@@ -1,46 +1,296 @@
 #include "automation/Variant.h"
+
 #include <cstring>
 #include <new>
+
 #include "automation/Object.h"
 #include "automation/RuntimeError.h"
-BSTR NewBstr(std::wstring_view t) { BSTR b = SysAllocStringLen(t.data(), t.size()); if (!b) throw std::bad_alloc(); return b; }
-std::wstring TextOf(BSTR t) { return t ? std::wstring(t, SysStringLen(t)) : std::wstring(); }
-Variant::Variant() noexcept { VariantInit(this); }
-Variant::Variant(const Variant& o) { VariantInit(this); CheckHresult(VariantCopy(this, const_cast<Variant*>(&o))); }
-Variant::Variant(Variant&& o) noexcept { memcpy(static_cast<VARIANT*>(this), static_cast<VARIANT*>(&o), sizeof(VARIANT)); o.vt = VT_EMPTY; }
-Variant& Variant::operator=(const Variant& o) { if (this != &o) CheckHresult(VariantCopy(this, const_cast<Variant*>(&o))); return *this; }
-Variant& Variant::operator=(Variant&& o) noexcept { if (this != &o) { VariantClear(this); memcpy(static_cast<VARIANT*>(this), static_cast<VARIANT*>(&o), sizeof(VARIANT)); o.vt = VT_EMPTY; } return *this; }
-Variant::~Variant() { VariantClear(this); }
-Variant::Variant(std::wstring_view t) { VariantInit(this); bstrVal = NewBstr(t); vt = VT_BSTR; }
-Variant::Variant(const std::wstring& t) : Variant(std::wstring_view(t)) {}
-Variant::Variant(const wchar_t* t) : Variant(std::wstring_view(t)) {}
-Variant::Variant(bool v) noexcept { VariantInit(this); vt = VT_BOOL; boolVal = v ? VARIANT_TRUE : VARIANT_FALSE; }
-Variant::Variant(short v) noexcept { VariantInit(this); vt = VT_I2; iVal = v; }
-Variant::Variant(long v) noexcept { VariantInit(this); vt = VT_I4; lVal = v; }
-Variant::Variant(int v) noexcept { VariantInit(this); vt = VT_I4; lVal = v; }
-Variant::Variant(double v) noexcept { VariantInit(this); vt = VT_R8; dblVal = v; }
-Variant::Variant(const Object& o) noexcept : Variant(o.Dispatch()) {}
-Variant::Variant(IDispatch* o) noexcept { VariantInit(this); vt = VT_DISPATCH; pdispVal = o; if (o) o->AddRef(); }
-Variant::Variant(const VARIANT& o) { VariantInit(this); CheckHresult(VariantCopyInd(this, const_cast<VARIANT*>(&o))); }
-Variant Variant::Missing() noexcept { Variant v; v.vt = VT_ERROR; v.scode = DISP_E_PARAMNOTFOUND; return v; }
-Variant Variant::Null() noexcept { Variant v; v.vt = VT_NULL; return v; }
-Variant Variant::Nothing() noexcept { return Variant(static_cast<IDispatch*>(nullptr)); }
-bool Variant::IsEmpty() const noexcept { return vt == VT_EMPTY; }
-bool Variant::IsNull() const noexcept { return vt == VT_NULL; }
-bool Variant::IsMissing() const noexcept { return vt == VT_ERROR && scode == DISP_E_PARAMNOTFOUND; }
-bool Variant::IsObject() const noexcept { return vt == VT_DISPATCH || vt == VT_UNKNOWN; }
-bool Variant::IsNothing() const noexcept { return IsObject() && !punkVal; }
-bool Variant::IsArray() const noexcept { return vt & VT_ARRAY; }
-Variant Variant::ChangedTo(VARTYPE t) const { if (IsNull()) RaiseError(94); Variant r; CheckHresult(VariantChangeTypeEx(&r, const_cast<Variant*>(this), LOCALE_USER_DEFAULT, VARIANT_ALPHABOOL, t)); return r; }
-std::wstring Variant::ToText() const { return TextOf(ChangedTo(VT_BSTR).bstrVal); }
-long Variant::ToLong() const { return ChangedTo(VT_I4).lVal; }
-bool Variant::ToBoolean() const { return ChangedTo(VT_BOOL).boolVal != 0; }
-double Variant::ToDouble() const { return ChangedTo(VT_R8).dblVal; }
-Object Variant::ToObject() const { if (vt == VT_DISPATCH) return Object(pdispVal); if (vt == VT_UNKNOWN) { if (!punkVal) return Object(); IDispatch* d = nullptr; if (FAILED(punkVal->QueryInterface(IID_IDispatch, (void**)&d))) RaiseError(430); return Object::Attach(d);} RaiseError(vt == VT_EMPTY || vt == VT_NULL ? 13 : 424); }
-std::vector<Variant> Variant::ToArray() const { std::vector<Variant> r; if (vt != (VT_ARRAY|VT_VARIANT)) RaiseError(13); long l,u; SafeArrayGetLBound(parray,1,&l); SafeArrayGetUBound(parray,1,&u); for (long i=l;i<=u;i++){ Variant v; SafeArrayGetElement(parray,&i,&v); r.push_back(v);} return r; }
-VARIANT* Variant::Receive() noexcept { VariantClear(this); return this; }
 
-short Variant::ToInteger() const { return ChangedTo(VT_I2).iVal; }
-bool Variant::IsNumeric() const noexcept { if (vt == VT_NULL || vt == VT_DATE || IsObject() || IsArray() || vt == VT_ERROR) return false; VARIANT r; VariantInit(&r); return SUCCEEDED(VariantChangeType(&r, const_cast<Variant*>(this), 0, VT_R8)); }
-Variant Variant::Attach(VARIANT& o) noexcept { Variant v; memcpy(static_cast<VARIANT*>(&v), &o, sizeof o); o.vt = VT_EMPTY; return v; }
-Variant Variant::ArrayOf(const std::vector<Variant>& items, long lb) { SAFEARRAYBOUND b{(ULONG)items.size(), lb}; SAFEARRAY* s = SafeArrayCreate(VT_VARIANT, 1, &b); if (!s) throw std::bad_alloc(); for (size_t i = 0; i < items.size(); i++) { LONG at = lb + (LONG)i; SafeArrayPutElement(s, &at, const_cast<Variant*>(&items[i])); } Variant v; v.vt = VT_ARRAY | VT_VARIANT; v.parray = s; return v; }
+namespace {
+
+// The contents of a VARIANT are moved by copying its bytes: no kind of value points into itself.
+void MoveBytes(VARIANT& to, VARIANT& from) noexcept {
+    std::memcpy(&to, &from, sizeof(VARIANT));
+    from.vt = VT_EMPTY;
+}
+
+// The C headers take pointers to what they only read without const.
+VARIANT* Mutable(const VARIANT* value) noexcept {
+    return const_cast<VARIANT*>(value);
+}
+
+}  // namespace
+
+BSTR NewBstr(std::wstring_view text) {
+    const BSTR made = SysAllocStringLen(text.data(), static_cast<UINT>(text.size()));
+    if (made == nullptr) throw std::bad_alloc();
+    return made;
+}
+
+std::wstring TextOf(BSTR text) {
+    return text != nullptr ? std::wstring(text, SysStringLen(text)) : std::wstring();
+}
+
+Variant::Variant() noexcept {
+    VariantInit(this);
+}
+
+Variant::Variant(const Variant& other) : VARIANT() {
+    VariantInit(this);
+    CheckHresult(VariantCopy(this, Mutable(&other)));
+}
+
+Variant::Variant(Variant&& other) noexcept : VARIANT() {
+    MoveBytes(*this, other);
+}
+
+Variant& Variant::operator=(const Variant& other) {
+    if (this != &other) {
+        Variant copy(other);
+        *this = std::move(copy);
+    }
+    return *this;
+}
+
+Variant& Variant::operator=(Variant&& other) noexcept {
+    if (this != &other) {
+        // What is let go of may come back to this variable: it holds the new value by then.
+        VARIANT old;
+        MoveBytes(old, *this);
+        MoveBytes(*this, other);
+        VariantClear(&old);
+    }
+    return *this;
+}
+
+Variant::~Variant() {
+    VariantClear(this);
+}
+
+Variant::Variant(std::wstring_view text) {
+    VariantInit(this);
+    bstrVal = NewBstr(text);
+    vt = VT_BSTR;
+}
+
+Variant::Variant(const std::wstring& text) : Variant(std::wstring_view(text)) {}
+
+Variant::Variant(const wchar_t* text) : Variant(std::wstring_view(text)) {}
+
+Variant::Variant(bool value) noexcept {
+    VariantInit(this);
+    vt = VT_BOOL;
+    boolVal = value ? VARIANT_TRUE : VARIANT_FALSE;
+}
+
+Variant::Variant(short value) noexcept {
+    VariantInit(this);
+    vt = VT_I2;
+    iVal = value;
+}
+
+Variant::Variant(long value) noexcept {
+    VariantInit(this);
+    vt = VT_I4;
+    lVal = value;
+}
+
+Variant::Variant(int value) noexcept : Variant(static_cast<long>(value)) {}
+
+Variant::Variant(double value) noexcept {
+    VariantInit(this);
+    vt = VT_R8;
+    dblVal = value;
+}
+
+Variant::Variant(const Object& object) noexcept : Variant(object.Dispatch()) {}
+
+Variant::Variant(IDispatch* object) noexcept {
+    VariantInit(this);
+    vt = VT_DISPATCH;
+    pdispVal = object;
+    if (object != nullptr) object->AddRef();
+}
+
+Variant::Variant(const VARIANT& other) : VARIANT() {
+    VariantInit(this);
+    CheckHresult(VariantCopyInd(this, Mutable(&other)));
+    // A variant by reference may hold another one.
+    while ((vt & VT_BYREF) != 0) {
+        VARIANT inner;
+        VariantInit(&inner);
+        CheckHresult(VariantCopyInd(&inner, this));
+        VariantClear(this);
+        MoveBytes(*this, inner);
+    }
+}
+
+Variant Variant::Missing() noexcept {
+    Variant made;
+    made.vt = VT_ERROR;
+    made.scode = DISP_E_PARAMNOTFOUND;
+    return made;
+}
+
+Variant Variant::Null() noexcept {
+    Variant made;
+    made.vt = VT_NULL;
+    return made;
+}
+
+Variant Variant::Nothing() noexcept {
+    return Variant(static_cast<IDispatch*>(nullptr));
+}
+
+Variant Variant::Attach(VARIANT& other) noexcept {
+    Variant made;
+    MoveBytes(made, other);
+    return made;
+}
+
+Variant Variant::ArrayOf(const std::vector<Variant>& items, long lowerBound) {
+    SAFEARRAYBOUND bound{static_cast<ULONG>(items.size()), lowerBound};
+    Variant made;
+    made.parray = SafeArrayCreate(VT_VARIANT, 1, &bound);
+    if (made.parray == nullptr) throw std::bad_alloc();
+    made.vt = VT_ARRAY | VT_VARIANT;
+    LONG at = lowerBound;
+    for (const Variant& item : items) {
+        CheckHresult(SafeArrayPutElement(made.parray, &at, Mutable(&item)));
+        ++at;
+    }
+    return made;
+}
+
+bool Variant::IsEmpty() const noexcept {
+    return vt == VT_EMPTY;
+}
+
+bool Variant::IsNull() const noexcept {
+    return vt == VT_NULL;
+}
+
+bool Variant::IsMissing() const noexcept {
+    return vt == VT_ERROR && scode == DISP_E_PARAMNOTFOUND;
+}
+
+bool Variant::IsObject() const noexcept {
+    return vt == VT_DISPATCH || vt == VT_UNKNOWN;
+}
+
+bool Variant::IsNothing() const noexcept {
+    return IsObject() && punkVal == nullptr;
+}
+
+bool Variant::IsArray() const noexcept {
+    return (vt & VT_ARRAY) != 0;
+}
+
+bool Variant::IsNumeric() const noexcept {
+    switch (vt) {
+        case VT_EMPTY:
+        case VT_I1:
+        case VT_I2:
+        case VT_I4:
+        case VT_I8:
+        case VT_INT:
+        case VT_UI1:
+        case VT_UI2:
+        case VT_UI4:
+        case VT_UI8:
+        case VT_UINT:
+        case VT_R4:
+        case VT_R8:
+        case VT_CY:
+        case VT_DECIMAL:
+        case VT_BOOL:
+            return true;
+        case VT_BSTR: {
+            double number = 0;
+            return SUCCEEDED(VarR8FromStr(bstrVal != nullptr ? bstrVal : const_cast<OLECHAR*>(L""), LOCALE_USER_DEFAULT, 0,
+                                          &number));
+        }
+        default:
+            return false;
+    }
+}
+
+Variant Variant::ChangedTo(VARTYPE type) const {
+    if (IsNull()) RaiseError(ErrorNumber::InvalidUseOfNull);
+    if (IsNothing()) RaiseError(ErrorNumber::ObjectNotSet);
+    if (IsArray() || IsMissing()) RaiseError(ErrorNumber::TypeMismatch);
+    Variant changed;
+    // Booleans read as words, as the hosts' own conversion writes them.
+    CheckHresult(VariantChangeTypeEx(&changed, Mutable(this), LOCALE_USER_DEFAULT, VARIANT_ALPHABOOL, type));
+    return changed;
+}
+
+std::wstring Variant::ToText() const {
+    return vt == VT_BSTR ? TextOf(bstrVal) : TextOf(ChangedTo(VT_BSTR).bstrVal);
+}
+
+long Variant::ToLong() const {
+    return vt == VT_I4 ? lVal : ChangedTo(VT_I4).lVal;
+}
+
+short Variant::ToInteger() const {
+    return ChangedTo(VT_I2).iVal;
+}
+
+bool Variant::ToBoolean() const {
+    return ChangedTo(VT_BOOL).boolVal != VARIANT_FALSE;
+}
+
+double Variant::ToDouble() const {
+    return ChangedTo(VT_R8).dblVal;
+}
+
+Object Variant::ToObject() const {
+    switch (vt) {
+        case VT_DISPATCH:
+            return Object(pdispVal);
+        case VT_UNKNOWN: {
+            if (punkVal == nullptr) return Object();
+            IDispatch* dispatch = nullptr;
+            if (FAILED(punkVal->QueryInterface(IID_IDispatch, reinterpret_cast<void**>(&dispatch))) || dispatch == nullptr) {
+                RaiseError(ErrorNumber::NoInterface);
+            }
+            return Object::Attach(dispatch);
+        }
+        case VT_EMPTY:
+        case VT_NULL:
+            RaiseError(ErrorNumber::TypeMismatch);
+        default:
+            RaiseError(ErrorNumber::ObjectRequired);
+    }
+}
+
+std::vector<Variant> Variant::ToArray() const {
+    if (!IsArray() || parray == nullptr || SafeArrayGetDim(parray) != 1) RaiseError(ErrorNumber::TypeMismatch);
+    LONG lower = 0;
+    LONG upper = -1;
+    CheckHresult(SafeArrayGetLBound(parray, 1, &lower));
+    CheckHresult(SafeArrayGetUBound(parray, 1, &upper));
+    const auto type = static_cast<VARTYPE>(vt & VT_TYPEMASK);
+    std::vector<Variant> items;
+    if (upper >= lower) items.reserve(static_cast<size_t>(upper - lower) + 1);
+    for (LONG at = lower; at <= upper; ++at) {
+        Variant item;
+        if (type == VT_VARIANT) {
+            CheckHresult(SafeArrayGetElement(parray, &at, &item));
+        } else if (type == VT_DECIMAL) {
+            CheckHresult(SafeArrayGetElement(parray, &at, &item.decVal));
+            item.vt = VT_DECIMAL;  // the decimal lies over the type
+        } else {
+            CheckHresult(SafeArrayGetElement(parray, &at, &item.byref));
+            item.vt = type;
+        }
+        items.push_back((item.vt & VT_BYREF) != 0 ? Variant(static_cast<const VARIANT&>(item)) : std::move(item));
+    }
+    return items;
+}
+
+VARIANT* Variant::Receive() noexcept {
+    VariantClear(this);
+    return this;
+}
