@@ -8,9 +8,10 @@ namespace {
 
 // The order in which types are offered.
 const SQLSMALLINT usualTypes[] = {
-    SQL_INTEGER, SQL_WVARCHAR, SQL_VARCHAR, SQL_DECIMAL, SQL_NUMERIC, SQL_TYPE_DATE, SQL_TYPE_TIMESTAMP, SQL_TYPE_TIME,
-    SQL_BIT, SQL_BIGINT, SQL_SMALLINT, SQL_TINYINT, SQL_DOUBLE, SQL_FLOAT, SQL_REAL, SQL_WLONGVARCHAR, SQL_LONGVARCHAR,
-    SQL_WCHAR, SQL_CHAR, SQL_VARBINARY, SQL_LONGVARBINARY, SQL_BINARY, SQL_GUID,
+    SQL_INTEGER,        SQL_WVARCHAR,  SQL_VARCHAR,       SQL_DECIMAL,      SQL_NUMERIC,     SQL_TYPE_DATE,
+    SQL_TYPE_TIMESTAMP, SQL_TYPE_TIME, SQL_BIT,           SQL_BIGINT,       SQL_SMALLINT,    SQL_TINYINT,
+    SQL_DOUBLE,         SQL_FLOAT,     SQL_REAL,          SQL_WLONGVARCHAR, SQL_LONGVARCHAR, SQL_WCHAR,
+    SQL_CHAR,           SQL_VARBINARY, SQL_LONGVARBINARY, SQL_BINARY,       SQL_GUID,
 };
 
 size_t Rank(SQLSMALLINT type) {
@@ -19,11 +20,16 @@ size_t Rank(SQLSMALLINT type) {
 
 std::wstring UsualSize(SQLSMALLINT type) {
     switch (type) {
-        case SQL_DECIMAL: case SQL_NUMERIC:
+        case SQL_DECIMAL:
+        case SQL_NUMERIC:
             return L"10,2";
-        case SQL_CHAR: case SQL_WCHAR:
+        case SQL_CHAR:
+        case SQL_WCHAR:
             return L"10";
-        case SQL_VARCHAR: case SQL_WVARCHAR: case SQL_VARBINARY: case SQL_BINARY:
+        case SQL_VARCHAR:
+        case SQL_WVARCHAR:
+        case SQL_VARBINARY:
+        case SQL_BINARY:
             return L"50";
         default:
             return {};
@@ -55,7 +61,8 @@ bool IsBlank(const std::wstring& text) { return text.find_first_not_of(L" \t") =
 // Some types have their size in the middle: "char() for bit data", "numeric() identity".
 std::wstring TypeWithSize(const NewColumn& column) {
     const size_t brackets = column.Type.find(L"()");
-    if (column.Size.empty()) return brackets == std::wstring::npos ? column.Type : std::wstring(column.Type).erase(brackets, 2);
+    if (column.Size.empty())
+        return brackets == std::wstring::npos ? column.Type : std::wstring(column.Type).erase(brackets, 2);
     if (brackets == std::wstring::npos) return column.Type + L"(" + column.Size + L")";
     return std::wstring(column.Type).insert(brackets + 1, column.Size);
 }
@@ -63,10 +70,10 @@ std::wstring TypeWithSize(const NewColumn& column) {
 }  // namespace
 
 std::vector<TypeChoice> StandardTypes() {
-    return {{L"INTEGER", SQL_INTEGER, false, {}},         {L"VARCHAR", SQL_VARCHAR, true, L"50"},
-            {L"DECIMAL", SQL_DECIMAL, true, L"10,2"},     {L"DATE", SQL_TYPE_DATE, false, {}},
+    return {{L"INTEGER", SQL_INTEGER, false, {}},          {L"VARCHAR", SQL_VARCHAR, true, L"50"},
+            {L"DECIMAL", SQL_DECIMAL, true, L"10,2"},      {L"DATE", SQL_TYPE_DATE, false, {}},
             {L"TIMESTAMP", SQL_TYPE_TIMESTAMP, false, {}}, {L"SMALLINT", SQL_SMALLINT, false, {}},
-            {L"DOUBLE PRECISION", SQL_DOUBLE, false, {}}, {L"CHAR", SQL_CHAR, true, L"10"}};
+            {L"DOUBLE PRECISION", SQL_DOUBLE, false, {}},  {L"CHAR", SQL_CHAR, true, L"10"}};
 }
 
 std::vector<TypeChoice> ReadTypes(Odbc::Connection& connection) {
@@ -86,7 +93,8 @@ std::vector<TypeChoice> ReadTypes(Odbc::Connection& connection) {
         if (error.ConnectionLost()) throw;
         types.clear();
     }
-    std::stable_sort(types.begin(), types.end(), [](const TypeChoice& a, const TypeChoice& b) { return Rank(a.Code) < Rank(b.Code); });
+    std::stable_sort(types.begin(), types.end(),
+                     [](const TypeChoice& a, const TypeChoice& b) { return Rank(a.Code) < Rank(b.Code); });
     // A driver lists a type once for each code that it stands for.
     std::set<std::wstring> seen;
     std::erase_if(types, [&](const TypeChoice& type) { return !seen.insert(Capitals(type.Name)).second; });
@@ -101,8 +109,10 @@ std::wstring Problem(const NewTable& table) {
         const NewColumn& column = table.Columns[i];
         if (IsBlank(column.Name)) return L"Column " + std::to_wstring(i + 1) + L" needs a name.";
         if (IsBlank(column.Type)) return L"The column " + column.Name + L" needs a type.";
-        if (!column.Size.empty() && !IsSize(column.Size)) return L"The size of " + column.Name + L" must be a number such as 40, or two such as 10,2.";
-        if (!names.insert(Capitals(column.Name)).second) return L"There are two columns of the name " + column.Name + L".";
+        if (!column.Size.empty() && !IsSize(column.Size))
+            return L"The size of " + column.Name + L" must be a number such as 40, or two such as 10,2.";
+        if (!names.insert(Capitals(column.Name)).second)
+            return L"There are two columns of the name " + column.Name + L".";
     }
     return {};
 }

@@ -10,8 +10,8 @@
 struct TypeChoice {
     std::wstring Name;
     SQLSMALLINT Code = SQL_UNKNOWN_TYPE;
-    bool TakesSize = false;     // a length, or precision and scale
-    std::wstring UsualSize;     // what to begin with; empty when it takes none
+    bool TakesSize = false;  // a length, or precision and scale
+    std::wstring UsualSize;  // what to begin with; empty when it takes none
 };
 
 // A column of a table that is being designed.
@@ -35,5 +35,6 @@ std::vector<TypeChoice> StandardTypes();
 // What keeps the table from being created, as a sentence for the user; empty when nothing does.
 std::wstring Problem(const NewTable& table);
 
-// The statement, one column on a line, without a semicolon. Lines end with CR LF. Columns of the primary key are not null.
+// The statement, one column on a line, without a semicolon. Lines end with CR LF. Columns of the primary key are not
+// null.
 std::wstring CreateTableStatement(const IdentifierRules& rules, const NewTable& table);

@@ -43,8 +43,8 @@ private:
 class MonitorDpi {
 public:
     MonitorDpi() {
-        set_ = reinterpret_cast<Set>(reinterpret_cast<void*>(
-            GetProcAddress(GetModuleHandleW(L"user32.dll"), "SetThreadDpiAwarenessContext")));
+        set_ = reinterpret_cast<Set>(
+            reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"user32.dll"), "SetThreadDpiAwarenessContext")));
         if (set_) before_ = set_(DPI_AWARENESS_CONTEXT_PER_MONITOR_AWARE_V2);
     }
     ~MonitorDpi() {
@@ -61,8 +61,10 @@ private:
 
 class CreateTableDialog {
 public:
-    CreateTableDialog(const IdentifierRules& rules, std::vector<TypeChoice> types) : rules_(rules), types_(std::move(types)) {
-        const auto whole = std::find_if(types_.begin(), types_.end(), [](const TypeChoice& t) { return t.Code == SQL_INTEGER; });
+    CreateTableDialog(const IdentifierRules& rules, std::vector<TypeChoice> types)
+        : rules_(rules), types_(std::move(types)) {
+        const auto whole =
+            std::find_if(types_.begin(), types_.end(), [](const TypeChoice& t) { return t.Code == SQL_INTEGER; });
         table_.Columns.push_back({L"id", (whole == types_.end() ? types_.front() : *whole).Name, {}, false, true});
     }
     ~CreateTableDialog() {
@@ -123,11 +125,14 @@ private:
 
     HWND Item(int id) const { return GetDlgItem(window_, id); }
 
-    LRESULT Send(int id, UINT message, WPARAM w = 0, LPARAM l = 0) const { return SendMessageW(Item(id), message, w, l); }
+    LRESULT Send(int id, UINT message, WPARAM w = 0, LPARAM l = 0) const {
+        return SendMessageW(Item(id), message, w, l);
+    }
 
     std::wstring TextOf(int id) const {
         std::wstring text(static_cast<size_t>(GetWindowTextLengthW(Item(id))), L'\0');
-        if (!text.empty()) text.resize(static_cast<size_t>(GetWindowTextW(Item(id), text.data(), static_cast<int>(text.size()) + 1)));
+        if (!text.empty())
+            text.resize(static_cast<size_t>(GetWindowTextW(Item(id), text.data(), static_cast<int>(text.size()) + 1)));
         return text;
     }
 
@@ -140,8 +145,8 @@ private:
     }
 
     void Prepare() {
-        // The editor's window is topmost. What it owns stands above it, but only a topmost window stays there when the owner
-        // is made topmost once more.
+        // The editor's window is topmost. What it owns stands above it, but only a topmost window stays there when the
+        // owner is made topmost once more.
         const HWND owner = GetWindow(window_, GW_OWNER);
         if (owner && (GetWindowLongPtrW(owner, GWL_EXSTYLE) & WS_EX_TOPMOST)) {
             SetWindowPos(window_, HWND_TOPMOST, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
@@ -156,7 +161,8 @@ private:
             column.cx = 50;
             Send(IDC_COLUMNS, LVM_INSERTCOLUMNW, static_cast<WPARAM>(i), reinterpret_cast<LPARAM>(&column));
         }
-        for (const TypeChoice& type : types_) Send(IDC_COLUMN_TYPE, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(type.Name.c_str()));
+        for (const TypeChoice& type : types_)
+            Send(IDC_COLUMN_TYPE, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(type.Name.c_str()));
         Send(IDC_TABLE_NAME, EM_SETLIMITTEXT, 128);
         Send(IDC_COLUMN_NAME, EM_SETLIMITTEXT, 128);
         Send(IDC_COLUMN_TYPE, CB_LIMITTEXT, 128);
@@ -175,7 +181,8 @@ private:
 
     void Place(int id, int x, int y, int width, int height) const {
         const RECT r = Units(x, y, std::max(width, 1), std::max(height, 1));
-        SetWindowPos(Item(id), nullptr, r.left, r.top, r.right - r.left, r.bottom - r.top, SWP_NOZORDER | SWP_NOACTIVATE);
+        SetWindowPos(Item(id), nullptr, r.left, r.top, r.right - r.left, r.bottom - r.top,
+                     SWP_NOZORDER | SWP_NOACTIVATE);
     }
 
     void Layout() {
@@ -306,8 +313,9 @@ private:
     }
 
     NewColumn* Selected() {
-        return selected_ >= 0 && selected_ < static_cast<int>(table_.Columns.size()) ? &table_.Columns[static_cast<size_t>(selected_)]
-                                                                                    : nullptr;
+        return selected_ >= 0 && selected_ < static_cast<int>(table_.Columns.size())
+                   ? &table_.Columns[static_cast<size_t>(selected_)]
+                   : nullptr;
     }
 
     // Puts the selected column into the fields below the list.
@@ -317,7 +325,8 @@ private:
         SetWindowTextW(Item(IDC_COLUMN_NAME), column ? column->Name.c_str() : L"");
         SetWindowTextW(Item(IDC_COLUMN_TYPE), column ? column->Type.c_str() : L"");
         SetWindowTextW(Item(IDC_COLUMN_SIZE), column ? column->Size.c_str() : L"");
-        CheckDlgButton(window_, IDC_NULLABLE, column && column->Nullable && !column->PrimaryKey ? BST_CHECKED : BST_UNCHECKED);
+        CheckDlgButton(window_, IDC_NULLABLE,
+                       column && column->Nullable && !column->PrimaryKey ? BST_CHECKED : BST_UNCHECKED);
         CheckDlgButton(window_, IDC_PRIMARY_KEY, column && column->PrimaryKey ? BST_CHECKED : BST_UNCHECKED);
         filling_ = false;
         EnableFields();
@@ -485,7 +494,8 @@ private:
         if (header.idFrom != IDC_COLUMNS) return FALSE;
         if (header.code == LVN_ITEMCHANGED && !filling_) {
             const auto& change = reinterpret_cast<const NMLISTVIEW&>(header);
-            if ((change.uNewState & LVIS_SELECTED) && !(change.uOldState & LVIS_SELECTED) && change.iItem != selected_) {
+            if ((change.uNewState & LVIS_SELECTED) && !(change.uOldState & LVIS_SELECTED) &&
+                change.iItem != selected_) {
                 selected_ = change.iItem;
                 ShowSelected();
             }

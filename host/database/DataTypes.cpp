@@ -71,7 +71,8 @@ const TypeName typeNames[] = {
 };
 
 bool Contains(std::wstring_view text, const wchar_t* part) {
-    return !text.empty() && FindStringOrdinal(FIND_FROMSTART, text.data(), static_cast<int>(text.size()), part, -1, TRUE) >= 0;
+    return !text.empty() &&
+           FindStringOrdinal(FIND_FROMSTART, text.data(), static_cast<int>(text.size()), part, -1, TRUE) >= 0;
 }
 
 }  // namespace

@@ -10,8 +10,8 @@ inline constexpr long Unsigned = 1;   // a whole number without a sign
 inline constexpr long Automatic = 2;  // the database gives the value: counters, identity columns
 }  // namespace FieldAttribute
 
-// A readable name for an ODBC type code (SQL_VARCHAR, ...), the codes of the large products included. An attribute adds a
-// word. A code that nobody knows gives "Type " and the number.
+// A readable name for an ODBC type code (SQL_VARCHAR, ...), the codes of the large products included. An attribute adds
+// a word. A code that nobody knows gives "Type " and the number.
 std::wstring DataTypeDesc(long dataType, long fieldAttribute);
 
 // What the name that the product gives a type says of it ("int unsigned", "serial", "int identity").

@@ -1,5 +1,7 @@
 #include "host/database/DatabaseObject.h"
 
+#include <algorithm>
+
 #include "automation/Collection.h"
 #include "automation/DynamicObject.h"
 #include "automation/Object.h"
@@ -20,7 +22,8 @@ struct State {
     std::shared_ptr<Session> Current;
 
     const std::shared_ptr<Session>& Connected() const {
-        if (!Current) RaiseError(DatabaseError::NotConnected, DatabaseError::Source, L"There is no connection to a database.");
+        if (!Current)
+            RaiseError(DatabaseError::NotConnected, DatabaseError::Source, L"There is no connection to a database.");
         return Current;
     }
 };
@@ -63,8 +66,8 @@ Object MakeDictionaryObject(const std::shared_ptr<State>& state) {
     object->Define(L"Objects", [state](const Arguments& arguments) -> Variant {
         NeedArguments(arguments, 1, 4);
         const Dictionary dictionary(state->Connected());
-        return NamesObject(dictionary.Objects(arguments[0].ToLong(), OptionalText(arguments[1]), OptionalText(arguments[2]),
-                                              OptionalBoolean(arguments, 3)));
+        return NamesObject(dictionary.Objects(arguments[0].ToLong(), OptionalText(arguments[1]),
+                                              OptionalText(arguments[2]), OptionalBoolean(arguments, 3)));
     });
     object->Define(L"Columns", [state](const Arguments& arguments) -> Variant {
         NeedArguments(arguments, 2, 2);
@@ -94,17 +97,18 @@ Object MakeDictionaryObject(const std::shared_ptr<State>& state) {
 Object MakeRowsObject(std::shared_ptr<RowReader> rows) {
     auto* object = new DynamicObject;
     const Object reference = Object::Attach(object);
-    object->Define(L"FieldCount", [rows](const Arguments&) -> Variant { return static_cast<long>(rows->Fields().size()); });
+    object->Define(L"FieldCount",
+                   [rows](const Arguments&) -> Variant { return static_cast<long>(rows->Fields().size()); });
     const auto field = [rows](const Arguments& arguments) -> const Odbc::ColumnInfo& {
         NeedArguments(arguments, 1, 1);
         const long index = arguments[0].ToLong();
-        if (index < 0 || index >= static_cast<long>(rows->Fields().size())) RaiseError(ErrorNumber::SubscriptOutOfRange);
+        if (index < 0 || index >= static_cast<long>(rows->Fields().size()))
+            RaiseError(ErrorNumber::SubscriptOutOfRange);
         return rows->Fields()[static_cast<size_t>(index)];
     };
     object->Define(L"FieldName", [field](const Arguments& arguments) -> Variant { return field(arguments).Name; });
-    object->Define(L"FieldType", [field](const Arguments& arguments) -> Variant {
-        return static_cast<long>(field(arguments).Type);
-    });
+    object->Define(L"FieldType",
+                   [field](const Arguments& arguments) -> Variant { return static_cast<long>(field(arguments).Type); });
     object->Define(L"RowsAffected", [rows](const Arguments&) -> Variant { return rows->RowsAffected(); });
     object->Define(L"NextRow", [rows](const Arguments&) -> Variant {
         const auto row = rows->Next();
@@ -123,11 +127,18 @@ Object MakeRowsObject(std::shared_ptr<RowReader> rows) {
     return reference;
 }
 
+// A database in a file is told by the file's name first, since a status bar may have no room for the folder.
+std::wstring DescribeDatabase(const std::wstring& database) {
+    const size_t slash = database.find_last_of(L"\\/");
+    if (slash == std::wstring::npos || slash + 1 == database.size()) return database;
+    return database.substr(slash + 1) + L" in " + database.substr(0, std::max<size_t>(slash, 1));
+}
+
 // "PostgreSQL 15.0.18, shop on localhost as anna"
 std::wstring DescribeConnection(const SessionFacts& facts) {
     std::wstring text = facts.ProductName.empty() ? facts.Kind->Name : facts.ProductName;
     if (!facts.ProductVersion.empty()) text += L" " + facts.ProductVersion;
-    if (!facts.Database.empty()) text += L", " + facts.Database;
+    if (!facts.Database.empty()) text += L", " + DescribeDatabase(facts.Database);
     // A database in a file is its own server for some drivers.
     if (!facts.Server.empty() && facts.Server != facts.Database) text += L" on " + facts.Server;
     if (!facts.UserName.empty()) text += L" as " + facts.UserName;
@@ -135,10 +146,13 @@ std::wstring DescribeConnection(const SessionFacts& facts) {
 }
 
 void DefineFacts(DynamicObject& object, const std::shared_ptr<State>& state) {
-    object.Define(L"Connected", [state](const Arguments&) -> Variant { return state->Current && state->Current->IsAlive(); });
-    object.Define(L"CurrentCatalog", [state](const Arguments&) -> Variant { return state->Connected()->Facts().DefaultSchema; });
+    object.Define(L"Connected",
+                  [state](const Arguments&) -> Variant { return state->Current && state->Current->IsAlive(); });
+    object.Define(L"CurrentCatalog",
+                  [state](const Arguments&) -> Variant { return state->Connected()->Facts().DefaultSchema; });
     object.Define(L"UserName", [state](const Arguments&) -> Variant { return state->Connected()->Facts().UserName; });
-    object.Define(L"SchemaTerm", [state](const Arguments&) -> Variant { return state->Connected()->Facts().SchemaTerm; });
+    object.Define(L"SchemaTerm",
+                  [state](const Arguments&) -> Variant { return state->Connected()->Facts().SchemaTerm; });
     object.Define(L"DBType", [state](const Arguments&) -> Variant {
         return state->Current ? state->Current->Facts().Kind->DBType : 0L;
     });

@@ -13,7 +13,8 @@ std::wstring Capitals(std::wstring text) {
 }
 
 bool SameText(const std::wstring& a, const std::wstring& b) {
-    return CompareStringOrdinal(a.data(), static_cast<int>(a.size()), b.data(), static_cast<int>(b.size()), TRUE) == CSTR_EQUAL;
+    return CompareStringOrdinal(a.data(), static_cast<int>(a.size()), b.data(), static_cast<int>(b.size()), TRUE) ==
+           CSTR_EQUAL;
 }
 
 // A row of SQLTables.
@@ -66,9 +67,9 @@ std::wstring TypeList(Odbc::Connection& connection, bool views, bool includeSyst
 
 // The fields of SQLColumns by position: drivers of older versions call some of them by older names.
 const wchar_t* const columnFields[] = {
-    L"TABLE_CAT",     L"TABLE_SCHEM",      L"TABLE_NAME",        L"COLUMN_NAME",      L"DATA_TYPE",  L"TYPE_NAME",
-    L"COLUMN_SIZE",   L"BUFFER_LENGTH",    L"DECIMAL_DIGITS",    L"NUM_PREC_RADIX",   L"NULLABLE",   L"REMARKS",
-    L"COLUMN_DEF",    L"SQL_DATA_TYPE",    L"SQL_DATETIME_SUB",  L"CHAR_OCTET_LENGTH", L"ORDINAL_POSITION", L"IS_NULLABLE",
+    L"TABLE_CAT",   L"TABLE_SCHEM",   L"TABLE_NAME",       L"COLUMN_NAME",       L"DATA_TYPE",        L"TYPE_NAME",
+    L"COLUMN_SIZE", L"BUFFER_LENGTH", L"DECIMAL_DIGITS",   L"NUM_PREC_RADIX",    L"NULLABLE",         L"REMARKS",
+    L"COLUMN_DEF",  L"SQL_DATA_TYPE", L"SQL_DATETIME_SUB", L"CHAR_OCTET_LENGTH", L"ORDINAL_POSITION", L"IS_NULLABLE",
 };
 enum Field { FieldCatalog = 0, FieldSchema = 1, FieldTable = 2, FieldDataType = 4, FieldTypeName = 5 };
 
@@ -106,7 +107,8 @@ std::optional<std::vector<std::wstring>> Dictionary::Schemas(const std::wstring&
         for (const TableRow& row : ReadTables(connection, L"", L"%", L"", L"")) add(row.Schema);
         // Some drivers leave the system's schemas out of the list of schemas, and show them with the tables in them.
         if (includeSystem) {
-            for (const TableRow& row : ReadTables(connection, std::nullopt, std::nullopt, std::nullopt, L"'SYSTEM TABLE'")) {
+            for (const TableRow& row :
+                 ReadTables(connection, std::nullopt, std::nullopt, std::nullopt, L"'SYSTEM TABLE'")) {
                 if (IsSystem(row.Type)) add(row.Schema);
             }
         }
@@ -137,7 +139,8 @@ std::vector<std::wstring> Dictionary::Objects(long objectType, const std::wstrin
         const std::wstring types = TypeList(connection, views, includeSystem);
         for (const TableRow& row : ReadTables(connection, catalogArgument, schemaArgument, table, types)) {
             if (!row.Table || row.Table->empty()) continue;
-            // A driver may give more than it was asked for: other types, and what a wildcard in the schema's name matches.
+            // A driver may give more than it was asked for: other types, and what a wildcard in the schema's name
+            // matches.
             if (IsView(row.Type) != views) continue;
             const bool ownTable = facts.Kind->SystemPrefix && row.Table->starts_with(facts.Kind->SystemPrefix);
             if (!includeSystem && (ownTable || IsSystem(row.Type))) continue;
@@ -219,9 +222,11 @@ std::vector<ColumnProperties> Dictionary::ReadColumns(Odbc::Connection& connecti
 std::vector<ColumnProperties> Dictionary::Columns(const std::wstring& schema, const std::wstring& table) const try {
     std::vector<ColumnProperties> columns;
     session_->Read([&](Odbc::Connection& connection) { columns = ReadColumns(connection, schema, table); });
-    if (columns.empty() && Objects(Tables, schema, table, true).empty() && Objects(Views, schema, table, true).empty()) {
-        RaiseError(DatabaseError::NoSuchColumns, DatabaseError::Source,
-                   L"The columns of \"" + table + L"\" cannot be read: there is no table or view of this name any more.");
+    if (columns.empty() && Objects(Tables, schema, table, true).empty() &&
+        Objects(Views, schema, table, true).empty()) {
+        RaiseError(
+            DatabaseError::NoSuchColumns, DatabaseError::Source,
+            L"The columns of \"" + table + L"\" cannot be read: there is no table or view of this name any more.");
     }
     return columns;
 } catch (const Odbc::Error& error) {

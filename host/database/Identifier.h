@@ -15,13 +15,14 @@ enum class UnquotedCase {
 struct IdentifierRules {
     std::wstring Quote = L"\"";  // stands before and behind a quoted name; empty: the database knows no quoted names
     UnquotedCase Case = UnquotedCase::AsItIs;
-    std::wstring SpecialCharacters;   // beside letters, digits and "_": what a name may hold without quotes, but not begin with
+    std::wstring
+        SpecialCharacters;  // beside letters, digits and "_": what a name may hold without quotes, but not begin with
     std::set<std::wstring> Keywords;  // in capitals
 };
 
-// The name as it is to be written in a statement: as it is where the database then reads the same name, else quoted, with
-// quotes inside doubled. The name is one identifier: a dot is a character of it. With a database that knows no quoted names
-// the name comes back unchanged, whatever is in it.
+// The name as it is to be written in a statement: as it is where the database then reads the same name, else quoted,
+// with quotes inside doubled. The name is one identifier: a dot is a character of it. With a database that knows no
+// quoted names the name comes back unchanged, whatever is in it.
 std::wstring FormatName(const IdentifierRules& rules, std::wstring_view name);
 
 // Splits a list such as SQL_KEYWORDS gives ("a, b,c") and adds its words, in capitals.

@@ -12,7 +12,8 @@ SQLCHAR* Bytes(const std::string& text) noexcept { return reinterpret_cast<SQLCH
 
 std::string ToUtf8(std::wstring_view text) {
     const int length = static_cast<int>(text.size());
-    std::string utf8(static_cast<size_t>(WideCharToMultiByte(CP_UTF8, 0, text.data(), length, nullptr, 0, nullptr, nullptr)), '\0');
+    std::string utf8(
+        static_cast<size_t>(WideCharToMultiByte(CP_UTF8, 0, text.data(), length, nullptr, 0, nullptr, nullptr)), '\0');
     WideCharToMultiByte(CP_UTF8, 0, text.data(), length, utf8.data(), static_cast<int>(utf8.size()), nullptr, nullptr);
     return utf8;
 }
@@ -53,20 +54,23 @@ private:
     throw Error(std::move(records));
 }
 
-SQLRETURN DiagnosticRecord(SQLSMALLINT type, SQLHANDLE handle, SQLSMALLINT number, Encoding encoding, Diagnostic& record) {
+SQLRETURN DiagnosticRecord(SQLSMALLINT type, SQLHANDLE handle, SQLSMALLINT number, Encoding encoding,
+                           Diagnostic& record) {
     SQLINTEGER native = 0;
     SQLSMALLINT length = 0;
     SQLRETURN result;
     if (encoding == Encoding::NarrowUtf8) {
         SQLCHAR state[6] = {};
         std::string text(8192, '\0');
-        result = SQLGetDiagRec(type, handle, number, state, &native, Bytes(text), static_cast<SQLSMALLINT>(text.size()), &length);
+        result = SQLGetDiagRec(type, handle, number, state, &native, Bytes(text), static_cast<SQLSMALLINT>(text.size()),
+                               &length);
         record.State = FromUtf8(reinterpret_cast<const char*>(state));
         record.Text = FromUtf8(text.c_str());
     } else {
         wchar_t state[6] = {};
         std::wstring text(8192, L'\0');
-        result = SQLGetDiagRecW(type, handle, number, state, &native, Chars(text), static_cast<SQLSMALLINT>(text.size()), &length);
+        result = SQLGetDiagRecW(type, handle, number, state, &native, Chars(text),
+                                static_cast<SQLSMALLINT>(text.size()), &length);
         record.State = state;
         record.Text = text.c_str();
     }
@@ -96,8 +100,8 @@ std::wstring Error::Text() const {
 }
 
 bool Error::ConnectionLost() const noexcept {
-    // 08007 tells of a transaction whose end is unknown, not of a connection. 57P01 to 57P03 are sent by PostgreSQL while it
-    // shuts down or is not yet up, HYT01 is the connection's time limit.
+    // 08007 tells of a transaction whose end is unknown, not of a connection. 57P01 to 57P03 are sent by PostgreSQL
+    // while it shuts down or is not yet up, HYT01 is the connection's time limit.
     for (const Diagnostic& record : records_) {
         const std::wstring& state = record.State;
         if (state.starts_with(L"08") && state != L"08007") return true;
@@ -106,9 +110,7 @@ bool Error::ConnectionLost() const noexcept {
     return false;
 }
 
-bool Error::NotSupported() const noexcept {
-    return State() == L"IM001" || State() == L"HYC00" || State() == L"S1C00";
-}
+bool Error::NotSupported() const noexcept { return State() == L"IM001" || State() == L"HYC00" || State() == L"S1C00"; }
 
 const char* Error::what() const noexcept { return "ODBC error"; }
 
@@ -127,8 +129,8 @@ Environment::Environment() {
     if (!SQL_SUCCEEDED(SQLAllocHandle(SQL_HANDLE_ENV, SQL_NULL_HANDLE, &handle_))) {
         throw Error({{L"HY001", 0, L"ODBC could not be started: no environment handle."}});
     }
-    const SQLRETURN result =
-        SQLSetEnvAttr(handle_, SQL_ATTR_ODBC_VERSION, reinterpret_cast<SQLPOINTER>(static_cast<ULONG_PTR>(SQL_OV_ODBC3)), 0);
+    const SQLRETURN result = SQLSetEnvAttr(handle_, SQL_ATTR_ODBC_VERSION,
+                                           reinterpret_cast<SQLPOINTER>(static_cast<ULONG_PTR>(SQL_OV_ODBC3)), 0);
     if (!SQL_SUCCEEDED(result)) {
         SQLFreeHandle(SQL_HANDLE_ENV, handle_);
         throw Error({{L"HY000", 0, L"ODBC version 3 is not available."}});
@@ -147,27 +149,30 @@ std::shared_ptr<Environment> Environment::Shared() {
     return environment;
 }
 
-Connection::Connection(const std::wstring& connectionString, unsigned loginTimeout) : environment_(Environment::Shared()) {
+Connection::Connection(const std::wstring& connectionString, unsigned loginTimeout)
+    : environment_(Environment::Shared()) {
     if (connectionString.size() > SHRT_MAX) throw Error({{L"HY090", 0, L"The connection string is too long."}});
     SQLRETURN result = SQLAllocHandle(SQL_HANDLE_DBC, environment_->Handle(), &handle_);
     if (!SQL_SUCCEEDED(result)) Throw(SQL_HANDLE_ENV, environment_->Handle(), result);
     try {
         if (loginTimeout) {
-            SQLSetConnectAttrW(handle_, SQL_ATTR_LOGIN_TIMEOUT, reinterpret_cast<SQLPOINTER>(static_cast<ULONG_PTR>(loginTimeout)),
-                               SQL_IS_UINTEGER);
+            SQLSetConnectAttrW(handle_, SQL_ATTR_LOGIN_TIMEOUT,
+                               reinterpret_cast<SQLPOINTER>(static_cast<ULONG_PTR>(loginTimeout)), SQL_IS_UINTEGER);
         }
         std::vector<wchar_t> completed(1024 + connectionString.size());
         SQLSMALLINT length = 0;
-        result = SQLDriverConnectW(handle_, nullptr, Chars(connectionString), static_cast<SQLSMALLINT>(connectionString.size()),
-                                   completed.data(),
+        result = SQLDriverConnectW(handle_, nullptr, Chars(connectionString),
+                                   static_cast<SQLSMALLINT>(connectionString.size()), completed.data(),
                                    static_cast<SQLSMALLINT>(std::min<size_t>(completed.size(), SHRT_MAX)), &length,
                                    SQL_DRIVER_NOPROMPT);
         SecureZeroMemory(completed.data(), completed.size() * sizeof(wchar_t));  // it holds the password
-        if (result == SQL_NO_DATA) throw Error({{L"08001", 0, L"The connection was not made: the connection string is incomplete."}});
+        if (result == SQL_NO_DATA)
+            throw Error({{L"08001", 0, L"The connection was not made: the connection string is incomplete."}});
         if (!SQL_SUCCEEDED(result)) Throw(SQL_HANDLE_DBC, handle_, result);
         connected_ = true;
         const std::wstring driver = InfoText(SQL_DRIVER_NAME).value_or(L"");
-        if (driver.find(L"sqlite3odbc") != std::wstring::npos && driver.ends_with(L".so")) encoding_ = Encoding::NarrowUtf8;
+        if (driver.find(L"sqlite3odbc") != std::wstring::npos && driver.ends_with(L".so"))
+            encoding_ = Encoding::NarrowUtf8;
     } catch (...) {
         SQLFreeHandle(SQL_HANDLE_DBC, handle_);
         throw;
@@ -187,7 +192,8 @@ std::optional<std::wstring> Connection::InfoText(SQLUSMALLINT item) const {
     std::vector<wchar_t> text(4096);
     for (int attempt = 0; attempt < 2; ++attempt) {
         SQLSMALLINT bytes = 0;
-        const SQLSMALLINT room = static_cast<SQLSMALLINT>(std::min<size_t>(text.size() * sizeof(wchar_t), SHRT_MAX - 1));
+        const SQLSMALLINT room =
+            static_cast<SQLSMALLINT>(std::min<size_t>(text.size() * sizeof(wchar_t), SHRT_MAX - 1));
         if (!SQL_SUCCEEDED(SQLGetInfoW(handle_, item, text.data(), room, &bytes))) return std::nullopt;
         if (bytes < room || text.size() * sizeof(wchar_t) >= SHRT_MAX - 1) break;
         text.assign(static_cast<size_t>(bytes) / sizeof(wchar_t) + 2, L'\0');
@@ -227,8 +233,16 @@ bool Connection::IsDead() const noexcept {
 
 bool ColumnInfo::IsNumber() const noexcept {
     switch (Type) {
-        case SQL_NUMERIC: case SQL_DECIMAL: case SQL_INTEGER: case SQL_SMALLINT: case SQL_FLOAT: case SQL_REAL:
-        case SQL_DOUBLE: case SQL_BIGINT: case SQL_TINYINT: case SQL_BIT:
+        case SQL_NUMERIC:
+        case SQL_DECIMAL:
+        case SQL_INTEGER:
+        case SQL_SMALLINT:
+        case SQL_FLOAT:
+        case SQL_REAL:
+        case SQL_DOUBLE:
+        case SQL_BIGINT:
+        case SQL_TINYINT:
+        case SQL_BIT:
             return true;
         default:
             return false;
@@ -251,7 +265,8 @@ void Statement::Check(SQLRETURN result) const {
 }
 
 void Statement::LimitRows(unsigned long rows) noexcept {
-    SQLSetStmtAttrW(handle_, SQL_ATTR_MAX_ROWS, reinterpret_cast<SQLPOINTER>(static_cast<ULONG_PTR>(rows)), SQL_IS_UINTEGER);
+    SQLSetStmtAttrW(handle_, SQL_ATTR_MAX_ROWS, reinterpret_cast<SQLPOINTER>(static_cast<ULONG_PTR>(rows)),
+                    SQL_IS_UINTEGER);
 }
 
 void Statement::Execute(const std::wstring& sql) {
@@ -271,11 +286,11 @@ void Statement::Tables(const Name& catalog, const Name& schema, const Name& tabl
     columns_.clear();
     const NameArgument c(catalog, encoding_), s(schema, encoding_), t(table, encoding_), y(types, encoding_);
     if (encoding_ == Encoding::NarrowUtf8) {
-        Check(SQLTables(handle_, c.Narrow(), c.NarrowLength(), s.Narrow(), s.NarrowLength(), t.Narrow(), t.NarrowLength(),
-                        y.Narrow(), y.NarrowLength()));
+        Check(SQLTables(handle_, c.Narrow(), c.NarrowLength(), s.Narrow(), s.NarrowLength(), t.Narrow(),
+                        t.NarrowLength(), y.Narrow(), y.NarrowLength()));
     } else {
-        Check(SQLTablesW(handle_, c.Wide(), c.WideLength(), s.Wide(), s.WideLength(), t.Wide(), t.WideLength(), y.Wide(),
-                         y.WideLength()));
+        Check(SQLTablesW(handle_, c.Wide(), c.WideLength(), s.Wide(), s.WideLength(), t.Wide(), t.WideLength(),
+                         y.Wide(), y.WideLength()));
     }
 }
 
@@ -283,11 +298,11 @@ void Statement::Columns(const Name& catalog, const Name& schema, const Name& tab
     columns_.clear();
     const NameArgument c(catalog, encoding_), s(schema, encoding_), t(table, encoding_), n(column, encoding_);
     if (encoding_ == Encoding::NarrowUtf8) {
-        Check(SQLColumns(handle_, c.Narrow(), c.NarrowLength(), s.Narrow(), s.NarrowLength(), t.Narrow(), t.NarrowLength(),
-                         n.Narrow(), n.NarrowLength()));
+        Check(SQLColumns(handle_, c.Narrow(), c.NarrowLength(), s.Narrow(), s.NarrowLength(), t.Narrow(),
+                         t.NarrowLength(), n.Narrow(), n.NarrowLength()));
     } else {
-        Check(SQLColumnsW(handle_, c.Wide(), c.WideLength(), s.Wide(), s.WideLength(), t.Wide(), t.WideLength(), n.Wide(),
-                          n.WideLength()));
+        Check(SQLColumnsW(handle_, c.Wide(), c.WideLength(), s.Wide(), s.WideLength(), t.Wide(), t.WideLength(),
+                          n.Wide(), n.WideLength()));
     }
 }
 
@@ -308,13 +323,13 @@ ColumnInfo Statement::Column(unsigned column) const {
     SQLSMALLINT length = 0, nullable = SQL_NULLABLE_UNKNOWN;
     if (encoding_ == Encoding::NarrowUtf8) {
         std::string name(4096, '\0');
-        Check(SQLDescribeCol(handle_, number, Bytes(name), static_cast<SQLSMALLINT>(name.size()), &length, &info.Type, &info.Size,
-                             &info.Digits, &nullable));
+        Check(SQLDescribeCol(handle_, number, Bytes(name), static_cast<SQLSMALLINT>(name.size()), &length, &info.Type,
+                             &info.Size, &info.Digits, &nullable));
         info.Name = FromUtf8(name.c_str());
     } else {
         std::wstring name(2048, L'\0');
-        Check(SQLDescribeColW(handle_, number, Chars(name), static_cast<SQLSMALLINT>(name.size()), &length, &info.Type, &info.Size,
-                              &info.Digits, &nullable));
+        Check(SQLDescribeColW(handle_, number, Chars(name), static_cast<SQLSMALLINT>(name.size()), &length, &info.Type,
+                              &info.Size, &info.Digits, &nullable));
         info.Name = name.c_str();
     }
     info.Nullable = nullable != SQL_NO_NULLS;
@@ -415,22 +430,6 @@ std::optional<long long> Statement::Integer(unsigned column) {
     SQLBIGINT value = 0;
     SQLLEN indicator = 0;
     Check(SQLGetData(handle_, static_cast<SQLUSMALLINT>(column), SQL_C_SBIGINT, &value, sizeof value, &indicator));
-    if (indicator == SQL_NULL_DATA) return std::nullopt;
-    return value;
-}
-
-std::optional<double> Statement::Real(unsigned column) {
-    double value = 0;
-    SQLLEN indicator = 0;
-    Check(SQLGetData(handle_, static_cast<SQLUSMALLINT>(column), SQL_C_DOUBLE, &value, sizeof value, &indicator));
-    if (indicator == SQL_NULL_DATA) return std::nullopt;
-    return value;
-}
-
-std::optional<SQL_TIMESTAMP_STRUCT> Statement::Timestamp(unsigned column) {
-    SQL_TIMESTAMP_STRUCT value = {};
-    SQLLEN indicator = 0;
-    Check(SQLGetData(handle_, static_cast<SQLUSMALLINT>(column), SQL_C_TYPE_TIMESTAMP, &value, sizeof value, &indicator));
     if (indicator == SQL_NULL_DATA) return std::nullopt;
     return value;
 }

@@ -13,8 +13,8 @@
 #include <string_view>
 #include <vector>
 
-// A small layer over ODBC 3: handles that free themselves, diagnostics as exceptions, columns read in pieces so that a value
-// may have any length. Everything uses the W functions. Nothing here is safe for use from two threads at once.
+// A small layer over ODBC 3: handles that free themselves, diagnostics as exceptions, columns read in pieces so that a
+// value may have any length. Everything uses the W functions. Nothing here is safe for use from two threads at once.
 namespace Odbc {
 
 // One diagnostic record of a failed call.
@@ -44,10 +44,10 @@ private:
 };
 
 // How texts go through the driver manager.
-// Behind Wine the driver manager is unixODBC. It turns the texts of the W functions into the locale's bytes for a driver that
-// has no W functions of its own, and loses every character beyond U+FFFF on the way, in a locale without UTF-8 all that is
-// not ASCII. The SQLite driver for Unix is such a driver; its narrow functions take and give UTF-8 in every locale, so they
-// are called instead. Windows' own drivers all have W functions.
+// Behind Wine the driver manager is unixODBC. It turns the texts of the W functions into the locale's bytes for a
+// driver that has no W functions of its own, and loses every character beyond U+FFFF on the way, in a locale without
+// UTF-8 all that is not ASCII. The SQLite driver for Unix is such a driver; its narrow functions take and give UTF-8 in
+// every locale, so they are called instead. Windows' own drivers all have W functions.
 enum class Encoding { Wide, NarrowUtf8 };
 
 // Diagnostic records of a handle, at most 64 of them.
@@ -139,14 +139,11 @@ public:
     bool NextResult();
     void Close() noexcept;
 
-    // The value of a column of the current row; nothing is NULL. Columns must be read from left to right, each once: that
-    // is all that many drivers can do.
-    // Binary values are read as hexadecimal digits behind 0x. With a `limit` at most that many characters are read, and
-    // `cut` tells whether there were more.
+    // The value of a column of the current row; nothing is NULL. Columns must be read from left to right, each once:
+    // that is all that many drivers can do. Binary values are read as hexadecimal digits behind 0x. With a `limit` at
+    // most that many characters are read, and `cut` tells whether there were more.
     std::optional<std::wstring> Text(unsigned column, size_t limit = SIZE_MAX, bool* cut = nullptr);
     std::optional<long long> Integer(unsigned column);
-    std::optional<double> Real(unsigned column);
-    std::optional<SQL_TIMESTAMP_STRUCT> Timestamp(unsigned column);
 
 private:
     void Check(SQLRETURN result) const;
@@ -159,9 +156,9 @@ private:
     std::vector<wchar_t> buffer_;
 };
 
-// A name in which no character is a wildcard of catalogue calls: "_", "%" and the escape character itself get `escape`, what
-// the driver says for SQL_SEARCH_PATTERN_ESCAPE, in front. With an empty `escape` the name stays as it is, and the caller
-// must compare the names that come back.
+// A name in which no character is a wildcard of catalogue calls: "_", "%" and the escape character itself get `escape`,
+// what the driver says for SQL_SEARCH_PATTERN_ESCAPE, in front. With an empty `escape` the name stays as it is, and the
+// caller must compare the names that come back.
 std::wstring EscapePattern(std::wstring_view name, std::wstring_view escape);
 
 }  // namespace Odbc

@@ -14,7 +14,8 @@ struct Product {
     bool CatalogsAreSchemas = false;
     // Words that cannot be a name without quotes beyond those that ODBC reserves and the driver reports.
     const wchar_t* Keywords = L"";
-    // How the names of the product's own tables begin, where its driver calls them tables like any other; null: it does not.
+    // How the names of the product's own tables begin, where its driver calls them tables like any other; null: it does
+    // not.
     const wchar_t* SystemPrefix = nullptr;
 };
 
@@ -22,5 +23,6 @@ struct Product {
 // general ones.
 const Product& FindProduct(std::wstring_view dbmsName, bool hasSchemas);
 
-// The name to show for a database type code when no connection is there to describe; "Database" for a code without a product.
+// The name to show for a database type code when no connection is there to describe; "Database" for a code without a
+// product.
 std::wstring ProductName(long dbType);

@@ -26,8 +26,8 @@ bool ReadDouble(std::wstring text, Variant& value) {
     return true;
 }
 
-// yyyy-mm-dd, with hh:mm:ss and a fraction behind it or not. An automation date holds no fraction of a second and no year
-// before 100.
+// yyyy-mm-dd, with hh:mm:ss and a fraction behind it or not. An automation date holds no fraction of a second and no
+// year before 100.
 bool ReadDate(const std::wstring& text, Variant& value) {
     SYSTEMTIME time = {};
     unsigned fields[6] = {};
@@ -46,7 +46,8 @@ bool ReadDate(const std::wstring& text, Variant& value) {
     }
     if (count != 3 && count != 6) return false;
     if (*p == L'.') {
-        do ++p; while (*p >= L'0' && *p <= L'9');
+        do ++p;
+        while (*p >= L'0' && *p <= L'9');
     }
     if (*p != L'\0' || fields[0] < 100 || fields[1] < 1 || fields[1] > 12) return false;
     // Windows takes the 30th of February for the 1st of March.
@@ -72,7 +73,9 @@ bool ReadDate(const std::wstring& text, Variant& value) {
 Variant TypedValue(const std::wstring& text, const Odbc::ColumnInfo& column) {
     Variant value;
     switch (column.Type) {
-        case SQL_TINYINT: case SQL_SMALLINT: case SQL_INTEGER: {
+        case SQL_TINYINT:
+        case SQL_SMALLINT:
+        case SQL_INTEGER: {
             wchar_t* end = nullptr;
             errno = 0;
             const long number = wcstol(text.c_str(), &end, 10);
@@ -82,13 +85,20 @@ Variant TypedValue(const std::wstring& text, const Odbc::ColumnInfo& column) {
         case SQL_BIT:
             if (text == L"0" || text == L"1") return Variant(text == L"1");
             break;
-        case SQL_BIGINT: case SQL_DECIMAL: case SQL_NUMERIC:
+        case SQL_BIGINT:
+        case SQL_DECIMAL:
+        case SQL_NUMERIC:
             if (ReadDecimal(text, value)) return value;
             break;
-        case SQL_FLOAT: case SQL_REAL: case SQL_DOUBLE:
+        case SQL_FLOAT:
+        case SQL_REAL:
+        case SQL_DOUBLE:
             if (ReadDouble(text, value)) return value;
             break;
-        case SQL_TYPE_DATE: case SQL_TYPE_TIMESTAMP: case SQL_DATE: case SQL_TIMESTAMP:
+        case SQL_TYPE_DATE:
+        case SQL_TYPE_TIMESTAMP:
+        case SQL_DATE:
+        case SQL_TIMESTAMP:
             if (ReadDate(text, value)) return value;
             break;
         default:
@@ -163,9 +173,7 @@ std::optional<std::vector<Variant>> RowReader::NextText(size_t limit) try {
     throw ErrorFromOdbc(error, DatabaseError::StatementFailed);
 }
 
-bool RowReader::NextResult() try {
-    return Open().NextResult();
-} catch (const Odbc::Error& error) {
+bool RowReader::NextResult() try { return Open().NextResult(); } catch (const Odbc::Error& error) {
     session_->NoteFailure(error);
     throw ErrorFromOdbc(error, DatabaseError::StatementFailed);
 }

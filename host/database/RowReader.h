@@ -8,7 +8,8 @@
 #include "automation/Variant.h"
 #include "host/database/Session.h"
 
-// A statement that was run, and its rows one after the other. Throws RuntimeError with the source DatabaseError::Source.
+// A statement that was run, and its rows one after the other. Throws RuntimeError with the source
+// DatabaseError::Source.
 class RowReader {
 public:
     // Runs the statement. `maxRows` asks the driver for no more rows than that; 0 is no limit.
@@ -16,10 +17,12 @@ public:
 
     const std::vector<Odbc::ColumnInfo>& Fields();  // empty: the statement gave no rows
     long RowsAffected();                            // -1: unknown
-    // The next row; nothing behind the last. Values have the type of their column where they read as such: whole numbers,
-    // decimals, floating point, Boolean, dates; all else is text. Binary values are hexadecimal digits behind 0x.
+    // The next row; nothing behind the last. Values have the type of their column where they read as such: whole
+    // numbers, decimals, floating point, Boolean, dates; all else is text. Binary values are hexadecimal digits behind
+    // 0x.
     std::optional<std::vector<Variant>> Next();
-    // The next row as texts, Null for NULL. A text longer than `limit` is cut to that length, its last character an ellipsis.
+    // The next row as texts, Null for NULL. A text longer than `limit` is cut to that length, its last character an
+    // ellipsis.
     std::optional<std::vector<Variant>> NextText(size_t limit);
     bool NextResult();
     void Close() noexcept;
@@ -29,7 +32,8 @@ private:
     bool Fetch();
 
     std::shared_ptr<Session> session_;
-    std::shared_ptr<Odbc::Connection> connection_;  // must outlive the statement, also when the session opens another one
+    std::shared_ptr<Odbc::Connection>
+        connection_;  // must outlive the statement, also when the session opens another one
     std::unique_ptr<Odbc::Statement> statement_;
     unsigned long rowsLeft_;
 };

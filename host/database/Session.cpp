@@ -63,7 +63,8 @@ void Session::ReadFacts() {
     facts_.Kind = &FindProduct(facts_.ProductName, hasSchemas);
     if (hasSchemas) {
         facts_.SchemaTerm = schemaTerm;
-        if (facts_.Kind->DefaultSchemaQuery) facts_.DefaultSchema = FirstValue(connection, facts_.Kind->DefaultSchemaQuery);
+        if (facts_.Kind->DefaultSchemaQuery)
+            facts_.DefaultSchema = FirstValue(connection, facts_.Kind->DefaultSchemaQuery);
     } else if (facts_.Kind->CatalogsAreSchemas) {
         facts_.CatalogsAreSchemas = true;
         facts_.SchemaTerm = text(SQL_CATALOG_TERM);
@@ -101,7 +102,8 @@ std::shared_ptr<Odbc::Connection> Session::Live() {
     } catch (const Odbc::Error& error) {
         RuntimeError failure = ErrorFromOdbc(error, DatabaseError::ConnectionLost);
         failure.Number = DatabaseError::ConnectionLost;
-        failure.Description = L"The connection to the database was lost and could not be opened again: " + failure.Description;
+        failure.Description =
+            L"The connection to the database was lost and could not be opened again: " + failure.Description;
         throw failure;
     }
     lost_ = false;

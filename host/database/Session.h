@@ -20,27 +20,28 @@ inline constexpr long ConnectionLost = ObjectErrorBase + 5;
 inline constexpr long NoSuchColumns = ObjectErrorBase + 10;  // the columns of a table or view cannot be read
 }  // namespace DatabaseError
 
-// The run-time error for a failed ODBC call: the driver's texts with the SQLSTATE behind, the number ConnectionLost when that
-// is what happened and `number` otherwise.
+// The run-time error for a failed ODBC call: the driver's texts with the SQLSTATE behind, the number ConnectionLost
+// when that is what happened and `number` otherwise.
 RuntimeError ErrorFromOdbc(const Odbc::Error& error, long number);
 
 // What is known of an open connection. Read once when it is opened, so that asking for it cannot fail later.
 struct SessionFacts {
-    std::wstring ProductName;     // as the driver says it
+    std::wstring ProductName;  // as the driver says it
     std::wstring ProductVersion;
     std::wstring Server;
     std::wstring Database;
     std::wstring UserName;
-    std::wstring SchemaTerm;      // empty: the database has no schemas
-    std::wstring DefaultSchema;   // where names without a prefix are looked for; empty when unknown or there are no schemas
+    std::wstring SchemaTerm;  // empty: the database has no schemas
+    std::wstring
+        DefaultSchema;  // where names without a prefix are looked for; empty when unknown or there are no schemas
     std::wstring SearchEscape;
     bool CatalogsAreSchemas = false;
     const Product* Kind = nullptr;
     IdentifierRules Rules;
 };
 
-// A connection that was opened, and opens again when it was lost. The connection string is kept for that, password included,
-// for as long as the session lives.
+// A connection that was opened, and opens again when it was lost. The connection string is kept for that, password
+// included, for as long as the session lives.
 class Session {
 public:
     // Throws RuntimeError ConnectFailed. `loginTimeout` in seconds.
@@ -54,8 +55,8 @@ public:
     std::shared_ptr<Odbc::Connection> Live();
     // Tells that a call on the connection failed; returns whether the connection is gone.
     bool NoteFailure(const Odbc::Error& error) noexcept;
-    // Runs a reading of the catalogue. When the connection turns out to be lost, it is opened again and the reading is run
-    // once more: nothing was changed by it.
+    // Runs a reading of the catalogue. When the connection turns out to be lost, it is opened again and the reading is
+    // run once more: nothing was changed by it.
     void Read(const std::function<void(Odbc::Connection&)>& reading);
 
 private:

@@ -4,7 +4,8 @@
 
 std::string ToUtf8(std::wstring_view text) {
     const int length = static_cast<int>(text.size());
-    std::string utf8(static_cast<size_t>(WideCharToMultiByte(CP_UTF8, 0, text.data(), length, nullptr, 0, nullptr, nullptr)), '\0');
+    std::string utf8(
+        static_cast<size_t>(WideCharToMultiByte(CP_UTF8, 0, text.data(), length, nullptr, 0, nullptr, nullptr)), '\0');
     WideCharToMultiByte(CP_UTF8, 0, text.data(), length, utf8.data(), static_cast<int>(utf8.size()), nullptr, nullptr);
     return utf8;
 }
@@ -41,7 +42,8 @@ void Write(DWORD stream, std::wstring_view text) {
     }
     const std::string utf8 = ToUtf8(text);
     for (size_t i = 0; i < utf8.size(); i += written) {
-        if (!WriteFile(handle, utf8.data() + i, static_cast<DWORD>(utf8.size() - i), &written, nullptr) || !written) return;
+        if (!WriteFile(handle, utf8.data() + i, static_cast<DWORD>(utf8.size() - i), &written, nullptr) || !written)
+            return;
     }
 }
 

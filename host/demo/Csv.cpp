@@ -8,8 +8,8 @@ std::wstring CsvRow(const std::vector<std::optional<std::wstring>>& fields) {
         if (i) row += L',';
         if (!fields[i]) continue;
         const std::wstring& text = *fields[i];
-        const bool quote = text.empty() || text.find_first_of(L",\"\r\n") != std::wstring::npos || text.front() == L' ' ||
-                           text.back() == L' ';
+        const bool quote = text.empty() || text.find_first_of(L",\"\r\n") != std::wstring::npos ||
+                           text.front() == L' ' || text.back() == L' ';
         if (!quote) {
             row += text;
             continue;

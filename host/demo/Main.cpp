@@ -53,10 +53,11 @@ std::wstring DefaultSql(const Object& database) {
     const Object dictionary = database.Get(L"Dictionary").ToObject();
     const auto first = [&](long type, const wchar_t* name) {
         std::wstring found;
-        HostCollection(dictionary.Get(L"Objects", type, Variant::Null(), name, false)).ForEach([&](const Variant& item) {
-            found = item.ToText();
-            return false;
-        });
+        HostCollection(dictionary.Get(L"Objects", type, Variant::Null(), name, false))
+            .ForEach([&](const Variant& item) {
+                found = item.ToText();
+                return false;
+            });
         return found;
     };
     try {
@@ -81,8 +82,10 @@ bool Edit(const Object& database, std::wstring& sql) {
     try {
         editor = Object::Create(L"brvSQLEditor.clsSQLEditor");
     } catch (...) {
-        PrintFailure(L"The SQL Editor (brvSQLEditor.clsSQLEditor) is not registered on this computer, or its DLL cannot be loaded:\n",
-                     CurrentError());
+        PrintFailure(
+            L"The SQL Editor (brvSQLEditor.clsSQLEditor) is not registered on this computer, or its DLL cannot be "
+            L"loaded:\n",
+            CurrentError());
         return false;
     }
     try {
@@ -132,7 +135,9 @@ public:
                 PrintFailure(L"Statement " + std::to_wstring(i + 1) + L" failed: ", CurrentError());
             }
             const size_t left = statements.size() - i - 1;
-            if (left) Console::PrintError(std::to_wstring(left) + (left == 1 ? L" statement" : L" statements") + L" behind it not run.\n");
+            if (left)
+                Console::PrintError(std::to_wstring(left) + (left == 1 ? L" statement" : L" statements") +
+                                    L" behind it not run.\n");
             return false;
         }
         return true;
@@ -145,11 +150,14 @@ private:
         const long count = rows.Get(L"FieldCount").ToLong();
         if (count == 0) {
             const long changed = rows.Get(L"RowsAffected").ToLong();
-            Console::Print(changed >= 0 ? L"Done, " + std::to_wstring(changed) + (changed == 1 ? L" row" : L" rows") + L" changed.\n" : L"Done.\n");
+            Console::Print(changed >= 0 ? L"Done, " + std::to_wstring(changed) + (changed == 1 ? L" row" : L" rows") +
+                                              L" changed.\n"
+                                        : L"Done.\n");
             return true;
         }
         std::vector<TablePrinter::Column> columns;
-        for (long i = 0; i < count; ++i) columns.push_back({rows.Get(L"FieldName", i).ToText(), IsNumber(rows.Get(L"FieldType", i).ToLong())});
+        for (long i = 0; i < count; ++i)
+            columns.push_back({rows.Get(L"FieldName", i).ToText(), IsNumber(rows.Get(L"FieldType", i).ToLong())});
         return options_.Csv.empty() ? Show(rows, std::move(columns)) : WriteCsv(rows, columns);
     }
 
@@ -196,7 +204,8 @@ private:
             Console::PrintError(L"The file " + path + L" could not be written: " + file.Failure() + L"\n");
             return false;
         }
-        Console::Print(L"Wrote " + std::to_wstring(written) + (written == 1 ? L" row" : L" rows") + L" to " + path + L"\n");
+        Console::Print(L"Wrote " + std::to_wstring(written) + (written == 1 ? L" row" : L" rows") + L" to " + path +
+                       L"\n");
         return true;
     }
 
@@ -212,8 +221,10 @@ int Run(const Options& options) {
     try {
         database = Object::Create(L"brvADO.Database");
     } catch (...) {
-        PrintFailure(L"The database component (brvADO.Database) is not registered on this computer, or its DLL cannot be loaded:\n",
-                     CurrentError());
+        PrintFailure(
+            L"The database component (brvADO.Database) is not registered on this computer, or its DLL cannot be "
+            L"loaded:\n",
+            CurrentError());
         return ComponentFailed;
     }
     try {
@@ -253,7 +264,8 @@ int Run(const Options& options) {
 int wmain(int count, wchar_t** values) {
     try {
         Options options;
-        const std::wstring wrong = ReadOptions(std::vector<std::wstring>(values + std::min(count, 1), values + count), options);
+        const std::wstring wrong =
+            ReadOptions(std::vector<std::wstring>(values + std::min(count, 1), values + count), options);
         if (!wrong.empty()) {
             Console::PrintError(wrong + L"\nkolvex-demo --help tells what there is.\n");
             return WrongOptions;

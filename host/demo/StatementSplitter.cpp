@@ -10,13 +10,14 @@ bool IsBlank(wchar_t c) { return c == L' ' || (c >= L'\t' && c <= L'\r') || c ==
 
 // Everything beyond ASCII counts as a letter: what matters is only where a word ends.
 bool IsWordCharacter(wchar_t c) {
-    return (c >= L'a' && c <= L'z') || (c >= L'A' && c <= L'Z') || (c >= L'0' && c <= L'9') || c == L'_' || c == L'$' || c >= 0x80;
+    return (c >= L'a' && c <= L'z') || (c >= L'A' && c <= L'Z') || (c >= L'0' && c <= L'9') || c == L'_' || c == L'$' ||
+           c >= 0x80;
 }
 
 bool IsWord(std::wstring_view text, std::wstring_view capitals) {
-    return text.size() == capitals.size() && std::equal(text.begin(), text.end(), capitals.begin(), [](wchar_t a, wchar_t b) {
-        return (a >= L'a' && a <= L'z' ? a - L'a' + L'A' : a) == b;
-    });
+    return text.size() == capitals.size() &&
+           std::equal(text.begin(), text.end(), capitals.begin(),
+                      [](wchar_t a, wchar_t b) { return (a >= L'a' && a <= L'z' ? a - L'a' + L'A' : a) == b; });
 }
 
 bool IsOneOf(std::wstring_view word, std::initializer_list<std::wstring_view> list) {
@@ -62,8 +63,8 @@ private:
     bool afterEnd_ = false;
 };
 
-// The position behind a text that ends with `close`, in which a doubled `close` is a character. Two such texts in a row end at
-// the same place, so doubling needs no look.
+// The position behind a text that ends with `close`, in which a doubled `close` is a character. Two such texts in a row
+// end at the same place, so doubling needs no look.
 size_t BehindQuoted(std::wstring_view script, size_t start, wchar_t close) {
     const size_t end = script.find(close, start + 1);
     return end == none ? script.size() : end + 1;
@@ -120,7 +121,8 @@ std::vector<std::wstring> SplitStatements(std::wstring_view script) {
         }
         if (!IsBlank(c) && c != L';') hasContent = true;
 
-        const bool afterWord = i > 0 && (IsWordCharacter(script[i - 1]) || script[i - 1] == L']' || script[i - 1] == L')');
+        const bool afterWord =
+            i > 0 && (IsWordCharacter(script[i - 1]) || script[i - 1] == L']' || script[i - 1] == L')');
         if (c == L'\'' || c == L'"' || c == L'`') {
             i = BehindQuoted(script, i, c);
         } else if (c == L'[' && !afterWord) {  // behind a word it is the index of an array

@@ -20,7 +20,8 @@ bool LooksLikeNumber(const std::wstring& text) {
     size_t i = text.starts_with(L"-") ? 1 : 0;
     const size_t first = i;
     while (i < text.size() && text[i] >= L'0' && text[i] <= L'9') ++i;
-    if (i == first || (text[first] == L'0' && i > first + 1)) return false;  // postcodes and telephone numbers are texts
+    if (i == first || (text[first] == L'0' && i > first + 1))
+        return false;  // postcodes and telephone numbers are texts
     if (i < text.size() && text[i] == L'.') {
         const size_t point = i++;
         while (i < text.size() && text[i] >= L'0' && text[i] <= L'9') ++i;
@@ -42,8 +43,10 @@ std::wstring Shown(const std::wstring& value, size_t width) {
     for (size_t i = 0; i < value.size(); ++i) {
         wchar_t c = value[i];
         if (c == L'\r' && i + 1 < value.size() && value[i + 1] == L'\n') continue;
-        if (c == L'\r' || c == L'\n') c = L'\x21B5';  // the sign of a return key
-        else if (c < L' ' || (c >= 0x7F && c < 0xA0)) c = L'\xB7';
+        if (c == L'\r' || c == L'\n')
+            c = L'\x21B5';  // the sign of a return key
+        else if (c < L' ' || (c >= 0x7F && c < 0xA0))
+            c = L'\xB7';
         if (!TakesNoPlace(c)) {
             if (places == width) {
                 shown.resize(lastStart);

@@ -11,8 +11,10 @@ namespace {
 TEST(CreateTableStatement, WritesColumnsAndKey) {
     IdentifierRules rules;
     rules.Keywords = OdbcKeywords();
-    const NewTable table = {L"Order", {{L"id", L"integer", L"", true, true}, {L"Full Name", L"varchar", L"40", false, false},
-                                       {L"price", L"decimal", L"10,2", true, false}}};
+    const NewTable table = {L"Order",
+                            {{L"id", L"integer", L"", true, true},
+                             {L"Full Name", L"varchar", L"40", false, false},
+                             {L"price", L"decimal", L"10,2", true, false}}};
     EXPECT_EQ(CreateTableStatement(rules, table),
               L"CREATE TABLE \"Order\" (\r\n"
               L"    id integer NOT NULL,\r\n"
@@ -24,7 +26,8 @@ TEST(CreateTableStatement, WritesColumnsAndKey) {
 
 TEST(CreateTableStatement, NamesAllColumnsOfTheKey) {
     const NewTable table = {L"t", {{L"a", L"int", L"", true, true}, {L"b", L"int", L"", true, true}}};
-    EXPECT_EQ(CreateTableStatement(IdentifierRules(), table), L"CREATE TABLE t (\r\n    a int NOT NULL,\r\n    b int NOT NULL,\r\n    PRIMARY KEY (a, b)\r\n)");
+    EXPECT_EQ(CreateTableStatement(IdentifierRules(), table),
+              L"CREATE TABLE t (\r\n    a int NOT NULL,\r\n    b int NOT NULL,\r\n    PRIMARY KEY (a, b)\r\n)");
 }
 
 TEST(CreateTableStatement, PutsTheSizeBetweenTheTypesOwnBrackets) {
@@ -48,7 +51,8 @@ TEST(Problem, TellsWhatIsMissing) {
 TEST(Problem, WantsSizesThatAreNumbers) {
     const auto withSize = [](const wchar_t* size) { return Problem({L"t", {{L"a", L"x", size, true, false}}}); };
     for (const wchar_t* size : {L"", L"40", L"10,2", L"10, 2"}) EXPECT_EQ(withSize(size), L"") << size;
-    for (const wchar_t* size : {L"many", L"-1", L"10,", L",2", L"1,2,3", L"1) --", L" "}) EXPECT_NE(withSize(size), L"") << size;
+    for (const wchar_t* size : {L"many", L"-1", L"10,", L",2", L"1,2,3", L"1) --", L" "})
+        EXPECT_NE(withSize(size), L"") << size;
 }
 
 TEST(ReadTypes, GivesTheDriversTypesOnceWithTheUsualOnesFirst) {
@@ -57,7 +61,8 @@ TEST(ReadTypes, GivesTheDriversTypesOnceWithTheUsualOnesFirst) {
     ASSERT_GT(types.size(), 5u);
     EXPECT_EQ(types[0].Name, L"integer");
     EXPECT_FALSE(types[0].TakesSize);
-    const auto varchar = std::find_if(types.begin(), types.end(), [](const TypeChoice& t) { return t.Name == L"varchar"; });
+    const auto varchar =
+        std::find_if(types.begin(), types.end(), [](const TypeChoice& t) { return t.Name == L"varchar"; });
     ASSERT_NE(varchar, types.end());
     EXPECT_TRUE(varchar->TakesSize);
     EXPECT_EQ(varchar->UsualSize, L"50");
@@ -66,7 +71,8 @@ TEST(ReadTypes, GivesTheDriversTypesOnceWithTheUsualOnesFirst) {
 
 TEST(CreateTableStatement, IsUnderstoodByTheDatabase) {
     const auto session = OpenEmpty();
-    const NewTable table = {L"a \"b\".c", {{L"Order", L"integer", L"", true, true}, {L"Größe", L"varchar", L"40", false, false}}};
+    const NewTable table = {L"a \"b\".c",
+                            {{L"Order", L"integer", L"", true, true}, {L"Größe", L"varchar", L"40", false, false}}};
     RunSql(*session, CreateTableStatement(session->Facts().Rules, table));
     Odbc::Statement statement(*session->Live());
     statement.Execute(L"select count(*) from pragma_table_info('a \"b\".c')");

@@ -28,9 +28,7 @@ TEST(CsvRow, QuotesOnlyWhereItMust) {
     EXPECT_EQ(CsvRow({L" a", L"b "}), L"\" a\",\"b \"\r\n");
 }
 
-TEST(CsvRow, TellsNullFromAnEmptyText) {
-    EXPECT_EQ(CsvRow({std::nullopt, L"", std::nullopt}), L",\"\",\r\n");
-}
+TEST(CsvRow, TellsNullFromAnEmptyText) { EXPECT_EQ(CsvRow({std::nullopt, L"", std::nullopt}), L",\"\",\r\n"); }
 
 TEST(CsvFile, WritesUtf8WithAMark) {
     const std::wstring path = TemporaryPath(L"brv-utf8-");
@@ -39,7 +37,9 @@ TEST(CsvFile, WritesUtf8WithAMark) {
         EXPECT_TRUE(file.Write({L"Größe", L"日本"}));
         EXPECT_TRUE(file.Close()) << ToUtf8(file.Failure());
     }
-    EXPECT_EQ(Contents(path), "\xEF\xBB\xBFGr\xC3\xB6\xC3\x9F" "e,\xE6\x97\xA5\xE6\x9C\xAC\r\n");
+    EXPECT_EQ(Contents(path),
+              "\xEF\xBB\xBFGr\xC3\xB6\xC3\x9F"
+              "e,\xE6\x97\xA5\xE6\x9C\xAC\r\n");
     DeleteFileW(path.c_str());
 }
 

@@ -12,7 +12,8 @@ Object CreateDatabase() {
     const CLSID id = {0xd4c3f42a, 0x48df, 0x4a7d, {0x90, 0xb6, 0xc6, 0x49, 0x2e, 0xf9, 0x07, 0x04}};
     using GetClassObject = HRESULT(WINAPI*)(REFCLSID, REFIID, void**);
     if (!module) throw std::runtime_error("brvADO.dll cannot be loaded");
-    const auto get = reinterpret_cast<GetClassObject>(reinterpret_cast<void*>(GetProcAddress(module, "DllGetClassObject")));
+    const auto get =
+        reinterpret_cast<GetClassObject>(reinterpret_cast<void*>(GetProcAddress(module, "DllGetClassObject")));
     IClassFactory* factory = nullptr;
     CheckHresult(get(id, IID_IClassFactory, reinterpret_cast<void**>(&factory)));
     IDispatch* object = nullptr;
@@ -98,7 +99,8 @@ TEST(DatabaseObject, HandsOutADictionary) {
     const std::vector<std::wstring> views = NamesIn(dictionary.Get(L"Objects", 2, Variant::Null(), L"", false));
     EXPECT_EQ(views.size(), 6u);
     EXPECT_EQ(NamesIn(dictionary.Get(L"Objects", 2)), views);  // arguments may be left out
-    EXPECT_EQ(NamesIn(dictionary.Get(L"Objects", 2, Variant::Missing(), Variant::Missing(), Variant::Missing())), views);
+    EXPECT_EQ(NamesIn(dictionary.Get(L"Objects", 2, Variant::Missing(), Variant::Missing(), Variant::Missing())),
+              views);
     EXPECT_EQ(dictionary.Get(L"DataTypeDesc", 12, 0).ToText(), L"VARCHAR");
 }
 

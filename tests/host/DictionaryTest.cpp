@@ -10,7 +10,9 @@ namespace {
 
 using Names = std::vector<std::wstring>;
 
-bool Contains(const Names& names, const std::wstring& name) { return std::find(names.begin(), names.end(), name) != names.end(); }
+bool Contains(const Names& names, const std::wstring& name) {
+    return std::find(names.begin(), names.end(), name) != names.end();
+}
 
 std::wstring Field(const ColumnProperties& column, const std::wstring& name) {
     for (const ColumnProperty& property : column) {
@@ -21,7 +23,8 @@ std::wstring Field(const ColumnProperties& column, const std::wstring& name) {
 
 Names ColumnNames(const Dictionary& dictionary, const std::wstring& table) {
     Names names;
-    for (const ColumnProperties& column : dictionary.Columns(L"", table)) names.push_back(Field(column, L"COLUMN_NAME"));
+    for (const ColumnProperties& column : dictionary.Columns(L"", table))
+        names.push_back(Field(column, L"COLUMN_NAME"));
     return names;
 }
 
@@ -45,7 +48,8 @@ TEST(Dictionary, ListsTablesSortedWithoutViews) {
     const Dictionary dictionary(OpenSample());
     const Names tables = dictionary.Objects(Dictionary::Tables, L"", L"", false);
     EXPECT_EQ(tables.size(), 17u);
-    for (const wchar_t* name : {L"Order", L"Order Details", L"price.history", L"The \"Golden Leaf\" Club", L"Übersetzung", L"customer", L"survey"}) {
+    for (const wchar_t* name : {L"Order", L"Order Details", L"price.history", L"The \"Golden Leaf\" Club",
+                                L"Übersetzung", L"customer", L"survey"}) {
         EXPECT_TRUE(Contains(tables, name)) << name;
     }
     EXPECT_FALSE(Contains(tables, L"best_sellers"));
@@ -63,7 +67,8 @@ TEST(Dictionary, ListsTheDatabasesOwnTablesWhenAsked) {
 TEST(Dictionary, ListsViews) {
     const Dictionary dictionary(OpenSample());
     EXPECT_EQ(dictionary.Objects(Dictionary::Views, L"", L"", false),
-              (Names{L"best_sellers", L"Kundenübersicht", L"open_orders", L"order_total", L"Revenue by Month", L"Top Customers"}));
+              (Names{L"best_sellers", L"Kundenübersicht", L"open_orders", L"order_total", L"Revenue by Month",
+                     L"Top Customers"}));
 }
 
 TEST(Dictionary, FiltersByNameWithoutWildcards) {
@@ -101,7 +106,8 @@ TEST(Dictionary, ReadsNamesOfEveryKind) {
     const Dictionary dictionary(OpenSample());
     EXPECT_EQ(ColumnNames(dictionary, L"Übersetzung"), (Names{L"sku", L"Sprache", L"Text", L"geprüft"}));
     EXPECT_EQ(ColumnNames(dictionary, L"price.history"), (Names{L"sku", L"valid.from", L"price"}));
-    EXPECT_EQ(ColumnNames(dictionary, L"The \"Golden Leaf\" Club"), (Names{L"member_no", L"customer_id", L"Level", L"points", L"until"}));
+    EXPECT_EQ(ColumnNames(dictionary, L"The \"Golden Leaf\" Club"),
+              (Names{L"member_no", L"customer_id", L"Level", L"points", L"until"}));
     EXPECT_EQ(ColumnNames(dictionary, L"Kundenübersicht"), (Names{L"Nr.", L"Name", L"Land", L"Kunde seit"}));
     EXPECT_EQ(ColumnNames(dictionary, L"survey").size(), 60u);
 }

@@ -15,7 +15,8 @@ IdentifierRules Rules(UnquotedCase unquoted, const wchar_t* quote = L"\"", const
 
 TEST(FormatName, LeavesPlainNamesAlone) {
     const IdentifierRules rules = Rules(UnquotedCase::AsItIs);
-    for (const wchar_t* name : {L"customer", L"Customer", L"a", L"order_2024", L"_hidden"}) EXPECT_EQ(FormatName(rules, name), name);
+    for (const wchar_t* name : {L"customer", L"Customer", L"a", L"order_2024", L"_hidden"})
+        EXPECT_EQ(FormatName(rules, name), name);
 }
 
 TEST(FormatName, QuotesWhatIsNoIdentifier) {
@@ -32,7 +33,8 @@ TEST(FormatName, QuotesWhatIsNoIdentifier) {
 }
 
 TEST(FormatName, DoublesQuotesInside) {
-    EXPECT_EQ(FormatName(Rules(UnquotedCase::AsItIs), L"The \"Golden Leaf\" Club"), L"\"The \"\"Golden Leaf\"\" Club\"");
+    EXPECT_EQ(FormatName(Rules(UnquotedCase::AsItIs), L"The \"Golden Leaf\" Club"),
+              L"\"The \"\"Golden Leaf\"\" Club\"");
     EXPECT_EQ(FormatName(Rules(UnquotedCase::AsItIs), L"\""), L"\"\"\"\"");
     EXPECT_EQ(FormatName(Rules(UnquotedCase::AsItIs, L"`"), L"a`b\"c"), L"`a``b\"c`");
 }
@@ -44,7 +46,8 @@ TEST(FormatName, KnowsBrackets) {
 
 TEST(FormatName, QuotesKeywordsInAnyCase) {
     const IdentifierRules rules = Rules(UnquotedCase::AsItIs);
-    for (const wchar_t* name : {L"Order", L"ORDER", L"order"}) EXPECT_EQ(FormatName(rules, name), L"\"" + std::wstring(name) + L"\"");
+    for (const wchar_t* name : {L"Order", L"ORDER", L"order"})
+        EXPECT_EQ(FormatName(rules, name), L"\"" + std::wstring(name) + L"\"");
     EXPECT_EQ(FormatName(rules, L"Orders"), L"Orders");
 }
 

@@ -61,7 +61,8 @@ TEST(Statement, ReadsTextsOfAnyLength) {
     const auto session = OpenEmpty();
     // Around the size of the buffer, and far beyond it.
     for (const int length : {0, 1, 2046, 2047, 2048, 2049, 4094, 4095, 1000000}) {
-        auto statement = Query(session, L"select replace(hex(zeroblob(" + std::to_wstring(length) + L")), '00', 'ä') as x, 7 as y");
+        auto statement =
+            Query(session, L"select replace(hex(zeroblob(" + std::to_wstring(length) + L")), '00', 'ä') as x, 7 as y");
         ASSERT_TRUE(statement->Fetch());
         EXPECT_EQ(statement->Text(1), std::wstring(static_cast<size_t>(length), L'ä')) << length;
         EXPECT_EQ(statement->Text(2), L"7");
@@ -71,7 +72,8 @@ TEST(Statement, ReadsTextsOfAnyLength) {
 TEST(Statement, KeepsSurrogatePairsWholeAcrossPieces) {
     const auto session = OpenEmpty();
     for (const int shift : {0, 1}) {
-        auto statement = Query(session, L"select " + std::wstring(shift ? L"'x' || " : L"") + L"replace(hex(zeroblob(3000)), '00', '\xD83D\xDE00')");
+        auto statement = Query(session, L"select " + std::wstring(shift ? L"'x' || " : L"") +
+                                            L"replace(hex(zeroblob(3000)), '00', '\xD83D\xDE00')");
         ASSERT_TRUE(statement->Fetch());
         std::wstring expected(shift ? L"x" : L"");
         for (int i = 0; i < 3000; ++i) expected += L"\xD83D\xDE00";
@@ -154,7 +156,9 @@ TEST(Statement, ThrowsWithTheStateOfABadStatement) {
 
 TEST(Statement, StreamsALongResult) {
     const auto session = OpenSample();
-    auto statement = Query(session, L"with recursive n(i) as (select 1 union all select i + 1 from n where i < 100000000) select i from n");
+    auto statement =
+        Query(session,
+              L"with recursive n(i) as (select 1 union all select i + 1 from n where i < 100000000) select i from n");
     for (int i = 1; i <= 1000; ++i) {
         ASSERT_TRUE(statement->Fetch());
         ASSERT_EQ(statement->Text(1), std::to_wstring(i));

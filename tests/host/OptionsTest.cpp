@@ -6,7 +6,9 @@ namespace {
 
 TEST(ReadOptions, ReadsBothForms) {
     Options options;
-    EXPECT_EQ(ReadOptions({L"--connect", L"DSN=x;UID=y", L"--sql=select 1=1", L"--max-rows=0", L"--csv", L"out.csv"}, options), L"");
+    EXPECT_EQ(ReadOptions({L"--connect", L"DSN=x;UID=y", L"--sql=select 1=1", L"--max-rows=0", L"--csv", L"out.csv"},
+                          options),
+              L"");
     EXPECT_EQ(options.Connect, L"DSN=x;UID=y");
     EXPECT_EQ(options.Sql, L"select 1=1");
     EXPECT_EQ(options.MaxRows, 0);

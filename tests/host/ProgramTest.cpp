@@ -37,7 +37,8 @@ Outcome RunDemo(const std::vector<std::wstring>& arguments) {
     start.dwFlags = STARTF_USESTDHANDLES;
     start.hStdOutput = start.hStdError = write;
     PROCESS_INFORMATION process = {};
-    const BOOL started = CreateProcessW(nullptr, command.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &start, &process);
+    const BOOL started =
+        CreateProcessW(nullptr, command.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &start, &process);
     CloseHandle(write);
     if (!started) {
         CloseHandle(read);
@@ -73,7 +74,9 @@ TEST(KolvexDemo, ShowsItsOptions) {
 }
 
 TEST(KolvexDemo, PrintsRowsInUtf8) {
-    const Outcome outcome = RunSql(L"select name, currency from country where code in ('JP', 'DE') order by code; select count(*) as n from survey");
+    const Outcome outcome = RunSql(
+        L"select name, currency from country where code in ('JP', 'DE') order by code; select count(*) as n from "
+        L"survey");
     EXPECT_EQ(outcome.ExitCode, 0u);
     EXPECT_TRUE(Contains(outcome, L"name        | currency\n------------+---------\nDeutschland | EUR\n日本"));
     EXPECT_TRUE(Contains(outcome, L"  n\n---\n240\n(1 row)\n"));
@@ -95,7 +98,8 @@ TEST(KolvexDemo, StopsAtAFailingStatement) {
 }
 
 TEST(KolvexDemo, SaysThatItCannotConnect) {
-    const Outcome outcome = RunDemo({L"--connect", L"Driver=SQLite3;NoCreat=1;Database=/no/such/folder/x.db", L"--no-editor"});
+    const Outcome outcome =
+        RunDemo({L"--connect", L"Driver=SQLite3;NoCreat=1;Database=/no/such/folder/x.db", L"--no-editor"});
     EXPECT_EQ(outcome.ExitCode, 2u);
     EXPECT_TRUE(Contains(outcome, L"No connection to the database:"));
 }
@@ -104,9 +108,12 @@ TEST(KolvexDemo, WritesCsv) {
     wchar_t folder[MAX_PATH + 1] = {};
     GetTempPathW(MAX_PATH, folder);
     const std::wstring path = std::wstring(folder) + L"brv-demo-" + std::to_wstring(GetCurrentProcessId()) + L".csv";
-    const Outcome outcome = RunSql(L"select weekday, \"from\" as \"from, local\" from opening_hours where weekday < 3 order by 1", {L"--csv", path});
+    const Outcome outcome =
+        RunSql(L"select weekday, \"from\" as \"from, local\" from opening_hours where weekday < 3 order by 1",
+               {L"--csv", path});
     EXPECT_EQ(outcome.ExitCode, 0u);
-    const HANDLE file = CreateFileW(path.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, FILE_FLAG_DELETE_ON_CLOSE, nullptr);
+    const HANDLE file =
+        CreateFileW(path.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, FILE_FLAG_DELETE_ON_CLOSE, nullptr);
     ASSERT_NE(file, INVALID_HANDLE_VALUE);
     char bytes[256] = {};
     DWORD count = 0;

@@ -5,8 +5,8 @@
 
 #include "host/database/Session.h"
 
-// The connection string for the sample database that the environment variable BRV_SHOP_DB names. Throws when it is not set:
-// a test that needs the database then fails.
+// The connection string for the sample database that the environment variable BRV_SHOP_DB names. Throws when it is not
+// set: a test that needs the database then fails.
 std::wstring SampleConnectionString();
 
 // A session on the sample database, and one on an empty database in memory.

@@ -19,17 +19,22 @@ TEST(SplitStatements, LeavesOutWhatIsEmpty) {
 }
 
 TEST(SplitStatements, KeepsCommentsOfAStatement) {
-    EXPECT_EQ(SplitStatements(L"-- one; two\nselect 1 /* ; */ ; -- end"), (Statements{L"-- one; two\nselect 1 /* ; */"}));
+    EXPECT_EQ(SplitStatements(L"-- one; two\nselect 1 /* ; */ ; -- end"),
+              (Statements{L"-- one; two\nselect 1 /* ; */"}));
 }
 
 TEST(SplitStatements, LooksThroughStringsAndNames) {
-    EXPECT_EQ(SplitStatements(L"select ';', 'it''s; so'; select 2"), (Statements{L"select ';', 'it''s; so'", L"select 2"}));
-    EXPECT_EQ(SplitStatements(L"select \"a;\"\"b\" from `c;d`, [e;f]"), (Statements{L"select \"a;\"\"b\" from `c;d`, [e;f]"}));
-    EXPECT_EQ(SplitStatements(L"select '--'; select '/*'; select 3"), (Statements{L"select '--'", L"select '/*'", L"select 3"}));
+    EXPECT_EQ(SplitStatements(L"select ';', 'it''s; so'; select 2"),
+              (Statements{L"select ';', 'it''s; so'", L"select 2"}));
+    EXPECT_EQ(SplitStatements(L"select \"a;\"\"b\" from `c;d`, [e;f]"),
+              (Statements{L"select \"a;\"\"b\" from `c;d`, [e;f]"}));
+    EXPECT_EQ(SplitStatements(L"select '--'; select '/*'; select 3"),
+              (Statements{L"select '--'", L"select '/*'", L"select 3"}));
 }
 
 TEST(SplitStatements, ReadsBracketsBehindAWordAsAnIndex) {
-    EXPECT_EQ(SplitStatements(L"select array['a]', ']'];select a[1];"), (Statements{L"select array['a]', ']']", L"select a[1]"}));
+    EXPECT_EQ(SplitStatements(L"select array['a]', ']'];select a[1];"),
+              (Statements{L"select array['a]', ']']", L"select a[1]"}));
 }
 
 TEST(SplitStatements, KnowsDollarQuotes) {
@@ -40,12 +45,14 @@ TEST(SplitStatements, KnowsDollarQuotes) {
 }
 
 TEST(SplitStatements, KeepsBodiesTogether) {
-    const std::wstring trigger = L"create trigger t after insert on a begin update b set n = case when 1 then 2 else 3 end; delete from c; end";
+    const std::wstring trigger =
+        L"create trigger t after insert on a begin update b set n = case when 1 then 2 else 3 end; delete from c; end";
     EXPECT_EQ(SplitStatements(trigger + L"; select 1"), (Statements{trigger, L"select 1"}));
     const std::wstring procedure = L"CREATE OR REPLACE PROCEDURE p IS BEGIN IF x THEN y; END IF; z; END";
     EXPECT_EQ(SplitStatements(procedure + L";select 2;"), (Statements{procedure, L"select 2"}));
     // Transactions and tables have no body.
-    EXPECT_EQ(SplitStatements(L"begin; create table \"trigger\" (x int); end"), (Statements{L"begin", L"create table \"trigger\" (x int)", L"end"}));
+    EXPECT_EQ(SplitStatements(L"begin; create table \"trigger\" (x int); end"),
+              (Statements{L"begin", L"create table \"trigger\" (x int)", L"end"}));
 }
 
 TEST(SplitStatements, RunsToTheEndWhenSomethingIsNotClosed) {

@@ -4,7 +4,8 @@
 
 namespace {
 
-std::wstring Printed(std::vector<TablePrinter::Column> columns, std::vector<TablePrinter::Row> rows, size_t widest = 20) {
+std::wstring Printed(std::vector<TablePrinter::Column> columns, std::vector<TablePrinter::Row> rows,
+                     size_t widest = 20) {
     std::wstring text;
     TablePrinter table(std::move(columns), widest, [&](const std::wstring& line) { text += line; });
     for (TablePrinter::Row& row : rows) table.Add(std::move(row));
@@ -42,14 +43,22 @@ TEST(TablePrinter, KeepsTheWidthOfTheFirstRows) {
 }
 
 TEST(Shown, MakesControlCharactersVisible) {
-    EXPECT_EQ(Shown(L"a\r\nb\nc\td", 20), L"a\x21B5" L"b\x21B5" L"c\xB7" L"d");
+    EXPECT_EQ(Shown(L"a\r\nb\nc\td", 20),
+              L"a\x21B5"
+              L"b\x21B5"
+              L"c\xB7"
+              L"d");
 }
 
 TEST(Shown, CutsBetweenCharacters) {
     const std::wstring smile = L"\xD83D\xDE00";
     EXPECT_EQ(Shown(smile + smile + smile, 2), smile + L"\x2026");
     EXPECT_EQ(Shown(smile + smile, 2), smile + smile);
-    EXPECT_EQ(Shown(L"e\x301" L"e\x301" L"e\x301", 2), L"e\x301\x2026");
+    EXPECT_EQ(Shown(L"e\x301"
+                    L"e\x301"
+                    L"e\x301",
+                    2),
+              L"e\x301\x2026");
 }
 
 TEST(Places, CountsCharactersNotUnits) {
