@@ -82,6 +82,23 @@ Argument ByRef(Object& variable) {
 
 // ---- Object
 
+namespace {
+
+// Whether a script object refused to call what is no function: it says so, or that it has told its own host already, or, under
+// Wine, just that it failed.
+bool IsRefusedCall(IDispatch* object, HRESULT result, const EXCEPINFO& exception) noexcept {
+    constexpr HRESULT FunctionExpected = MAKE_HRESULT(SEVERITY_ERROR, FACILITY_CONTROL, 5002);
+    constexpr HRESULT AlreadyReported = static_cast<HRESULT>(0x80020101);
+    if (result == DISP_E_EXCEPTION && exception.wCode == 0) result = exception.scode;
+    if (result != FunctionExpected && result != AlreadyReported && result != E_FAIL) return false;
+    IDispatchEx* script = nullptr;
+    if (FAILED(object->QueryInterface(__uuidof(IDispatchEx), reinterpret_cast<void**>(&script)))) return false;
+    script->Release();
+    return true;
+}
+
+}  // namespace
+
 struct Object::State {
     IDispatch* Dispatch = nullptr;
     // The other way in, for objects that know their names there only; null until it was needed. Its member ids are its own.
@@ -216,7 +233,15 @@ Variant Object::Invoke(const wchar_t* member, WORD flags, Argument* arguments, s
     VARIANT raw;
     VariantInit(&raw);
     EXCEPINFO exception{};
-    const HRESULT result = state->Invoke(id, flags, parameters, &raw, exception);
+    HRESULT result = state->Invoke(id, flags, parameters, &raw, exception);
+    if (count == 0 && (flags & DISPATCH_PROPERTYGET) != 0 && IsRefusedCall(state->Dispatch, result, exception)) {
+        // JScript under Wine takes "method or property" for a call, and a plain value cannot be called. Reading it alone calls
+        // nothing, so nothing happens twice.
+        ErrorFromHresult(result, &exception);
+        exception = {};
+        VariantInit(&raw);
+        result = state->Invoke(id, DISPATCH_PROPERTYGET, parameters, &raw, exception);
+    }
     // Beside a failure a callee may have left anything in the result: then it is not ours to free.
     if (FAILED(result)) throw ErrorFromHresult(result, &exception);
     Variant owned = Variant::Attach(raw);

@@ -167,13 +167,13 @@ void frmSQLEditor::picUnhide_Click() try {
 void frmSQLEditor::picLeft_Resize(int Index) try {
     const PictureBox& Page = picLeft[static_cast<size_t>(Index)];
     Control* const Views[] = {&trvDBObjects, &lstAnsiSQL, &trvDatabaseSpecific, &lstKolvex};
-    if (Views[Index]->Handle() != nullptr) Views[Index]->Move(0, 0, Page.Width(), Page.Height());
+    if (Views[Index]->Handle() != nullptr) Views[Index]->Move(0, 0, Page.ScaleWidth(), Page.ScaleHeight());
 } catch (...) {
     ReportError(Module, L"picLeft_Resize");
 }
 
 void frmSQLEditor::picRight_Resize() try {
-    if (rtbSQL.Handle() != nullptr) rtbSQL.Move(0, 0, picRight.Width(), picRight.Height());
+    if (rtbSQL.Handle() != nullptr) rtbSQL.Move(0, 0, picRight.ScaleWidth(), picRight.ScaleHeight());
 } catch (...) {
     ReportError(Module, L"picRight_Resize");
 }

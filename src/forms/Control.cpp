@@ -59,6 +59,18 @@ UINT Control::Dpi() const noexcept {
     return DpiOf(handle_);
 }
 
+float Control::ScaleWidth() const noexcept {
+    RECT client{};
+    GetClientRect(handle_, &client);
+    return PixelsToTwips(client.right, Dpi());
+}
+
+float Control::ScaleHeight() const noexcept {
+    RECT client{};
+    GetClientRect(handle_, &client);
+    return PixelsToTwips(client.bottom, Dpi());
+}
+
 void Control::Move(float left, float top, float width, float height) {
     left_ = left;
     top_ = top;

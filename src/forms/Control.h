@@ -40,6 +40,9 @@ public:
     float Top() const noexcept { return top_; }
     float Width() const noexcept { return width_; }
     float Height() const noexcept { return height_; }
+    // Inside the borders, as the pixels make it.
+    float ScaleWidth() const noexcept;
+    float ScaleHeight() const noexcept;
     // Raises Resize when the size in pixels changes.
     void Move(float left, float top, float width, float height);
     void SetLeft(float left) { Move(left, top_, width_, height_); }
