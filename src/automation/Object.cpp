@@ -46,6 +46,12 @@ VARIANT Argument::Passed() noexcept {
     return passed;
 }
 
+VARIANT Argument::PassedByValue() noexcept {
+    VARIANT passed;
+    std::memcpy(&passed, static_cast<const VARIANT*>(reference_ != nullptr ? &reference_->Storage : &value_), sizeof passed);
+    return passed;
+}
+
 void Argument::WriteBack() {
     if (reference_ != nullptr) reference_->Assign(reference_->Storage);
 }
@@ -84,17 +90,20 @@ Argument ByRef(Object& variable) {
 
 namespace {
 
+bool IsScriptObject(IDispatch* object) noexcept {
+    IDispatchEx* script = nullptr;
+    if (FAILED(object->QueryInterface(__uuidof(IDispatchEx), reinterpret_cast<void**>(&script)))) return false;
+    script->Release();
+    return true;
+}
+
 // Whether a script object refused to call what is no function: it says so, or that it has told its own host already, or, under
 // Wine, just that it failed.
 bool IsRefusedCall(IDispatch* object, HRESULT result, const EXCEPINFO& exception) noexcept {
     constexpr HRESULT FunctionExpected = MAKE_HRESULT(SEVERITY_ERROR, FACILITY_CONTROL, 5002);
     constexpr HRESULT AlreadyReported = static_cast<HRESULT>(0x80020101);
     if (result == DISP_E_EXCEPTION && exception.wCode == 0) result = exception.scode;
-    if (result != FunctionExpected && result != AlreadyReported && result != E_FAIL) return false;
-    IDispatchEx* script = nullptr;
-    if (FAILED(object->QueryInterface(__uuidof(IDispatchEx), reinterpret_cast<void**>(&script)))) return false;
-    script->Release();
-    return true;
+    return (result == FunctionExpected || result == AlreadyReported || result == E_FAIL) && IsScriptObject(object);
 }
 
 }  // namespace
@@ -241,6 +250,13 @@ Variant Object::Invoke(const wchar_t* member, WORD flags, Argument* arguments, s
         exception = {};
         VariantInit(&raw);
         result = state->Invoke(id, DISPATCH_PROPERTYGET, parameters, &raw, exception);
+    }
+    if (result == E_NOTIMPL && IsScriptObject(state->Dispatch)) {
+        // JScript under Wine takes no argument by reference, and says so before it calls anything. It could not write to one
+        // in any case: the language has no such arguments.
+        for (size_t at = 0; at < count; ++at) passed[count - 1 - at] = arguments[at].PassedByValue();
+        VariantInit(&raw);
+        result = state->Invoke(id, flags, parameters, &raw, exception);
     }
     // Beside a failure a callee may have left anything in the result: then it is not ours to free.
     if (FAILED(result)) throw ErrorFromHresult(result, &exception);

@@ -35,6 +35,8 @@ private:
     explicit Argument(std::unique_ptr<Reference> reference) noexcept;
     // What goes into DISPPARAMS: owned by this argument for the time of the call.
     VARIANT Passed() noexcept;
+    // The same with the contents of a reference in its place.
+    VARIANT PassedByValue() noexcept;
     // After a call that succeeded: what the callee left goes into the caller's variable.
     void WriteBack();
 
