@@ -97,6 +97,8 @@ protected:
 
     // ---- Layout (editor/frmSQLEditor_Layout.cpp)
     void Form_Resize() override;
+    float MinimumWidth() const override;
+    float MinimumHeight() const override;
 
 private:
     // ---- Lifecycle

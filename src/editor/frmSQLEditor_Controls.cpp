@@ -182,10 +182,15 @@ void frmSQLEditor::CreateControls() {
     imgSplitterV.MouseMove = [this](int B, int S, float X, float Y) { imgSplitterV_MouseMove(B, S, X, Y); };
     imgSplitterV.MouseUp = [this](int B, int S, float X, float Y) { imgSplitterV_MouseUp(B, S, X, Y); };
     picSplitterV.SetBackColor(COLOR_3DSHADOW);
+    constexpr int Edge = 2;  // the width of a sunken border, which has no use for the mouse
+    picRight.SetMouseEdges(Edge, 0);
+    rtbSQL.SetMouseEdges(Edge, 0);
+    for (PictureBox& Page : picLeft) Page.SetMouseEdges(0, Edge);
+    trvDBObjects.SetMouseEdges(0, Edge);
+    lstAnsiSQL.SetMouseEdges(0, Edge);
+    trvDatabaseSpecific.SetMouseEdges(0, Edge);
+    lstKolvex.SetMouseEdges(0, Edge);
 
-    // In front of the tab button whose right end it takes.
-    picHide.BringToFront();
-    picUnhide.BringToFront();
     imgSplitterV.Move(FirstSplit, 0, 0, 0);
     picSplitterV.Move(FirstSplit, 0, 0, 0);
 }
@@ -193,9 +198,7 @@ void frmSQLEditor::CreateControls() {
 void frmSQLEditor::FontsChanged() {
     const HFONT Font = MessageFont();
     tlbToolbar.SetFont(Font);
-    for (size_t At = 0; At < cmdLeft.size(); ++At) {
-        cmdLeft[At].SetFont(static_cast<short>(At) == activeView_ ? BoldFont() : Font);
-    }
+    for (CommandButton& Button : cmdLeft) Button.SetFont(Font);
     trvDBObjects.SetFont(Font);
     lstAnsiSQL.SetFont(Font);
     trvDatabaseSpecific.SetFont(Font);

@@ -9,8 +9,8 @@ namespace {
 
 constexpr const wchar_t* Module = L"frmSQLEditor";
 
-constexpr float MinimumWidth = 3000;
-constexpr float MinimumHeight = 4000;
+constexpr float LeastWidth = 3000;
+constexpr float LeastHeight = 4000;
 constexpr float SplitLimit = 500;       // how near to either side the splitter can be dragged
 constexpr float CollapsedSplit = 20;    // the split position that stands for a collapsed left pane
 constexpr float CollapsedBelow = 100;   // a left pane that is no wider counts as collapsed
@@ -19,16 +19,25 @@ constexpr float Margin = 50;            // from the window's sides
 constexpr float SplitterWidth = 40;     // between the panes
 constexpr float TabHeight = 300;
 constexpr float Gap = 20;
+constexpr float CollapseHeight = 200;
 constexpr int TabCount = 4;
 
 }  // namespace
+
+float frmSQLEditor::MinimumWidth() const {
+    return LeastWidth;
+}
+
+float frmSQLEditor::MinimumHeight() const {
+    return LeastHeight;
+}
 
 void frmSQLEditor::Form_Resize() try {
     if (WindowState() == State::Minimized) return;
     // Compared in pixels: a minimum that is no whole number of them is reached all the same.
     const UINT dpi = Dpi();
-    if (TwipsToPixels(Width(), dpi) < TwipsToPixels(MinimumWidth, dpi)) SetWidth(MinimumWidth);
-    if (TwipsToPixels(Height(), dpi) < TwipsToPixels(MinimumHeight, dpi)) SetHeight(MinimumHeight);
+    if (TwipsToPixels(Width(), dpi) < TwipsToPixels(LeastWidth, dpi)) SetWidth(LeastWidth);
+    if (TwipsToPixels(Height(), dpi) < TwipsToPixels(LeastHeight, dpi)) SetHeight(LeastHeight);
     m_SizeControls();
 } catch (...) {
     ReportError(Module, L"Form_Resize");
@@ -49,9 +58,9 @@ void frmSQLEditor::m_SizeControls() try {
     if (sbStatusBar.Visible()) Bottom -= sbStatusBar.Arrange();
     const float PaneHeight = std::max(Bottom - Top, 0.0F);
 
-    // The description gets the height that it was drawn for, five lines, and less in a low window.
-    const float Line = lblDescription.HeightFor(100000);
-    const float LabelHeight = std::min(5 * Line, PaneHeight / 4);
+    // The description gets the height that it was drawn for, five lines, and less in a low window. The collapse button has the
+    // line under it.
+    const float LabelHeight = std::min(5 * lblDescription.LineHeight() + CollapseHeight, PaneHeight / 4);
     const float PageHeight = std::max(PaneHeight - TabCount * TabHeight - (TabCount + 3) * Gap - LabelHeight, 0.0F);
 
     float Y = Top + Gap;
@@ -64,15 +73,15 @@ void frmSQLEditor::m_SizeControls() try {
             Y += PageHeight + Gap;
         }
     }
-    lblDescription.Move(Margin, Y, LeftWidth, std::max(Bottom - Gap - Y, 0.0F));
+    lblDescription.Move(Margin, Y, LeftWidth, std::max(Bottom - CollapseHeight - Y, 0.0F));
     for (CommandButton& Button : cmdLeft) Button.SetVisible(Shown);
     for (PictureBox& Page : picLeft) Page.SetVisible(Shown);
     lblDescription.SetVisible(Shown);
 
-    // The grip lies under the panes and shows in the gap between them. It keeps the split position; the bar keeps what was
+    // The grip lies under the panes and shows in the gap between them; their borders let the mouse through to it. It keeps the split position; the bar keeps what was
     // asked for, so that a window that grows again gives the left pane back what it had.
-    imgSplitterV.Move(LeftWidth, Top, Margin + SplitterWidth, PaneHeight);
-    picHide.Move(Margin + LeftWidth - TabHeight, Top + Gap, TabHeight, TabHeight);
+    imgSplitterV.Move(LeftWidth, Top, Margin + SplitterWidth + Margin, PaneHeight);
+    picHide.Move(Margin + LeftWidth - TabHeight, Bottom - CollapseHeight, TabHeight, CollapseHeight - Gap);
     picHide.SetVisible(Shown);
     picUnhide.Move(0, Top, Margin + LeftWidth, PaneHeight);
     picUnhide.SetVisible(!Shown);
@@ -88,7 +97,7 @@ void frmSQLEditor::cmdLeft_Click(int Index) try {
         const auto At = static_cast<size_t>(Other);
         // The pages behind are still visible; disabled, they keep the Tab key out.
         picLeft[At].SetEnabled(Other == Index);
-        cmdLeft[At].SetFont(Other == Index ? BoldFont() : MessageFont());
+        cmdLeft[At].SetPressed(Other == Index);
         if (Other != Index) picLeft[At].SendToBack();
     }
     // In front of the other pages, and behind its button for the Tab key.

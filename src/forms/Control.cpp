@@ -138,6 +138,11 @@ void Control::SetWindowCaption(const std::wstring& text) {
     Events::Rethrow();
 }
 
+void Control::SetMouseEdges(int left, int right) noexcept {
+    leftEdge_ = left;
+    rightEdge_ = right;
+}
+
 LRESULT Control::Send(UINT message, WPARAM wParam, LPARAM lParam) const {
     const LRESULT result = SendMessageW(handle_, message, wParam, lParam);
     Events::Rethrow();
@@ -190,6 +195,14 @@ void Control::RaiseMouse(const MouseEvent& event, int button, WPARAM wParam, LPA
 
 LRESULT Control::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
     switch (message) {
+        case WM_NCHITTEST:
+            if (leftEdge_ > 0 || rightEdge_ > 0) {
+                RECT bounds;
+                GetWindowRect(handle_, &bounds);
+                const int x = GET_X_LPARAM(lParam);
+                if (x < bounds.left + leftEdge_ || x >= bounds.right - rightEdge_) return HTTRANSPARENT;
+            }
+            break;
         case WM_LBUTTONDOWN:
         case WM_LBUTTONDBLCLK:
             RaiseMouse(MouseDown, MouseButton::Left, wParam, lParam);

@@ -64,6 +64,10 @@ public:
     std::wstring WindowCaption() const;
     void SetWindowCaption(const std::wstring& text);
 
+    // The mouse goes through these edges, in pixels, to what lies under the control: a grip that is narrower than a hand is
+    // steady reaches under its neighbours.
+    void SetMouseEdges(int left, int right) noexcept;
+
     Event Click;
     Event Resize;
     Event GotFocus;
@@ -105,4 +109,6 @@ private:
     float width_ = 0;
     float height_ = 0;
     bool visible_ = true;
+    int leftEdge_ = 0;
+    int rightEdge_ = 0;
 };

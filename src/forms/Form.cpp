@@ -2,6 +2,8 @@
 
 #include <ole2.h>
 
+#include <algorithm>
+
 #include "automation/App.h"
 #include "automation/RuntimeError.h"
 #include "forms/Container.h"
@@ -39,7 +41,13 @@ UINT Form::Dpi() const noexcept {
 }
 
 void Form::Load() {
-    if (loaded_) return;
+    if (loaded_) {
+        // The messages of a window come to its own thread alone: shown from another one it would never answer.
+        if (handle_ != nullptr && GetWindowThreadProcessId(handle_, nullptr) != GetCurrentThreadId()) {
+            CheckHresult(RPC_E_WRONG_THREAD);
+        }
+        return;
+    }
     // Set first: a load that fails is not run again, and what it touches finds the window loaded.
     loaded_ = true;
     const Surroundings surroundings;
@@ -72,19 +80,16 @@ void Form::Load() {
 }
 
 void Form::MakeFonts() {
-    LOGFONTW font = MetricsFor(Dpi()).lfMessageFont;
-    // The controls still show the former fonts: those go when the controls have the new ones.
-    formerFonts_[0] = std::move(messageFont_);
-    formerFonts_[1] = std::move(boldFont_);
-    messageFont_.reset(CreateFontIndirectW(&font));
-    font.lfWeight = FW_BOLD;
-    boldFont_.reset(CreateFontIndirectW(&font));
+    const NONCLIENTMETRICSW metrics = MetricsFor(Dpi());
+    // The controls still show the former font: it goes when they have the new one.
+    formerFont_ = std::move(messageFont_);
+    messageFont_.reset(CreateFontIndirectW(&metrics.lfMessageFont));
 }
 
 void Form::RenewFonts() {
     MakeFonts();
     FontsChanged();
-    for (FontHandle& font : formerFonts_) font.reset();
+    formerFont_.reset();
 }
 
 RECT Form::Bounds() const noexcept {
@@ -235,6 +240,11 @@ bool Form::Navigate(const MSG& message) {
     const bool ctrl = GetKeyState(VK_CONTROL) < 0;
     const bool back = GetKeyState(VK_SHIFT) < 0;
     const bool tab = message.wParam == VK_TAB && GetKeyState(VK_MENU) >= 0;
+    if (message.wParam == VK_RETURN &&
+        (SendMessageW(message.hwnd, WM_GETDLGCODE, 0, 0) & (DLGC_UNDEFPUSHBUTTON | DLGC_DEFPUSHBUTTON)) != 0) {
+        SendMessageW(message.hwnd, BM_CLICK, 0, 0);
+        return true;
+    }
     // F6 goes from pane to pane in every program of Windows; Ctrl+Tab leaves controls that take the Tab key for themselves.
     if (!(tab || (message.wParam == VK_F6 && !ctrl))) return false;
     if (tab && !ctrl && (SendMessageW(message.hwnd, WM_GETDLGCODE, VK_TAB, 0) & (DLGC_WANTTAB | DLGC_WANTALLKEYS)) != 0 &&
@@ -291,6 +301,13 @@ LRESULT Form::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
         case WM_SIZE:
             if (ready_) Form_Resize();
             return 0;
+        case WM_GETMINMAXINFO: {
+            auto& limits = *reinterpret_cast<MINMAXINFO*>(lParam);
+            const UINT dpi = Dpi();
+            limits.ptMinTrackSize.x = std::max<LONG>(limits.ptMinTrackSize.x, TwipsToPixels(MinimumWidth(), dpi));
+            limits.ptMinTrackSize.y = std::max<LONG>(limits.ptMinTrackSize.y, TwipsToPixels(MinimumHeight(), dpi));
+            return 0;
+        }
         case WM_CLOSE:
             Unload();
             return 0;

@@ -57,13 +57,15 @@ protected:
     virtual void Form_Activate() = 0;
     virtual void Form_Resize() = 0;
     virtual void Form_Unload(bool& cancel) = 0;
+    // The least width and height in twips that the user can give the window; 0: no limit of the form's own.
+    virtual float MinimumWidth() const { return 0; }
+    virtual float MinimumHeight() const { return 0; }
     // The fonts were made, or made anew because the dots per inch changed.
     virtual void FontsChanged() = 0;
     // A key before it goes to the control that has the focus. True: it is swallowed.
     virtual bool KeyPreview(MSG& message);
 
     HFONT MessageFont() const noexcept { return messageFont_.get(); }  // the system's dialog font
-    HFONT BoldFont() const noexcept { return boldFont_.get(); }        // the same, bold
     MenuBar Menus{100};
     void DrawMenuBar() const noexcept { ::DrawMenuBar(handle_); }
 
@@ -84,8 +86,7 @@ private:
     std::vector<HWND> disabled_;
     HWND previousActive_ = nullptr;
     FontHandle messageFont_;
-    FontHandle boldFont_;
-    FontHandle formerFonts_[2];
+    FontHandle formerFont_;
     ModuleLock lock_;
     bool loaded_ = false;
     bool ready_ = false;  // Form_Load is over: sizes are laid out from here on

@@ -21,6 +21,16 @@ void Label::SetFont(HFONT font) {
     Control::SetFont(font);
 }
 
+float Label::LineHeight() const {
+    const HDC context = GetDC(Handle());
+    const HGDIOBJ previous = SelectObject(context, font_);
+    TEXTMETRICW metrics{};
+    GetTextMetricsW(context, &metrics);
+    SelectObject(context, previous);
+    ReleaseDC(Handle(), context);
+    return PixelsToTwips(metrics.tmHeight, Dpi());
+}
+
 float Label::HeightFor(float width) const {
     const UINT dpi = Dpi();
     RECT area{0, 0, TwipsToPixels(width, dpi), 0};

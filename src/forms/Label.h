@@ -12,6 +12,7 @@ public:
     void SetCaption(const std::wstring& caption);
     // The height in twips that the caption takes at that width, in the label's font.
     float HeightFor(float width) const;
+    float LineHeight() const;  // twips
     void SetFont(HFONT font) override;
 
 protected:
