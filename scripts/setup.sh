@@ -115,10 +115,11 @@ build_project() {
 
 # --- Wine -------------------------------------------------------------------------------------------------------------
 
-# Environment for every Windows program: the prefix of this project (or the caller's), quiet, with ODBC of this project.
+# Environment for every Windows program: a prefix of this project, quiet, with ODBC of this project. WINEPREFIX of the
+# user is not looked at: that is where the user's own programs live.
 wine_environment() {
-    export WINEPREFIX=${WINEPREFIX:-$BRV_BUILD/wine32}
-    export WINEARCH=${WINEARCH:-win32}
+    export WINEPREFIX=${BRV_PREFIX:-$BRV_BUILD/wine32-test}
+    export WINEARCH=win32
     export WINEDEBUG=${WINEDEBUG:--all}
     # No questions about Mono and Gecko, no entries in the desktop's menus.
     export WINEDLLOVERRIDES=${WINEDLLOVERRIDES:-mscoree,mshtml=;winemenubuilder.exe=d}
@@ -154,6 +155,10 @@ make_odbc() {
 make_prefix() {
     make_odbc
     [ -f "$WINEPREFIX/.made" ] && return 0
+    case $WINEPREFIX/ in
+        "$BRV_BUILD"/*) ;;
+        *) [ ! -e "$WINEPREFIX" ] || die "$WINEPREFIX exists and was not made by this project" ;;
+    esac
     mkdir -p "$(dirname "$WINEPREFIX")" "$BRV_LOGS"
     (
         flock -w 300 7 || exit 1
@@ -176,27 +181,41 @@ make_prefix() {
     ) 7>"$WINEPREFIX.lock" || return 1
 }
 
-# Takes a share in the prefix, so that the last one to leave may end its server. File descriptor 9 must not reach Wine:
-# the server would keep the share for ever.
+# enter_prefix NAME [NAME...]: takes the first of these prefixes below build/ that no other command uses, by a lock on file
+# descriptor 9, makes it if need be, and starts its server. Descriptor 9 must not reach Wine, whose server would keep the lock. The display
+# must be there before: Wine's desktop keeps the one that it was started with.
 enter_prefix() {
-    exec 9>"$WINEPREFIX.users"
-    flock -s -w 60 9 || die "another command keeps the Wine prefix $WINEPREFIX"
+    local name
+    for name in "$@"; do
+        mkdir -p "$BRV_BUILD"
+        exec 9>"$BRV_BUILD/$name.used"
+        flock -n 9 && break
+        exec 9>&-
+        name=
+    done
+    [ -n "$name" ] || die "other commands use the Wine prefixes of this folder: $*"
+    BRV_PREFIX=$BRV_BUILD/$name
+    wine_environment
+    make_prefix || exit 1
+    # Left over by a command that was killed.
+    timeout 30 wineserver -k 9>&- >/dev/null 2>&1
     # One server for all programs to come: each start from nothing costs seconds.
-    [ ! -x "$(command -v wineserver)" ] || timeout 30 wineserver -p300 9>&- 8>&- >/dev/null 2>&1
+    timeout 30 wineserver -p300 9>&- >/dev/null 2>&1
+    BRV_ENTERED=1
 }
 
-# Ends the programs and the server of the prefix, unless another command of this project still uses it.
+# Ends the programs and the server of the prefix.
 leave_prefix() {
-    if flock -x -n 9 2>/dev/null; then
-        timeout 30 wineserver -k 9>&- >/dev/null 2>&1
-        timeout 30 wineserver -w 9>&- >/dev/null 2>&1
-    fi
+    [ -n "${BRV_ENTERED:-}" ] || return 0
+    BRV_ENTERED=
+    timeout 30 wineserver -k 9>&- >/dev/null 2>&1
+    timeout 30 wineserver -w 9>&- >/dev/null 2>&1
     exec 9>&-
 }
 
 # run_wine PROGRAM ARGUMENTS...: a Windows program that gets neither our locks nor a terminal, which would make Wine draw
 # a console of its own on it.
-run_wine() { wine "$@" </dev/null 9>&- 8>&-; }
+run_wine() { wine "$@" </dev/null 9>&-; }
 
 # Registers the in-process servers for the prefix when one of them is newer than the last time.
 register_servers() {
@@ -210,10 +229,8 @@ register_servers() {
     for server in "${BRV_SERVERS[@]}"; do
         file=$BRV_BIN/$server
         [ -f "$file" ] || continue
-        (
-            run_wine() { timeout -k 5 60 wine "$@" </dev/null 9>&- 8>&-; }
-            run_wine regsvr32 /s "$(windows_path "$file")"
-        ) >/dev/null 2>&1 || die "regsvr32 could not register $server (result $?)"
+        timeout -k 5 60 wine regsvr32 /s "$(windows_path "$file")" </dev/null >/dev/null 2>&1 9>&- ||
+            die "regsvr32 could not register $server (result $?)"
     done
     printf '%s' "$BRV_BIN" >"$stamp"
 }
@@ -242,7 +259,7 @@ start_display() {
     local number="" file tries=0
     mkdir -p "$BRV_LOGS"
     file=$(mktemp "$BRV_LOGS/display.XXXXXX")
-    Xvfb -displayfd 3 -screen 0 1280x1024x24 -nolisten tcp -noreset 3>"$file" >"$BRV_LOGS/xvfb.log" 2>&1 </dev/null 9>&- 8>&- &
+    Xvfb -displayfd 3 -screen 0 1280x1024x24 -nolisten tcp -noreset 3>"$file" >"$BRV_LOGS/xvfb.log" 2>&1 </dev/null 9>&- &
     BRV_XVFB=$!
     while [ -z "$number" ] && [ $tries -lt 100 ] && kill -0 "$BRV_XVFB" 2>/dev/null; do
         sleep 0.1
@@ -256,7 +273,7 @@ start_display() {
     fi
     export DISPLAY=:$number
     unset XAUTHORITY WAYLAND_DISPLAY
-    XDG_CONFIG_HOME=$BRV_BUILD/xdg openbox --sm-disable >"$BRV_LOGS/openbox.log" 2>&1 </dev/null 9>&- 8>&- &
+    XDG_CONFIG_HOME=$BRV_BUILD/xdg openbox --sm-disable >"$BRV_LOGS/openbox.log" 2>&1 </dev/null 9>&- &
     BRV_OPENBOX=$!
     # Windows placed before the manager runs would be moved by it.
     for tries in $(seq 50); do
