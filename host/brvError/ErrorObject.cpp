@@ -1,0 +1,104 @@
+#include "host/brvError/ErrorObject.h"
+
+#include <windows.h>
+
+#include "automation/DynamicObject.h"
+#include "automation/RuntimeError.h"
+#include "host/brvError/EventLog.h"
+
+namespace {
+
+struct State {
+    std::wstring Title = L"brvError";
+    std::wstring Version;
+    bool DisplayAlerts = true;
+
+    State() {
+        wchar_t off[4]{};
+        DisplayAlerts = !(GetEnvironmentVariableW(L"BRVERROR_ALERTS", off, 4) == 1 && off[0] == L'0');
+    }
+    std::wstring Program() const { return Version.empty() ? Title : Title + L" " + Version; }
+};
+
+// A value as text; what has none is the empty text.
+std::wstring TextFrom(const Variant& value) noexcept {
+    try {
+        return value.IsNull() || value.IsEmpty() || value.IsMissing() || value.IsNothing() ? std::wstring() : value.ToText();
+    } catch (...) {
+        return {};
+    }
+}
+
+std::wstring Member(const Object& object, const wchar_t* name) noexcept {
+    try {
+        return object ? TextFrom(object.Get(name)) : std::wstring();
+    } catch (...) {
+        return {};
+    }
+}
+
+Object ObjectFrom(const Variant& value) noexcept {
+    try {
+        return value.IsObject() ? value.ToObject() : Object();
+    } catch (...) {
+        return {};
+    }
+}
+
+void Show(const std::wstring& message, const std::wstring& title, UINT icon) {
+    // Owned by the window that the user works in: one that is not would lie under a topmost window.
+    MessageBoxW(GetActiveWindow(), message.c_str(), title.c_str(), MB_OK | icon);
+}
+
+void ErrorMessage(const State& state, const Arguments& arguments) {
+    const std::wstring module = TextFrom(arguments[0]);
+    const std::wstring routine = TextFrom(arguments[1]);
+    const Object error = ObjectFrom(arguments[2]);
+    const std::wstring number = Member(error, L"Number");
+    const std::wstring source = Member(error, L"Source");
+    const std::wstring description = Member(error, L"Description");
+    EventLog(state.Title)
+        .Append({state.Program(), module, routine, number, source, description, TextFrom(arguments[3]),
+                 TextFrom(arguments[4]), Member(error, L"LastDllError"), Member(error, L"HelpFile"),
+                 Member(error, L"HelpContext")});
+    if (!state.DisplayAlerts) return;
+    std::wstring text = description.empty() ? std::wstring(L"An error occurred that has no description.") : description;
+    text += L"\r\n\r\nIn " + module + L"." + routine;
+    text += L" (number " + number + (source.empty() ? std::wstring() : L", source " + source) + L")";
+    Show(text, state.Title, MB_ICONWARNING);
+}
+
+}  // namespace
+
+Object MakeErrorComponent() {
+    const auto state = std::make_shared<State>();
+    auto* made = new DynamicObject;
+    const Object held = Object::Attach(made);
+    made->Define(L"Constructor", [state](const Arguments& arguments) {
+        const std::wstring title = TextFrom(arguments[0]);
+        if (!title.empty()) state->Title = title;
+        state->Version.clear();
+        for (size_t at = 1; at <= 3; ++at) {
+            const std::wstring part = TextFrom(arguments[at]);
+            if (!part.empty()) state->Version += (state->Version.empty() ? L"" : L".") + part;
+        }
+        return Variant();
+    });
+    made->Define(L"Alert", [state](const Arguments& arguments) {
+        const std::wstring title = TextFrom(arguments[1]);
+        Show(TextFrom(arguments[0]), title.empty() ? state->Title : title, MB_ICONINFORMATION);
+        return Variant();
+    });
+    made->Define(L"LogEvent", [state](const Arguments& arguments) {
+        EventLog(state->Title).Append({state->Program(), L"", L"", L"", L"", TextFrom(arguments[0])});
+        return Variant();
+    });
+    made->Define(L"ErrorMessage", [state](const Arguments& arguments) {
+        ErrorMessage(*state, arguments);
+        return Variant();
+    });
+    made->Define(L"DisplayAlerts", [state](const Arguments&) { return Variant(state->DisplayAlerts); });
+    made->DefineLet(L"DisplayAlerts", [state](const Variant& value) { state->DisplayAlerts = value.ToBoolean(); });
+    made->Define(L"LogFile", [state](const Arguments&) { return Variant(EventLog(state->Title).FileName()); });
+    return held;
+}

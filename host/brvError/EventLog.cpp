@@ -1,0 +1,105 @@
+#include "host/brvError/EventLog.h"
+
+#include <windows.h>
+#include <shlobj.h>
+
+#include <cstdio>
+
+namespace {
+
+constexpr LONGLONG RotateBeyond = 1024 * 1024;  // bytes
+
+std::wstring Environment(const wchar_t* name) {
+    const DWORD length = GetEnvironmentVariableW(name, nullptr, 0);
+    if (length == 0) return {};
+    std::wstring value(length, L'\0');
+    value.resize(GetEnvironmentVariableW(name, value.data(), length));
+    return value;
+}
+
+// A folder's or file's name made of a title: what file names cannot hold becomes a line.
+std::wstring SafeName(std::wstring title) {
+    for (wchar_t& unit : title) {
+        if (unit < L' ' || std::wstring(L"\\/:*?\"<>|").find(unit) != std::wstring::npos) unit = L'_';
+    }
+    while (!title.empty() && (title.back() == L'.' || title.back() == L' ')) title.pop_back();
+    return title.empty() ? L"brvError" : title;
+}
+
+std::wstring Escaped(const std::wstring& text) {
+    std::wstring result;
+    result.reserve(text.size());
+    for (const wchar_t unit : text) {
+        switch (unit) {
+            case L'\\': result += L"\\\\"; break;
+            case L'\r': result += L"\\r"; break;
+            case L'\n': result += L"\\n"; break;
+            case L'\t': result += L"\\t"; break;
+            default:
+                // The line and paragraph separators end a line in some editors.
+                if (unit < L' ' || unit == 0x7F || (unit >= 0x80 && unit < 0xA0) || unit == 0x2028 || unit == 0x2029) {
+                    wchar_t code[8];
+                    swprintf(code, 8, L"\\u%04X", static_cast<unsigned>(unit));
+                    result += code;
+                } else {
+                    result += unit;
+                }
+        }
+    }
+    return result;
+}
+
+std::string Utf8(const std::wstring& text) {
+    if (text.empty()) return {};
+    const int length = WideCharToMultiByte(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), nullptr, 0, nullptr, nullptr);
+    std::string bytes(static_cast<size_t>(length), '\0');
+    WideCharToMultiByte(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), bytes.data(), length, nullptr, nullptr);
+    return bytes;
+}
+
+std::wstring Now() {
+    SYSTEMTIME time;
+    GetLocalTime(&time);
+    wchar_t text[32];
+    swprintf(text, 32, L"%04u-%02u-%02uT%02u:%02u:%02u.%03u", time.wYear, time.wMonth, time.wDay, time.wHour, time.wMinute,
+             time.wSecond, time.wMilliseconds);
+    return text;
+}
+
+}  // namespace
+
+EventLog::EventLog(const std::wstring& title) : fileName_(Environment(L"BRVERROR_LOG")) {
+    if (!fileName_.empty()) return;
+    wchar_t folder[MAX_PATH];
+    if (FAILED(SHGetFolderPathW(nullptr, CSIDL_LOCAL_APPDATA, nullptr, SHGFP_TYPE_CURRENT, folder))) return;
+    fileName_ = std::wstring(folder) + L"\\" + SafeName(title) + L"\\events.log";
+}
+
+bool EventLog::Append(std::initializer_list<std::wstring> fields) const noexcept try {
+    if (fileName_.empty()) return false;
+    std::wstring line = Now();
+    for (const std::wstring& field : fields) line += L'\t' + Escaped(field);
+    const std::string bytes = Utf8(line) + "\r\n";
+
+    const size_t folderEnd = fileName_.find_last_of(L"\\/");
+    if (folderEnd != std::wstring::npos) CreateDirectoryW(fileName_.substr(0, folderEnd).c_str(), nullptr);
+    WIN32_FILE_ATTRIBUTE_DATA present;
+    if (GetFileAttributesExW(fileName_.c_str(), GetFileExInfoStandard, &present) &&
+        ((static_cast<LONGLONG>(present.nFileSizeHigh) << 32) | present.nFileSizeLow) > RotateBeyond) {
+        const size_t dot = fileName_.find_last_of(L'.');
+        const bool extended = dot != std::wstring::npos && (folderEnd == std::wstring::npos || dot > folderEnd);
+        const std::wstring older =
+            extended ? fileName_.substr(0, dot) + L".1" + fileName_.substr(dot) : fileName_ + L".1";
+        MoveFileExW(fileName_.c_str(), older.c_str(), MOVEFILE_REPLACE_EXISTING);
+    }
+    // Append access and one write: entries of several processes stand behind each other whole.
+    const HANDLE file = CreateFileW(fileName_.c_str(), FILE_APPEND_DATA, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                                    nullptr, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (file == INVALID_HANDLE_VALUE) return false;
+    DWORD written = 0;
+    const BOOL done = WriteFile(file, bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr);
+    CloseHandle(file);
+    return done != FALSE && written == bytes.size();
+} catch (...) {
+    return false;
+}
