@@ -273,7 +273,7 @@ start_display() {
     fi
     export DISPLAY=:$number
     unset XAUTHORITY WAYLAND_DISPLAY
-    XDG_CONFIG_HOME=$BRV_BUILD/xdg openbox --sm-disable >"$BRV_LOGS/openbox.log" 2>&1 </dev/null 9>&- &
+    XDG_CONFIG_HOME=$BRV_BUILD/xdg XDG_CACHE_HOME=$BRV_BUILD/xdg openbox --sm-disable >"$BRV_LOGS/openbox.log" 2>&1 </dev/null 9>&- &
     BRV_OPENBOX=$!
     # Windows placed before the manager runs would be moved by it.
     for tries in $(seq 50); do
