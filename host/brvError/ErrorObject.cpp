@@ -2,6 +2,8 @@
 
 #include <windows.h>
 
+#include <memory>
+
 #include "automation/DynamicObject.h"
 #include "automation/RuntimeError.h"
 #include "host/brvError/EventLog.h"
@@ -9,7 +11,7 @@
 namespace {
 
 struct State {
-    std::wstring Title = L"brvError";
+    std::wstring Title = L"brvError";  // until Constructor was called
     std::wstring Version;
     bool DisplayAlerts = true;
 
@@ -45,9 +47,34 @@ Object ObjectFrom(const Variant& value) noexcept {
     }
 }
 
+// What fits on a screen, without the NUL characters, which would end the text.
+std::wstring Shown(std::wstring text) {
+    constexpr size_t Most = 2000;
+    if (text.size() > Most) text = text.substr(0, Most) + L"...";
+    for (wchar_t& unit : text) {
+        if (unit == L'\0') unit = L' ';
+    }
+    return text;
+}
+
 void Show(const std::wstring& message, const std::wstring& title, UINT icon) {
-    // Owned by the window that the user works in: one that is not would lie under a topmost window.
-    MessageBoxW(GetActiveWindow(), message.c_str(), title.c_str(), MB_OK | icon);
+    // Owned by the window that the user works in: one that is not would lie under a topmost window. While the user works in
+    // another program there is no such window; the box then keeps the thread's windows waiting and lies above them by itself.
+    const HWND owner = GetActiveWindow();
+    const UINT placed = owner != nullptr ? 0 : MB_TASKMODAL | MB_TOPMOST | MB_SETFOREGROUND;
+    MessageBoxW(owner, Shown(message).c_str(), Shown(title).c_str(), MB_OK | icon | placed);
+}
+
+// "In module.routine (number 5, source x)", of which any part may be missing.
+std::wstring Origin(const std::wstring& module, const std::wstring& routine, const std::wstring& number,
+                    const std::wstring& source) {
+    std::wstring place = module;
+    if (!module.empty() && !routine.empty()) place += L".";
+    place += routine;
+    std::wstring details = number.empty() ? std::wstring() : L"number " + number;
+    if (!source.empty()) details += (details.empty() ? L"source " : L", source ") + source;
+    if (place.empty()) place = L"an unnamed place";
+    return L"In " + place + (details.empty() ? std::wstring() : L" (" + details + L")");
 }
 
 void ErrorMessage(const State& state, const Arguments& arguments) {
@@ -63,8 +90,7 @@ void ErrorMessage(const State& state, const Arguments& arguments) {
                  Member(error, L"HelpContext")});
     if (!state.DisplayAlerts) return;
     std::wstring text = description.empty() ? std::wstring(L"An error occurred that has no description.") : description;
-    text += L"\r\n\r\nIn " + module + L"." + routine;
-    text += L" (number " + number + (source.empty() ? std::wstring() : L", source " + source) + L")";
+    text = Shown(text) + L"\r\n\r\n" + Origin(module, routine, number, source);
     Show(text, state.Title, MB_ICONWARNING);
 }
 
@@ -85,8 +111,14 @@ Object MakeErrorComponent() {
         return Variant();
     });
     made->Define(L"Alert", [state](const Arguments& arguments) {
+        const std::wstring message = TextFrom(arguments[0]);
         const std::wstring title = TextFrom(arguments[1]);
-        Show(TextFrom(arguments[0]), title.empty() ? state->Title : title, MB_ICONINFORMATION);
+        if (state->DisplayAlerts) {
+            Show(message, title.empty() ? state->Title : title, MB_ICONINFORMATION);
+        } else {
+            // Nobody is there to close a box: what could not be shown is kept.
+            EventLog(state->Title).Append({state->Program(), L"", L"", L"", L"", message});
+        }
         return Variant();
     });
     made->Define(L"LogEvent", [state](const Arguments& arguments) {

@@ -12,7 +12,8 @@ public:
 
     const std::wstring& FileName() const noexcept { return fileName_; }
     // Appends an entry: the time and then the fields. Tabs, line ends and other control characters inside a field are written
-    // as escapes, so that no text can pass for an entry of its own. Returns whether it was written; a log that cannot be
+    // as escapes, so that no text can pass for an entry of its own; a field is cut at 32,768 characters. A file of more than
+    // 1 MB becomes events.1.log first, in place of an older one. Returns whether it was written; a log that cannot be
     // written is no error, since there would be nobody left to tell.
     bool Append(std::initializer_list<std::wstring> fields) const noexcept;
 

@@ -46,8 +46,9 @@ STDAPI DllUnregisterServer() {
     return Server::Unregister(Classes, 1, Server::Scope::Machine, false);
 }
 
+// regsvr32 /n /i:user registers for the current user alone.
 STDAPI DllInstall(BOOL install, LPCWSTR commandLine) {
-    const bool user = commandLine != nullptr && lstrcmpiW(commandLine, L"user") == 0;
-    const Server::Scope scope = user ? Server::Scope::User : Server::Scope::Machine;
-    return install ? Server::Register(Classes, 1, scope, false) : Server::Unregister(Classes, 1, scope, false);
+    if (!commandLine || CompareStringOrdinal(commandLine, -1, L"user", -1, TRUE) != CSTR_EQUAL) return E_INVALIDARG;
+    return install ? Server::Register(Classes, 1, Server::Scope::User, false)
+                   : Server::Unregister(Classes, 1, Server::Scope::User, false);
 }
