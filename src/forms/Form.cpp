@@ -26,13 +26,11 @@ HMODULE HoldModule() noexcept {
 Form::Form() = default;
 
 Form::~Form() {
-    if (handle_ != nullptr) {
-        EnableOthers();
-        DestroyWindow(handle_);
-        // The window procedure is not called any more: the reference that kept the code in the process can go. It is never
-        // the last one, since the caller came through COM, which has its own.
-        FreeLibrary(App::Module());
-    }
+    EnableOthers();
+    if (handle_ != nullptr) DestroyWindow(handle_);
+    // The window procedure is not called any more: the reference that kept the code in the process can go. It is never the
+    // last one, since the caller came through COM, which has its own.
+    if (held_ != nullptr) FreeLibrary(held_);
     if (ole_) OleUninitialize();
 }
 
@@ -54,10 +52,10 @@ void Form::Load() {
     // Drag and drop and the clipboard need OLE, which the host may not have started on this thread.
     ole_ = SUCCEEDED(OleInitialize(nullptr));
     RegisterWindowClass(FormClass, &Form::Procedure, 0);
+    held_ = HoldModule();
     const HWND window = CreateWindowExW(0, FormClass, L"", WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN, 0, 0, 0, 0, nullptr, nullptr,
                                         App::Module(), this);
     if (window == nullptr) RaiseSystemError(ErrorNumber::OutOfMemory, GetLastError());
-    HoldModule();
     MakeFonts();
     CreateControls();
     FontsChanged();
@@ -186,6 +184,7 @@ void Form::EnableOthers() noexcept {
 
 void Form::ShowModal() {
     Load();
+    if (handle_ == nullptr) RaiseError(ErrorNumber::ObjectNotSet);  // the load found no memory for a window
     if (shown_) RaiseError(ErrorNumber::FormAlreadyShown);
     const Surroundings surroundings;
     struct Showing {
@@ -285,6 +284,8 @@ LRESULT CALLBACK Form::Procedure(HWND window, UINT message, WPARAM wParam, LPARA
     if (form == nullptr) return DefWindowProcW(window, message, wParam, lParam);
     LRESULT result = 0;
     Events::Raise([&] { result = form->OnMessage(message, wParam, lParam); });
+    // Also the end of a creation that failed half-way.
+    if (message == WM_NCDESTROY) form->handle_ = nullptr;
     return result;
 }
 

@@ -88,6 +88,7 @@ private:
     FontHandle messageFont_;
     FontHandle formerFont_;
     ModuleLock lock_;
+    HMODULE held_ = nullptr;
     bool loaded_ = false;
     bool ready_ = false;  // Form_Load is over: sizes are laid out from here on
     bool shown_ = false;
