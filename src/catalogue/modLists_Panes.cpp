@@ -28,7 +28,7 @@ void FillList(ListBox& List, long Number) {
     {
         const PaintingHeld held(List);
         List.Clear();
-        for (const auto& Entry : *ListItems) {
+        for (const auto& Entry : modGlobal::Catalogue()) {
             if (Entry->list() != Number) continue;
             List.SetItemData(List.AddItem(Entry->Text()), Entry->Id());
         }
@@ -64,7 +64,7 @@ void modLists::PopulateDatabaseSpecificCommands() try {
             Nodes.Add(Variant::Missing(), Variant::Missing(), Category, Category);
         }
     }
-    for (const auto& Entry : *ListItems) {
+    for (const auto& Entry : modGlobal::Catalogue()) {
         if (Entry->list() != 2 || Entry->DBType() != DBType) continue;
         const Node Added = Nodes.Add(Entry->Category(), TreeRelationship::Child, Variant::Missing(), Entry->Text());
         Added.SetTag(std::to_wstring(Entry->Id()));

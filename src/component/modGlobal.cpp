@@ -40,6 +40,11 @@ void modGlobal::Main() try {
     ReportError(L"modGlobal", L"Main");
 }
 
+const Collection<std::shared_ptr<const clsListItem>>& modGlobal::Catalogue() {
+    if (ListItems == nullptr) RaiseError(ErrorNumber::ObjectNotSet);
+    return *ListItems;
+}
+
 void modGlobal::Forget() noexcept {
     EditorForm.reset();
     Dictionary.reset();

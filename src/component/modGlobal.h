@@ -24,6 +24,8 @@ extern std::shared_ptr<Collection<std::shared_ptr<const clsListItem>>>& ListItem
 extern std::shared_ptr<clsErrorHandler>& ErrorHandler;  // made with the first report
 
 namespace modGlobal {
+// The catalogue; error 91 when start-up could not make it.
+const Collection<std::shared_ptr<const clsListItem>>& Catalogue();
 // Start-up: runs once, before the first object is served.
 void Main();
 // The module is about to go: gives back what it holds of others, as if it had just been loaded. The catalogue stays.

@@ -117,6 +117,7 @@ private:
     void imgSplitterV_MouseDown(int Button, int Shift, float X, float Y);
     void imgSplitterV_MouseMove(int Button, int Shift, float X, float Y);
     void imgSplitterV_MouseUp(int Button, int Shift, float X, float Y);
+    void imgSplitterV_CaptureLost();
     void picHide_Click();
     void picUnhide_Click();
     void picLeft_Resize(int Index);

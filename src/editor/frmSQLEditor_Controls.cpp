@@ -181,6 +181,7 @@ void frmSQLEditor::CreateControls() {
     imgSplitterV.MouseDown = [this](int B, int S, float X, float Y) { imgSplitterV_MouseDown(B, S, X, Y); };
     imgSplitterV.MouseMove = [this](int B, int S, float X, float Y) { imgSplitterV_MouseMove(B, S, X, Y); };
     imgSplitterV.MouseUp = [this](int B, int S, float X, float Y) { imgSplitterV_MouseUp(B, S, X, Y); };
+    imgSplitterV.CaptureLost = [this] { imgSplitterV_CaptureLost(); };
     picSplitterV.SetBackColor(COLOR_3DSHADOW);
     constexpr int Edge = 2;  // the width of a sunken border, which has no use for the mouse
     picRight.SetMouseEdges(Edge, 0);

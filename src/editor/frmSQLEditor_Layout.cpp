@@ -156,6 +156,16 @@ void frmSQLEditor::imgSplitterV_MouseUp(int, int, float, float) try {
     ReportError(Module, L"imgSplitterV_MouseUp");
 }
 
+// Another window took the mouse in the middle of a drag: the splitter goes back to where it was.
+void frmSQLEditor::imgSplitterV_CaptureLost() try {
+    if (!moving_) return;
+    moving_ = false;
+    picSplitterV.SetLeft(imgSplitterV.Left());
+    picSplitterV.SetVisible(false);
+} catch (...) {
+    ReportError(Module, L"imgSplitterV_CaptureLost");
+}
+
 void frmSQLEditor::picHide_Click() try {
     savedSplit_ = static_cast<long>(imgSplitterV.Left());
     imgSplitterV.SetLeft(CollapsedSplit);

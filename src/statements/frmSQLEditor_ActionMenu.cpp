@@ -20,7 +20,7 @@ void frmSQLEditor::m_EnableActionMenu() try {
 void frmSQLEditor::m_SelectFromListBox(const ListBox& List) try {
     const int Row = List.ListIndex();
     lblDescription.SetCaption(Row == -1 ? std::wstring()
-                                        : ListItems->Item(std::to_wstring(List.ItemData(Row)))->Description());
+                                        : modGlobal::Catalogue().Item(std::to_wstring(List.ItemData(Row)))->Description());
 } catch (...) {
     ReportError(Module, L"m_SelectFromListBox");
 }
@@ -29,7 +29,7 @@ void frmSQLEditor::m_SelectFromTreeView(const TreeView& Tree) try {
     const Node Selected = Tree.SelectedItem();
     // A tag that reads as no number is an error here: categories are told apart by the caller.
     lblDescription.SetCaption(
-        Selected ? ListItems->Item(std::to_wstring(Variant(Selected.Tag()).ToLong()))->Description() : std::wstring());
+        Selected ? modGlobal::Catalogue().Item(std::to_wstring(Variant(Selected.Tag()).ToLong()))->Description() : std::wstring());
 } catch (...) {
     ReportError(Module, L"m_SelectFromTreeView");
 }

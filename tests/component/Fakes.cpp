@@ -1,5 +1,6 @@
 #include "Fakes.h"
 
+#include <windows.h>
 #include <commctrl.h>
 
 #include <cstdio>
