@@ -1,0 +1,10 @@
+' A host without a database.
+Dim Editor, SQL
+Set Editor = CreateObject("brvSQLEditor.clsSQLEditor")
+Editor.Constructor Nothing
+SQL = "select 1"
+Editor.Display SQL
+WScript.Echo "[" & SQL & "]"
+Editor.Display SQL
+WScript.Echo "[" & SQL & "]"
+Set Editor = Nothing
