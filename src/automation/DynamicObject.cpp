@@ -6,6 +6,11 @@
 
 namespace {
 
+// For calls that leave no IErrorInfo: what the thread has is somebody else's.
+void Check(HRESULT result) {
+    if (FAILED(result)) throw ErrorFromHresult(result, nullptr);
+}
+
 // The key of the default member, which has no name.
 constexpr const wchar_t* DefaultName = L"";
 constexpr const wchar_t* EnumeratorName = L"_NewEnum";
@@ -103,12 +108,12 @@ bool Arguments::Let(size_t position, const Variant& value) const {
     const VARIANT* raw = Raw(position);
     if (raw == nullptr || (raw->vt & VT_BYREF) == 0 || raw->byref == nullptr) return false;
     if (raw->vt == (VT_BYREF | VT_VARIANT)) {
-        CheckHresult(VariantCopy(raw->pvarVal, const_cast<Variant*>(&value)));
+        Check(VariantCopy(raw->pvarVal, const_cast<Variant*>(&value)));
         return true;
     }
     const auto type = static_cast<VARTYPE>(raw->vt & ~VT_BYREF);
     Variant changed;
-    CheckHresult(VariantChangeTypeEx(&changed, const_cast<Variant*>(&value), LOCALE_USER_DEFAULT, VARIANT_ALPHABOOL, type));
+    Check(VariantChangeTypeEx(&changed, const_cast<Variant*>(&value), LOCALE_USER_DEFAULT, VARIANT_ALPHABOOL, type));
     switch (type) {
         case VT_BSTR:
             std::swap(*raw->pbstrVal, changed.bstrVal);

@@ -230,9 +230,18 @@ bool Object::Has(const wchar_t* member) const noexcept {
 
 Variant Object::Invoke(const wchar_t* member, WORD flags, Argument* arguments, size_t count) const {
     if (state_ == nullptr) RaiseError(ErrorNumber::ObjectNotSet);
-    const auto state = state_;  // the callee may clear the variable that this is
-    const DISPID id = state->IdOf(member);
+    const Object held(*this);  // what is called may clear the variable that this is
+    return held.InvokeId(held.state_->IdOf(member), flags, arguments, count);
+}
 
+Variant Object::Value() const {
+    if (state_ == nullptr) RaiseError(ErrorNumber::ObjectNotSet);
+    const Object held(*this);
+    return held.InvokeId(DISPID_VALUE, DISPATCH_METHOD | DISPATCH_PROPERTYGET, nullptr, 0);
+}
+
+Variant Object::InvokeId(DISPID id, WORD flags, Argument* arguments, size_t count) const {
+    const auto& state = state_;
     constexpr size_t Most = 8;
     VARIANTARG passed[Most];
     if (count > Most) RaiseError(ErrorNumber::InvalidProcedureCall);
@@ -267,7 +276,7 @@ Variant Object::Invoke(const wchar_t* member, WORD flags, Argument* arguments, s
 
 void Object::Let(const wchar_t* member, const Variant& value) const {
     if (state_ == nullptr) RaiseError(ErrorNumber::ObjectNotSet);
-    const auto state = state_;
+    const auto state = state_;  // what is called may clear the variable that this is
     const DISPID id = state->IdOf(member);
     DISPID named = DISPID_PROPERTYPUT;
     Variant copy(value);

@@ -81,6 +81,8 @@ public:
         Argument list[sizeof...(Args) + 1] = {Argument(std::forward<Args>(args))..., Argument(Variant())};
         return Invoke(member, DISPATCH_METHOD, list, sizeof...(Args));
     }
+    // Reads the default member.
+    Variant Value() const;
     // Writes a property.
     void Let(const wchar_t* member, const Variant& value) const;
     // Whether the object knows the name. No member is called.
@@ -90,4 +92,5 @@ private:
     struct State;
     std::shared_ptr<State> state_;
     Variant Invoke(const wchar_t* member, WORD flags, Argument* arguments, size_t count) const;
+    Variant InvokeId(DISPID id, WORD flags, Argument* arguments, size_t count) const;
 };

@@ -20,6 +20,8 @@ constexpr Standing Texts[] = {
     {ErrorNumber::Overflow, L"Overflow"},
     {ErrorNumber::OutOfMemory, L"Out of memory"},
     {ErrorNumber::SubscriptOutOfRange, L"Subscript out of range"},
+    {10, L"The array is fixed or locked"},
+    {11, L"Division by zero"},
     {ErrorNumber::TypeMismatch, L"Type mismatch"},
     {ErrorNumber::FileNotFound, L"File not found"},
     {ErrorNumber::FileAlreadyOpen, L"File already open"},
@@ -37,6 +39,10 @@ constexpr Standing Texts[] = {
     {ErrorNumber::NoInterface, L"The class does not support automation"},
     {ErrorNumber::NoSuchMember, L"The object does not support this property or method"},
     {ErrorNumber::AutomationError, L"Automation error"},
+    {445, L"The object does not support this action"},
+    {446, L"The object does not support named arguments"},
+    {447, L"The object does not support the current locale"},
+    {448, L"Named argument not found"},
     {ErrorNumber::ArgumentNotOptional, L"An argument is missing that is not optional"},
     {ErrorNumber::WrongArgumentCount, L"Wrong number of arguments"},
     {ErrorNumber::NotACollection, L"The object is not a collection"},
@@ -63,11 +69,24 @@ constexpr Translated Results[] = {
     {DISP_E_PARAMNOTOPTIONAL, ErrorNumber::ArgumentNotOptional},
     {DISP_E_BADINDEX, ErrorNumber::SubscriptOutOfRange},
     {E_OUTOFMEMORY, ErrorNumber::OutOfMemory},
+    {DISP_E_DIVBYZERO, 11},
+    {DISP_E_ARRAYISLOCKED, 10},
+    {DISP_E_NONAMEDARGS, 446},
+    {DISP_E_UNKNOWNLCID, 447},
+    {DISP_E_PARAMNOTFOUND, 448},
+    {DISP_E_NOTACOLLECTION, ErrorNumber::NotACollection},
+    {E_NOTIMPL, 445},
+    {REGDB_E_CLASSNOTREG, ErrorNumber::CannotCreateObject},
+    {CO_E_SERVER_EXEC_FAILURE, ErrorNumber::CannotCreateObject},
     {E_NOINTERFACE, ErrorNumber::NoInterface},
     {E_INVALIDARG, ErrorNumber::InvalidProcedureCall},
     {E_ACCESSDENIED, ErrorNumber::PermissionDenied},
     {HRESULT_FROM_WIN32(RPC_S_SERVER_UNAVAILABLE), ErrorNumber::ServerNotAvailable},
+    {HRESULT_FROM_WIN32(RPC_S_CALL_FAILED), ErrorNumber::ServerNotAvailable},
     {RPC_E_DISCONNECTED, ErrorNumber::ServerNotAvailable},
+    {RPC_E_SERVER_DIED, ErrorNumber::ServerNotAvailable},
+    {RPC_E_SERVER_DIED_DNE, ErrorNumber::ServerNotAvailable},
+    {CO_E_OBJNOTCONNECTED, ErrorNumber::ServerNotAvailable},
 };
 
 std::wstring SystemText(DWORD code) {
@@ -89,8 +108,10 @@ std::wstring Taken(BSTR& text) {
 }
 
 long NumberOf(HRESULT result) noexcept {
-    // A number that a host raised, dressed as an HRESULT of its control facility.
-    if (HRESULT_FACILITY(result) == FACILITY_CONTROL && FAILED(result)) return HRESULT_CODE(result);
+    // A number that a host raised, dressed as an HRESULT of its control facility. Number 0 would be no error.
+    if (HRESULT_FACILITY(result) == FACILITY_CONTROL && FAILED(result) && HRESULT_CODE(result) != 0) {
+        return HRESULT_CODE(result);
+    }
     for (const Translated& known : Results) {
         if (known.Result == result) return known.Number;
     }

@@ -73,7 +73,8 @@ RuntimeError CurrentError() noexcept;
 // The error that a failed automation call stands for. `exception` may be null (no details); its strings are taken over
 // and freed, its deferred fill-in is run. `S_OK`-like values are never passed.
 RuntimeError ErrorFromHresult(HRESULT hr, EXCEPINFO* exception);
-// Throws ErrorFromHresult(hr, null), with what IErrorInfo of the thread says, when `hr` is a failure.
+// Throws ErrorFromHresult(hr, null) when `hr` is a failure, with what IErrorInfo of the thread says. Only for calls to objects
+// that set it: elsewhere it may be left over from somebody else's failure.
 void CheckHresult(HRESULT hr);
 
 // The other way round, at a COM method's edge: the HRESULT of an error (800A0000 hexadecimal + number for the numbers up

@@ -19,6 +19,67 @@ VARIANT* Mutable(const VARIANT* value) noexcept {
     return const_cast<VARIANT*>(value);
 }
 
+// For calls that leave no IErrorInfo: what the thread has is somebody else's.
+void Check(HRESULT result) {
+    if (FAILED(result)) throw ErrorFromHresult(result, nullptr);
+}
+
+// How many bytes an element of the type takes in an array, 0 for types that are no variant's value.
+UINT ElementSize(VARTYPE type) noexcept {
+    switch (type) {
+        case VT_I1:
+        case VT_UI1:
+            return 1;
+        case VT_I2:
+        case VT_UI2:
+        case VT_BOOL:
+            return 2;
+        case VT_I4:
+        case VT_UI4:
+        case VT_INT:
+        case VT_UINT:
+        case VT_R4:
+        case VT_ERROR:
+            return 4;
+        case VT_I8:
+        case VT_UI8:
+        case VT_R8:
+        case VT_DATE:
+        case VT_CY:
+            return 8;
+        case VT_DECIMAL:
+            return sizeof(DECIMAL);
+        case VT_VARIANT:
+            return sizeof(VARIANT);
+        case VT_BSTR:
+        case VT_DISPATCH:
+        case VT_UNKNOWN:
+            return sizeof(void*);
+        default:
+            return 0;
+    }
+}
+
+// Whether an array holds what its variant says. Elements that own something are marked in the array itself.
+bool HoldsElements(SAFEARRAY* array, VARTYPE type) noexcept {
+    const UINT size = ElementSize(type);
+    if (size == 0 || SafeArrayGetElemsize(array) != size) return false;
+    constexpr USHORT Owning = FADF_BSTR | FADF_UNKNOWN | FADF_DISPATCH | FADF_VARIANT | FADF_RECORD;
+    const USHORT owned = array->fFeatures & Owning;
+    switch (type) {
+        case VT_VARIANT:
+            return owned == FADF_VARIANT;
+        case VT_BSTR:
+            return owned == FADF_BSTR;
+        case VT_DISPATCH:
+            return owned == FADF_DISPATCH;
+        case VT_UNKNOWN:
+            return owned == FADF_UNKNOWN || owned == FADF_DISPATCH;
+        default:
+            return owned == 0;
+    }
+}
+
 }  // namespace
 
 BSTR NewBstr(std::wstring_view text) {
@@ -37,7 +98,7 @@ Variant::Variant() noexcept {
 
 Variant::Variant(const Variant& other) : VARIANT() {
     VariantInit(this);
-    CheckHresult(VariantCopy(this, Mutable(&other)));
+    Check(VariantCopy(this, Mutable(&other)));
 }
 
 Variant::Variant(Variant&& other) noexcept : VARIANT() {
@@ -114,15 +175,15 @@ Variant::Variant(IDispatch* object) noexcept {
 
 Variant::Variant(const VARIANT& other) : VARIANT() {
     VariantInit(this);
-    CheckHresult(VariantCopyInd(this, Mutable(&other)));
-    // A variant by reference may hold another one.
-    while ((vt & VT_BYREF) != 0) {
-        VARIANT inner;
-        VariantInit(&inner);
-        CheckHresult(VariantCopyInd(&inner, this));
-        VariantClear(this);
-        MoveBytes(*this, inner);
+    const VARIANT* value = &other;
+    // A variant by reference may hold a reference in its turn, and a wrong one itself.
+    for (int depth = 0; value->vt == (VT_BYREF | VT_VARIANT); ++depth) {
+        if (value->pvarVal == nullptr || depth == 8) RaiseError(ErrorNumber::TypeMismatch);
+        value = value->pvarVal;
     }
+    // Windows reads through a null pointer without asking.
+    if ((value->vt & VT_BYREF) != 0 && value->byref == nullptr) RaiseError(ErrorNumber::TypeMismatch);
+    Check(VariantCopyInd(this, Mutable(value)));
 }
 
 Variant Variant::Missing() noexcept {
@@ -156,7 +217,7 @@ Variant Variant::ArrayOf(const std::vector<Variant>& items, long lowerBound) {
     made.vt = VT_ARRAY | VT_VARIANT;
     LONG at = lowerBound;
     for (const Variant& item : items) {
-        CheckHresult(SafeArrayPutElement(made.parray, &at, Mutable(&item)));
+        Check(SafeArrayPutElement(made.parray, &at, Mutable(&item)));
         ++at;
     }
     return made;
@@ -216,12 +277,21 @@ bool Variant::IsNumeric() const noexcept {
 }
 
 Variant Variant::ChangedTo(VARTYPE type) const {
+    // Read here and not by VariantChangeTypeEx, which makes a type mismatch of whatever the object says.
+    if (vt == VT_DISPATCH && pdispVal != nullptr) {
+        Variant value = Object(pdispVal).Value();
+        for (int depth = 0; value.vt == VT_DISPATCH && value.pdispVal != nullptr; ++depth) {
+            if (depth == 8) RaiseError(ErrorNumber::TypeMismatch);
+            value = Object(value.pdispVal).Value();
+        }
+        return value.ChangedTo(type);
+    }
     if (IsNull()) RaiseError(ErrorNumber::InvalidUseOfNull);
     if (IsNothing()) RaiseError(ErrorNumber::ObjectNotSet);
     if (IsArray() || IsMissing()) RaiseError(ErrorNumber::TypeMismatch);
     Variant changed;
     // Booleans read as words, as the hosts' own conversion writes them.
-    CheckHresult(VariantChangeTypeEx(&changed, Mutable(this), LOCALE_USER_DEFAULT, VARIANT_ALPHABOOL, type));
+    Check(VariantChangeTypeEx(&changed, Mutable(this), LOCALE_USER_DEFAULT, VARIANT_ALPHABOOL, type));
     return changed;
 }
 
@@ -267,25 +337,25 @@ Object Variant::ToObject() const {
 
 std::vector<Variant> Variant::ToArray() const {
     if (!IsArray() || parray == nullptr || SafeArrayGetDim(parray) != 1) RaiseError(ErrorNumber::TypeMismatch);
-    LONG lower = 0;
-    LONG upper = -1;
-    CheckHresult(SafeArrayGetLBound(parray, 1, &lower));
-    CheckHresult(SafeArrayGetUBound(parray, 1, &upper));
     const auto type = static_cast<VARTYPE>(vt & VT_TYPEMASK);
+    if (!HoldsElements(parray, type)) RaiseError(ErrorNumber::TypeMismatch);
+    // By address: the functions that take an index go wrong at the ends of all indexes.
+    struct Access {
+        explicit Access(SAFEARRAY* array) : Array(array) { Check(SafeArrayAccessData(array, &Data)); }
+        ~Access() { SafeArrayUnaccessData(Array); }
+        SAFEARRAY* Array;
+        void* Data = nullptr;
+    } const access(parray);
+    const size_t count = parray->rgsabound[0].cElements;
+    const size_t size = parray->cbElements;
     std::vector<Variant> items;
-    if (upper >= lower) items.reserve(static_cast<size_t>(upper - lower) + 1);
-    for (LONG at = lower; at <= upper; ++at) {
-        Variant item;
-        if (type == VT_VARIANT) {
-            CheckHresult(SafeArrayGetElement(parray, &at, &item));
-        } else if (type == VT_DECIMAL) {
-            CheckHresult(SafeArrayGetElement(parray, &at, &item.decVal));
-            item.vt = VT_DECIMAL;  // the decimal lies over the type
-        } else {
-            CheckHresult(SafeArrayGetElement(parray, &at, &item.byref));
-            item.vt = type;
-        }
-        items.push_back((item.vt & VT_BYREF) != 0 ? Variant(static_cast<const VARIANT&>(item)) : std::move(item));
+    items.reserve(count);
+    for (size_t at = 0; at < count; ++at) {
+        VARIANT element;
+        VariantInit(&element);
+        element.vt = static_cast<VARTYPE>(VT_BYREF | type);
+        element.byref = static_cast<BYTE*>(access.Data) + at * size;
+        items.emplace_back(static_cast<const VARIANT&>(element));
     }
     return items;
 }

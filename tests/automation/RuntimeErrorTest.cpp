@@ -1,0 +1,220 @@
+#include "automation/RuntimeError.h"
+
+#include <gtest/gtest.h>
+#include <oleauto.h>
+
+#include <new>
+#include <stdexcept>
+
+#include "automation/App.h"
+#include "Fakes.h"
+
+namespace {
+
+EXCEPINFO Raised(WORD code, SCODE scode) {
+    EXCEPINFO exception{};
+    exception.wCode = code;
+    exception.scode = scode;
+    return exception;
+}
+
+HRESULT STDAPICALLTYPE FillLater(EXCEPINFO* exception) {
+    exception->bstrSource = SysAllocString(L"late source");
+    exception->bstrDescription = SysAllocString(L"late description");
+    exception->scode = static_cast<SCODE>(0x80040005);
+    return S_OK;
+}
+
+}  // namespace
+
+TEST(RuntimeErrorTest, KnownResultsHaveTheNumbersThatHostsKnow) {
+    const struct {
+        HRESULT Result;
+        long Number;
+    } cases[] = {
+        {DISP_E_MEMBERNOTFOUND, 438},
+        {DISP_E_UNKNOWNNAME, 438},
+        {DISP_E_TYPEMISMATCH, 13},
+        {DISP_E_OVERFLOW, 6},
+        {DISP_E_BADPARAMCOUNT, 450},
+        {DISP_E_PARAMNOTOPTIONAL, 449},
+        {DISP_E_BADINDEX, 9},
+        {DISP_E_DIVBYZERO, 11},
+        {DISP_E_NONAMEDARGS, 446},
+        {DISP_E_NOTACOLLECTION, 451},
+        {E_OUTOFMEMORY, 7},
+        {E_NOINTERFACE, 430},
+        {E_INVALIDARG, 5},
+        {E_NOTIMPL, 445},
+        {E_ACCESSDENIED, 70},
+        {REGDB_E_CLASSNOTREG, 429},
+        {HRESULT_FROM_WIN32(RPC_S_SERVER_UNAVAILABLE), 462},
+        {HRESULT_FROM_WIN32(RPC_S_CALL_FAILED), 462},
+        {RPC_E_DISCONNECTED, 462},
+        {RPC_E_SERVER_DIED, 462},
+        {CO_E_OBJNOTCONNECTED, 462},
+    };
+    for (const auto& known : cases) {
+        EXPECT_EQ(known.Number, ErrorFromHresult(known.Result, nullptr).Number) << std::hex << known.Result;
+    }
+}
+
+TEST(RuntimeErrorTest, AnotherResultKeepsItsNumber) {
+    EXPECT_EQ(static_cast<long>(0x80004005), ErrorFromHresult(E_FAIL, nullptr).Number);
+    EXPECT_EQ(static_cast<long>(0x80040001), ErrorFromHresult(static_cast<HRESULT>(0x80040001), nullptr).Number);
+}
+
+TEST(RuntimeErrorTest, ControlFacilityHoldsAHostsNumber) {
+    EXPECT_EQ(1004, ErrorFromHresult(static_cast<HRESULT>(0x800A03EC), nullptr).Number);
+    EXPECT_EQ(65535, ErrorFromHresult(static_cast<HRESULT>(0x800AFFFF), nullptr).Number);
+    // An error must not look like none.
+    EXPECT_EQ(static_cast<long>(0x800A0000), ErrorFromHresult(static_cast<HRESULT>(0x800A0000), nullptr).Number);
+}
+
+TEST(RuntimeErrorTest, ExceptionCodeComesBeforeItsResult) {
+    EXCEPINFO both = Raised(1004, E_FAIL);
+    EXPECT_EQ(1004, ErrorFromHresult(DISP_E_EXCEPTION, &both).Number);
+    EXCEPINFO scode = Raised(0, DISP_E_TYPEMISMATCH);
+    EXPECT_EQ(13, ErrorFromHresult(DISP_E_EXCEPTION, &scode).Number);
+}
+
+TEST(RuntimeErrorTest, ExceptionThatSaysNothingIsAnErrorAllTheSame) {
+    EXCEPINFO nothing = Raised(0, S_OK);
+    const RuntimeError error = ErrorFromHresult(DISP_E_EXCEPTION, &nothing);
+    EXPECT_NE(0, error.Number);
+    EXPECT_EQ(App::Title, error.Source);
+    EXPECT_FALSE(error.Description.empty());
+}
+
+TEST(RuntimeErrorTest, ObjectErrorsPassWithTheSourceOfTheirObject) {
+    EXCEPINFO exception = Raised(0, static_cast<SCODE>(0x80040001));
+    exception.bstrSource = SysAllocString(L"brvADO");
+    exception.bstrDescription = SysAllocString(L"no such object");
+    exception.bstrHelpFile = SysAllocString(L"help.chm");
+    exception.dwHelpContext = 12;
+    const RuntimeError error = ErrorFromHresult(DISP_E_EXCEPTION, &exception);
+    EXPECT_EQ(-2147221503, error.Number);
+    EXPECT_EQ(L"brvADO", error.Source);
+    EXPECT_EQ(L"no such object", error.Description);
+    EXPECT_EQ(L"help.chm", error.HelpFile);
+    EXPECT_EQ(12, error.HelpContext);
+    EXPECT_EQ(nullptr, exception.bstrSource) << "taken over";
+    EXPECT_EQ(nullptr, exception.bstrDescription);
+    EXPECT_EQ(nullptr, exception.bstrHelpFile);
+}
+
+TEST(RuntimeErrorTest, EmptyTextsOfAnExceptionAreReplaced) {
+    EXCEPINFO exception = Raised(13, 0);
+    exception.bstrSource = SysAllocString(L"");
+    const RuntimeError error = ErrorFromHresult(DISP_E_EXCEPTION, &exception);
+    EXPECT_EQ(App::Title, error.Source);
+    EXPECT_EQ(L"Type mismatch", error.Description);
+}
+
+TEST(RuntimeErrorTest, DetailsThatAreFilledInLaterAreAskedFor) {
+    EXCEPINFO exception{};
+    exception.pfnDeferredFillIn = FillLater;
+    const RuntimeError error = ErrorFromHresult(DISP_E_EXCEPTION, &exception);
+    EXPECT_EQ(static_cast<long>(0x80040005), error.Number);
+    EXPECT_EQ(L"late source", error.Source);
+    EXPECT_EQ(L"late description", error.Description);
+}
+
+TEST(RuntimeErrorTest, ResultWithoutATextOfItsOwnSaysSomething) {
+    EXPECT_FALSE(ErrorFromHresult(static_cast<HRESULT>(0x80040123), nullptr).Description.empty());
+    EXPECT_EQ(L"Application-defined or object-defined error", ErrorText(1004));
+}
+
+TEST(RuntimeErrorTest, RaiseErrorNamesItsSource) {
+    const RuntimeError plain = ErrorOf([] { RaiseError(ErrorNumber::ObjectNotSet); });
+    EXPECT_EQ(91, plain.Number);
+    EXPECT_EQ(App::Title, plain.Source);
+    EXPECT_EQ(ErrorText(91), plain.Description);
+    const RuntimeError sourced = ErrorOf([] { RaiseError(5, L"somebody", L"something"); });
+    EXPECT_EQ(L"somebody", sourced.Source);
+    EXPECT_EQ(L"something", sourced.Description);
+}
+
+TEST(RuntimeErrorTest, SystemErrorCarriesWhatWindowsSaid) {
+    const RuntimeError error = ErrorOf([] { RaiseSystemError(ErrorNumber::PermissionDenied, ERROR_ACCESS_DENIED); });
+    EXPECT_EQ(70, error.Number);
+    EXPECT_EQ(ERROR_ACCESS_DENIED, error.LastDllError);
+    EXPECT_EQ(0u, error.Description.find(ErrorText(70)));
+    EXPECT_GT(error.Description.size(), ErrorText(70).size());
+    // A code that Windows has no words for.
+    const RuntimeError unknown = ErrorOf([] { RaiseSystemError(ErrorNumber::DeviceIOError, 0x2FFFFFFF); });
+    EXPECT_EQ(ErrorText(57), unknown.Description);
+}
+
+TEST(RuntimeErrorTest, CurrentErrorTakesWhateverWasThrown) {
+    const auto caught = [](auto thrown) {
+        try {
+            throw thrown;
+        } catch (...) {
+            return CurrentError();
+        }
+    };
+    RuntimeError own;
+    own.Number = 5;
+    own.Source = L"own";
+    own.LastDllError = 3;
+    EXPECT_EQ(L"own", caught(own).Source);
+    EXPECT_EQ(3, caught(own).LastDllError);
+    EXPECT_EQ(7, caught(std::bad_alloc()).Number);
+    EXPECT_EQ(440, caught(std::runtime_error("x")).Number);
+    EXPECT_EQ(440, caught(1).Number);
+    EXPECT_EQ(App::Title, caught(1).Source);
+}
+
+TEST(RuntimeErrorTest, NumbersBecomeResults) {
+    const auto result = [](long number) {
+        RuntimeError error;
+        error.Number = number;
+        return HresultFromError(error);
+    };
+    EXPECT_EQ(static_cast<HRESULT>(0x800A000D), result(13));
+    EXPECT_EQ(static_cast<HRESULT>(0x800AFFFF), result(65535));
+    EXPECT_EQ(static_cast<HRESULT>(0x80040001), result(-2147221503));
+    EXPECT_TRUE(FAILED(result(0)));
+    EXPECT_TRUE(FAILED(result(70000)));
+}
+
+TEST(RuntimeErrorTest, PublishedErrorIsFoundByTheCaller) {
+    RuntimeError error;
+    error.Number = -2147221503;
+    error.Source = L"brvADO";
+    error.Description = L"what happened";
+    const HRESULT result = PublishError(error);
+    const RuntimeError found = ErrorOf([result] { CheckHresult(result); });
+    EXPECT_EQ(error.Number, found.Number);
+    EXPECT_EQ(L"brvADO", found.Source);
+    EXPECT_EQ(L"what happened", found.Description);
+    CheckHresult(S_OK);
+    CheckHresult(S_FALSE);
+}
+
+TEST(RuntimeErrorTest, FilledExceptionComesBackAsItWas) {
+    RuntimeError error;
+    error.Number = 1004;
+    error.Source = L"source";
+    error.Description = std::wstring(L"with\0null", 9);
+    error.HelpFile = L"file";
+    error.HelpContext = 9;
+    EXCEPINFO exception{};
+    ASSERT_EQ(DISP_E_EXCEPTION, FillException(error, &exception));
+    const RuntimeError back = ErrorFromHresult(DISP_E_EXCEPTION, &exception);
+    EXPECT_EQ(error.Number, back.Number);
+    EXPECT_EQ(error.Source, back.Source);
+    EXPECT_EQ(error.Description, back.Description);
+    EXPECT_EQ(error.HelpFile, back.HelpFile);
+    EXPECT_EQ(error.HelpContext, back.HelpContext);
+}
+
+TEST(RuntimeErrorTest, WithoutAnExceptionToFillTheErrorIsPublished) {
+    RuntimeError error;
+    error.Number = 1004;
+    error.Source = L"published";
+    const HRESULT result = FillException(error, nullptr);
+    EXPECT_EQ(static_cast<HRESULT>(0x800A03EC), result);
+    EXPECT_EQ(L"published", ErrorOf([result] { CheckHresult(result); }).Source);
+}
