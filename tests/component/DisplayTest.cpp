@@ -56,6 +56,14 @@ TEST_F(DisplayTest, TextComesBackAsItWentIn) {
     EXPECT_EQ(L"", Errors.Places());
 }
 
+TEST_F(DisplayTest, AMegabyteGoesThroughWhole) {
+    // Of long lines: what the control takes under Wine grows with the square of their number.
+    std::wstring text;
+    for (int line = 0; text.size() < 1024 * 1024; ++line) text += std::wstring(2000, static_cast<wchar_t>(L'a' + line % 26)) + L"\r\n";
+    EXPECT_EQ(text, DisplayAndClose(Editor(), text));
+    EXPECT_EQ(L"", Errors.Places());
+}
+
 TEST_F(DisplayTest, TakesItsTextInThreeWaysAndWritesItBackInTwo) {
     const Object editor = Editor();
     BSTR text = SysAllocString(L"one");

@@ -205,6 +205,46 @@ TEST_F(DoorTest, ItsTypeLibraryDescribesTheClass) {
     provider->Release();
 }
 
+TEST_F(DoorTest, IsMadeByItsManifestWithoutRegistration) {
+    // A copy in another folder, so that what is loaded tells whether the manifest or the registry was followed.
+    wchar_t temporary[MAX_PATH];
+    GetTempPathW(MAX_PATH, temporary);
+    const std::wstring folder = std::wstring(temporary) + L"brvSQLEditor-" + std::to_wstring(GetCurrentProcessId());
+    ASSERT_TRUE(CreateDirectoryW(folder.c_str(), nullptr));
+    const std::wstring dll = folder + L"\\brvSQLEditor.dll";
+    const std::wstring manifest = folder + L"\\brvSQLEditor.X.manifest";
+    const std::wstring built = Component::Path();
+    ASSERT_TRUE(CopyFileW(built.c_str(), dll.c_str(), TRUE));
+    ASSERT_TRUE(CopyFileW((built.substr(0, built.size() - 3) + L"X.manifest").c_str(), manifest.c_str(), TRUE));
+
+    ACTCTXW request{};
+    request.cbSize = sizeof request;
+    request.lpSource = manifest.c_str();
+    const HANDLE context = CreateActCtxW(&request);
+    ASSERT_NE(INVALID_HANDLE_VALUE, context) << GetLastError();
+    ULONG_PTR cookie = 0;
+    ASSERT_TRUE(ActivateActCtx(context, &cookie));
+    CLSID id{};
+    EXPECT_EQ(S_OK, CLSIDFromProgID(L"brvSQLEditor.clsSQLEditor", &id));
+    // An id of the activation context's own, which stands for the class while the context is active.
+    IDispatch* made = nullptr;
+    EXPECT_EQ(S_OK, CoCreateInstance(id, nullptr, CLSCTX_INPROC_SERVER, IID_IDispatch,
+                                     reinterpret_cast<void**>(&made)));
+    DeactivateActCtx(0, cookie);
+    EXPECT_NE(nullptr, GetModuleHandleW(dll.c_str()));
+    if (made != nullptr) {
+        const Object editor = Object::Attach(made);
+        editor.Call(L"Constructor", Object());
+        EXPECT_EQ(L"x", DisplayAndClose(editor, L"x"));
+    }
+    CoFreeUnusedLibrariesEx(0, 0);
+    ReleaseActCtx(context);
+    EXPECT_EQ(nullptr, GetModuleHandleW(dll.c_str()));
+    EXPECT_TRUE(DeleteFileW(dll.c_str()));
+    DeleteFileW(manifest.c_str());
+    EXPECT_TRUE(RemoveDirectoryW(folder.c_str()));
+}
+
 TEST(Unloading, TheModuleGoesAndComesBack) {
     Settings::Clear();
     for (int round = 0; round < 3; ++round) {

@@ -164,6 +164,56 @@ TEST_F(LayoutTest, TheSplitterFollowsTheMouseBetweenItsLimits) {
     });
 }
 
+TEST_F(LayoutTest, ARealMouseDragsTheSplitterByTheEdgeOfAPane) {
+    const Object editor = Dll.Create();
+    editor.Call(L"Constructor", Database.Make());
+    static float before;
+    static float after;
+    static int step;
+    static POINT grip;
+    step = 0;
+    // Each step is one turn of the loop, as between the movements of a hand.
+    const WhenShown shown([] {
+        Resize(12000, 9000);
+        const Place pane = Of(EditorWindow::Editor());
+        // The editor's own sunken border, which lets the mouse through to the grip under it.
+        grip = {Pixels(pane.Left) + 1, Pixels(pane.Top + pane.Height / 2)};
+        before = Twips(grip.x);
+        ClientToScreen(EditorWindow::Find(), &grip);
+        SetTimer(nullptr, 0, 40, [](HWND, UINT, UINT_PTR id, DWORD) WINAPI {
+            const auto move = [](int to) {
+                SetCursorPos(to, grip.y);
+                INPUT input{};
+                input.type = INPUT_MOUSE;
+                input.mi.dwFlags = MOUSEEVENTF_MOVE;
+                SendInput(1, &input, sizeof input);
+            };
+            const auto button = [](DWORD flag) {
+                INPUT input{};
+                input.type = INPUT_MOUSE;
+                input.mi.dwFlags = flag;
+                SendInput(1, &input, sizeof input);
+            };
+            switch (step++) {
+                case 0: move(grip.x); break;
+                case 1: button(MOUSEEVENTF_LEFTDOWN); break;
+                case 2: move(grip.x + 30); break;
+                case 3: move(grip.x + 60); break;
+                case 4: button(MOUSEEVENTF_LEFTUP); break;
+                case 5: break;
+                default:
+                    KillTimer(nullptr, id);
+                    after = Of(Tab(0)).Width;
+                    EditorWindow::Close();
+            }
+        });
+    });
+    std::wstring sql = L"x";
+    editor.Call(L"Display", ByRef(sql));
+    // The split position is where the mouse is.
+    EXPECT_NEAR(before + Twips(60), after, 2 * Pixel);
+}
+
 TEST_F(LayoutTest, TheMouseAloneMovesNothing) {
     Inside([] {
         const float width = Of(Tab(0)).Width;
