@@ -47,7 +47,7 @@ Object ObjectFrom(const Variant& value) noexcept {
     }
 }
 
-// What fits on a screen, without the NUL characters, which would end the text.
+// As much as fits on a screen, without the NUL characters, which would end the text.
 std::wstring Shown(std::wstring text) {
     constexpr size_t Most = 2000;
     if (text.size() > Most) text = text.substr(0, Most) + L"...";
@@ -57,12 +57,27 @@ std::wstring Shown(std::wstring text) {
     return text;
 }
 
+BOOL CALLBACK TakeOwner(HWND window, LPARAM found) {
+    if (!IsWindowVisible(window) || !IsWindowEnabled(window)) return TRUE;
+    const bool topmost = (GetWindowLongPtrW(window, GWL_EXSTYLE) & WS_EX_TOPMOST) != 0;
+    HWND& owner = *reinterpret_cast<HWND*>(found);
+    if (owner == nullptr || topmost) owner = window;
+    return !topmost;
+}
+
+// The window that the user works in: a message box that it does not own would lie under a topmost window. While the user works
+// in another program the thread has no active window; then it is one that could become active.
+HWND Owner() noexcept {
+    HWND owner = GetActiveWindow();
+    if (owner == nullptr) EnumThreadWindows(GetCurrentThreadId(), &TakeOwner, reinterpret_cast<LPARAM>(&owner));
+    return owner;
+}
+
+// The texts are ones that fit.
 void Show(const std::wstring& message, const std::wstring& title, UINT icon) {
-    // Owned by the window that the user works in: one that is not would lie under a topmost window. While the user works in
-    // another program there is no such window; the box then keeps the thread's windows waiting and lies above them by itself.
-    const HWND owner = GetActiveWindow();
+    const HWND owner = Owner();
     const UINT placed = owner != nullptr ? 0 : MB_TASKMODAL | MB_TOPMOST | MB_SETFOREGROUND;
-    MessageBoxW(owner, Shown(message).c_str(), Shown(title).c_str(), MB_OK | icon | placed);
+    MessageBoxW(owner, message.c_str(), title.c_str(), MB_OK | icon | placed);
 }
 
 // "In module.routine (number 5, source x)", of which any part may be missing.
@@ -90,8 +105,8 @@ void ErrorMessage(const State& state, const Arguments& arguments) {
                  Member(error, L"HelpContext")});
     if (!state.DisplayAlerts) return;
     std::wstring text = description.empty() ? std::wstring(L"An error occurred that has no description.") : description;
-    text = Shown(text) + L"\r\n\r\n" + Origin(module, routine, number, source);
-    Show(text, state.Title, MB_ICONWARNING);
+    text = Shown(text) + L"\r\n\r\n" + Shown(Origin(module, routine, number, source));
+    Show(text, Shown(state.Title), MB_ICONWARNING);
 }
 
 }  // namespace
@@ -114,7 +129,7 @@ Object MakeErrorComponent() {
         const std::wstring message = TextFrom(arguments[0]);
         const std::wstring title = TextFrom(arguments[1]);
         if (state->DisplayAlerts) {
-            Show(message, title.empty() ? state->Title : title, MB_ICONINFORMATION);
+            Show(Shown(message), Shown(title.empty() ? state->Title : title), MB_ICONINFORMATION);
         } else {
             // Nobody is there to close a box: what could not be shown is kept.
             EventLog(state->Title).Append({state->Program(), L"", L"", L"", L"", message});
