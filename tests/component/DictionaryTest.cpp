@@ -171,6 +171,49 @@ TEST_F(DictionaryTest, LetsTheDictionaryGo) {
     EXPECT_EQ(0U, raw->Release());
 }
 
+TEST(ErrorHandlerTest, ForwardsEveryMember) {
+    FakeErrors errors;
+    clsErrorHandler handler;
+    handler.Alert(L"careful");
+    handler.Alert(L"careful", L"Title");
+    handler.LogEvent(L"started");
+    EXPECT_EQ((std::vector<std::wstring>{L"Alert,careful,<missing>", L"Alert,careful,Title", L"LogEvent,started"}), errors.Told);
+    EXPECT_TRUE(handler.DisplayAlerts());  // any number but 0
+    handler.SetDisplayAlerts(false);
+    EXPECT_FALSE(errors.DisplayAlerts);
+    EXPECT_FALSE(handler.DisplayAlerts());
+    RuntimeError error;
+    error.Number = 13;
+    error.Source = L"here";
+    error.Description = L"there";
+    handler.ErrorMessage(L"modA", L"ProcB", MakeErrorObject(error), 70, L"index=[1]");
+    ASSERT_EQ(1U, errors.Reports.size());
+    EXPECT_EQ(L"modA.ProcB 13", errors.Places());
+    EXPECT_EQ(70, errors.Reports[0].Line);
+    EXPECT_EQ(L"index=[1]", errors.Reports[0].Debug);
+    handler.Destructor();
+    handler.LogEvent(L"still there");
+    EXPECT_EQ(4U, errors.Told.size());
+}
+
+TEST(ErrorHandlerTest, AnErrorIsHandedOverWithAllItSays) {
+    RuntimeError error;
+    error.Number = -2147221494;
+    error.Source = L"brvADO";
+    error.Description = L"gone";
+    error.HelpFile = L"help.chm";
+    error.HelpContext = 42;
+    error.LastDllError = 5;
+    const Object object = MakeErrorObject(error);
+    EXPECT_EQ(-2147221494, object.Get(L"Number").ToLong());
+    EXPECT_EQ(L"brvADO", object.Get(L"Source").ToText());
+    EXPECT_EQ(L"gone", object.Get(L"Description").ToText());
+    EXPECT_EQ(L"help.chm", object.Get(L"HelpFile").ToText());
+    EXPECT_EQ(42, object.Get(L"HelpContext").ToLong());
+    EXPECT_EQ(5, object.Get(L"LastDllError").ToLong());
+    EXPECT_EQ(-2147221494, Variant(object).ToLong());  // its default member
+}
+
 TEST(ComponentErrors, AreToldApartByTheirRange) {
     EXPECT_TRUE(IsNotComponentError(-2147221504));
     EXPECT_FALSE(IsNotComponentError(-2147221503));

@@ -16,6 +16,18 @@ Object MakeRecorder() {
         currentErrors->Constructed.push_back(a[0].ToText() + L"," + a[1].ToText() + L"," + a[2].ToText() + L"," + a[3].ToText());
         return Variant();
     });
+    const auto told = [](const wchar_t* name) {
+        return [name](const Arguments& a) {
+            std::wstring entry = name;
+            for (size_t at = 0; at < a.Count(); ++at) entry += L"," + (a.Has(at) ? a[at].ToText() : std::wstring(L"<missing>"));
+            currentErrors->Told.push_back(entry);
+            return Variant();
+        };
+    };
+    made->Define(L"Alert", told(L"Alert"));
+    made->Define(L"LogEvent", told(L"LogEvent"));
+    made->Define(L"DisplayAlerts", [](const Arguments&) { return Variant(currentErrors->DisplayAlerts ? -1L : 0L); });
+    made->DefineLet(L"DisplayAlerts", [](const Variant& value) { currentErrors->DisplayAlerts = value.ToBoolean(); });
     made->Define(L"ErrorMessage", [](const Arguments& a) {
         if (currentErrors->ErrorMessageFails) RaiseError(ObjectErrorBase + 77, L"brvError", L"the log is full");
         Report report;

@@ -39,6 +39,8 @@ public:
 
     std::vector<Report> Reports;
     std::vector<std::wstring> Constructed;  // the arguments of Constructor, joined
+    std::vector<std::wstring> Told;  // Alert and LogEvent, with their arguments
+    bool DisplayAlerts = true;
     bool CannotBeCreated = false;
     bool ErrorMessageFails = false;
     int Created = 0;
