@@ -18,14 +18,16 @@ public:
     explicit HostCollection(const Variant& result);
 
     explicit operator bool() const noexcept;  // false: nothing
-    // Calls `item` for each item in order until it returns false. A failure of the collection, or of `item`, passes through.
+    // Calls `item` for each item in order until it returns false, from the first item each time. A failure of the collection, or
+    // of `item`, passes through, after the items before it. Passes over one HostCollection and its copies are not to be nested:
+    // they share the enumerator. Nothing is error 91.
     void ForEach(const std::function<bool(const Variant&)>& item) const;
 
 private:
     enum class Kind { None, Enumerated, Counted, Array };
     Kind kind_ = Kind::None;
     Object object_;
-    Variant enumerator_;  // the enumerator that _NewEnum gave, or the array
+    Variant enumerator_;  // the IEnumVARIANT that _NewEnum gave, as VT_UNKNOWN; or the array
 };
 
 // An ordered collection of the component's own, with unique text keys, compared without regard to case. Positions are 1-based.

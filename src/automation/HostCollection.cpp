@@ -2,17 +2,46 @@
 
 namespace {
 
+// Asks for the enumerator by its member id, since not every collection knows the name. Fails when there is none.
+HRESULT AskForEnumerator(IDispatch* object, IEnumVARIANT** enumerator, EXCEPINFO& exception) noexcept {
+    *enumerator = nullptr;
+    DISPPARAMS none{};
+    UINT argumentError = 0;
+    VARIANT raw;
+    VariantInit(&raw);
+    const HRESULT result = object->Invoke(DISPID_NEWENUM, IID_NULL, LOCALE_USER_DEFAULT,
+                                          DISPATCH_METHOD | DISPATCH_PROPERTYGET, &none, &raw, &exception, &argumentError);
+    if (FAILED(result)) return result;
+    const Variant answer = Variant::Attach(raw);
+    if (!answer.IsObject() || answer.IsNothing()) return DISP_E_NOTACOLLECTION;
+    const HRESULT found = answer.punkVal->QueryInterface(IID_IEnumVARIANT, reinterpret_cast<void**>(enumerator));
+    return *enumerator != nullptr ? S_OK : FAILED(found) ? found : E_NOINTERFACE;
+}
+
 // Owns an enumerator for one pass.
 class Enumerator {
 public:
-    explicit Enumerator(IUnknown* source) {
-        CheckHresult(source->QueryInterface(IID_IEnumVARIANT, reinterpret_cast<void**>(&items_)));
-        // One that cannot be reset is fresh when it is asked for the first time, which is the only time that matters.
-        items_->Reset();
-    }
+    explicit Enumerator(IEnumVARIANT* items) noexcept : items_(items) { items_->AddRef(); }
     ~Enumerator() { items_->Release(); }
     Enumerator(const Enumerator&) = delete;
     Enumerator& operator=(const Enumerator&) = delete;
+
+    // To the first item. One that cannot be reset is asked for anew; where even that fails it is fresh when it is read for the
+    // first time, which is the time that matters.
+    void Rewind(IDispatch* object) noexcept {
+        if (items_->Reset() == S_OK) return;
+        IEnumVARIANT* fresh = nullptr;
+        EXCEPINFO exception{};
+        const HRESULT asked = AskForEnumerator(object, &fresh, exception);
+        if (SUCCEEDED(asked)) {
+            items_->Release();
+            items_ = fresh;
+        } else {
+            SysFreeString(exception.bstrSource);
+            SysFreeString(exception.bstrDescription);
+            SysFreeString(exception.bstrHelpFile);
+        }
+    }
 
     // One at a time: an enumerator that fails in the middle has then given what stands before.
     bool Next(Variant& item) {
@@ -21,24 +50,16 @@ public:
         VariantInit(&raw);
         const HRESULT result = items_->Next(1, &raw, &fetched);
         if (FAILED(result)) throw ErrorFromHresult(result, nullptr);
+        Variant got = Variant::Attach(raw);
         // Some say with the count alone that there is no more, and some with the result alone.
-        if (result != S_OK || (fetched == 0 && raw.vt == VT_EMPTY)) return false;
-        item = Variant::Attach(raw);
-        if ((item.vt & VT_BYREF) != 0) item = Variant(static_cast<const VARIANT&>(item));
+        if (result != S_OK || (fetched == 0 && got.IsEmpty())) return false;
+        item = (got.vt & VT_BYREF) != 0 ? Variant(static_cast<const VARIANT&>(got)) : std::move(got);
         return true;
     }
 
 private:
-    IEnumVARIANT* items_ = nullptr;
+    IEnumVARIANT* items_;
 };
-
-// Asks for the enumerator by its member id, since not every collection knows the name.
-HRESULT AskForEnumerator(IDispatch* object, Variant& enumerator, EXCEPINFO& exception) noexcept {
-    DISPPARAMS none{};
-    UINT argumentError = 0;
-    return object->Invoke(DISPID_NEWENUM, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_METHOD | DISPATCH_PROPERTYGET, &none,
-                          enumerator.Receive(), &exception, &argumentError);
-}
 
 }  // namespace
 
@@ -52,15 +73,20 @@ HostCollection::HostCollection(const Variant& result) {
     }
     if (!result.IsObject()) RaiseError(ErrorNumber::TypeMismatch);
     object_ = result.ToObject();
-    Variant enumerator;
+    IEnumVARIANT* enumerator = nullptr;
     EXCEPINFO exception{};
-    const HRESULT asked = AskForEnumerator(object_.Dispatch(), enumerator, exception);
-    if (SUCCEEDED(asked) && enumerator.IsObject() && !enumerator.IsNothing()) {
+    const HRESULT asked = AskForEnumerator(object_.Dispatch(), &enumerator, exception);
+    if (SUCCEEDED(asked)) {
+        enumerator_.punkVal = enumerator;
+        enumerator_.vt = VT_UNKNOWN;
         kind_ = Kind::Enumerated;
-        enumerator_ = std::move(enumerator);
         return;
     }
-    if (asked == DISP_E_EXCEPTION) throw ErrorFromHresult(asked, &exception);
+    if (asked == DISP_E_EXCEPTION) {
+        const RuntimeError error = ErrorFromHresult(asked, &exception);
+        // Some objects raise an exception to say that they have no enumerator.
+        if (error.Number != ErrorNumber::NoSuchMember && error.Number != ErrorNumber::NotACollection) throw error;
+    }
     if (object_.Has(L"Count") && object_.Has(L"Item")) {
         kind_ = Kind::Counted;
         return;
@@ -84,7 +110,8 @@ void HostCollection::ForEach(const std::function<bool(const Variant&)>& item) co
             }
             break;
         case Kind::Enumerated: {
-            Enumerator items(held.enumerator_.punkVal);
+            Enumerator items(static_cast<IEnumVARIANT*>(held.enumerator_.punkVal));
+            items.Rewind(held.object_.Dispatch());
             for (Variant element; items.Next(element);) {
                 if (!item(element)) return;
             }

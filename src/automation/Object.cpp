@@ -31,12 +31,14 @@ Argument::Argument(std::unique_ptr<Reference> reference) noexcept : reference_(s
 Argument::Argument(Argument&&) noexcept = default;
 Argument::~Argument() = default;
 
-VARIANT Argument::Passed() noexcept {
+VARIANT Argument::Passed(Way way) noexcept {
     VARIANT passed;
     VariantInit(&passed);
     if (reference_ == nullptr) {
         std::memcpy(&passed, static_cast<const VARIANT*>(&value_), sizeof passed);
-    } else if (reference_->Type == VT_VARIANT) {
+    } else if (way == Way::AsValue) {
+        std::memcpy(&passed, static_cast<const VARIANT*>(&reference_->Storage), sizeof passed);
+    } else if (way == Way::AsVariant || reference_->Type == VT_VARIANT) {
         passed.vt = VT_BYREF | VT_VARIANT;
         passed.pvarVal = &reference_->Storage;
     } else {
@@ -46,34 +48,28 @@ VARIANT Argument::Passed() noexcept {
     return passed;
 }
 
-VARIANT Argument::PassedByValue() noexcept {
-    VARIANT passed;
-    std::memcpy(&passed, static_cast<const VARIANT*>(reference_ != nullptr ? &reference_->Storage : &value_), sizeof passed);
-    return passed;
-}
-
 void Argument::WriteBack() {
     if (reference_ != nullptr) reference_->Assign(reference_->Storage);
 }
 
 Argument ByRef(std::wstring& variable) {
     return Argument(std::make_unique<Argument::Reference>(Argument::Reference{
-        Variant(variable), VT_BSTR, [&variable](const Variant& left) { variable = TextOf(left.bstrVal); }}));
+        Variant(variable), VT_BSTR, [&variable](const Variant& left) { variable = left.ToText(); }}));
 }
 
 Argument ByRef(long& variable) {
     return Argument(std::make_unique<Argument::Reference>(
-        Argument::Reference{Variant(variable), VT_I4, [&variable](const Variant& left) { variable = left.lVal; }}));
+        Argument::Reference{Variant(variable), VT_I4, [&variable](const Variant& left) { variable = left.ToLong(); }}));
 }
 
 Argument ByRef(short& variable) {
     return Argument(std::make_unique<Argument::Reference>(
-        Argument::Reference{Variant(variable), VT_I2, [&variable](const Variant& left) { variable = left.iVal; }}));
+        Argument::Reference{Variant(variable), VT_I2, [&variable](const Variant& left) { variable = left.ToInteger(); }}));
 }
 
 Argument ByRef(bool& variable) {
     return Argument(std::make_unique<Argument::Reference>(Argument::Reference{
-        Variant(variable), VT_BOOL, [&variable](const Variant& left) { variable = left.boolVal != VARIANT_FALSE; }}));
+        Variant(variable), VT_BOOL, [&variable](const Variant& left) { variable = left.ToBoolean(); }}));
 }
 
 Argument ByRef(Variant& variable) {
@@ -83,27 +79,46 @@ Argument ByRef(Variant& variable) {
 
 Argument ByRef(Object& variable) {
     return Argument(std::make_unique<Argument::Reference>(Argument::Reference{
-        Variant(variable), VT_DISPATCH, [&variable](const Variant& left) { variable = Object(left.pdispVal); }}));
+        Variant(variable), VT_DISPATCH, [&variable](const Variant& left) { variable = left.ToObject(); }}));
 }
 
 // ---- Object
 
 namespace {
 
-bool IsScriptObject(IDispatch* object) noexcept {
-    IDispatchEx* script = nullptr;
-    if (FAILED(object->QueryInterface(__uuidof(IDispatchEx), reinterpret_cast<void**>(&script)))) return false;
-    script->Release();
-    return true;
-}
-
-// Whether a script object refused to call what is no function: it says so, or that it has told its own host already, or, under
-// Wine, just that it failed.
-bool IsRefusedCall(IDispatch* object, HRESULT result, const EXCEPINFO& exception) noexcept {
+// Whether an object refused to call what is no function: it says so, or that it has told its own host already, or just that it
+// failed.
+bool IsRefusedCall(HRESULT result, const EXCEPINFO& exception) noexcept {
     constexpr HRESULT FunctionExpected = MAKE_HRESULT(SEVERITY_ERROR, FACILITY_CONTROL, 5002);
     constexpr HRESULT AlreadyReported = static_cast<HRESULT>(0x80020101);
     if (result == DISP_E_EXCEPTION && exception.wCode == 0) result = exception.scode;
-    return (result == FunctionExpected || result == AlreadyReported || result == E_FAIL) && IsScriptObject(object);
+    return result == FunctionExpected || result == AlreadyReported || result == E_FAIL;
+}
+
+bool KnowsName(IDispatch* object, const wchar_t* name) noexcept {
+    auto* writable = const_cast<LPOLESTR>(name);
+    DISPID id = DISPID_UNKNOWN;
+    return SUCCEEDED(object->GetIDsOfNames(IID_NULL, &writable, 1, LOCALE_USER_DEFAULT, &id)) && id != DISPID_UNKNOWN;
+}
+
+bool HasTypeInfo(IDispatch* object) noexcept {
+    ITypeInfo* info = nullptr;
+    if (FAILED(object->GetTypeInfo(0, LOCALE_USER_DEFAULT, &info)) || info == nullptr) return false;
+    info->Release();
+    return true;
+}
+
+// Whether a value is a function of JScript, which every reader but JScript would rather have called.
+bool IsFunction(const VARIANT& value) noexcept {
+    return value.vt == VT_DISPATCH && value.pdispVal != nullptr && KnowsName(value.pdispVal, L"apply") &&
+           KnowsName(value.pdispVal, L"call");
+}
+
+void FreeTexts(EXCEPINFO& exception) noexcept {
+    SysFreeString(exception.bstrSource);
+    SysFreeString(exception.bstrDescription);
+    SysFreeString(exception.bstrHelpFile);
+    exception = {};
 }
 
 }  // namespace
@@ -116,6 +131,8 @@ struct Object::State {
         std::wstring Name;
         DISPID Id;
     };
+    enum class Kind { NotAsked, Plain, VBScript, JScript };
+    Kind Asked = Kind::NotAsked;
     std::vector<Member> Members;  // a handful: a search by length and letters beats any table
 
     State() = default;
@@ -124,6 +141,25 @@ struct Object::State {
     ~State() {
         if (Extended != nullptr) Extended->Release();
         if (Dispatch != nullptr) Dispatch->Release();
+    }
+
+    // Which script engine made the object, if any. Asked where it matters only.
+    Kind KindOf() noexcept {
+        if (Asked == Kind::NotAsked) {
+            IDispatchEx* script = nullptr;
+            if (FAILED(Dispatch->QueryInterface(__uuidof(IDispatchEx), reinterpret_cast<void**>(&script))) ||
+                script == nullptr) {
+                Asked = Kind::Plain;
+            } else {
+                script->Release();
+                // Every object of JScript inherits this name; those of VBScript have no type information, whatever they say
+                // of its count.
+                Asked = KnowsName(Dispatch, L"hasOwnProperty") ? Kind::JScript
+                        : HasTypeInfo(Dispatch)                ? Kind::Plain
+                                                               : Kind::VBScript;
+            }
+        }
+        return Asked;
     }
 
     // The id of a member, asked for once.
@@ -245,27 +281,46 @@ Variant Object::InvokeId(DISPID id, WORD flags, Argument* arguments, size_t coun
     constexpr size_t Most = 8;
     VARIANTARG passed[Most];
     if (count > Most) RaiseError(ErrorNumber::InvalidProcedureCall);
-    for (size_t at = 0; at < count; ++at) passed[count - 1 - at] = arguments[at].Passed();
+    bool byReference = false;
+    for (size_t at = 0; at < count; ++at) byReference = byReference || arguments[at].reference_ != nullptr;
+    auto way = Argument::Way::AsType;
+    if (byReference) {
+        switch (state->KindOf()) {
+            case State::Kind::JScript:
+                // The language has no arguments that can be written to. Under Wine it calls the function, and fails or crashes
+                // where one that is passed by reference is used.
+                way = Argument::Way::AsValue;
+                break;
+            case State::Kind::VBScript:
+                // Its variables are variants, and under Wine it writes to no other kind.
+                way = Argument::Way::AsVariant;
+                break;
+            default:
+                break;
+        }
+    }
+    for (size_t at = 0; at < count; ++at) passed[count - 1 - at] = arguments[at].Passed(way);
 
     DISPPARAMS parameters{passed, nullptr, static_cast<UINT>(count), 0};
     VARIANT raw;
     VariantInit(&raw);
     EXCEPINFO exception{};
     HRESULT result = state->Invoke(id, flags, parameters, &raw, exception);
-    if (count == 0 && (flags & DISPATCH_PROPERTYGET) != 0 && IsRefusedCall(state->Dispatch, result, exception)) {
+    if (FAILED(result) && count == 0 && (flags & DISPATCH_PROPERTYGET) != 0 && IsRefusedCall(result, exception) &&
+        state->KindOf() == State::Kind::JScript) {
         // JScript under Wine takes "method or property" for a call, and a plain value cannot be called. Reading it alone calls
-        // nothing, so nothing happens twice.
-        ErrorFromHresult(result, &exception);
-        exception = {};
-        VariantInit(&raw);
-        result = state->Invoke(id, DISPATCH_PROPERTYGET, parameters, &raw, exception);
-    }
-    if (result == E_NOTIMPL && IsScriptObject(state->Dispatch)) {
-        // JScript under Wine takes no argument by reference, and says so before it calls anything. It could not write to one
-        // in any case: the language has no such arguments.
-        for (size_t at = 0; at < count; ++at) passed[count - 1 - at] = arguments[at].PassedByValue();
-        VariantInit(&raw);
-        result = state->Invoke(id, flags, parameters, &raw, exception);
+        // nothing, so nothing happens twice. What reads as a function was called before, and failed in itself.
+        VARIANT value;
+        VariantInit(&value);
+        EXCEPINFO second{};
+        if (SUCCEEDED(state->Invoke(id, DISPATCH_PROPERTYGET, parameters, &value, second)) && !IsFunction(value)) {
+            FreeTexts(exception);
+            raw = value;
+            result = S_OK;
+        } else {
+            FreeTexts(second);
+            VariantClear(&value);
+        }
     }
     // Beside a failure a callee may have left anything in the result: then it is not ours to free.
     if (FAILED(result)) throw ErrorFromHresult(result, &exception);
@@ -284,6 +339,7 @@ void Object::Let(const wchar_t* member, const Variant& value) const {
     EXCEPINFO exception{};
     HRESULT result = DISP_E_MEMBERNOTFOUND;
     if (value.IsObject()) result = state->Invoke(id, DISPATCH_PROPERTYPUTREF, parameters, nullptr, exception);
+    if (result == DISP_E_MEMBERNOTFOUND) FreeTexts(exception);
     if (result == DISP_E_MEMBERNOTFOUND) result = state->Invoke(id, DISPATCH_PROPERTYPUT, parameters, nullptr, exception);
     if (FAILED(result)) throw ErrorFromHresult(result, &exception);
 }

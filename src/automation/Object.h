@@ -33,10 +33,9 @@ private:
     friend Argument ByRef(Object&);
     struct Reference;
     explicit Argument(std::unique_ptr<Reference> reference) noexcept;
+    enum class Way { AsType, AsVariant, AsValue };  // of passing a reference: the last two are for script objects
     // What goes into DISPPARAMS: owned by this argument for the time of the call.
-    VARIANT Passed() noexcept;
-    // The same with the contents of a reference in its place.
-    VARIANT PassedByValue() noexcept;
+    VARIANT Passed(Way way) noexcept;
     // After a call that succeeded: what the callee left goes into the caller's variable.
     void WriteBack();
 
@@ -44,8 +43,9 @@ private:
     std::unique_ptr<Reference> reference_;
 };
 
-// Passes a variable by reference, as VT_BYREF of the variable's own type. It must outlive the call; it is written when the
-// call succeeds. A callee that leaves a type that cannot be converted back raises error 13.
+// Passes a variable by reference, as VT_BYREF of the variable's own type; to an object of VBScript, whose variables have no
+// types, as VT_BYREF|VT_VARIANT; to one of JScript, which has no references, by value. The variable must outlive the call; it is
+// written when the call succeeds. A callee that leaves what cannot be converted back raises error 13 (or 6, 94, 424).
 Argument ByRef(std::wstring& variable);
 Argument ByRef(long& variable);
 Argument ByRef(short& variable);

@@ -53,6 +53,8 @@ constexpr Standing Texts[] = {
     {ErrorNumber::IndexOutOfBounds, L"Index out of bounds"},
     {ErrorNumber::ElementNotFound, L"Element not found"},
     {ErrorNumber::KeyNotUnique, L"The key is not unique in the collection"},
+    // SCRIPT_E_REPORTED: what engines give to callers that are no script.
+    {static_cast<long>(0x80020101), L"The script has failed and has told its own host why"},
 };
 
 struct Translated {
