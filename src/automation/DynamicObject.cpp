@@ -106,6 +106,13 @@ bool Arguments::Has(size_t position) const noexcept {
 
 bool Arguments::Let(size_t position, const Variant& value) const {
     const VARIANT* raw = Raw(position);
+    // A variable may be a reference in its turn: that of a caller further up. A wrong one refers to itself.
+    for (int depth = 0; raw != nullptr && raw->vt == (VT_BYREF | VT_VARIANT) && raw->pvarVal != nullptr &&
+                        (raw->pvarVal->vt & VT_BYREF) != 0;
+         ++depth) {
+        if (depth == 8) return false;
+        raw = raw->pvarVal;
+    }
     if (raw == nullptr || (raw->vt & VT_BYREF) == 0 || raw->byref == nullptr) return false;
     if (raw->vt == (VT_BYREF | VT_VARIANT)) {
         Check(VariantCopy(raw->pvarVal, const_cast<Variant*>(&value)));
@@ -235,7 +242,7 @@ HRESULT DynamicObject::GetIDsOfNames(REFIID, LPOLESTR* names, UINT count, LCID, 
 
 HRESULT DynamicObject::Invoke(DISPID id, REFIID, LCID, WORD flags, DISPPARAMS* parameters, VARIANT* result,
                               EXCEPINFO* exception, UINT*) {
-    if (parameters == nullptr) return E_POINTER;
+    if (parameters == nullptr || (parameters->cArgs > 0 && parameters->rgvarg == nullptr)) return E_POINTER;
     // A member may let go of the object, or define others.
     AddRef();
     HRESULT outcome = S_OK;

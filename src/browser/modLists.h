@@ -39,4 +39,13 @@ void AddDefaultTablesViewsItems(Nodes& Nodes, const Node& Node);
 
 // Empties the tree of the editor window and creates its root with a placeholder, when a dictionary is connected.
 void PopulateDBObjects();
+
+// Each replaces all children of a node by what the dictionary says. NodeLimitError goes up; other failures are reported, or told
+// to the user where the dictionary itself says what it cannot do, and leave the tree as far as it was built.
+// The schemas of the root; one "Current Schema" when the database has no list of schemas.
+void PopulateDBObjSchemas(Nodes& Nodes, const Node& Node);
+// The tables (`ObjectType` 1) of a "tables" node, or the views (2) of a "views" node.
+void PopulateDBObjTablesViews(long ObjectType, Nodes& Nodes, const Node& Node, bool IncludeSys);
+// The columns of a "columns" node, each with its properties.
+void PopulateDBObjColumns(Nodes& Nodes, const Node& Node);
 }  // namespace modLists

@@ -4,25 +4,11 @@
 #include "dictionary/clsDictionary.h"
 #include "editor/frmSQLEditor.h"
 #include "errors/modErrorHandler.h"
+#include "forms/Painting.h"
 
 namespace {
 
 constexpr const wchar_t* Module = L"modLists";
-
-// Holds the painting of a list while it fills: every row of a list that paints is laid out on its own.
-class PaintingHeld {
-public:
-    explicit PaintingHeld(const Control& Control) : control_(Control) { control_.Send(WM_SETREDRAW, FALSE); }
-    ~PaintingHeld() {
-        SendMessageW(control_.Handle(), WM_SETREDRAW, TRUE, 0);
-        InvalidateRect(control_.Handle(), nullptr, TRUE);
-    }
-    PaintingHeld(const PaintingHeld&) = delete;
-    PaintingHeld& operator=(const PaintingHeld&) = delete;
-
-private:
-    const Control& control_;
-};
 
 void FillList(ListBox& List, long Number) {
     {

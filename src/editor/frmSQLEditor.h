@@ -129,6 +129,11 @@ private:
     void rtbSQL_Change();
     void rtbSQL_SelChange();
 
+    // ---- Object browser (browser/frmSQLEditor_Browser.cpp)
+    void trvDBObjects_Expand(const Node& Node);
+    void trvDBObjects_Collapse(const Node& Node);
+    void mnuViewSystem_Click();
+
     // ---- Reference lists (catalogue/frmSQLEditor_Lists.cpp)
     void lstAnsiSQL_Click();
     void lstKolvex_Click();

@@ -100,6 +100,7 @@ void frmSQLEditor::CreateMenus() {
 
     mnuFileClose.Click = [this] { mnuFileClose_Click(); };
     mnuViewStatusBar.Click = [this] { mnuViewStatusBar_Click(); };
+    mnuViewSystem.Click = [this] { mnuViewSystem_Click(); };
     mnuViewObjectBrowser.Click = [this] { mnuViewObjectBrowser_Click(); };
 
     for (MenuItem* menu : {&mnuFile, &mnuEdit, &mnuAction, &mnuView}) Menus.Append(*menu);
@@ -157,6 +158,8 @@ void frmSQLEditor::CreateControls() {
     CreateImages();
     tlbToolbar.AddButton({L"return", L"Return SQL to Kolvex", L"Close the editor and return the SQL to Kolvex", 0});
 
+    trvDBObjects.Expand = [this](const Node& Node) { trvDBObjects_Expand(Node); };
+    trvDBObjects.Collapse = [this](const Node& Node) { trvDBObjects_Collapse(Node); };
     lstAnsiSQL.Click = [this] { lstAnsiSQL_Click(); };
     lstKolvex.Click = [this] { lstKolvex_Click(); };
     trvDatabaseSpecific.NodeClick = [this](const Node& Node) { trvDatabaseSpecific_NodeClick(Node); };

@@ -64,15 +64,28 @@ bool TreeView::OnReflected(UINT message, WPARAM, LPARAM lParam, LRESULT& result)
         case TVN_ITEMEXPANDINGW: {
             if (quiet_) return false;
             const Node node = NodeOf(change.itemNew.lParam);
-            // Filled while the branch is still closed: an open one is laid out anew with every node.
-            if (change.action == TVE_EXPAND && MarkExpanded(node, true) && Expand) Expand(node);
+            // Filled while the branch is still closed: an open one is laid out anew with every node. The control asks only for
+            // branches that it shows closed, whatever was said of them while they had no children.
+            if (change.action == TVE_EXPAND) {
+                MarkExpanded(node, true);
+                if (Expand) Expand(node);
+            }
             result = FALSE;
             return true;
         }
         case TVN_ITEMEXPANDEDW: {
             if (quiet_) return false;
             const Node node = NodeOf(change.itemNew.lParam);
-            if (change.action == TVE_COLLAPSE && MarkExpanded(node, false) && Collapse) Collapse(node);
+            if (change.action == TVE_COLLAPSE) {
+                // Else the control would not ask again when a program opens the branch.
+                TVITEMW item{};
+                item.mask = TVIF_STATE | TVIF_HANDLE;
+                item.hItem = change.itemNew.hItem;
+                item.stateMask = TVIS_EXPANDEDONCE;
+                Send(TVM_SETITEMW, 0, reinterpret_cast<LPARAM>(&item));
+                MarkExpanded(node, false);
+                if (Collapse) Collapse(node);
+            }
             return true;
         }
         case TVN_SELCHANGEDW:

@@ -1,0 +1,142 @@
+#include <vector>
+
+#include "automation/App.h"
+#include "automation/Collection.h"
+#include "browser/modLists.h"
+#include "catalogue/modLists.h"
+#include "component/modGlobal.h"
+#include "dictionary/clsDictionary.h"
+#include "editor/frmSQLEditor.h"
+#include "errors/modErrorHandler.h"
+#include "forms/MsgBox.h"
+
+namespace {
+
+constexpr const wchar_t* Module = L"modLists";
+// Stands for the connection's default schema.
+constexpr const wchar_t* CurrentSchema = L"Current Schema";
+constexpr long ActiveDirectory = 1;
+
+// Held for the time of a procedure: the host may give the component another dictionary meanwhile.
+std::shared_ptr<clsDictionary> Adapter() {
+    if (Dictionary == nullptr) RaiseError(ErrorNumber::ObjectNotSet);
+    return Dictionary;
+}
+
+Variant SchemaArgument(const std::wstring& Text) {
+    return Text == CurrentSchema ? Variant::Null() : Variant(Text);
+}
+
+void ReportUnlessOwn(const wchar_t* Routine) {
+    if (IsOwnError(CurrentError())) throw;
+    ReportError(Module, Routine);
+}
+
+void TellThatThereIsNoDictionary() {
+    const std::wstring Text =
+        DBType == ActiveDirectory
+            ? L"Active directory does not support this feature. Use the LDAP path as table name. For example: select * from "
+              L"'LDAP://DC=example,DC=com'."
+            : L"No database dictionary information could be found. You may want to try a different driver / provider.";
+    MsgBox(EditorForm->Handle(), Text, MB_OK | MB_ICONINFORMATION);
+}
+
+// Runs a step; when the host's component says that columns cannot be read, the user is told and the next step follows.
+template <class Step>
+void ResumingAfterColumnErrors(Step&& step) {
+    try {
+        step();
+    } catch (const RuntimeError& error) {
+        if (error.Source != HostDatabaseError::Source || error.Number != HostDatabaseError::NoColumns) throw;
+        MsgBox(EditorForm->Handle(), error.Description, MB_OK | MB_ICONEXCLAMATION, L"SQL Editor");
+    }
+}
+
+const Variant& Element(const std::vector<Variant>& Elements, size_t Position) {
+    if (Position >= Elements.size()) RaiseError(ErrorNumber::SubscriptOutOfRange);
+    return Elements[Position];
+}
+
+void AddProperty(Nodes& Nodes, const Node& Column, const Node& Properties, const Variant& Property,
+                 const clsDictionary& Adapter) {
+    const std::vector<Variant> Elements = Property.ToArray();
+    const Variant& Name = Element(Elements, 0);
+    const Variant& Value = Element(Elements, 1);
+    const std::wstring NameText = Name.ToText();
+    if (NameText == L"COLUMN_NAME") Column.SetText(Value.ToText());
+    const Node Shown = modLists::m_AddNode(Nodes, modLists::m_VntToStr(Name) + L"=" + modLists::m_VntToStr(Value),
+                                           modLists::NodeKind::Property, Properties.Index(), TreeRelationship::Child);
+    if (Value.IsNumeric() && NameText == L"DATA_TYPE") {
+        Shown.SetText(modLists::m_VntToStr(Name) + L"=" +
+                      Adapter.DataTypeDesc(Value.ToLong(), Element(Elements, 2).ToLong()));
+    }
+}
+
+}  // namespace
+
+void modLists::PopulateDBObjSchemas(::Nodes& Nodes, const ::Node& Node) try {
+    const HostCollection Schemas = Adapter()->Schemas(L"", true);
+    m_ClearNode(Nodes, Node);
+    const auto AddSchema = [&](const std::wstring& Text) {
+        const ::Node Schema = m_AddNode(Nodes, Text.empty() ? std::wstring(CurrentSchema) : Text, NodeKind::Schema, Node.Index(),
+                                        TreeRelationship::Child);
+        AddDefaultSchemaItems(Nodes, Schema);
+    };
+    if (!Schemas) {
+        AddSchema(CurrentSchema);
+        return;
+    }
+    Schemas.ForEach([&](const Variant& Schema) {
+        AddSchema(Schema.IsNull() ? std::wstring() : Schema.ToText());
+        return true;
+    });
+} catch (...) {
+    ReportUnlessOwn(L"PopulateDBObjSchemas");
+}
+
+void modLists::PopulateDBObjTablesViews(long ObjectType, ::Nodes& Nodes, const ::Node& Node, bool IncludeSys) try {
+    const Variant SchemaName = SchemaArgument(Node.Parent().Text());
+    // Before the dictionary is asked: where there is none the node stays empty.
+    m_ClearNode(Nodes, Node);
+    const HostCollection Objects = Adapter()->Objects(ObjectType, SchemaName, L"", IncludeSys);
+    Objects.ForEach([&](const Variant& Name) {
+        const ::Node Object = m_AddNode(Nodes, Name.ToText(), ObjectType == 1 ? NodeKind::Table : NodeKind::View, Node.Index(),
+                                        TreeRelationship::Child);
+        AddDefaultDBObjectItems(Nodes, Object);
+        return true;
+    });
+} catch (...) {
+    const RuntimeError error = CurrentError();
+    if (error.Source == App::Title && error.Number == HostDatabaseError::NoDictionary) {
+        TellThatThereIsNoDictionary();
+        return;
+    }
+    ReportUnlessOwn(L"PopulateDBObjTablesViews");
+}
+
+void modLists::PopulateDBObjColumns(::Nodes& Nodes, const ::Node& Node) try {
+    const auto Held = Adapter();
+    const std::wstring TableName = Node.Parent().Text();
+    const Variant SchemaName = SchemaArgument(Node.Parent().Parent().Parent().Text());
+    HostCollection Columns;
+    ResumingAfterColumnErrors([&] { Columns = Held->Columns(SchemaName, TableName); });
+    // After the dictionary was asked, unlike the other two: kept.
+    m_ClearNode(Nodes, Node);
+    if (!Columns) return;
+    ResumingAfterColumnErrors([&] {
+        Columns.ForEach([&](const Variant& Entry) {
+            const ::Node Column = m_AddNode(Nodes, L"", NodeKind::Column, Node.Index(), TreeRelationship::Child);
+            const ::Node Properties =
+                m_AddNode(Nodes, L"Properties", NodeKind::Properties, Column.Index(), TreeRelationship::Child);
+            ResumingAfterColumnErrors([&] {
+                HostCollection(Entry).ForEach([&](const Variant& Property) {
+                    AddProperty(Nodes, Column, Properties, Property, *Held);
+                    return true;
+                });
+            });
+            return true;
+        });
+    });
+} catch (...) {
+    ReportUnlessOwn(L"PopulateDBObjColumns");
+}
