@@ -74,7 +74,10 @@ Argument ByRef(bool& variable) {
 
 Argument ByRef(Variant& variable) {
     return Argument(std::make_unique<Argument::Reference>(
-        Argument::Reference{variable, VT_VARIANT, [&variable](const Variant& left) { variable = left; }}));
+        Argument::Reference{variable, VT_VARIANT, [&variable](const Variant& left) {
+                                // A callee may leave a reference to a variable of its own, which is gone soon.
+                                variable = Variant(static_cast<const VARIANT&>(left));
+                            }}));
 }
 
 Argument ByRef(Object& variable) {

@@ -93,6 +93,7 @@ struct Refused {
 };
 
 void Write(HKEY root, const std::wstring& path, const wchar_t* name, const std::wstring& value) {
+    // Closed by hand: nothing in between can throw.
     HKEY key = nullptr;
     LSTATUS status = RegCreateKeyExW(root, path.c_str(), 0, nullptr, 0, KEY_SET_VALUE, nullptr, &key, nullptr);
     if (status == ERROR_SUCCESS) {
@@ -114,10 +115,12 @@ std::wstring VersionedProgId(const ComClass& registered) {
     return std::wstring(registered.ProgId) + L".1";
 }
 
-void WriteClass(HKEY root, const ComClass& registered, const std::wstring& path) {
+// `begun` is set when the first key is written.
+void WriteClass(HKEY root, const ComClass& registered, const std::wstring& path, bool& begun) {
     const std::wstring id = TextOfGuid(registered.Id);
     const std::wstring versioned = VersionedProgId(registered);
     Write(root, ClassesKey(registered.ProgId), nullptr, registered.Description);
+    begun = true;
     Write(root, ClassesKey(std::wstring(registered.ProgId) + L"\\CLSID"), nullptr, id);
     Write(root, ClassesKey(std::wstring(registered.ProgId) + L"\\CurVer"), nullptr, versioned);
     Write(root, ClassesKey(versioned), nullptr, registered.Description);
@@ -223,9 +226,10 @@ HRESULT Server::GetClassObject(const ComClass* classes, size_t count, REFCLSID i
 
 HRESULT Server::Register(const ComClass* classes, size_t count, Scope scope, bool typeLibrary) noexcept {
     HRESULT result = S_OK;
+    bool begun = false;
     try {
         const std::wstring path = ModulePath();
-        for (size_t at = 0; at < count; ++at) WriteClass(RootOf(scope), classes[at], path);
+        for (size_t at = 0; at < count; ++at) WriteClass(RootOf(scope), classes[at], path, begun);
         if (typeLibrary) result = RegisterLibrary(path, scope);
         if (FAILED(result) && result != E_OUTOFMEMORY && result != E_ACCESSDENIED) result = SELFREG_E_TYPELIB;
     } catch (const Refused& refused) {
@@ -233,8 +237,8 @@ HRESULT Server::Register(const ComClass* classes, size_t count, Scope scope, boo
     } catch (...) {
         result = SELFREG_E_CLASS;
     }
-    // A class that is registered by half would be found and not be made.
-    if (FAILED(result)) Unregister(classes, count, scope, false);
+    // A class that is registered by half would be found and not be made. One that could not be touched stays as it was.
+    if (FAILED(result) && begun) Unregister(classes, count, scope, false);
     return result;
 }
 
