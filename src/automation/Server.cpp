@@ -3,6 +3,7 @@
 #include <oleauto.h>
 #include <olectl.h>
 
+#include <cwchar>
 #include <new>
 #include <string>
 #include <vector>
@@ -167,6 +168,17 @@ HRESULT RegisterLibrary(const std::wstring& path, Server::Scope scope) noexcept 
     return result;
 }
 
+bool IsLibraryKnown(const TLIBATTR& library) noexcept {
+    wchar_t id[40];
+    wchar_t path[80];
+    StringFromGUID2(library.guid, id, 40);
+    swprintf(path, 80, L"TypeLib\\%ls\\%x.%x", id, library.wMajorVerNum, library.wMinorVerNum);
+    HKEY key = nullptr;
+    if (RegOpenKeyExW(HKEY_CLASSES_ROOT, path, 0, KEY_READ, &key) == ERROR_FILE_NOT_FOUND) return false;
+    if (key != nullptr) RegCloseKey(key);
+    return true;
+}
+
 HRESULT UnregisterLibrary(const std::wstring& path, Server::Scope scope) noexcept {
     ITypeLib* library = nullptr;
     HRESULT result = LoadTypeLibEx(path.c_str(), REGKIND_NONE, &library);
@@ -180,14 +192,12 @@ HRESULT UnregisterLibrary(const std::wstring& path, Server::Scope scope) noexcep
         result = function != nullptr ? function(attributes->guid, attributes->wMajorVerNum, attributes->wMinorVerNum,
                                                 attributes->lcid, attributes->syskind)
                                      : E_NOTIMPL;
+        // Windows and Wine disagree on what to say of one that is not there.
+        if (FAILED(result) && !IsLibraryKnown(*attributes)) result = S_OK;
         library->ReleaseTLibAttr(attributes);
     }
     library->Release();
-    // One that is not registered is as good as removed.
-    return result == TYPE_E_REGISTRYACCESS || result == TYPE_E_LIBNOTREGISTERED ||
-                   result == HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND)
-               ? S_OK
-               : result;
+    return result;
 }
 
 }  // namespace

@@ -168,11 +168,44 @@ TEST(ServerTest, SaysThatAccessWasDenied) {
 
 TEST(ServerTest, RemovesWhatWasWrittenBeforeAFailure) {
     const Hive machine(HKEY_LOCAL_MACHINE);
-    // No type library stands in this program.
-    EXPECT_EQ(SELFREG_E_TYPELIB, Server::Register(Classes, 2, Server::Scope::Machine, true));
+    // Keys that outlive a restart cannot stand in one that does not: the second class cannot be written.
+    HKEY passing = nullptr;
+    ASSERT_EQ(ERROR_SUCCESS, RegCreateKeyExW(HKEY_LOCAL_MACHINE, L"Software\\Classes\\AutomationTest.clsOther", 0, nullptr,
+                                             REG_OPTION_VOLATILE, KEY_ALL_ACCESS, nullptr, &passing, nullptr));
+    RegCloseKey(passing);
+    EXPECT_EQ(HRESULT_FROM_WIN32(ERROR_CHILD_MUST_BE_VOLATILE),
+              Server::Register(Classes, 2, Server::Scope::Machine, false));
     EXPECT_EQ(1, machine.KeysBelow(L"Software\\Classes"));
     EXPECT_EQ(0, machine.KeysBelow(L"Software\\Classes\\CLSID"));
-    EXPECT_EQ(SELFREG_E_TYPELIB, Server::Unregister(Classes, 2, Server::Scope::Machine, true));
+}
+
+TEST(ServerTest, RegistersTheTypeLibrary) {
+    const std::wstring library = std::wstring(L"TypeLib\\") + LibraryText + L"\\1.0";
+    const std::wstring file = library + (sizeof(void*) == 8 ? L"\\0\\win64" : L"\\0\\win32");
+    const Hive machine(HKEY_LOCAL_MACHINE);
+    const Hive classes(HKEY_CLASSES_ROOT, L"classes");
+    ASSERT_EQ(S_OK, Server::Register(Classes, 2, Server::Scope::Machine, true));
+    ExpectRegistered(machine);
+    EXPECT_EQ(L"Library of a test", classes.Value(library));
+    EXPECT_EQ(Module(), classes.Value(file));
+    ASSERT_EQ(S_OK, Server::Unregister(Classes, 2, Server::Scope::Machine, true));
+    EXPECT_FALSE(classes.Has(library));
+    EXPECT_EQ(S_OK, Server::Unregister(Classes, 2, Server::Scope::Machine, true));
+}
+
+TEST(ServerTest, RegistersTheTypeLibraryForTheUser) {
+    const std::wstring library = std::wstring(L"TypeLib\\") + LibraryText + L"\\1.0";
+    const Hive classes(HKEY_CLASSES_ROOT, L"classes");
+    const Hive user(HKEY_CURRENT_USER, L"user");
+    // Wine registers type libraries of users for everybody.
+    const bool wine = GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version") != nullptr;
+    const std::wstring there = wine ? library : L"Software\\Classes\\" + library;
+    const Hive& hive = wine ? classes : user;
+    ASSERT_EQ(S_OK, Server::Register(Classes, 2, Server::Scope::User, true));
+    ExpectRegistered(user);
+    EXPECT_EQ(L"Library of a test", hive.Value(there));
+    ASSERT_EQ(S_OK, Server::Unregister(Classes, 2, Server::Scope::User, true));
+    EXPECT_FALSE(hive.Has(there));
 }
 
 TEST(ServerTest, GivesAFactoryForItsClasses) {
