@@ -61,11 +61,11 @@ TEST_F(BrvErrorAlert, IsOwnedByATopmostWindowThatIsNotActive) {
         return CreateWindowExW(extended | WS_EX_NOACTIVATE, L"Static", L"window", WS_POPUP | WS_BORDER | style, 20, 20, 100, 100,
                                nullptr, nullptr, GetModuleHandleW(nullptr), nullptr);
     };
-    const HWND disabled = make(WS_EX_TOPMOST, WS_DISABLED);
+    const HWND ordinary = make(0, 0);
     const HWND topmost = make(WS_EX_TOPMOST, 0);
     const HWND hidden = make(WS_EX_TOPMOST, 0);
-    const HWND ordinary = make(0, 0);
-    for (const HWND shown : {disabled, topmost, ordinary}) ShowWindow(shown, SW_SHOWNOACTIVATE);
+    const HWND disabled = make(WS_EX_TOPMOST, WS_DISABLED);
+    for (const HWND shown : {ordinary, topmost, disabled}) ShowWindow(shown, SW_SHOWNOACTIVATE);
     SetActiveWindow(nullptr);
     ASSERT_EQ(GetActiveWindow(), nullptr);
     const auto boxes = BoxesOf([&] { component.Call(L"Alert", L"message"); });
