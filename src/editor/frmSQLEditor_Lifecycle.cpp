@@ -33,7 +33,9 @@ frmSQLEditor::frmSQLEditor() {
     Form_Initialize();
 }
 
-frmSQLEditor::~frmSQLEditor() = default;
+frmSQLEditor::~frmSQLEditor() {
+    DestroyForm();
+}
 
 void frmSQLEditor::Form_Initialize() try {
     moving_ = false;

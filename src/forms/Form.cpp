@@ -25,9 +25,13 @@ HMODULE HoldModule() noexcept {
 
 Form::Form() = default;
 
-Form::~Form() {
+void Form::DestroyForm() noexcept {
     EnableOthers();
     if (handle_ != nullptr) DestroyWindow(handle_);
+}
+
+Form::~Form() {
+    DestroyForm();
     // The window procedure is not called any more: the reference that kept the code in the process can go. It is never the
     // last one, since the caller came through COM, which has its own.
     if (held_ != nullptr) FreeLibrary(held_);

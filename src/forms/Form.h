@@ -65,6 +65,9 @@ protected:
     // A key before it goes to the control that has the focus. True: it is swallowed.
     virtual bool KeyPreview(MSG& message);
 
+    // Destroys the window with its controls while their objects still live: a derived form's destructor begins with it.
+    void DestroyForm() noexcept;
+
     HFONT MessageFont() const noexcept { return messageFont_.get(); }  // the system's dialog font
     MenuBar Menus{100};
     void DrawMenuBar() const noexcept { ::DrawMenuBar(handle_); }
