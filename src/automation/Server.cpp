@@ -106,9 +106,7 @@ void Write(HKEY root, const std::wstring& path, const wchar_t* name, const std::
 }
 
 LSTATUS Remove(HKEY root, const std::wstring& path) noexcept {
-    LSTATUS status = RegDeleteTreeW(root, path.c_str());
-    // Under Wine the tree goes and the key itself stays.
-    if (status == ERROR_SUCCESS) status = RegDeleteKeyW(root, path.c_str());
+    const LSTATUS status = RegDeleteTreeW(root, path.c_str());
     return status == ERROR_FILE_NOT_FOUND || status == ERROR_PATH_NOT_FOUND ? ERROR_SUCCESS : status;
 }
 

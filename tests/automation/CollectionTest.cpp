@@ -253,6 +253,17 @@ TEST(HostCollectionTest, TheReaderMayLetGoOfTheCollection) {
         return true;
     });
     EXPECT_EQ(L"abc", seen);
+    for (const bool array : {false, true}) {
+        Counted counted(1, {L"x", L"y"});
+        HostCollection other = array ? HostCollection(Variant::ArrayOf({Variant(L"x"), Variant(L"y")})) : Of(&counted);
+        seen.clear();
+        other.ForEach([&](const Variant& item) {
+            other = HostCollection();
+            seen += item.ToText();
+            return true;
+        });
+        EXPECT_EQ(L"xy", seen);
+    }
 }
 
 TEST(HostCollectionTest, CountsFromOneOrZero) {

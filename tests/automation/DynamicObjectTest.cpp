@@ -236,12 +236,14 @@ TEST(DynamicObjectTest, WrongCallsAreRefused) {
 }
 
 TEST(DynamicObjectTest, AMemberMayLetGoOfTheObject) {
+    ASSERT_TRUE(Server::CanUnload()) << "something was left over by another test";
     auto* made = new DynamicObject;
     Object object = Object::Attach(made);
     auto watched = std::make_shared<int>(5);
     const std::weak_ptr<int> alive = watched;
     made->Define(L"Leave", [&object, watched](const Arguments&) {
         object.Clear();
+        EXPECT_FALSE(Server::CanUnload()) << "the code that runs here is still needed";
         return Variant(*watched);
     });
     watched.reset();

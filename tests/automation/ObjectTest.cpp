@@ -175,37 +175,6 @@ TEST(ObjectTest, AReferenceIsWrittenOnlyWhenTheCallSucceeds) {
     EXPECT_EQ(L"before", text);
 }
 
-TEST(ObjectTest, AVariantKeepsNoReferenceIntoTheCallee) {
-    FakeDispatch fake;
-    LONG inside = 5;
-    fake.OnInvoke = [&inside](DISPID, WORD, DISPPARAMS& parameters, VARIANT*, EXCEPINFO*) -> HRESULT {
-        parameters.rgvarg[0].pvarVal->vt = VT_BYREF | VT_I4;
-        parameters.rgvarg[0].pvarVal->plVal = &inside;
-        return S_OK;
-    };
-    Variant variant;
-    Object(&fake).Call(L"Member", ByRef(variant));
-    inside = 6;
-    EXPECT_EQ(VT_I4, variant.vt);
-    EXPECT_EQ(5, variant.ToLong());
-}
-
-TEST(ObjectTest, ATextAndAnObjectMayBeTakenAway) {
-    FakeDispatch fake;
-    fake.OnInvoke = [](DISPID, WORD, DISPPARAMS& parameters, VARIANT*, EXCEPINFO*) -> HRESULT {
-        SysFreeString(*parameters.rgvarg[1].pbstrVal);
-        *parameters.rgvarg[1].pbstrVal = nullptr;
-        (*parameters.rgvarg[0].ppdispVal)->Release();
-        *parameters.rgvarg[0].ppdispVal = nullptr;
-        return S_OK;
-    };
-    std::wstring text = L"before";
-    Object object(&fake);
-    Object(&fake).Call(L"Member", ByRef(text), ByRef(object));
-    EXPECT_EQ(L"", text);
-    EXPECT_FALSE(object);
-}
-
 TEST(ObjectTest, AMovedArgumentStillNamesItsVariable) {
     FakeDispatch fake;
     fake.OnInvoke = [](DISPID, WORD, DISPPARAMS& parameters, VARIANT*, EXCEPINFO*) -> HRESULT {
