@@ -25,7 +25,8 @@ struct State {
 // A value as text; what has none is the empty text.
 std::wstring TextFrom(const Variant& value) noexcept {
     try {
-        return value.IsNull() || value.IsEmpty() || value.IsMissing() || value.IsNothing() ? std::wstring() : value.ToText();
+        return value.IsNull() || value.IsEmpty() || value.IsMissing() || value.IsNothing() ? std::wstring()
+                                                                                           : value.ToText();
     } catch (...) {
         return {};
     }
@@ -65,8 +66,8 @@ BOOL CALLBACK TakeOwner(HWND window, LPARAM found) {
     return !topmost;
 }
 
-// The window that the user works in: a message box that it does not own would lie under a topmost window. While the user works
-// in another program the thread has no active window; then it is one that could become active.
+// The window that the user works in: a message box that it does not own would lie under a topmost window. While the
+// user works in another program the thread has no active window; then it is one that could become active.
 HWND Owner() noexcept {
     HWND owner = GetActiveWindow();
     if (owner == nullptr) EnumThreadWindows(GetCurrentThreadId(), &TakeOwner, reinterpret_cast<LPARAM>(&owner));

@@ -45,10 +45,18 @@ std::wstring Escaped(std::wstring text) {
     result.reserve(text.size());
     for (const wchar_t unit : text) {
         switch (unit) {
-            case L'\\': result += L"\\\\"; break;
-            case L'\r': result += L"\\r"; break;
-            case L'\n': result += L"\\n"; break;
-            case L'\t': result += L"\\t"; break;
+            case L'\\':
+                result += L"\\\\";
+                break;
+            case L'\r':
+                result += L"\\r";
+                break;
+            case L'\n':
+                result += L"\\n";
+                break;
+            case L'\t':
+                result += L"\\t";
+                break;
             default:
                 if (IsControl(unit)) {
                     wchar_t code[8];
@@ -64,7 +72,8 @@ std::wstring Escaped(std::wstring text) {
 
 std::string Utf8(const std::wstring& text) {
     if (text.empty()) return {};
-    const int length = WideCharToMultiByte(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), nullptr, 0, nullptr, nullptr);
+    const int length =
+        WideCharToMultiByte(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), nullptr, 0, nullptr, nullptr);
     std::string bytes(static_cast<size_t>(length), '\0');
     WideCharToMultiByte(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), bytes.data(), length, nullptr, nullptr);
     return bytes;
@@ -74,13 +83,13 @@ std::wstring Now() {
     SYSTEMTIME time;
     GetLocalTime(&time);
     wchar_t text[32];
-    swprintf(text, 32, L"%04u-%02u-%02uT%02u:%02u:%02u.%03u", time.wYear, time.wMonth, time.wDay, time.wHour, time.wMinute,
-             time.wSecond, time.wMilliseconds);
+    swprintf(text, 32, L"%04u-%02u-%02uT%02u:%02u:%02u.%03u", time.wYear, time.wMonth, time.wDay, time.wHour,
+             time.wMinute, time.wSecond, time.wMilliseconds);
     return text;
 }
 
-// Keeps other processes from rotating the file between this one's look at its size and its move. One that cannot be had in
-// time is gone without: a late rotation is less than a lost entry.
+// Keeps other processes from rotating the file between this one's look at its size and its move. One that cannot be had
+// in time is gone without: a late rotation is less than a lost entry.
 class Turn {
 public:
     Turn() noexcept : mutex_(CreateMutexW(nullptr, FALSE, L"Local\\brvError.events")) {
@@ -128,8 +137,9 @@ bool EventLog::Append(std::initializer_list<std::wstring> fields) const noexcept
         MoveFileExW(fileName_.c_str(), older.c_str(), MOVEFILE_REPLACE_EXISTING);
     }
     // Append access and one write: entries of several processes stand behind each other whole.
-    const HANDLE file = CreateFileW(fileName_.c_str(), FILE_APPEND_DATA, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
-                                    nullptr, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+    const HANDLE file =
+        CreateFileW(fileName_.c_str(), FILE_APPEND_DATA, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                    nullptr, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
     if (file == INVALID_HANDLE_VALUE) return false;
     DWORD written = 0;
     const BOOL done = WriteFile(file, bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr);

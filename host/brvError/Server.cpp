@@ -34,17 +34,11 @@ STDAPI DllGetClassObject(REFCLSID id, REFIID iid, void** object) {
     return Server::GetClassObject(Classes, 1, id, iid, object);
 }
 
-STDAPI DllCanUnloadNow() {
-    return Server::CanUnload() ? S_OK : S_FALSE;
-}
+STDAPI DllCanUnloadNow() { return Server::CanUnload() ? S_OK : S_FALSE; }
 
-STDAPI DllRegisterServer() {
-    return Server::Register(Classes, 1, Server::Scope::Machine, false);
-}
+STDAPI DllRegisterServer() { return Server::Register(Classes, 1, Server::Scope::Machine, false); }
 
-STDAPI DllUnregisterServer() {
-    return Server::Unregister(Classes, 1, Server::Scope::Machine, false);
-}
+STDAPI DllUnregisterServer() { return Server::Unregister(Classes, 1, Server::Scope::Machine, false); }
 
 // regsvr32 /n /i:user registers for the current user alone.
 STDAPI DllInstall(BOOL install, LPCWSTR commandLine) {

@@ -8,8 +8,8 @@ namespace {
 class ActiveWindow {
 public:
     explicit ActiveWindow(DWORD extended = 0)
-        : window_(CreateWindowExW(extended, L"Static", L"owner", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 50, 50, 300, 200, nullptr,
-                                  nullptr, GetModuleHandleW(nullptr), nullptr)) {
+        : window_(CreateWindowExW(extended, L"Static", L"owner", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 50, 50, 300, 200,
+                                  nullptr, nullptr, GetModuleHandleW(nullptr), nullptr)) {
         SetActiveWindow(window_);
         EXPECT_EQ(GetActiveWindow(), window_);
     }
@@ -33,7 +33,8 @@ protected:
 TEST_F(BrvErrorAlert, ShowsAnErrorInPlainWords) {
     const Object component = Component::MakeConstructed();
     const auto boxes = BoxesOf([&] {
-        component.Call(L"ErrorMessage", L"frmMain", L"Form_Load", MakeError(13, L"Source", L"Type mismatch"), 40L, L"debug");
+        component.Call(L"ErrorMessage", L"frmMain", L"Form_Load", MakeError(13, L"Source", L"Type mismatch"), 40L,
+                       L"debug");
     });
     ASSERT_EQ(boxes.size(), 1u);
     EXPECT_EQ(boxes[0].Title, L"Test Program");
@@ -58,8 +59,8 @@ TEST_F(BrvErrorAlert, IsOwnedByTheActiveWindow) {
 TEST_F(BrvErrorAlert, IsOwnedByATopmostWindowThatIsNotActive) {
     const Object component = Component::MakeConstructed();
     const auto make = [](DWORD extended, DWORD style) {
-        return CreateWindowExW(extended | WS_EX_NOACTIVATE, L"Static", L"window", WS_POPUP | WS_BORDER | style, 20, 20, 100, 100,
-                               nullptr, nullptr, GetModuleHandleW(nullptr), nullptr);
+        return CreateWindowExW(extended | WS_EX_NOACTIVATE, L"Static", L"window", WS_POPUP | WS_BORDER | style, 20, 20,
+                               100, 100, nullptr, nullptr, GetModuleHandleW(nullptr), nullptr);
     };
     const HWND ordinary = make(0, 0);
     const HWND topmost = make(WS_EX_TOPMOST, 0);

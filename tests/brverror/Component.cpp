@@ -50,9 +50,7 @@ EnvironmentValue::EnvironmentValue(const wchar_t* name, const wchar_t* value) : 
     SetEnvironmentVariableW(name, value);
 }
 
-EnvironmentValue::~EnvironmentValue() {
-    SetEnvironmentVariableW(name_, had_ ? old_.c_str() : nullptr);
-}
+EnvironmentValue::~EnvironmentValue() { SetEnvironmentVariableW(name_, had_ ? old_.c_str() : nullptr); }
 
 namespace {
 
@@ -90,18 +88,14 @@ void RemoveFolder(const std::wstring& folder) {
 
 LogFolder::LogFolder() : folder_(MakeFolder()), variable_(L"BRVERROR_LOG", (folder_ + L"\\events.log").c_str()) {}
 
-LogFolder::~LogFolder() {
-    RemoveFolder(folder_);
-}
+LogFolder::~LogFolder() { RemoveFolder(folder_); }
 
-bool FileExists(const std::wstring& name) {
-    return GetFileAttributesW(name.c_str()) != INVALID_FILE_ATTRIBUTES;
-}
+bool FileExists(const std::wstring& name) { return GetFileAttributesW(name.c_str()) != INVALID_FILE_ATTRIBUTES; }
 
 std::string BytesOf(const std::wstring& name) {
     std::string bytes;
-    const HANDLE file = CreateFileW(name.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
-                                    OPEN_EXISTING, 0, nullptr);
+    const HANDLE file = CreateFileW(name.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                                    nullptr, OPEN_EXISTING, 0, nullptr);
     if (file == INVALID_HANDLE_VALUE) return bytes;
     char part[65536];
     for (DWORD read = 0; ReadFile(file, part, sizeof part, &read, nullptr) && read > 0;) bytes.append(part, read);
@@ -120,10 +114,10 @@ void WriteBytes(const std::wstring& name, const std::string& bytes) {
 std::vector<std::vector<std::wstring>> EntriesOf(const std::wstring& name) {
     const std::string bytes = BytesOf(name);
     std::wstring text(bytes.size(), L'\0');
-    const int length = bytes.empty() ? 0
-                                     : MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, bytes.data(),
-                                                           static_cast<int>(bytes.size()), text.data(),
-                                                           static_cast<int>(text.size()));
+    const int length =
+        bytes.empty() ? 0
+                      : MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, bytes.data(), static_cast<int>(bytes.size()),
+                                            text.data(), static_cast<int>(text.size()));
     if (!bytes.empty() && length == 0) return {{L"no UTF-8"}};
     text.resize(static_cast<size_t>(length));
 

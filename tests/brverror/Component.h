@@ -57,7 +57,8 @@ private:
 bool FileExists(const std::wstring& name);
 std::string BytesOf(const std::wstring& name);
 void WriteBytes(const std::wstring& name, const std::string& bytes);
-// The entries of a log, each split at its tabs. An entry that does not end with CR LF is given as the one field "unfinished".
+// The entries of a log, each split at its tabs. An entry that does not end with CR LF is given as the one field
+// "unfinished".
 std::vector<std::vector<std::wstring>> EntriesOf(const std::wstring& name);
 
 // A message box as the user saw it.
@@ -68,8 +69,8 @@ struct Box {
     bool Warning;      // shows the system's warning sign
     bool Information;  // shows the system's information sign
 };
-// Does the work, closes each message box of this thread that comes up meanwhile, and tells what they were. A box that cannot
-// be closed ends the program, since nobody else would.
+// Does the work, closes each message box of this thread that comes up meanwhile, and tells what they were. A box that
+// cannot be closed ends the program, since nobody else would.
 std::vector<Box> BoxesOf(const std::function<void()>& work);
 
 // An error object with the six members, as the hosts' language has it.

@@ -15,7 +15,20 @@ protected:
     std::vector<std::vector<std::wstring>> Entries() const { return EntriesOf(Log.File()); }
 };
 
-enum Field { Time, Program, Module, Routine, Number, Source, Description, Line, DebugText, LastDllError, HelpFile, HelpContext };
+enum Field {
+    Time,
+    Program,
+    Module,
+    Routine,
+    Number,
+    Source,
+    Description,
+    Line,
+    DebugText,
+    LastDllError,
+    HelpFile,
+    HelpContext
+};
 
 bool HasFormOf(const std::wstring& text, const std::wstring& form) {
     if (text.size() != form.size()) return false;
@@ -41,7 +54,8 @@ DWORD WINAPI WriteMany(void*) {
 
 TEST_F(BrvErrorLog, WritesAllFieldsOfAnErrorInOrder) {
     const Object component = Component::MakeConstructed();
-    component.Call(L"ErrorMessage", L"frmMain", L"Form_Load", MakeError(-2147221503, L"brvX", L"It failed"), 120L, L"more");
+    component.Call(L"ErrorMessage", L"frmMain", L"Form_Load", MakeError(-2147221503, L"brvX", L"It failed"), 120L,
+                   L"more");
     const auto entries = Entries();
     ASSERT_EQ(entries.size(), 1u);
     const auto& entry = entries[0];
@@ -220,7 +234,9 @@ TEST_F(BrvErrorLog, StaysInItsFolderWhateverTheTitleHolds) {
     EXPECT_EQ(folderFor(L"C:/windows"), L"C__windows");
     EXPECT_EQ(folderFor(L".."), L"brvError");
     EXPECT_EQ(folderFor(L"name. "), L"name");
-    EXPECT_EQ(folderFor(L"a\x01" L"b\"<>|*?"), L"a_b______");
+    EXPECT_EQ(folderFor(L"a\x01"
+                        L"b\"<>|*?"),
+              L"a_b______");
     EXPECT_LE(folderFor(std::wstring(5000, L'n')).size(), 100u);
 }
 
@@ -261,8 +277,8 @@ TEST_F(BrvErrorLog, GoesOnWhereItCannotBeRotated) {
 TEST_F(BrvErrorLog, IsShared) {
     const Object component = Component::MakeConstructed();
     component.Call(L"LogEvent", L"first");
-    const HANDLE other = CreateFileW(Log.File().c_str(), GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
-                                     nullptr, OPEN_EXISTING, 0, nullptr);
+    const HANDLE other = CreateFileW(Log.File().c_str(), GENERIC_READ | GENERIC_WRITE,
+                                     FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0, nullptr);
     ASSERT_NE(other, INVALID_HANDLE_VALUE) << "the component keeps no handle";
     component.Call(L"LogEvent", L"second");
     CloseHandle(other);

@@ -7,7 +7,8 @@ namespace {
 std::wstring ValueOf(HKEY root, const std::wstring& path, const wchar_t* name = nullptr) {
     wchar_t value[1024];
     DWORD size = sizeof value;
-    const LSTATUS status = RegGetValueW(root, (L"Software\\Classes\\" + path).c_str(), name, RRF_RT_REG_SZ, nullptr, value, &size);
+    const LSTATUS status =
+        RegGetValueW(root, (L"Software\\Classes\\" + path).c_str(), name, RRF_RT_REG_SZ, nullptr, value, &size);
     return status == ERROR_SUCCESS ? value : L"(none)";
 }
 
@@ -19,8 +20,8 @@ std::wstring ClassText() {
 
 // Whether there is any trace of the class.
 bool IsRegistered(HKEY root) {
-    for (const std::wstring& path : {std::wstring(L"brvError.clsError"), std::wstring(L"brvError.clsError.1"),
-                                     L"CLSID\\" + ClassText()}) {
+    for (const std::wstring& path :
+         {std::wstring(L"brvError.clsError"), std::wstring(L"brvError.clsError.1"), L"CLSID\\" + ClassText()}) {
         HKEY key = nullptr;
         if (RegOpenKeyExW(root, (L"Software\\Classes\\" + path).c_str(), 0, KEY_READ, &key) == ERROR_SUCCESS) {
             RegCloseKey(key);
@@ -66,7 +67,8 @@ TEST_F(BrvErrorServer, IsFoundByNameWhenRegisteredForTheUser) {
     ASSERT_EQ(install(TRUE, L"User"), S_OK);
     EXPECT_EQ(ValueOf(HKEY_CURRENT_USER, L"brvError.clsError\\CLSID"), ClassText());
     EXPECT_EQ(ValueOf(HKEY_CURRENT_USER, L"CLSID\\" + ClassText() + L"\\InprocServer32"), LibraryPath());
-    EXPECT_EQ(ValueOf(HKEY_CURRENT_USER, L"CLSID\\" + ClassText() + L"\\InprocServer32", L"ThreadingModel"), L"Apartment");
+    EXPECT_EQ(ValueOf(HKEY_CURRENT_USER, L"CLSID\\" + ClassText() + L"\\InprocServer32", L"ThreadingModel"),
+              L"Apartment");
     // Wine up to 8 does not see the classes of the user, in HKEY_CLASSES_ROOT as little as in COM.
     HKEY seen = nullptr;
     if (RegOpenKeyExW(HKEY_CLASSES_ROOT, L"brvError.clsError", 0, KEY_READ, &seen) == ERROR_SUCCESS) {
