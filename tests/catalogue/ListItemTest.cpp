@@ -1,0 +1,83 @@
+#include "catalogue/clsListItem.h"
+
+#include "Fakes.h"
+#include "catalogue/modLists.h"
+#include "component/modGlobal.h"
+#include "errors/clsErrorHandler.h"
+
+namespace {
+
+class ListItemTest : public testing::Test {
+protected:
+    ~ListItemTest() override {
+        ErrorHandler.reset();
+        ListItems.reset();
+    }
+    FakeErrors Errors;
+};
+
+}  // namespace
+
+TEST_F(ListItemTest, KeepsWhatItWasMadeOf) {
+    clsListItem item;
+    item.Constructor(L"t", 7, 2, 4, L"c", L"d", L"dd", L"s", L"i", L"u", L"del", L"e");
+    EXPECT_EQ(L"t", item.Text());
+    EXPECT_EQ(7, item.Id());
+    EXPECT_EQ(2, item.list());
+    EXPECT_EQ(4, item.DBType());
+    EXPECT_EQ(L"c", item.Category());
+    EXPECT_EQ(L"d", item.Description());
+    EXPECT_EQ(L"dd", item.DragDrop());
+    EXPECT_EQ(L"s", item.SelectText());
+    EXPECT_EQ(L"i", item.InsertText());
+    EXPECT_EQ(L"u", item.UpdateText());
+    EXPECT_EQ(L"del", item.DeleteText());
+    EXPECT_EQ(L"e", item.ExecuteText());
+    EXPECT_EQ(L"", item.GetCommand(0));
+    EXPECT_EQ(L"", Errors.Places());
+}
+
+TEST_F(ListItemTest, GivesItsCommandsByPosition) {
+    clsListItem item;
+    item.Constructor(L"", 0, 1, 0, L"", L"", L"", L"", L"", L"", L"", L"",
+                     Variant::ArrayOf({Variant(L"count"), Variant(12L), Variant(L"sample")}, 5));
+    EXPECT_EQ(L"count", item.GetCommand(0));
+    EXPECT_EQ(L"12", item.GetCommand(1));
+    EXPECT_EQ(L"sample", item.GetCommand(2));
+    EXPECT_EQ(L"", item.GetCommand(3));
+    EXPECT_EQ(L"", Errors.Places());
+    EXPECT_EQ(L"", item.GetCommand(-1));
+    EXPECT_EQ(L"", item.GetCommand(32767));
+    EXPECT_EQ(L"clsListItem.GetCommand 9|clsListItem.GetCommand 6", Errors.Places());
+}
+
+TEST_F(ListItemTest, ACommandThatIsNoTextIsReported) {
+    clsListItem item;
+    item.Constructor(L"kept", 0, 1, 0, L"", L"", L"", L"", L"", L"", L"", L"", Variant::ArrayOf({Variant(L"a"), Variant::Null()}));
+    EXPECT_EQ(L"clsListItem.Constructor 94", Errors.Places());
+    EXPECT_EQ(L"kept", item.Text());
+    EXPECT_EQ(L"a", item.GetCommand(0));
+}
+
+TEST_F(ListItemTest, EntriesAreNumberedAndKeyedInTheirOrder) {
+    modGlobal::Main();
+    const long before = ListItems->Count();
+    for (const wchar_t* text : {L"first", L"second"}) {
+        modLists::m_CreateListItem(text, 1, 0, L"", L"", L"", L"", L"", L"", L"", L"");
+    }
+    EXPECT_EQ(before + 2, ListItems->Count());
+    const auto& second = ListItems->Item(std::to_wstring(before + 1));
+    EXPECT_EQ(L"second", second->Text());
+    EXPECT_EQ(before + 1, second->Id());
+    EXPECT_EQ(L"", second->GetCommand(0));
+    EXPECT_EQ(L"", Errors.Places());
+}
+
+TEST_F(ListItemTest, ValuesAreShownAsText) {
+    EXPECT_EQ(L"null", modLists::m_VntToStr(Variant::Null()));
+    EXPECT_EQ(L"12", modLists::m_VntToStr(Variant(12L)));
+    EXPECT_EQ(L"", modLists::m_VntToStr(Variant()));
+    EXPECT_EQ(L"", Errors.Places());
+    EXPECT_EQ(L"", modLists::m_VntToStr(Variant::ArrayOf({Variant(1L)})));
+    EXPECT_EQ(L"modLists.m_VntToStr 13", Errors.Places());
+}
