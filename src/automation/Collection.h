@@ -8,19 +8,21 @@
 #include "automation/Object.h"
 #include "automation/RuntimeError.h"
 
-// A collection that belongs to the host, read in order. What hosts hand over comes in several kinds, and all are read: an
-// object with _NewEnum (asked first), an object with Count and Item (from 1, or from 0 when 1 to Count does not hold), an array.
+// A collection that belongs to the host, read in order. What hosts hand over comes in several kinds, and all are read:
+// an object with _NewEnum (asked first), an object with Count and Item (from 1, or from 0 when 1 to Count does not
+// hold), an array.
 class HostCollection {
 public:
     HostCollection() noexcept = default;  // nothing
-    // Takes a result as a collection. Nothing stays nothing. A value that is no collection object is error 13, and so are
-    // Null and Empty. No item is asked for yet; _NewEnum is, since that is how a collection is told from another object.
+    // Takes a result as a collection. Nothing stays nothing. A value that is no collection object is error 13, and so
+    // are Null and Empty. No item is asked for yet; _NewEnum is, since that is how a collection is told from another
+    // object.
     explicit HostCollection(const Variant& result);
 
     explicit operator bool() const noexcept;  // false: nothing
-    // Calls `item` for each item in order until it returns false, from the first item each time. A failure of the collection, or
-    // of `item`, passes through, after the items before it. Passes over one HostCollection and its copies are not to be nested:
-    // they share the enumerator. Nothing is error 91.
+    // Calls `item` for each item in order until it returns false, from the first item each time. A failure of the
+    // collection, or of `item`, passes through, after the items before it. Passes over one HostCollection and its
+    // copies are not to be nested: they share the enumerator. Nothing is error 91.
     void ForEach(const std::function<bool(const Variant&)>& item) const;
 
 private:
@@ -30,7 +32,8 @@ private:
     Variant enumerator_;  // the IEnumVARIANT that _NewEnum gave, as VT_UNKNOWN; or the array
 };
 
-// An ordered collection of the component's own, with unique text keys, compared without regard to case. Positions are 1-based.
+// An ordered collection of the component's own, with unique text keys, compared without regard to case. Positions are
+// 1-based.
 template <class T>
 class Collection {
 public:

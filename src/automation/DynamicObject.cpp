@@ -86,9 +86,7 @@ private:
 
 Arguments::Arguments(const DISPPARAMS& parameters) noexcept : parameters_(parameters) {}
 
-size_t Arguments::Count() const noexcept {
-    return parameters_.cArgs;
-}
+size_t Arguments::Count() const noexcept { return parameters_.cArgs; }
 
 const VARIANT* Arguments::Raw(size_t position) const noexcept {
     return position < Count() ? &parameters_.rgvarg[Count() - 1 - position] : nullptr;
@@ -174,17 +172,11 @@ DynamicObject::Slot& DynamicObject::SlotOf(const std::wstring& name) {
     return slots_[found->second];
 }
 
-void DynamicObject::Define(const std::wstring& name, Member member) {
-    SlotOf(name).Read = std::move(member);
-}
+void DynamicObject::Define(const std::wstring& name, Member member) { SlotOf(name).Read = std::move(member); }
 
-void DynamicObject::DefineLet(const std::wstring& name, Setter setter) {
-    SlotOf(name).Write = std::move(setter);
-}
+void DynamicObject::DefineLet(const std::wstring& name, Setter setter) { SlotOf(name).Write = std::move(setter); }
 
-void DynamicObject::DefineDefault(Member member) {
-    SlotOf(DefaultName).Read = std::move(member);
-}
+void DynamicObject::DefineDefault(Member member) { SlotOf(DefaultName).Read = std::move(member); }
 
 void DynamicObject::DefineEnumerator(std::function<std::vector<Variant>()> items) {
     SlotOf(EnumeratorName).Read = [items = std::move(items)](const Arguments&) {
@@ -204,9 +196,7 @@ HRESULT DynamicObject::QueryInterface(REFIID iid, void** object) {
     return S_OK;
 }
 
-ULONG DynamicObject::AddRef() {
-    return ++references_;
-}
+ULONG DynamicObject::AddRef() { return ++references_; }
 
 ULONG DynamicObject::Release() {
     const ULONG left = --references_;
@@ -284,7 +274,8 @@ Object MakeCollection(std::vector<Variant> items) {
     const auto shared = std::make_shared<const std::vector<Variant>>(std::move(items));
     const auto item = [shared](const Arguments& arguments) {
         const long position = arguments[0].ToLong();
-        if (position < 1 || static_cast<size_t>(position) > shared->size()) RaiseError(ErrorNumber::SubscriptOutOfRange);
+        if (position < 1 || static_cast<size_t>(position) > shared->size())
+            RaiseError(ErrorNumber::SubscriptOutOfRange);
         return (*shared)[static_cast<size_t>(position) - 1];
     };
     made->Define(L"Count", [shared](const Arguments&) { return Variant(static_cast<long>(shared->size())); });

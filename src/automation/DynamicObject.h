@@ -16,8 +16,8 @@ public:
     // The argument as a value (VT_BYREF looked through); one beyond the end, or left out, is Missing.
     Variant operator[](size_t position) const;
     bool Has(size_t position) const noexcept;  // given and not missing
-    // Writes an argument that was passed by reference (VT_BYREF|VT_BSTR, |VT_BOOL, |VT_I4, |VT_VARIANT, ...), converted to its
-    // type. One that was passed by value is left alone; returns whether it was written.
+    // Writes an argument that was passed by reference (VT_BYREF|VT_BSTR, |VT_BOOL, |VT_I4, |VT_VARIANT, ...), converted
+    // to its type. One that was passed by value is left alone; returns whether it was written.
     bool Let(size_t position, const Variant& value) const;
     // The argument as it was passed, for those who must know its type; null beyond the end.
     const VARIANT* Raw(size_t position) const noexcept;
@@ -26,8 +26,8 @@ private:
     const DISPPARAMS& parameters_;
 };
 
-// An object of our own that is reached by name only: members are given as functions. Names are compared without regard to
-// case. An exception that leaves a member reaches the caller as EXCEPINFO; an unknown name is DISP_E_UNKNOWNNAME.
+// An object of our own that is reached by name only: members are given as functions. Names are compared without regard
+// to case. An exception that leaves a member reaches the caller as EXCEPINFO; an unknown name is DISP_E_UNKNOWNNAME.
 // Keeps a ModuleLock. Made with `new`, owned by its reference count (1 after construction).
 class DynamicObject : public IDispatch {
 public:
@@ -35,9 +35,9 @@ public:
     using Setter = std::function<void(const Variant&)>;
 
     DynamicObject();
-    void Define(const std::wstring& name, Member member);     // a method, or a property to read
-    void DefineLet(const std::wstring& name, Setter setter);  // a property to write
-    void DefineDefault(Member member);                        // DISPID_VALUE
+    void Define(const std::wstring& name, Member member);                // a method, or a property to read
+    void DefineLet(const std::wstring& name, Setter setter);             // a property to write
+    void DefineDefault(Member member);                                   // DISPID_VALUE
     void DefineEnumerator(std::function<std::vector<Variant>()> items);  // DISPID_NEWENUM, name "_NewEnum"
 
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override;
@@ -62,5 +62,6 @@ private:
     ModuleLock lock_;
 };
 
-// A collection for late-bound readers: Count, Item (from 1; a wrong position is error 9), _NewEnum. Item is the default member.
+// A collection for late-bound readers: Count, Item (from 1; a wrong position is error 9), _NewEnum. Item is the default
+// member.
 Object MakeCollection(std::vector<Variant> items);

@@ -9,8 +9,9 @@ HRESULT AskForEnumerator(IDispatch* object, IEnumVARIANT** enumerator, EXCEPINFO
     UINT argumentError = 0;
     VARIANT raw;
     VariantInit(&raw);
-    const HRESULT result = object->Invoke(DISPID_NEWENUM, IID_NULL, LOCALE_USER_DEFAULT,
-                                          DISPATCH_METHOD | DISPATCH_PROPERTYGET, &none, &raw, &exception, &argumentError);
+    const HRESULT result =
+        object->Invoke(DISPID_NEWENUM, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_METHOD | DISPATCH_PROPERTYGET, &none,
+                       &raw, &exception, &argumentError);
     if (FAILED(result)) return result;
     const Variant answer = Variant::Attach(raw);
     if (!answer.IsObject() || answer.IsNothing()) return DISP_E_NOTACOLLECTION;
@@ -26,8 +27,8 @@ public:
     Enumerator(const Enumerator&) = delete;
     Enumerator& operator=(const Enumerator&) = delete;
 
-    // To the first item. One that cannot be reset is asked for anew; where even that fails it is fresh when it is read for the
-    // first time, which is the time that matters.
+    // To the first item. One that cannot be reset is asked for anew; where even that fails it is fresh when it is read
+    // for the first time, which is the time that matters.
     void Rewind(IDispatch* object) noexcept {
         if (items_->Reset() == S_OK) return;
         IEnumVARIANT* fresh = nullptr;
@@ -94,9 +95,7 @@ HostCollection::HostCollection(const Variant& result) {
     RaiseError(ErrorNumber::TypeMismatch);
 }
 
-HostCollection::operator bool() const noexcept {
-    return kind_ != Kind::None;
-}
+HostCollection::operator bool() const noexcept { return kind_ != Kind::None; }
 
 void HostCollection::ForEach(const std::function<bool(const Variant&)>& item) const {
     // What is called may let go of the collection.

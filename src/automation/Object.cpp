@@ -63,8 +63,8 @@ Argument ByRef(long& variable) {
 }
 
 Argument ByRef(short& variable) {
-    return Argument(std::make_unique<Argument::Reference>(
-        Argument::Reference{Variant(variable), VT_I2, [&variable](const Variant& left) { variable = left.ToInteger(); }}));
+    return Argument(std::make_unique<Argument::Reference>(Argument::Reference{
+        Variant(variable), VT_I2, [&variable](const Variant& left) { variable = left.ToInteger(); }}));
 }
 
 Argument ByRef(bool& variable) {
@@ -89,8 +89,8 @@ Argument ByRef(Object& variable) {
 
 namespace {
 
-// Whether an object refused to call what is no function: it says so, or that it has told its own host already, or just that it
-// failed.
+// Whether an object refused to call what is no function: it says so, or that it has told its own host already, or just
+// that it failed.
 bool IsRefusedCall(HRESULT result, const EXCEPINFO& exception) noexcept {
     constexpr HRESULT FunctionExpected = MAKE_HRESULT(SEVERITY_ERROR, FACILITY_CONTROL, 5002);
     constexpr HRESULT AlreadyReported = static_cast<HRESULT>(0x80020101);
@@ -128,7 +128,8 @@ void FreeTexts(EXCEPINFO& exception) noexcept {
 
 struct Object::State {
     IDispatch* Dispatch = nullptr;
-    // The other way in, for objects that know their names there only; null until it was needed. Its member ids are its own.
+    // The other way in, for objects that know their names there only; null until it was needed. Its member ids are its
+    // own.
     IDispatchEx* Extended = nullptr;
     struct Member {
         std::wstring Name;
@@ -155,8 +156,8 @@ struct Object::State {
                 Asked = Kind::Plain;
             } else {
                 script->Release();
-                // Every object of JScript inherits this name; those of VBScript have no type information, whatever they say
-                // of its count.
+                // Every object of JScript inherits this name; those of VBScript have no type information, whatever they
+                // say of its count.
                 Asked = KnowsName(Dispatch, L"hasOwnProperty") ? Kind::JScript
                         : HasTypeInfo(Dispatch)                ? Kind::Plain
                                                                : Kind::VBScript;
@@ -198,7 +199,8 @@ struct Object::State {
             return Extended->InvokeEx(id, LOCALE_USER_DEFAULT, flags, &parameters, result, &exception, nullptr);
         }
         UINT argumentError = 0;
-        return Dispatch->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, flags, &parameters, result, &exception, &argumentError);
+        return Dispatch->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, flags, &parameters, result, &exception,
+                                &argumentError);
     }
 };
 
@@ -230,19 +232,15 @@ Object Object::Create(const wchar_t* progId) {
     }
     if (FAILED(result) || made == nullptr) {
         const RuntimeError reason = ErrorFromHresult(FAILED(result) ? result : E_NOINTERFACE, nullptr);
-        RaiseError(ErrorNumber::CannotCreateObject, ErrorText(ErrorNumber::CannotCreateObject) + L": " + progId + L" (" +
-                                                        reason.Description + L")");
+        RaiseError(ErrorNumber::CannotCreateObject,
+                   ErrorText(ErrorNumber::CannotCreateObject) + L": " + progId + L" (" + reason.Description + L")");
     }
     return Attach(made);
 }
 
-Object::operator bool() const noexcept {
-    return state_ != nullptr;
-}
+Object::operator bool() const noexcept { return state_ != nullptr; }
 
-IDispatch* Object::Dispatch() const noexcept {
-    return state_ != nullptr ? state_->Dispatch : nullptr;
-}
+IDispatch* Object::Dispatch() const noexcept { return state_ != nullptr ? state_->Dispatch : nullptr; }
 
 void Object::Clear() noexcept {
     // Moved out first: what the other object does when it goes may come back to this variable.
@@ -290,8 +288,8 @@ Variant Object::InvokeId(DISPID id, WORD flags, Argument* arguments, size_t coun
     if (byReference) {
         switch (state->KindOf()) {
             case State::Kind::JScript:
-                // The language has no arguments that can be written to. Under Wine it calls the function, and fails or crashes
-                // where one that is passed by reference is used.
+                // The language has no arguments that can be written to. Under Wine it calls the function, and fails or
+                // crashes where one that is passed by reference is used.
                 way = Argument::Way::AsValue;
                 break;
             case State::Kind::VBScript:
@@ -311,8 +309,9 @@ Variant Object::InvokeId(DISPID id, WORD flags, Argument* arguments, size_t coun
     HRESULT result = state->Invoke(id, flags, parameters, &raw, exception);
     if (FAILED(result) && count == 0 && (flags & DISPATCH_PROPERTYGET) != 0 && IsRefusedCall(result, exception) &&
         state->KindOf() == State::Kind::JScript) {
-        // JScript under Wine takes "method or property" for a call, and a plain value cannot be called. Reading it alone calls
-        // nothing, so nothing happens twice. What reads as a function was called before, and failed in itself.
+        // JScript under Wine takes "method or property" for a call, and a plain value cannot be called. Reading it
+        // alone calls nothing, so nothing happens twice. What reads as a function was called before, and failed in
+        // itself.
         VARIANT value;
         VariantInit(&value);
         EXCEPINFO second{};
@@ -343,6 +342,7 @@ void Object::Let(const wchar_t* member, const Variant& value) const {
     HRESULT result = DISP_E_MEMBERNOTFOUND;
     if (value.IsObject()) result = state->Invoke(id, DISPATCH_PROPERTYPUTREF, parameters, nullptr, exception);
     if (result == DISP_E_MEMBERNOTFOUND) FreeTexts(exception);
-    if (result == DISP_E_MEMBERNOTFOUND) result = state->Invoke(id, DISPATCH_PROPERTYPUT, parameters, nullptr, exception);
+    if (result == DISP_E_MEMBERNOTFOUND)
+        result = state->Invoke(id, DISPATCH_PROPERTYPUT, parameters, nullptr, exception);
     if (FAILED(result)) throw ErrorFromHresult(result, &exception);
 }

@@ -43,9 +43,10 @@ private:
     std::unique_ptr<Reference> reference_;
 };
 
-// Passes a variable by reference, as VT_BYREF of the variable's own type; to an object of VBScript, whose variables have no
-// types, as VT_BYREF|VT_VARIANT; to one of JScript, which has no references, by value. The variable must outlive the call; it is
-// written when the call succeeds. A callee that leaves what cannot be converted back raises error 13 (or 6, 94, 424).
+// Passes a variable by reference, as VT_BYREF of the variable's own type; to an object of VBScript, whose variables
+// have no types, as VT_BYREF|VT_VARIANT; to one of JScript, which has no references, by value. The variable must
+// outlive the call; it is written when the call succeeds. A callee that leaves what cannot be converted back raises
+// error 13 (or 6, 94, 424).
 Argument ByRef(std::wstring& variable);
 Argument ByRef(long& variable);
 Argument ByRef(short& variable);
@@ -53,9 +54,9 @@ Argument ByRef(bool& variable);
 Argument ByRef(Variant& variable);
 Argument ByRef(Object& variable);
 
-// A late-bound reference to an object, or nothing. Copies share the member ids that were looked up: the look-up of a name is
-// a call to the other object too, so it is made once a member for as long as the object is held.
-// Every use of an empty reference is error 91.
+// A late-bound reference to an object, or nothing. Copies share the member ids that were looked up: the look-up of a
+// name is a call to the other object too, so it is made once a member for as long as the object is held. Every use of
+// an empty reference is error 91.
 class Object {
 public:
     Object() noexcept;

@@ -93,12 +93,13 @@ constexpr Translated Results[] = {
 
 std::wstring SystemText(DWORD code) {
     wchar_t* text = nullptr;
-    const DWORD length = FormatMessageW(
-        FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, code, 0,
-        reinterpret_cast<wchar_t*>(&text), 0, nullptr);
+    const DWORD length =
+        FormatMessageW(FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS,
+                       nullptr, code, 0, reinterpret_cast<wchar_t*>(&text), 0, nullptr);
     std::wstring result = length > 0 ? std::wstring(text, length) : std::wstring();
     LocalFree(text);
-    while (!result.empty() && (result.back() == L'\n' || result.back() == L'\r' || result.back() == L' ')) result.pop_back();
+    while (!result.empty() && (result.back() == L'\n' || result.back() == L'\r' || result.back() == L' '))
+        result.pop_back();
     return result;
 }
 
@@ -148,13 +149,9 @@ std::wstring ErrorText(long number) {
     return L"Application-defined or object-defined error";
 }
 
-void RaiseError(long number) {
-    RaiseError(number, ErrorText(number));
-}
+void RaiseError(long number) { RaiseError(number, ErrorText(number)); }
 
-void RaiseError(long number, std::wstring description) {
-    RaiseError(number, App::Title, std::move(description));
-}
+void RaiseError(long number, std::wstring description) { RaiseError(number, App::Title, std::move(description)); }
 
 void RaiseError(long number, std::wstring source, std::wstring description) {
     RuntimeError error;
@@ -208,7 +205,7 @@ RuntimeError ErrorFromHresult(HRESULT hr, EXCEPINFO* exception) {
             if (exception->pfnDeferredFillIn != nullptr) exception->pfnDeferredFillIn(exception);
             error.HelpContext = static_cast<long>(exception->dwHelpContext);
             // A server that raises an exception without saying which has failed all the same.
-            result = exception->wCode != 0 ? static_cast<HRESULT>(exception->wCode)
+            result = exception->wCode != 0      ? static_cast<HRESULT>(exception->wCode)
                      : exception->scode != S_OK ? exception->scode
                                                 : DISP_E_EXCEPTION;
         }

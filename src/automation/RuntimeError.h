@@ -5,8 +5,8 @@
 
 #include <string>
 
-// A run-time failure, as the language of the hosts knows it: a number, who raised it, and what to tell. It is what every
-// call of this floor and of the floors above throws.
+// A run-time failure, as the language of the hosts knows it: a number, who raised it, and what to tell. It is what
+// every call of this floor and of the floors above throws.
 struct RuntimeError {
     long Number = 0;
     std::wstring Source;
@@ -59,8 +59,8 @@ inline constexpr long ObjectErrorBase = -2147221504;
 // The same with a description, and with a source other than App::Title when `source` is given.
 [[noreturn]] void RaiseError(long number, std::wstring description);
 [[noreturn]] void RaiseError(long number, std::wstring source, std::wstring description);
-// Throws `number` for a Windows call that failed with `lastError` (what GetLastError said), which goes into LastDllError
-// and, in words, into the description.
+// Throws `number` for a Windows call that failed with `lastError` (what GetLastError said), which goes into
+// LastDllError and, in words, into the description.
 [[noreturn]] void RaiseSystemError(long number, DWORD lastError);
 
 // The standing description of a run-time error number ("Type mismatch"), or the general one for a number that has none.
@@ -73,12 +73,12 @@ RuntimeError CurrentError() noexcept;
 // The error that a failed automation call stands for. `exception` may be null (no details); its strings are taken over
 // and freed, its deferred fill-in is run. `S_OK`-like values are never passed.
 RuntimeError ErrorFromHresult(HRESULT hr, EXCEPINFO* exception);
-// Throws ErrorFromHresult(hr, null) when `hr` is a failure, with what IErrorInfo of the thread says. Only for calls to objects
-// that set it: elsewhere it may be left over from somebody else's failure.
+// Throws ErrorFromHresult(hr, null) when `hr` is a failure, with what IErrorInfo of the thread says. Only for calls to
+// objects that set it: elsewhere it may be left over from somebody else's failure.
 void CheckHresult(HRESULT hr);
 
-// The other way round, at a COM method's edge: the HRESULT of an error (800A0000 hexadecimal + number for the numbers up
-// to 65535, an HRESULT-like number as it is), and the same with the thread's IErrorInfo set.
+// The other way round, at a COM method's edge: the HRESULT of an error (800A0000 hexadecimal + number for the numbers
+// up to 65535, an HRESULT-like number as it is), and the same with the thread's IErrorInfo set.
 HRESULT HresultFromError(const RuntimeError& error) noexcept;
 HRESULT PublishError(const RuntimeError& error) noexcept;
 // Fills the EXCEPINFO of IDispatch::Invoke and returns DISP_E_EXCEPTION. With a null `exception` it publishes instead.

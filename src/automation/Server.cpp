@@ -84,9 +84,7 @@ HKEY RootOf(Server::Scope scope) noexcept {
     return scope == Server::Scope::User ? HKEY_CURRENT_USER : HKEY_LOCAL_MACHINE;
 }
 
-std::wstring ClassesKey(const std::wstring& below) {
-    return L"Software\\Classes\\" + below;
-}
+std::wstring ClassesKey(const std::wstring& below) { return L"Software\\Classes\\" + below; }
 
 // Thrown by the registration's own steps.
 struct Refused {
@@ -110,9 +108,7 @@ LSTATUS Remove(HKEY root, const std::wstring& path) noexcept {
     return status == ERROR_FILE_NOT_FOUND || status == ERROR_PATH_NOT_FOUND ? ERROR_SUCCESS : status;
 }
 
-std::wstring VersionedProgId(const ComClass& registered) {
-    return std::wstring(registered.ProgId) + L".1";
-}
+std::wstring VersionedProgId(const ComClass& registered) { return std::wstring(registered.ProgId) + L".1"; }
 
 // `begun` is set when the first key is written.
 void WriteClass(HKEY root, const ComClass& registered, const std::wstring& path, bool& begun) {
@@ -131,13 +127,14 @@ void WriteClass(HKEY root, const ComClass& registered, const std::wstring& path,
     Write(root, key + L"\\ProgID", nullptr, versioned);
     Write(root, key + L"\\VersionIndependentProgID", nullptr, registered.ProgId);
     Write(root, key + L"\\Programmable", nullptr, L"");
-    if (registered.TypeLibrary != nullptr) Write(root, key + L"\\TypeLib", nullptr, TextOfGuid(*registered.TypeLibrary));
+    if (registered.TypeLibrary != nullptr)
+        Write(root, key + L"\\TypeLib", nullptr, TextOfGuid(*registered.TypeLibrary));
 }
 
 LSTATUS RemoveClass(HKEY root, const ComClass& registered) {
     LSTATUS first = ERROR_SUCCESS;
-    for (const std::wstring& key : {std::wstring(registered.ProgId), VersionedProgId(registered),
-                                    L"CLSID\\" + TextOfGuid(registered.Id)}) {
+    for (const std::wstring& key :
+         {std::wstring(registered.ProgId), VersionedProgId(registered), L"CLSID\\" + TextOfGuid(registered.Id)}) {
         const LSTATUS status = Remove(root, ClassesKey(key));
         if (first == ERROR_SUCCESS) first = status;
     }
@@ -185,8 +182,8 @@ HRESULT UnregisterLibrary(const std::wstring& path, Server::Scope scope) noexcep
     result = library->GetLibAttr(&attributes);
     if (SUCCEEDED(result)) {
         using Unregister = HRESULT(STDAPICALLTYPE*)(REFGUID, WORD, WORD, LCID, SYSKIND);
-        const auto function =
-            scope == Server::Scope::Machine ? &UnRegisterTypeLib : LibraryFunction<Unregister>("UnRegisterTypeLibForUser");
+        const auto function = scope == Server::Scope::Machine ? &UnRegisterTypeLib
+                                                              : LibraryFunction<Unregister>("UnRegisterTypeLibForUser");
         result = function != nullptr ? function(attributes->guid, attributes->wMajorVerNum, attributes->wMinorVerNum,
                                                 attributes->lcid, attributes->syskind)
                                      : E_NOTIMPL;
@@ -202,21 +199,13 @@ HRESULT UnregisterLibrary(const std::wstring& path, Server::Scope scope) noexcep
 
 // ---- what is alive
 
-ModuleLock::ModuleLock() noexcept {
-    InterlockedIncrement(&alive);
-}
+ModuleLock::ModuleLock() noexcept { InterlockedIncrement(&alive); }
 
-ModuleLock::ModuleLock(const ModuleLock&) noexcept {
-    InterlockedIncrement(&alive);
-}
+ModuleLock::ModuleLock(const ModuleLock&) noexcept { InterlockedIncrement(&alive); }
 
-ModuleLock::~ModuleLock() {
-    InterlockedDecrement(&alive);
-}
+ModuleLock::~ModuleLock() { InterlockedDecrement(&alive); }
 
-bool Server::CanUnload() noexcept {
-    return InterlockedCompareExchange(&alive, 0, 0) == 0;
-}
+bool Server::CanUnload() noexcept { return InterlockedCompareExchange(&alive, 0, 0) == 0; }
 
 HRESULT Server::GetClassObject(const ComClass* classes, size_t count, REFCLSID id, REFIID iid, void** object) noexcept {
     if (object == nullptr) return E_POINTER;

@@ -36,9 +36,9 @@ HRESULT GetClassObject(const ComClass* classes, size_t count, REFCLSID id, REFII
 enum class Scope { Machine, User };
 
 // Writes the ProgID, its version-independent form, CLSID, InprocServer32 (the module's own long path, ThreadingModel
-// Apartment), and the module's type library when `typeLibrary` (RegisterTypeLib, or RegisterTypeLibForUser looked up at run
-// time). Returns SELFREG_E_CLASS or the HRESULT of the Windows call that failed (access denied for a user without rights),
-// SELFREG_E_TYPELIB for the library; what was written before a failure is removed again.
+// Apartment), and the module's type library when `typeLibrary` (RegisterTypeLib, or RegisterTypeLibForUser looked up at
+// run time). Returns SELFREG_E_CLASS or the HRESULT of the Windows call that failed (access denied for a user without
+// rights), SELFREG_E_TYPELIB for the library; what was written before a failure is removed again.
 HRESULT Register(const ComClass* classes, size_t count, Scope scope, bool typeLibrary) noexcept;
 // Removes all of it. A key that is not there is no failure.
 HRESULT Unregister(const ComClass* classes, size_t count, Scope scope, bool typeLibrary) noexcept;

@@ -15,9 +15,7 @@ void MoveBytes(VARIANT& to, VARIANT& from) noexcept {
 }
 
 // The C headers take pointers to what they only read without const.
-VARIANT* Mutable(const VARIANT* value) noexcept {
-    return const_cast<VARIANT*>(value);
-}
+VARIANT* Mutable(const VARIANT* value) noexcept { return const_cast<VARIANT*>(value); }
 
 // For calls that leave no IErrorInfo: what the thread has is somebody else's.
 void Check(HRESULT result) {
@@ -88,22 +86,16 @@ BSTR NewBstr(std::wstring_view text) {
     return made;
 }
 
-std::wstring TextOf(BSTR text) {
-    return text != nullptr ? std::wstring(text, SysStringLen(text)) : std::wstring();
-}
+std::wstring TextOf(BSTR text) { return text != nullptr ? std::wstring(text, SysStringLen(text)) : std::wstring(); }
 
-Variant::Variant() noexcept {
-    VariantInit(this);
-}
+Variant::Variant() noexcept { VariantInit(this); }
 
 Variant::Variant(const Variant& other) : VARIANT() {
     VariantInit(this);
     Check(VariantCopy(this, Mutable(&other)));
 }
 
-Variant::Variant(Variant&& other) noexcept : VARIANT() {
-    MoveBytes(*this, other);
-}
+Variant::Variant(Variant&& other) noexcept : VARIANT() { MoveBytes(*this, other); }
 
 Variant& Variant::operator=(const Variant& other) {
     if (this != &other) {
@@ -124,9 +116,7 @@ Variant& Variant::operator=(Variant&& other) noexcept {
     return *this;
 }
 
-Variant::~Variant() {
-    VariantClear(this);
-}
+Variant::~Variant() { VariantClear(this); }
 
 Variant::Variant(std::wstring_view text) {
     VariantInit(this);
@@ -199,9 +189,7 @@ Variant Variant::Null() noexcept {
     return made;
 }
 
-Variant Variant::Nothing() noexcept {
-    return Variant(static_cast<IDispatch*>(nullptr));
-}
+Variant Variant::Nothing() noexcept { return Variant(static_cast<IDispatch*>(nullptr)); }
 
 Variant Variant::Attach(VARIANT& other) noexcept {
     Variant made;
@@ -223,29 +211,17 @@ Variant Variant::ArrayOf(const std::vector<Variant>& items, long lowerBound) {
     return made;
 }
 
-bool Variant::IsEmpty() const noexcept {
-    return vt == VT_EMPTY;
-}
+bool Variant::IsEmpty() const noexcept { return vt == VT_EMPTY; }
 
-bool Variant::IsNull() const noexcept {
-    return vt == VT_NULL;
-}
+bool Variant::IsNull() const noexcept { return vt == VT_NULL; }
 
-bool Variant::IsMissing() const noexcept {
-    return vt == VT_ERROR && scode == DISP_E_PARAMNOTFOUND;
-}
+bool Variant::IsMissing() const noexcept { return vt == VT_ERROR && scode == DISP_E_PARAMNOTFOUND; }
 
-bool Variant::IsObject() const noexcept {
-    return vt == VT_DISPATCH || vt == VT_UNKNOWN;
-}
+bool Variant::IsObject() const noexcept { return vt == VT_DISPATCH || vt == VT_UNKNOWN; }
 
-bool Variant::IsNothing() const noexcept {
-    return IsObject() && punkVal == nullptr;
-}
+bool Variant::IsNothing() const noexcept { return IsObject() && punkVal == nullptr; }
 
-bool Variant::IsArray() const noexcept {
-    return (vt & VT_ARRAY) != 0;
-}
+bool Variant::IsArray() const noexcept { return (vt & VT_ARRAY) != 0; }
 
 bool Variant::IsNumeric() const noexcept {
     switch (vt) {
@@ -268,8 +244,8 @@ bool Variant::IsNumeric() const noexcept {
             return true;
         case VT_BSTR: {
             double number = 0;
-            return SUCCEEDED(VarR8FromStr(bstrVal != nullptr ? bstrVal : const_cast<OLECHAR*>(L""), LOCALE_USER_DEFAULT, 0,
-                                          &number));
+            return SUCCEEDED(VarR8FromStr(bstrVal != nullptr ? bstrVal : const_cast<OLECHAR*>(L""), LOCALE_USER_DEFAULT,
+                                          0, &number));
         }
         default:
             return false;
@@ -295,25 +271,15 @@ Variant Variant::ChangedTo(VARTYPE type) const {
     return changed;
 }
 
-std::wstring Variant::ToText() const {
-    return vt == VT_BSTR ? TextOf(bstrVal) : TextOf(ChangedTo(VT_BSTR).bstrVal);
-}
+std::wstring Variant::ToText() const { return vt == VT_BSTR ? TextOf(bstrVal) : TextOf(ChangedTo(VT_BSTR).bstrVal); }
 
-long Variant::ToLong() const {
-    return vt == VT_I4 ? lVal : ChangedTo(VT_I4).lVal;
-}
+long Variant::ToLong() const { return vt == VT_I4 ? lVal : ChangedTo(VT_I4).lVal; }
 
-short Variant::ToInteger() const {
-    return ChangedTo(VT_I2).iVal;
-}
+short Variant::ToInteger() const { return ChangedTo(VT_I2).iVal; }
 
-bool Variant::ToBoolean() const {
-    return ChangedTo(VT_BOOL).boolVal != VARIANT_FALSE;
-}
+bool Variant::ToBoolean() const { return ChangedTo(VT_BOOL).boolVal != VARIANT_FALSE; }
 
-double Variant::ToDouble() const {
-    return ChangedTo(VT_R8).dblVal;
-}
+double Variant::ToDouble() const { return ChangedTo(VT_R8).dblVal; }
 
 Object Variant::ToObject() const {
     switch (vt) {
@@ -322,7 +288,8 @@ Object Variant::ToObject() const {
         case VT_UNKNOWN: {
             if (punkVal == nullptr) return Object();
             IDispatch* dispatch = nullptr;
-            if (FAILED(punkVal->QueryInterface(IID_IDispatch, reinterpret_cast<void**>(&dispatch))) || dispatch == nullptr) {
+            if (FAILED(punkVal->QueryInterface(IID_IDispatch, reinterpret_cast<void**>(&dispatch))) ||
+                dispatch == nullptr) {
                 RaiseError(ErrorNumber::NoInterface);
             }
             return Object::Attach(dispatch);
