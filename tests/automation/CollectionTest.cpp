@@ -196,9 +196,7 @@ TEST(HostCollectionTest, WhatStandsBeforeAFailureIsDelivered) {
 
 TEST(HostCollectionTest, AFailureOfTheReaderPassesThrough) {
     Enumerated object;
-    EXPECT_EQ(5, NumberOf([&] {
-                  Of(&object).ForEach([](const Variant&) -> bool { RaiseError(5); });
-              }));
+    EXPECT_EQ(5, NumberOf([&] { Of(&object).ForEach([](const Variant&) -> bool { RaiseError(5); }); }));
 }
 
 TEST(HostCollectionTest, CountsOfEnumeratorsAreNotTrusted) {
@@ -298,7 +296,8 @@ TEST(HostCollectionTest, AnEnumeratorComesBeforeCounting) {
     FakeEnumerator enumerator;
     enumerator.Items = {Variant(L"enumerated")};
     const auto counted = object.OnInvoke;
-    object.OnInvoke = [&](DISPID id, WORD flags, DISPPARAMS& parameters, VARIANT* result, EXCEPINFO* exception) -> HRESULT {
+    object.OnInvoke = [&](DISPID id, WORD flags, DISPPARAMS& parameters, VARIANT* result,
+                          EXCEPINFO* exception) -> HRESULT {
         if (id != DISPID_NEWENUM) return counted(id, flags, parameters, result, exception);
         enumerator.AddRef();
         result->vt = VT_UNKNOWN;

@@ -81,7 +81,8 @@ TEST(ArgumentsTest, ReferencesAreReadAndWritten) {
     DATE date = 0;
     Passed passed({Raw(VT_BYREF | VT_BSTR, &text), Raw(VT_BYREF | VT_I4, &number), Raw(VT_BYREF | VT_I2, &integer),
                    Raw(VT_BYREF | VT_BOOL, &flag), Raw(VT_BYREF | VT_R8, &real), Raw(VT_BYREF | VT_UI1, &byte),
-                   Raw(VT_BYREF | VT_DISPATCH, &object), Raw(VT_BYREF | VT_VARIANT, &variant), Raw(VT_BYREF | VT_DATE, &date)});
+                   Raw(VT_BYREF | VT_DISPATCH, &object), Raw(VT_BYREF | VT_VARIANT, &variant),
+                   Raw(VT_BYREF | VT_DATE, &date)});
     const Arguments arguments(passed.Parameters);
     EXPECT_EQ(L"before", arguments[0].ToText());
     EXPECT_EQ(4, arguments[7].ToLong());
@@ -143,7 +144,8 @@ TEST(ArgumentsTest, WhatDoesNotFitTheVariableIsAnErrorAndLeavesIt) {
 TEST(DynamicObjectTest, MembersAreFoundWithoutRegardToCase) {
     auto* made = new DynamicObject;
     const Object object = Object::Attach(made);
-    made->Define(L"Sum", [](const Arguments& arguments) { return Variant(arguments[0].ToLong() + arguments[1].ToLong()); });
+    made->Define(L"Sum",
+                 [](const Arguments& arguments) { return Variant(arguments[0].ToLong() + arguments[1].ToLong()); });
     EXPECT_EQ(5, object.Get(L"Sum", 2, 3).ToLong());
     EXPECT_EQ(5, object.Call(L"SUM", 2, 3).ToLong());
     EXPECT_TRUE(object.Has(L"sum"));
@@ -221,8 +223,10 @@ TEST(DynamicObjectTest, WrongCallsAreRefused) {
     EXPECT_EQ(E_POINTER, made->Invoke(id, IID_NULL, 0, DISPATCH_METHOD, nullptr, nullptr, nullptr, nullptr));
     EXPECT_EQ(DISP_E_MEMBERNOTFOUND, made->Invoke(99, IID_NULL, 0, DISPATCH_METHOD, &none, nullptr, nullptr, nullptr));
     EXPECT_EQ(DISP_E_MEMBERNOTFOUND, made->Invoke(-77, IID_NULL, 0, DISPATCH_METHOD, &none, nullptr, nullptr, nullptr));
-    EXPECT_EQ(DISP_E_BADPARAMCOUNT, made->Invoke(id, IID_NULL, 0, DISPATCH_PROPERTYPUT, &none, nullptr, nullptr, nullptr));
-    EXPECT_EQ(S_OK, made->Invoke(id, IID_NULL, 0, DISPATCH_METHOD, &none, nullptr, nullptr, nullptr)) << "no result wanted";
+    EXPECT_EQ(DISP_E_BADPARAMCOUNT,
+              made->Invoke(id, IID_NULL, 0, DISPATCH_PROPERTYPUT, &none, nullptr, nullptr, nullptr));
+    EXPECT_EQ(S_OK, made->Invoke(id, IID_NULL, 0, DISPATCH_METHOD, &none, nullptr, nullptr, nullptr))
+        << "no result wanted";
     DISPPARAMS nowhere{nullptr, nullptr, 2, 0};
     EXPECT_EQ(E_POINTER, made->Invoke(id, IID_NULL, 0, DISPATCH_METHOD, &nowhere, nullptr, nullptr, nullptr));
     LPOLESTR names[2] = {const_cast<LPOLESTR>(L"Member"), const_cast<LPOLESTR>(L"argument")};
@@ -262,7 +266,8 @@ TEST(DynamicObjectTest, AMemberMayDefineOthers) {
     const Object object = Object::Attach(made);
     const std::wstring kept = L"a text that is long enough to live elsewhere";
     made->Define(L"Grow", [made, kept](const Arguments&) {
-        for (int at = 0; at < 100; ++at) made->Define(L"M" + std::to_wstring(at), [](const Arguments&) { return Variant(); });
+        for (int at = 0; at < 100; ++at)
+            made->Define(L"M" + std::to_wstring(at), [](const Arguments&) { return Variant(); });
         return Variant(kept);
     });
     EXPECT_EQ(kept, object.Get(L"Grow").ToText());
@@ -301,8 +306,8 @@ TEST(MakeCollectionTest, TheEnumeratorKeepsItsContract) {
     const Object collection = MakeCollection({Variant(1), Variant(2), Variant(3)});
     DISPPARAMS none{};
     Variant result;
-    ASSERT_EQ(S_OK, collection.Dispatch()->Invoke(DISPID_NEWENUM, IID_NULL, 0, DISPATCH_PROPERTYGET, &none, result.Receive(),
-                                                  nullptr, nullptr));
+    ASSERT_EQ(S_OK, collection.Dispatch()->Invoke(DISPID_NEWENUM, IID_NULL, 0, DISPATCH_PROPERTYGET, &none,
+                                                  result.Receive(), nullptr, nullptr));
     ASSERT_EQ(VT_UNKNOWN, result.vt);
     IEnumVARIANT* items = nullptr;
     ASSERT_EQ(S_OK, result.punkVal->QueryInterface(IID_IEnumVARIANT, reinterpret_cast<void**>(&items)));

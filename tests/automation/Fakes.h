@@ -37,7 +37,8 @@ inline void LeaveErrorInfo(const wchar_t* source) {
     PublishError(stale);
 }
 
-// An object that does what a test tells it to, however wrong. It lives on the stack: its count must be 1 again at the end.
+// An object that does what a test tells it to, however wrong. It lives on the stack: its count must be 1 again at the
+// end.
 class FakeDispatch : public IDispatch {
 public:
     using Body = std::function<HRESULT(DISPID, WORD, DISPPARAMS&, VARIANT*, EXCEPINFO*)>;

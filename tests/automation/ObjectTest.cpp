@@ -66,7 +66,8 @@ TEST(ObjectTest, ArgumentsArriveInTheirNaturalOrder) {
         }
         return S_OK;
     };
-    Object(&fake).Call(L"Member", L"one", 2, true, static_cast<short>(4), Variant(5.5), std::wstring(L"six"), Variant::Missing());
+    Object(&fake).Call(L"Member", L"one", 2, true, static_cast<short>(4), Variant(5.5), std::wstring(L"six"),
+                       Variant::Missing());
     EXPECT_EQ((std::vector<std::wstring>{L"8:one", L"3:2", L"11:True", L"2:4", L"5:5.5", L"8:six", L"10:"}), seen);
 }
 
@@ -152,7 +153,8 @@ TEST(ObjectTest, ByRefPassesTheVariablesOwnType) {
     bool flag = false;
     Variant variant(L"x");
     Object object;
-    Object(&fake).Call(L"Member", ByRef(text), ByRef(number), ByRef(integer), ByRef(flag), ByRef(variant), ByRef(object));
+    Object(&fake).Call(L"Member", ByRef(text), ByRef(number), ByRef(integer), ByRef(flag), ByRef(variant),
+                       ByRef(object));
     EXPECT_EQ((std::vector<VARTYPE>{VT_BYREF | VT_BSTR, VT_BYREF | VT_I4, VT_BYREF | VT_I2, VT_BYREF | VT_BOOL,
                                     VT_BYREF | VT_VARIANT, VT_BYREF | VT_DISPATCH}),
               types);
@@ -173,6 +175,37 @@ TEST(ObjectTest, AReferenceIsWrittenOnlyWhenTheCallSucceeds) {
     std::wstring text = L"before";
     EXPECT_NE(0, NumberOf([&] { Object(&fake).Call(L"Member", ByRef(text)); }));
     EXPECT_EQ(L"before", text);
+}
+
+TEST(ObjectTest, AVariantKeepsNoReferenceIntoTheCallee) {
+    FakeDispatch fake;
+    LONG inside = 5;
+    fake.OnInvoke = [&inside](DISPID, WORD, DISPPARAMS& parameters, VARIANT*, EXCEPINFO*) -> HRESULT {
+        parameters.rgvarg[0].pvarVal->vt = VT_BYREF | VT_I4;
+        parameters.rgvarg[0].pvarVal->plVal = &inside;
+        return S_OK;
+    };
+    Variant variant;
+    Object(&fake).Call(L"Member", ByRef(variant));
+    inside = 6;
+    EXPECT_EQ(VT_I4, variant.vt);
+    EXPECT_EQ(5, variant.ToLong());
+}
+
+TEST(ObjectTest, ATextAndAnObjectMayBeTakenAway) {
+    FakeDispatch fake;
+    fake.OnInvoke = [](DISPID, WORD, DISPPARAMS& parameters, VARIANT*, EXCEPINFO*) -> HRESULT {
+        SysFreeString(*parameters.rgvarg[1].pbstrVal);
+        *parameters.rgvarg[1].pbstrVal = nullptr;
+        (*parameters.rgvarg[0].ppdispVal)->Release();
+        *parameters.rgvarg[0].ppdispVal = nullptr;
+        return S_OK;
+    };
+    std::wstring text = L"before";
+    Object object(&fake);
+    Object(&fake).Call(L"Member", ByRef(text), ByRef(object));
+    EXPECT_EQ(L"", text);
+    EXPECT_FALSE(object);
 }
 
 TEST(ObjectTest, AMovedArgumentStillNamesItsVariable) {

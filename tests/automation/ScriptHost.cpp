@@ -55,7 +55,8 @@ private:
 ScriptHost::ScriptHost(const wchar_t* language) : site_(new Site) {
     CLSID id;
     CheckHresult(CLSIDFromProgID(language, &id));
-    CheckHresult(CoCreateInstance(id, nullptr, CLSCTX_INPROC_SERVER, __uuidof(IActiveScript), reinterpret_cast<void**>(&engine_)));
+    CheckHresult(CoCreateInstance(id, nullptr, CLSCTX_INPROC_SERVER, __uuidof(IActiveScript),
+                                  reinterpret_cast<void**>(&engine_)));
     CheckHresult(engine_->QueryInterface(__uuidof(IActiveScriptParse), reinterpret_cast<void**>(&parser_)));
     CheckHresult(engine_->SetScriptSite(site_));
     CheckHresult(parser_->InitNew());
@@ -76,9 +77,7 @@ void ScriptHost::AddObject(const std::wstring& name, const Object& object) {
     CheckHresult(engine_->AddNamedItem(name.c_str(), SCRIPTITEM_ISVISIBLE));
 }
 
-void ScriptHost::Run(const std::wstring& code) {
-    Parse(code, SCRIPTTEXT_ISVISIBLE, nullptr);
-}
+void ScriptHost::Run(const std::wstring& code) { Parse(code, SCRIPTTEXT_ISVISIBLE, nullptr); }
 
 Variant ScriptHost::Evaluate(const std::wstring& expression) {
     Variant result;

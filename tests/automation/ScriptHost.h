@@ -7,11 +7,12 @@
 
 #include "automation/Object.h"
 
-// A script engine that runs in this process, as a host of scripts has it. Its objects are what scripts hand to components.
+// A script engine that runs in this process, as a host of scripts has it. Its objects are what scripts hand to
+// components.
 class ScriptHost {
 public:
-    // `language` is the engine's ProgID: "VBScript" or "JScript". A failure of the script is a RuntimeError with what the engine
-    // said of it.
+    // `language` is the engine's ProgID: "VBScript" or "JScript". A failure of the script is a RuntimeError with what
+    // the engine said of it.
     explicit ScriptHost(const wchar_t* language);
     ~ScriptHost();
     ScriptHost(const ScriptHost&) = delete;

@@ -9,7 +9,8 @@
 
 namespace {
 
-constexpr const wchar_t* BasicHost = LR"(
+constexpr const wchar_t* BasicHost =
+    LR"(
 Class Host
     Public Field
     Private text_
@@ -94,7 +95,8 @@ Set theBag = New Bag
 theBag.Count = 2
 )";
 
-constexpr const wchar_t* ScriptObject = LR"(
+constexpr const wchar_t* ScriptObject =
+    LR"(
 var reads = 0;
 var other = { name: "other" };
 var host = {
@@ -253,9 +255,10 @@ TEST(VBScriptTest, AScriptUsesAnObjectOfOurs) {
     made->DefineLet(L"Text", [&text](const Variant& value) { text = value.ToText(); });
     ScriptHost script(L"VBScript");
     script.AddObject(L"ours", held);
-    script.Run(L"Dim value, result, number, source, description, standing\n"
-               L"value = \"before\"\nresult = ours.Show(value)\nstanding = ours & \"\"\nours.text = \"written\"\n"
-               L"On Error Resume Next\nours.Fails\nnumber = Err.Number: source = Err.Source: description = Err.Description\n");
+    script.Run(
+        L"Dim value, result, number, source, description, standing\n"
+        L"value = \"before\"\nresult = ours.Show(value)\nstanding = ours & \"\"\nours.text = \"written\"\n"
+        L"On Error Resume Next\nours.Fails\nnumber = Err.Number: source = Err.Source: description = Err.Description\n");
     EXPECT_EQ(L"before", seen);
     EXPECT_EQ(L"changed", script.Evaluate(L"value").ToText());
     EXPECT_EQ(5, script.Evaluate(L"result").ToLong());
@@ -269,8 +272,9 @@ TEST(VBScriptTest, AScriptUsesAnObjectOfOurs) {
 TEST(VBScriptTest, AScriptReadsACollectionOfOurs) {
     ScriptHost script(L"VBScript");
     script.AddObject(L"ours", MakeCollection({Variant(L"a"), Variant(L"b")}));
-    script.Run(L"Dim all, one, counted, item\nFor Each item In ours: all = all & item & \"|\": Next\n"
-               L"Dim held: Set held = ours: one = held(2): counted = ours.Count\n");
+    script.Run(
+        L"Dim all, one, counted, item\nFor Each item In ours: all = all & item & \"|\": Next\n"
+        L"Dim held: Set held = ours: one = held(2): counted = ours.Count\n");
     EXPECT_EQ(L"a|b|", script.Evaluate(L"all").ToText());
     EXPECT_EQ(L"b", script.Evaluate(L"one").ToText());
     EXPECT_EQ(2, script.Evaluate(L"counted").ToLong());
@@ -303,7 +307,8 @@ TEST(JScriptTest, FailuresOfAFunctionStayFailures) {
     const Object host = JScript(script);
     EXPECT_NE(0, NumberOf([&host] { host.Get(L"fails"); }));
     EXPECT_EQ(1, host.Get(L"reads").ToLong());
-    EXPECT_NE(0, NumberOf([&host] { host.Get(L"callsNoFunction"); })) << "the function is not a value to be read instead";
+    EXPECT_NE(0, NumberOf([&host] { host.Get(L"callsNoFunction"); }))
+        << "the function is not a value to be read instead";
     EXPECT_EQ(2, host.Get(L"reads").ToLong()) << "not called a second time";
 }
 
@@ -345,8 +350,9 @@ TEST(JScriptTest, AScriptUsesAnObjectOfOurs) {
     made->Define(L"Fails", [](const Arguments&) -> Variant { RaiseError(-2147221503, L"ours", L"gone"); });
     ScriptHost script(L"JScript");
     script.AddObject(L"ours", held);
-    script.Run(L"var result = ours.Join('a', 2), number = 0, description = '';"
-               L"try { ours.Fails(); } catch (e) { number = e.number; description = e.description; }");
+    script.Run(
+        L"var result = ours.Join('a', 2), number = 0, description = '';"
+        L"try { ours.Fails(); } catch (e) { number = e.number; description = e.description; }");
     EXPECT_EQ(L"a-2", script.Evaluate(L"result").ToText());
     EXPECT_EQ(-2147221503, script.Evaluate(L"number").ToLong());
     EXPECT_EQ(L"gone", script.Evaluate(L"description").ToText());

@@ -39,11 +39,11 @@ public:
     explicit Hive(HKEY replaced, const wchar_t* name = L"hive", bool sealed = false)
         : replaced_(replaced), path_(std::wstring(Sandbox) + L"\\" + name) {
         RegDeleteTreeW(HKEY_CURRENT_USER, path_.c_str());
-        EXPECT_EQ(ERROR_SUCCESS, RegCreateKeyExW(HKEY_CURRENT_USER, path_.c_str(), 0, nullptr, 0, KEY_ALL_ACCESS, nullptr,
-                                                 &key_, nullptr));
+        EXPECT_EQ(ERROR_SUCCESS, RegCreateKeyExW(HKEY_CURRENT_USER, path_.c_str(), 0, nullptr, 0, KEY_ALL_ACCESS,
+                                                 nullptr, &key_, nullptr));
         HKEY classes = nullptr;
-        EXPECT_EQ(ERROR_SUCCESS, RegCreateKeyExW(key_, L"Software\\Classes\\CLSID", 0, nullptr, 0, KEY_ALL_ACCESS, nullptr,
-                                                 &classes, nullptr));
+        EXPECT_EQ(ERROR_SUCCESS, RegCreateKeyExW(key_, L"Software\\Classes\\CLSID", 0, nullptr, 0, KEY_ALL_ACCESS,
+                                                 nullptr, &classes, nullptr));
         RegCloseKey(classes);
         if (sealed) {
             // Wine looks at the rights of a key that is opened, and not of the one that a new key is made in.
@@ -70,7 +70,8 @@ public:
     std::wstring Value(const std::wstring& path, const wchar_t* name = nullptr) const {
         wchar_t text[1024];
         DWORD size = sizeof text;
-        return RegGetValueW(key_, path.c_str(), name, RRF_RT_REG_SZ, nullptr, text, &size) == ERROR_SUCCESS ? text : L"<none>";
+        return RegGetValueW(key_, path.c_str(), name, RRF_RT_REG_SZ, nullptr, text, &size) == ERROR_SUCCESS ? text
+                                                                                                            : L"<none>";
     }
     bool Has(const std::wstring& path) const {
         HKEY found = nullptr;
@@ -82,7 +83,8 @@ public:
         HKEY found = nullptr;
         if (RegOpenKeyExW(key_, path.c_str(), 0, KEY_READ, &found) != ERROR_SUCCESS) return -1;
         DWORD keys = 0;
-        RegQueryInfoKeyW(found, nullptr, nullptr, nullptr, &keys, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr);
+        RegQueryInfoKeyW(found, nullptr, nullptr, nullptr, &keys, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
+                         nullptr);
         RegCloseKey(found);
         return static_cast<int>(keys);
     }
@@ -170,8 +172,8 @@ TEST(ServerTest, RemovesWhatWasWrittenBeforeAFailure) {
     const Hive machine(HKEY_LOCAL_MACHINE);
     // Keys that outlive a restart cannot stand in one that does not: the second class cannot be written.
     HKEY passing = nullptr;
-    ASSERT_EQ(ERROR_SUCCESS, RegCreateKeyExW(HKEY_LOCAL_MACHINE, L"Software\\Classes\\AutomationTest.clsOther", 0, nullptr,
-                                             REG_OPTION_VOLATILE, KEY_ALL_ACCESS, nullptr, &passing, nullptr));
+    ASSERT_EQ(ERROR_SUCCESS, RegCreateKeyExW(HKEY_LOCAL_MACHINE, L"Software\\Classes\\AutomationTest.clsOther", 0,
+                                             nullptr, REG_OPTION_VOLATILE, KEY_ALL_ACCESS, nullptr, &passing, nullptr));
     RegCloseKey(passing);
     EXPECT_EQ(HRESULT_FROM_WIN32(ERROR_CHILD_MUST_BE_VOLATILE),
               Server::Register(Classes, 2, Server::Scope::Machine, false));

@@ -195,11 +195,12 @@ TEST(VariantTest, KindsAreTold) {
 }
 
 TEST(VariantTest, IsNumericAsHostsTellIt) {
-    for (const Variant& yes : {Variant(), Variant(1), Variant(1.5), Variant(true), Variant(L"12"), Variant(L" -1.5 "), Variant(L"1e3")}) {
+    for (const Variant& yes :
+         {Variant(), Variant(1), Variant(1.5), Variant(true), Variant(L"12"), Variant(L" -1.5 "), Variant(L"1e3")}) {
         EXPECT_TRUE(yes.IsNumeric()) << yes.vt;
     }
-    for (const Variant& no : {Variant(L""), Variant(L"x"), Variant(L"1x"), Variant::Null(), Variant::Nothing(), Variant::Missing(),
-                              Variant::ArrayOf({})}) {
+    for (const Variant& no : {Variant(L""), Variant(L"x"), Variant(L"1x"), Variant::Null(), Variant::Nothing(),
+                              Variant::Missing(), Variant::ArrayOf({})}) {
         EXPECT_FALSE(no.IsNumeric()) << no.vt;
     }
     Variant date;
