@@ -328,7 +328,8 @@ Variant Object::InvokeId(DISPID id, WORD flags, Argument* arguments, size_t coun
     if (FAILED(result)) throw ErrorFromHresult(result, &exception);
     Variant owned = Variant::Attach(raw);
     for (size_t at = 0; at < count; ++at) arguments[at].WriteBack();
-    return (owned.vt & VT_BYREF) != 0 ? Variant(static_cast<const VARIANT&>(owned)) : owned;
+    if ((owned.vt & VT_BYREF) != 0) return Variant(static_cast<const VARIANT&>(owned));
+    return owned;
 }
 
 void Object::Let(const wchar_t* member, const Variant& value) const {
