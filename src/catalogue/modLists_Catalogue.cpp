@@ -1,3 +1,4 @@
+#include "catalogue/Catalogue.h"
 #include "catalogue/clsListItem.h"
 #include "catalogue/modLists.h"
 #include "component/modGlobal.h"
@@ -7,8 +8,14 @@ namespace {
 constexpr const wchar_t* Module = L"modLists";
 }
 
-// The entries themselves are still to come: until then the catalogue is empty, and so are the panes that show it.
 void modLists::CreateListItems() try {
+    for (const CatalogueSection& Section : CatalogueSections()) {
+        for (const CatalogueEntry& Entry : Section.Entries) {
+            const CatalogueTexts Texts = ExpandTexts(Section, Entry);
+            m_CreateListItem(std::wstring(Entry.Text), Section.list, Section.DBType, std::wstring(Section.Category),
+                             Texts.Description, Texts.DragDrop, Texts.SelectText, L"", L"", L"", Texts.ExecuteText);
+        }
+    }
 } catch (...) {
     ReportError(Module, L"CreateListItems");
 }

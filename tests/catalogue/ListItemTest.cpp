@@ -81,3 +81,28 @@ TEST_F(ListItemTest, ValuesAreShownAsText) {
     EXPECT_EQ(L"", modLists::m_VntToStr(Variant::ArrayOf({Variant(1L)})));
     EXPECT_EQ(L"modLists.m_VntToStr 13", Errors.Places());
 }
+
+TEST_F(ListItemTest, TheCatalogueIsWholeAndInOrder) {
+    modGlobal::Main();
+    ASSERT_EQ(283, ListItems->Count());
+    long count[4] = {};
+    for (long id = 0; id < 283; ++id) {
+        const auto& item = ListItems->Item(std::to_wstring(id));
+        ASSERT_EQ(id, item->Id());
+        ++count[item->list()];
+        EXPECT_NE(L"", item->Text());
+        EXPECT_NE(L"", item->Description());
+    }
+    EXPECT_EQ(10, count[1]);
+    EXPECT_EQ(248, count[2]);
+    EXPECT_EQ(25, count[3]);
+    EXPECT_EQ(L"@", ListItems->Item(L"0")->Text());
+    EXPECT_EQ(L"Displays the Kolvex Omnia help file.", ListItems->Item(L"12")->Description());
+    EXPECT_EQ(L"COMMIT", ListItems->Item(L"25")->Text());
+    EXPECT_EQ(L"TRUNC(n[,m]", ListItems->Item(L"53")->DragDrop());
+    EXPECT_EQ(L"SELECT TRUNC(n[,m]) FROM DUAL", ListItems->Item(L"53")->ExecuteText());
+    EXPECT_EQ(L"USER_NAME(n)", ListItems->Item(L"233")->Text());
+    EXPECT_EQ(L"USER_NAME(n)", ListItems->Item(L"248")->Text());
+    EXPECT_EQ(ListItems->Item(L"233")->Description(), ListItems->Item(L"248")->Description());
+    EXPECT_EQ(L"", Errors.Places());
+}

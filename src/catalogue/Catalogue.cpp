@@ -1,0 +1,157 @@
+#include "catalogue/Catalogue.h"
+
+#include <initializer_list>
+
+#include "catalogue/Catalogue_AnsiSQL.h"
+#include "catalogue/Catalogue_HostCommands.h"
+#include "catalogue/Catalogue_Oracle.h"
+#include "catalogue/Catalogue_SQLServer.h"
+
+namespace {
+
+constexpr long AnsiSQL = 1, DatabaseSpecific = 2, HostCommands = 3;  // lists
+constexpr long AnyDatabase = 0, Oracle = 4, SQLServer = 8;           // database types
+
+constexpr std::wstring_view NoCategory = L"";
+constexpr std::wstring_view SQLCommands = L"SQL Commands";
+constexpr std::wstring_view NumberFunctions = L"Single Row Number Functions";
+constexpr std::wstring_view CharacterFunctions = L"Single Row Character Functions";
+constexpr std::wstring_view GroupFunctions = L"Group Functions";
+constexpr std::wstring_view DateFunctions = L"Date Functions";
+constexpr std::wstring_view ConversionFunctions = L"Conversion Functions";
+constexpr std::wstring_view OtherFunctions = L"Other Functions";
+constexpr std::wstring_view FormatModels = L"Format Models";
+constexpr std::wstring_view PseudoColumns = L"Pseudo Columns";
+constexpr std::wstring_view DataTypes = L"Data Types";
+
+// The order is that of the Ids: SQL Server's categories come in an order of their own.
+constexpr CatalogueSection Sections[] = {
+    {L"Host script commands", 0, HostCommands, AnyDatabase, NoCategory, TextRule::HostCommand,
+     Catalogue_HostCommands::Commands},
+    {L"ANSI SQL commands", 25, AnsiSQL, AnyDatabase, NoCategory, TextRule::Statement, Catalogue_AnsiSQL::Commands},
+
+    {L"Oracle, SQL Commands", 35, DatabaseSpecific, Oracle, SQLCommands, TextRule::Statement,
+     Catalogue_Oracle::SQLCommands},
+    {L"Oracle, Single Row Number Functions", 36, DatabaseSpecific, Oracle, NumberFunctions, TextRule::SelectFromDual,
+     Catalogue_Oracle::SingleRowNumberFunctions},
+    {L"Oracle, Single Row Character Functions", 54, DatabaseSpecific, Oracle, CharacterFunctions,
+     TextRule::SelectFromDual, Catalogue_Oracle::SingleRowCharacterFunctions},
+    {L"Oracle, Group Functions", 77, DatabaseSpecific, Oracle, GroupFunctions, TextRule::SelectFromDual,
+     Catalogue_Oracle::GroupFunctions},
+    {L"Oracle, Date Functions", 85, DatabaseSpecific, Oracle, DateFunctions, TextRule::SelectFromDual,
+     Catalogue_Oracle::DateFunctions},
+    {L"Oracle, Conversion Functions", 91, DatabaseSpecific, Oracle, ConversionFunctions, TextRule::SelectFromDual,
+     Catalogue_Oracle::ConversionFunctions},
+    {L"Oracle, Other Functions", 101, DatabaseSpecific, Oracle, OtherFunctions, TextRule::SelectFromDual,
+     Catalogue_Oracle::OtherFunctions},
+    {L"Oracle, Pseudo Columns", 110, DatabaseSpecific, Oracle, PseudoColumns, TextRule::SelectFromDual,
+     Catalogue_Oracle::PseudoColumns},
+    {L"Oracle, Data Types", 115, DatabaseSpecific, Oracle, DataTypes, TextRule::NoExample, Catalogue_Oracle::DataTypes},
+    {L"Oracle, Format Models", 125, DatabaseSpecific, Oracle, FormatModels, TextRule::FormatOfDate,
+     Catalogue_Oracle::FormatModels},
+
+    {L"SQL Server, Single Row Number Functions", 149, DatabaseSpecific, SQLServer, NumberFunctions, TextRule::Select,
+     Catalogue_SQLServer::SingleRowNumberFunctions},
+    {L"SQL Server, Single Row Character Functions", 173, DatabaseSpecific, SQLServer, CharacterFunctions,
+     TextRule::Select, Catalogue_SQLServer::SingleRowCharacterFunctions},
+    {L"SQL Server, Group Functions", 196, DatabaseSpecific, SQLServer, GroupFunctions, TextRule::SelectFromTable,
+     Catalogue_SQLServer::GroupFunctions},
+    {L"SQL Server, Date Functions", 210, DatabaseSpecific, SQLServer, DateFunctions, TextRule::Select,
+     Catalogue_SQLServer::DateFunctions},
+    {L"SQL Server, Conversion Functions", 220, DatabaseSpecific, SQLServer, ConversionFunctions, TextRule::Select,
+     Catalogue_SQLServer::ConversionFunctions},
+    {L"SQL Server, Other Functions", 222, DatabaseSpecific, SQLServer, OtherFunctions, TextRule::Select,
+     Catalogue_SQLServer::OtherFunctions},
+    {L"SQL Server, Data Types", 250, DatabaseSpecific, SQLServer, DataTypes, TextRule::NoExample,
+     Catalogue_SQLServer::DataTypes},
+    {L"SQL Server, Pseudo Columns", 277, DatabaseSpecific, SQLServer, PseudoColumns, TextRule::Select,
+     Catalogue_SQLServer::PseudoColumns},
+    {L"SQL Server, SQL Commands", 282, DatabaseSpecific, SQLServer, SQLCommands, TextRule::Statement,
+     Catalogue_SQLServer::SQLCommands},
+};
+
+// Each section begins where the one before it ends, so a missing or doubled entry anywhere does not compile.
+constexpr bool IdsHaveNoGap() {
+    long next = 0;
+    for (const CatalogueSection& section : Sections) {
+        if (section.FirstId != next) return false;
+        next += static_cast<long>(section.Entries.size());
+    }
+    return next == CatalogueSize;
+}
+static_assert(IdsHaveNoGap(), "the Ids must run from 0 to 282, each section beginning with the one that it states");
+
+constexpr long CountOf(long list, long dbType) {
+    long count = 0;
+    for (const CatalogueSection& section : Sections) {
+        if (section.list == list && section.DBType == dbType) count += static_cast<long>(section.Entries.size());
+    }
+    return count;
+}
+static_assert(CountOf(HostCommands, AnyDatabase) == 25);
+static_assert(CountOf(AnsiSQL, AnyDatabase) == 10);
+static_assert(CountOf(DatabaseSpecific, Oracle) == 114);
+static_assert(CountOf(DatabaseSpecific, SQLServer) == 134);
+
+constexpr bool EntriesAreComplete() {
+    for (const CatalogueSection& section : Sections) {
+        if (section.Category.empty() != (section.list != DatabaseSpecific)) return false;
+        for (const CatalogueEntry& entry : section.Entries) {
+            if (entry.Text.empty() || entry.Description.empty()) return false;
+        }
+    }
+    return true;
+}
+static_assert(EntriesAreComplete(),
+              "every entry needs a text and a description, and every database-specific one a category");
+
+std::wstring Join(std::initializer_list<std::wstring_view> parts) {
+    size_t length = 0;
+    for (const auto part : parts) length += part.size();
+    std::wstring joined;
+    joined.reserve(length);
+    for (const auto part : parts) joined += part;
+    return joined;
+}
+
+std::wstring ExpandDescription(std::wstring_view description) {
+    const size_t at = description.find(EditionMark);
+    if (at == description.npos) return std::wstring(description);
+    return Join({description.substr(0, at), HostEditionName, description.substr(at + EditionMark.size())});
+}
+
+std::wstring ExecuteTextByRule(TextRule rule, std::wstring_view text, std::wstring_view dragDrop) {
+    switch (rule) {
+        case TextRule::HostCommand:
+            return std::wstring(text);
+        case TextRule::Statement:
+            return std::wstring(dragDrop);
+        case TextRule::SelectFromDual:
+            return Join({L"SELECT ", dragDrop, L" FROM DUAL"});
+        case TextRule::FormatOfDate:
+            return Join({L"SELECT TO_CHAR( SYSDATE ,'", text, L"') FROM DUAL"});
+        case TextRule::Select:
+            return Join({L"SELECT ", dragDrop});
+        case TextRule::SelectFromTable:
+            return Join({L"SELECT ", dragDrop, L" FROM table"});
+        case TextRule::NoExample:
+            break;
+    }
+    return {};
+}
+
+}  // namespace
+
+std::span<const CatalogueSection> CatalogueSections() { return Sections; }
+
+CatalogueTexts ExpandTexts(const CatalogueSection& Section, const CatalogueEntry& Entry) {
+    CatalogueTexts texts;
+    texts.Description = ExpandDescription(Entry.Description);
+    texts.SelectText = Entry.SelectText.value_or(L"");
+    std::wstring_view dragDrop = Entry.DragDrop.value_or(Entry.Text);
+    texts.ExecuteText =
+        Entry.ExecuteText ? std::wstring(*Entry.ExecuteText) : ExecuteTextByRule(Section.Rule, Entry.Text, dragDrop);
+    texts.DragDrop = Section.Rule == TextRule::HostCommand && !Entry.DragDrop ? Join({texts.ExecuteText, L";"})
+                                                                              : std::wstring(dragDrop);
+    return texts;
+}

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <span>
+#include <string>
+
+#include "catalogue/CatalogueEntry.h"
+
+// The sections in the order of their Ids, which have no gaps: from 0 to CatalogueSize - 1.
+inline constexpr long CatalogueSize = 283;
+std::span<const CatalogueSection> CatalogueSections();
+
+// An entry's texts as they are shown, dragged and run. Lines are joined by CR LF, with none behind the last.
+struct CatalogueTexts {
+    std::wstring Description;
+    std::wstring DragDrop;
+    std::wstring SelectText;
+    std::wstring ExecuteText;
+};
+
+// What the entry names, and the rest by the rule of its section. Fails only where memory does (std::bad_alloc).
+CatalogueTexts ExpandTexts(const CatalogueSection& Section, const CatalogueEntry& Entry);

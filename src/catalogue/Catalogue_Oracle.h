@@ -1,0 +1,278 @@
+#pragma once
+
+#include "catalogue/CatalogueEntry.h"
+
+// Oracle, by category. A name with an odd bracket, a doubled full stop and the like are known to users and stay.
+// clang-format off
+namespace Catalogue_Oracle {
+
+inline constexpr CatalogueEntry SQLCommands[] = {
+    {.Text = L"COMMENT",
+     .Description = L"Stores a comment about a table, view or column in the data dictionary; an empty comment ('') "
+                    L"removes it."},
+};
+
+inline constexpr CatalogueEntry SingleRowNumberFunctions[] = {
+    {.Text = L"ABS(n)", .Description = L"Absolute value of n."},
+    {.Text = L"CEIL(n)", .Description = L"Smallest whole number that is not less than n."},
+    {.Text = L"COS(n)", .Description = L"Cosine of n, where n is an angle in radians."},
+    {.Text = L"COSH(n)", .Description = L"Hyperbolic cosine of n: half the sum of EXP(n) and EXP(-n)."},
+    {.Text = L"EXP(n)", .Description = L"e (2.71828183...) raised to the power n."},
+    {.Text = L"FLOOR(n)", .Description = L"Largest whole number that is not greater than n."},
+    {.Text = L"LN(n)", .Description = L"Natural logarithm (base e) of n, which must be greater than 0."},
+    {.Text = L"LOG(m,n)",
+     .Description = L"Logarithm of n to the base m; m must be positive and other than 1, n must be positive."},
+    {.Text = L"MOD(m,n)", .Description = L"Remainder of m divided by n, with the sign of m; m itself if n is 0."},
+    {.Text = L"POWER(m,n)", .Description = L"m raised to the power n; if m is negative, n must be an integer."},
+    {.Text = L"ROUND(n[,m])",
+     .Description = L"n rounded to m decimal places; m defaults to 0, a negative m rounds digits left of the decimal "
+                    L"point."},
+    {.Text = L"SIGN(n)",
+     .Description = L"Sign of the NUMBER n: -1 if n is negative, 0 if it is zero, 1 if it is positive."},
+    {.Text = L"SIN(n)", .Description = L"Sine of an angle of n radians."},
+    {.Text = L"SINH(n)", .Description = L"Hyperbolic sine of n: half the difference of EXP(n) and EXP(-n)."},
+    {.Text = L"SQRT(n)", .Description = L"Square root of n, which must not be negative."},
+    {.Text = L"TAN(n)", .Description = L"Tangent of n, an angle expressed in radians."},
+    {.Text = L"TANH(n)", .Description = L"Hyperbolic tangent of n: SINH(n) divided by COSH(n)."},
+    // DragDrop lacks the closing parenthesis, ExecuteText has it.
+    {.Text = L"TRUNC(n[,m])",
+     .Description = L"n truncated to m decimal places; m defaults to 0.",
+     .DragDrop = L"TRUNC(n[,m]",
+     .ExecuteText = L"SELECT TRUNC(n[,m]) FROM DUAL"},
+};
+
+inline constexpr CatalogueEntry SingleRowCharacterFunctions[] = {
+    {.Text = L"CHR(n)", .Description = L"Character that has the code n in the database character set."},
+    {.Text = L"CONCAT(s1,s2)", .Description = L"String s1 followed by string s2, the same as s1 || s2."},
+    {.Text = L"INITCAP(s)",
+     .Description = L"String s, with the first letter of each word in uppercase and the other letters in lowercase. "
+                    L"Words end at any character that is not alphanumeric."},
+    {.Text = L"LOWER(s)", .Description = L"String s, with all letters in lowercase."},
+    {.Text = L"LPAD(s1,n[,s2])",
+     .Description = L"String s1, left-padded to display length n with the characters of s2, which defaults to one "
+                    L"blank; if s1 is longer than n, its first n characters."},
+    {.Text = L"LTRIM(s[,set])",
+     .Description = L"String s, without its leading characters up to the first one that is not in set; set defaults to "
+                    L"one blank."},
+    {.Text = L"NLS_INITCAP(s [, nls_sort])",
+     .Description = L"String s, with each word capitalized by the linguistic rules of nls_sort, for example 'NLS_SORT "
+                    L"= XDutch'; defaults to the sort sequence of the session."},
+    {.Text = L"NLS_LOWER(s [, nls_sort)]",
+     .Description = L"String s in lowercase, by the linguistic rules of nls_sort, given as 'NLS_SORT = sort', or by "
+                    L"those of the session."},
+    {.Text = L"NLS_UPPER(s [, nls_sort])",
+     .Description = L"String s in uppercase, by the linguistic rules of nls_sort or of the session. The result can be "
+                    L"longer than s: with 'NLS_SORT = XGerman' a sharp s becomes SS."},
+    {.Text = L"REPLACE(s,find[,replace])",
+     .Description = L"String s, with every occurrence of string find replaced by the string replace.."},
+    {.Text = L"RPAD(s1,n[,s2])",
+     .Description = L"String s1, right-padded to display length n with the suquence of characters in s2."},
+    {.Text = L"RTRIM(s[,set])",
+     .Description = L"String s, without its trailing characters back to the last one that is not in set; if set is "
+                    L"omitted, blanks are removed."},
+    {.Text = L"SOUNDEX(s)",
+     .Description = L"Phonetic code of string s, a letter and three digits, by which words that are spelled "
+                    L"differently but sound alike in English can be compared."},
+    {.Text = L"SUBSTR(s,m[,n])",
+     .Description = L"Part of string s that begins at character m and is n characters long, or extends to the end if n "
+                    L"is omitted; a negative m counts from the end of s."},
+    {.Text = L"SUBSTRB(s,m[,n])",
+     .Description = L"Part of string s, like SUBSTR, but with the start m and the length n in bytes instead of "
+                    L"characters."},
+    {.Text = L"TRANSLATE(s,from,to)",
+     .Description = L"String s, with each character that occurs in from replaced by the corresponding character of to, "
+                    L"or removed if to is too short to have one."},
+    {.Text = L"UPPER(s)", .Description = L"String s, with all letters in uppercase."},
+    {.Text = L"ASCII(s)", .Description = L"Decimal code of the first character of s in the database character set."},
+    {.Text = L"INSTR(s1,s2[,n[,m]])",
+     .Description = L"Position of the mth occurrence of s2 in s1, searched from character n on, or 0 if there is none; "
+                    L"n and m default to 1, a negative n searches backward from the end."},
+    {.Text = L"INSTRB(s1,s2[,n[,m]])",
+     .Description = L"Position of s2 in s1, like INSTR, but with the start n and the result in bytes instead of "
+                    L"characters."},
+    {.Text = L"LENGTH(s)",
+     .Description = L"Number of characters in string s, with the trailing blanks of a CHAR value; null if s is null."},
+    {.Text = L"LENGTHB(s)",
+     .Description = L"Length of string s in bytes, which in a single-byte character set equals LENGTH(s)."},
+    {.Text = L"NLSSORT(s[, nls_sort])",
+     .Description = L"Bytes (RAW) by which string s is ordered in the linguistic sort sequence nls_sort, given as "
+                    L"'NLS_SORT = sort', or in that of the session."},
+};
+
+inline constexpr CatalogueEntry GroupFunctions[] = {
+    {.Text = L"AVG( [DISTINCT | ALL] n)", .Description = L"Average value of n, ignoring nulls.."},
+    {.Text = L"COUNT( [ALL] *)",
+     .Description = L"Number of rows in the group, with duplicates and with rows that contain nulls."},
+    {.Text = L"COUNT( [DISTINCT | ALL] expr )",
+     .Description = L"Number of rows in which expr is not null, or with DISTINCT the number of different values of "
+                    L"expr, not counting null."},
+    {.Text = L"MAX( [DISTINCT | ALL] expr )",
+     .Description = L"Greatest value of expr in the group, not counting nulls; DISTINCT and ALL give the same result."},
+    {.Text = L"MIN( [DISTINCT | ALL] expr )",
+     .Description = L"Least value of expr in the group, whether numbers, strings or dates, passing over nulls."},
+    {.Text = L"STDDEV( [DISTINCT | ALL] n )",
+     .Description = L"Sample standard deviation of n, the square root of its VARIANCE; 0 for a single value."},
+    {.Text = L"SUM( [DISTINCT | ALL] n )",
+     .Description = L"Sum of the values of n, leaving out nulls; with DISTINCT, equal values are added only once."},
+    {.Text = L"VARIANCE( [DISTINCT | ALL] n )",
+     .Description = L"Sample variance of n, with the number of values less 1 as the divisor; 0 if there is only one "
+                    L"value."},
+};
+
+inline constexpr CatalogueEntry DateFunctions[] = {
+    {.Text = L"ADD_MONTHS(d,n)",
+     .Description = L"Date d plus n months. If d is the last day of its month, or its day does not exist in the new "
+                    L"month, the last day of the new month."},
+    {.Text = L"LAST_DAY(d)", .Description = L"Date of last day of month containing d."},
+    {.Text = L"MONTHS_BETWEEN(d,e)", .Description = L"Number of months by which e prcedes d."},
+    {.Text = L"NEW_TIME(d,zone1,zone2)",
+     .Description = L"Date and time in time zone zone2 at the moment when it is d in time zone zone1.",
+     .DragDrop = L"NEW_TIME(d,{AST|ADT|BST|BDT|CST|CDT|EST|GMT|HST|HDT|MST|MDT|NST|PST|YST|YDT},"
+                 L"{AST|ADT|BST|BDT|CST|CDT|EST|GMT|HST|HDT|MST|MDT|NST|PST|YST|YDT} )"},
+    {.Text = L"NEXT_DAY(d,s)",
+     .Description = L"Date of the first day after d that is the weekday s, a name or abbreviation in the date language "
+                    L"of the session."},
+    {.Text = L"SYSDATE",
+     .Description = L"Current date and time, to the second, as set for the operating system of the database server."},
+};
+
+inline constexpr CatalogueEntry ConversionFunctions[] = {
+    {.Text = L"CHARTOROWID(s)",
+     .Description = L"String s, which is the text of a row address, converted to a ROWID value."},
+    // US7ASII: so in both places. The example ends without the blank that DragDrop has before its parenthesis.
+    {.Text = L"CONVERT(s,dest,source)",
+     .Description = L"String s, converted from character set source to character set dest; source defaults to the "
+                    L"database character set.",
+     .DragDrop = L"CONVERT(s, {US7ASII|WE8DEC|WE8HP|F7DEC|WE8EBCDIC500|WE8PC850|WE8ISO8859P1} , "
+                 L"{US7ASII|WE8DEC|WE8HP|F7DEC|WE8EBCDIC500|WE8PC850|WE8ISO8859P1} )",
+     .ExecuteText = L"SELECT CONVERT(s, {US7ASII|WE8DEC|WE8HP|F7DEC|WE8EBCDIC500|WE8PC850|WE8ISO8859P1} , "
+                    L"{US7ASII|WE8DEC|WE8HP|F7DEC|WE8EBCDIC500|WE8PC850|WE8ISO8859P1}) FROM DUAL"},
+    {.Text = L"HEXTORAW(s)",
+     .Description = L"String s, which consists of hexadecimal digits, converted to a RAW value with one byte for every "
+                    L"two digits."},
+    {.Text = L"RAWTOHEX(raw)", .Description = L"String that gives each byte of raw as two hexadecimal digits."},
+    {.Text = L"ROWIDTOCHAR(rowid)", .Description = L"Row address rowid, converted to a string of 18 characters."},
+    {.Text = L"TO_CHAR(expr [,fmt [, nls_num_fmt]] )",
+     .Description = L"Number or date expr, converted to a string in the format fmt; without fmt, a date takes the "
+                    L"session's default format and a number just its significant digits."},
+    {.Text = L"TO_DATE( s [,fmt [, nls_lang]] )",
+     .Description = L"String s, which is a date in the format fmt, converted to a DATE value; fmt defaults to the "
+                    L"session's date format, nls_lang is the language of month and day names."},
+    {.Text = L"TO_MULTI_BYTE(s)",
+     .Description = L"String s, with its single-byte characters converted to the corresponding multibyte characters of "
+                    L"the database character set, as far as there are any."},
+    {.Text = L"TO_NUMBER(s [,fmt [,nls_lang]] )",
+     .Description = L"String s, which is a character value containing a number in the format specified by the optoinal "
+                    L"fmt, converted to a NUMBER value.."},
+    {.Text = L"TO_SINGLE_BYTE(s)",
+     .Description = L"String s, with every multibyte character that has a single-byte equivalent in the database "
+                    L"character set converted to it."},
+};
+
+inline constexpr CatalogueEntry OtherFunctions[] = {
+    {.Text = L"DECODE(expr,s1,r1, [s2,r2,]...[default])",
+     .Description = L"If expr equals any string s, returns the following string r; if not, returns default."},
+    {.Text = L"DUMP(expr [,fmt [,start [,len]]] )",
+     .Description = L"Data type code, length in bytes and internal bytes of expr; fmt is the notation of the bytes, 10 "
+                    L"for decimal by default, 8 for octal, 16 for hexadecimal, 17 for characters."},
+    {.Text = L"GREATEST( expr [,expr] ...)",
+     .Description = L"Greatest of the listed values; null if any of them is null."},
+    {.Text = L"LEAST( expr [,expr] ... )",
+     .Description = L"Least of the listed values; strings are compared without blank-padding."},
+    {.Text = L"NVL(expr1,expr2)", .Description = L"expr2 if expr1 is null, otherwise expr1."},
+    {.Text = L"UID", .Description = L"Integer that uniquely identifies the session user."},
+    {.Text = L"USER", .Description = L"Name of the session user, that is, the user who logged on."},
+    {.Text = L"USERENV(option)",
+     .Description = L"Information about the current session; option says which, for example 'SESSIONID', 'TERMINAL' or "
+                    L"'LANGUAGE'."},
+    {.Text = L"VSIZE(expr)",
+     .Description = L"Number of bytes in the internal representation of expr; null if expr is null."},
+};
+
+// They take a prefix, except ROWNUM.
+inline constexpr CatalogueEntry PseudoColumns[] = {
+    {.Text = L"CURRVAL",
+     .Description = L"Current value of sequence for the current session.",
+     .DragDrop = L"sequence.CURRVAL"},
+    {.Text = L"NEXTVAL",
+     .Description = L"Next value of sequence, which is advanced by its increment.",
+     .DragDrop = L"sequence.NEXTVAL"},
+    {.Text = L"LEVEL",
+     .Description = L"1 for a root node, 2 for a child node, etc.",
+     .DragDrop = L"[table.]LEVEL"},
+    {.Text = L"ROWID",
+     .Description = L"Address of the row; usually the fastest way to reach a single row.",
+     .DragDrop = L"[table.]ROWID"},
+    {.Text = L"ROWNUM",
+     .Description = L"Number of the row in the order in which the query selects its rows, beginning with 1 and "
+                    L"assigned before ORDER BY sorts them."},
+};
+
+inline constexpr CatalogueEntry DataTypes[] = {
+    {.Text = L"CHAR(size)", .Description = L"Fixed-length character string of size characters."},
+    {.Text = L"DATE",
+     .Description = L"Date and time of day, to the second, from January 1, 4712 BC to December 31, 9999 AD."},
+    {.Text = L"LONG",
+     .Description = L"Variable-length character string of up to 2 gigabytes less one byte, kept for compatibility: "
+                    L"CLOB is preferred. A table can have only one such column."},
+    {.Text = L"LONG RAW",
+     .Description = L"Variable-length raw binary data of up to 2 gigabytes, kept for compatibility: BLOB is "
+                    L"preferred."},
+    {.Text = L"MLSLABEL",
+     .Description = L"Operating system security label in binary form. Used by Trusted Oracle; standard Oracle accepted "
+                    L"it only for compatibility."},
+    {.Text = L"NUMBER(p,s)",
+     .Description = L"Number of up to p significant decimal digits (1 to 38), rounded to s places after the decimal "
+                    L"point (-84 to 127)."},
+    {.Text = L"RAW(size)",
+     .Description = L"Variable-length raw binary data of at most size bytes, never converted between character sets; "
+                    L"size must be given."},
+    {.Text = L"RAW MLSLABEL",
+     .Description = L"Raw binary form of a Trusted Oracle security label, in which views of Oracle 7 and 8 such as "
+                    L"USER_JOBS show clearances."},
+    {.Text = L"ROWID",
+     .Description = L"Address of a row in its table, as the pseudo column of the same name returns it; shown as a "
+                    L"string of 18 characters."},
+    {.Text = L"VARCHAR2(size)",
+     .Description = L"Variable-length character string of at most size bytes, or characters where the length is "
+                    L"declared so; there is no default for size."},
+};
+
+inline constexpr CatalogueEntry FormatModels[] = {
+    {.Text = L"CC", .Description = L"Century; Use SCC for BC dates."},
+    {.Text = L"YYYY", .Description = L"4-digit year; Use SYYYY for a minus sign before BC dates."},
+    {.Text = L"IYYY", .Description = L"4-digit year of the ISO 8601 standard, to which the week of IW belongs."},
+    {.Text = L"YEAR", .Description = L"Year, spelled out; Use SYEAR to mark BC dates with a minus sign."},
+    {.Text = L"RR",
+     .Description = L"2-digit year; when a string is converted to a date, the century is inferred from the two digits "
+                    L"and the current year."},
+    {.Text = L"Q", .Description = L"Quarter of the year, 1 to 4; January to March is 1."},
+    {.Text = L"MM", .Description = L"Month as two digits, 01 (January) to 12."},
+    {.Text = L"RM", .Description = L"Month as a Roman numeral, I (January) to XII."},
+    {.Text = L"MONTH",
+     .Description = L"Name of the month in the date language of the session, padded with blanks to the length of the "
+                    L"longest name."},
+    {.Text = L"MON",
+     .Description = L"Abbreviated name of the month in the date language of the session, such as JAN in English."},
+    {.Text = L"WW", .Description = L"Week of the year, 01 to 53; week 1 is January 1 to January 7."},
+    {.Text = L"W", .Description = L"Week of the month, 1 to 5; week 1 is the first seven days of the month."},
+    {.Text = L"IW",
+     .Description = L"Week of the year by the ISO 8601 standard, 01 to 53; weeks begin on Monday, and week 1 contains "
+                    L"January 4."},
+    {.Text = L"DDD", .Description = L"Day of the year, 001 to 366."},
+    {.Text = L"DD", .Description = L"Day of the month, 01 to 31."},
+    {.Text = L"D",
+     .Description = L"Day of the week, 1 to 7; the territory of the session (NLS_TERRITORY) decides which day is 1."},
+    {.Text = L"DAY",
+     .Description = L"Name of the weekday, padded with blanks to the length of the longest name; Use FMDAY to leave "
+                    L"the blanks out."},
+    {.Text = L"DY", .Description = L"Abbreviated name of the weekday, such as MON in English."},
+    {.Text = L"J", .Description = L"Julian day, the number of days since January 1, 4712 BC."},
+    {.Text = L"HH", .Description = L"Hour of the 12-hour clock, 01 to 12; the same as HH12."},
+    {.Text = L"HH24", .Description = L"Hour of the 24-hour clock, 00 to 23."},
+    {.Text = L"MI", .Description = L"Minute of the hour, 00 to 59."},
+    {.Text = L"SS", .Description = L"Second of the minute, 00 to 59."},
+    {.Text = L"SSSSS", .Description = L"Number of seconds since midnight, 00000 to 86399."},
+};
+
+}  // namespace Catalogue_Oracle

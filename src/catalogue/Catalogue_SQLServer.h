@@ -1,0 +1,347 @@
+#pragma once
+
+#include "catalogue/CatalogueEntry.h"
+
+// SQL Server, by category. Doubled full stops and the like are known to users and stay.
+// clang-format off
+namespace Catalogue_SQLServer {
+
+inline constexpr CatalogueEntry SingleRowNumberFunctions[] = {
+    {.Text = L"ABS(n)", .Description = L"Returns the absolute, positive value of the given numeric expression n."},
+    {.Text = L"ACOS(n)", .Description = L"Returns the angle, in radians from 0 to pi, whose cosine is n (-1 to 1)."},
+    {.Text = L"ASIN(n)",
+     .Description = L"Returns the angle, in radians from -pi/2 to pi/2, whose sine is n (-1 to 1)."},
+    {.Text = L"ATAN(n)", .Description = L"Returns the angle, in radians between -pi/2 and pi/2, whose tangent is n."},
+    {.Text = L"ATN2(n1,n2)",
+     .Description = L"Returns the angle, in radians from -pi to pi, between the positive x-axis and the line from the "
+                    L"origin to the point with y = n1 and x = n2."},
+    {.Text = L"CEILING(n)",
+     .Description = L"Returns n rounded up to a whole number: the smallest one greater than or equal to n."},
+    {.Text = L"COS(n)", .Description = L"Returns the trigonometric cosine of the angle n, given in radians."},
+    {.Text = L"COT(n)",
+     .Description = L"Returns the trigonometric cotangent of the angle n in radians, the reciprocal of TAN(n)."},
+    {.Text = L"DEGREES(n)",
+     .Description = L"Returns an angle of n radians in degrees. The result has the type of n: an integer n gives an "
+                    L"integer number of degrees."},
+    {.Text = L"EXP(n)",
+     .Description = L"Returns the exponential value of n, that is e raised to the power n, as a float."},
+    {.Text = L"FLOOR(n)",
+     .Description = L"Returns n rounded down to a whole number: the largest one less than or equal to n."},
+    {.Text = L"ISNUMERIC(expr)",
+     .Description = L"Returns 1 if expr can be converted to at least one of the numeric data types, otherwise 0. "
+                    L"Strings such as '+' and '$' give 1, too."},
+    {.Text = L"LOG(n)", .Description = L"Returns the natural logarithm (base e) of n as a float."},
+    {.Text = L"LOG10(n)", .Description = L"Returns the base-10 logarithm of n as a float."},
+    {.Text = L"PI()", .Description = L"Returns the constant pi, 3.14159265358979, as a float."},
+    {.Text = L"POWER(n1,n2)",
+     .Description = L"Returns n1 raised to the power n2. The type of n1 decides that of the result: an integer n1 "
+                    L"gives an integer."},
+    {.Text = L"RADIANS(n)",
+     .Description = L"Returns an angle of n degrees in radians. Write n with a decimal point, since an integer n gives "
+                    L"an integer result."},
+    {.Text = L"RAND( [seed] )",
+     .Description = L"Returns a pseudo-random float between 0 and 1, both excluded; the same seed always gives the "
+                    L"same value."},
+    {.Text = L"ROUND(n, length [, function] )",
+     .Description = L"Returns n rounded to length decimal places, or left of the decimal point if length is negative; "
+                    L"a function other than 0 truncates n instead."},
+    {.Text = L"SIGN(n)", .Description = L"Returns 1 if n is positive, 0 if it is zero or -1 if it is negative."},
+    {.Text = L"SIN(n)", .Description = L"Returns the trigonometric sine of the angle n, given in radians."},
+    {.Text = L"SQUARE(n)", .Description = L"Returns n multiplied by itself, as a float."},
+    {.Text = L"SQRT(n)", .Description = L"Returns the square root of n as a float; a negative n is an error."},
+    {.Text = L"TAN(n)", .Description = L"Returns the trigonometric tangent of the angle n, given in radians."},
+};
+
+inline constexpr CatalogueEntry SingleRowCharacterFunctions[] = {
+    {.Text = L"ASCII(s)",
+     .Description = L"Returns the ASCII code value of the leftmost character of a character expression s."},
+    {.Text = L"CHAR(n)",
+     .Description = L"Returns the character that has the code n, an integer from 0 through 255; NULL for any other n."},
+    {.Text = L"CHARINDEX( expr1, expr2 [, start] )",
+     .Description = L"Returns the position at which string expr1 first occurs in string expr2, searched from position "
+                    L"start on (default 1); 0 if it is not found."},
+    {.Text = L"DIFFERENCE(s1, s2)",
+     .Description = L"Returns how well the SOUNDEX codes of s1 and s2 match, from 0 (not at all) to 4 (the codes are "
+                    L"the same or nearly so)."},
+    {.Text = L"LEFT(s,n)", .Description = L"Returns the first n characters of string s, or all of s if it is shorter."},
+    {.Text = L"LEN(s)", .Description = L"Returns the number of characters in string s, not counting trailing blanks."},
+    {.Text = L"LOWER(s)", .Description = L"Returns string s with its uppercase letters converted to lowercase."},
+    {.Text = L"LTRIM(s)", .Description = L"Returns string s without its leading blanks."},
+    {.Text = L"NCHAR(n)",
+     .Description = L"Returns the Unicode character that has the code n, 0 through 65535, or through 1114111 if the "
+                    L"database's collation supports supplementary characters."},
+    {.Text = L"PATINDEX( '%s%' , expr)",
+     .Description = L"Returns the position at which a pattern, with the wildcards of LIKE, first occurs in expr; 0 if "
+                    L"it is not found."},
+    {.Text = L"REPLACE(s, find, replace)",
+     .Description = L"Returns string s with replace in place of each occurrence of find, which is searched by the "
+                    L"collation of the arguments."},
+    {.Text = L"QUOTENAME(s [, quote_char] )",
+     .Description = L"Returns s as a delimited identifier, in brackets unless quote_char names another delimiter; NULL "
+                    L"if s has more than 128 characters."},
+    {.Text = L"REPLICATE(s,n)", .Description = L"Returns string s repeated n times; NULL if n is negative."},
+    {.Text = L"REVERSE(s)", .Description = L"Returns the characters of string s in reverse order."},
+    {.Text = L"RIGHT(s,n)", .Description = L"Returns the last n characters of string s, or all of s if it is shorter."},
+    {.Text = L"RTRIM(s)", .Description = L"Returns string s without its trailing blanks."},
+    {.Text = L"SOUNDEX(s)",
+     .Description = L"Returns a four-character code for how string s sounds in English: its first letter and three "
+                    L"digits. DIFFERENCE compares two such codes."},
+    {.Text = L"SPACE(n)", .Description = L"Returns a string of n blanks; NULL if n is negative."},
+    {.Text = L"STR(n [, length [, decimal ]] )",
+     .Description = L"Returns n as a right-justified string of length characters (default 10), rounded to decimal "
+                    L"places (default 0); asterisks if it does not fit."},
+    {.Text = L"STUFF(s1, start, length, s2)",
+     .Description = L"Returns string s1 with length characters deleted from position start on and s2 inserted in their "
+                    L"place."},
+    {.Text = L"SUBSTRING(expr, start, length )",
+     .Description = L"Returns length characters of expr, or bytes if it is binary, from position start on; the first "
+                    L"position is 1."},
+    {.Text = L"UNICODE(s)",
+     .Description = L"Returns the Unicode code value of the first character of string s as an int."},
+    {.Text = L"UPPER(s)", .Description = L"Returns string s with its lowercase letters converted to uppercase."},
+};
+
+inline constexpr CatalogueEntry GroupFunctions[] = {
+    {.Text = L"SUM( [DISTINCT | ALL] expr )",
+     .Description = L"Returns the sum of all the values, or only the DISTINCT values, in the expression. SUM can be "
+                    L"used with numeric columns only. Null values are ignored."},
+    {.Text = L"MIN( [DISTINCT | ALL] expr )",
+     .Description = L"Returns the lowest value of the expression, ignoring null values; DISTINCT has no effect on it."},
+    {.Text = L"MAX( [DISTINCT | ALL] expr )",
+     .Description = L"Returns the highest value of the expression, ignoring null values; NULL if there are no rows."},
+    {.Text = L"COUNT(  { [DISTINCT | ALL] expr } | * )",
+     .Description = L"Returns, as an int, the number of values of the expression that are not null, of the DISTINCT "
+                    L"ones among them, or with * of all rows."},
+    {.Text = L"COUNT_BIG(  { [DISTINCT | ALL] expr } | * )",
+     .Description = L"Returns the same number as COUNT, but as a bigint, so that it can exceed 2147483647."},
+    {.Text = L"AVG( [DISTINCT | ALL] n)",
+     .Description = L"Returns the average of all the values, or only the DISTINCT values, of n, without nulls. The "
+                    L"average of integers is cut to an integer."},
+    {.Text = L"STDEV(expr)",
+     .Description = L"Returns the statistical standard deviation of the values of expr, taken as a sample; NULL for a "
+                    L"single value."},
+    {.Text = L"STDEVP(expr)",
+     .Description = L"Returns the statistical standard deviation of the values of expr, taken as the whole "
+                    L"population."},
+    {.Text = L"VAR(expr)",
+     .Description = L"Returns the statistical variance of the values of expr, taken as a sample: the divisor is their "
+                    L"number less 1."},
+    {.Text = L"VARP(expr)",
+     .Description = L"Returns the statistical variance of the values of expr, taken as the whole population: the "
+                    L"divisor is their number."},
+    {.Text = L"BINARY_CHECKSUM( * | expression [, ...] )",
+     .Description = L"Returns an int computed from the binary values of a row or a list of expressions, by which a "
+                    L"change of the row is usually noticed."},
+    {.Text = L"CHECKSUM( * | expression [, ...] )",
+     .Description = L"Returns an int hash value of a row or a list of expressions, meant for building hash indexes; "
+                    L"different values can share one."},
+    {.Text = L"CHECKSUM_AGG( [DISTINCT | ALL] expr )",
+     .Description = L"Returns an int checksum of the integer values in a group, which does not depend on the order of "
+                    L"the rows. Nulls are left out."},
+    {.Text = L"GROUPING( column_name )",
+     .Description = L"Returns 1 in a summary row in which ROLLUP or CUBE has set column_name to NULL, and 0 in any "
+                    L"other row.",
+     .ExecuteText = L""},
+};
+
+inline constexpr CatalogueEntry DateFunctions[] = {
+    {.Text = L"DATEADD( datepart, n, d )",
+     .Description = L"Returns a new datetime value based on adding an interval to the specified date.",
+     .DragDrop = L"DATEADD( { yyyy | qq | mm | dy | dd | ww | hh | mi | ss | ms }, n, d )"},
+    {.Text = L"DATEDIFF( datepart, d1, d2 )",
+     .Description = L"Returns the number of datepart boundaries crossed from date d1 to date d2, as an int; negative "
+                    L"if d2 is earlier.",
+     .DragDrop = L"DATEDIFF( { yyyy | qq | mm | dy | dd | ww | hh | mi | ss | ms }, d1, d2 )"},
+    {.Text = L"DATENAME( datepart, d )",
+     .Description = L"Returns the specified part of date d as a character string; a month or weekday is given by its "
+                    L"name in the language of the session.",
+     .DragDrop = L"DATENAME( { yyyy | qq | mm | dy | dd | ww | hh | mi | ss | ms }, d )"},
+    {.Text = L"DATEPART( datepart, d )",
+     .Description = L"Returns the specified part of date d as an integer.",
+     .DragDrop = L"DATEPART( { yyyy | qq | mm | dy | dd | ww | hh | mi | ss | ms }, d )"},
+    {.Text = L"DAY(d)", .Description = L"Returns the day of the month of date d, an integer from 1 to 31."},
+    {.Text = L"GETDATE()",
+     .Description = L"Returns the current date and time of the server as a datetime value, without a time zone."},
+    {.Text = L"ISDATE(expr)",
+     .Description = L"Returns 1 if expr is a valid datetime value by the language and date format settings of the "
+                    L"session, otherwise 0."},
+    {.Text = L"MONTH(d)", .Description = L"Returns the month of date d, an integer from 1 (January) to 12."},
+    {.Text = L"YEAR(d)", .Description = L"Returns the year of date d as an integer, such as 2000."},
+    {.Text = L"GETUTCDATE()",
+     .Description = L"Returns the current Coordinated Universal Time (UTC) as a datetime value, derived from the clock "
+                    L"of the server."},
+};
+
+inline constexpr CatalogueEntry ConversionFunctions[] = {
+    {.Text = L"CAST( expr AS datatype )",
+     .Description = L"Returns expr converted to the given data type, in the notation of the SQL standard; for a choice "
+                    L"of formats use CONVERT."},
+    {.Text = L"CONVERT( datatype [(len)], expr [, style] )",
+     .Description = L"Returns expr converted to the given data type; style selects the format where dates and numbers "
+                    L"are converted to or from strings."},
+};
+
+inline constexpr CatalogueEntry OtherFunctions[] = {
+    {.Text = L"APP_NAME()",
+     .Description = L"Returns the application name of the current session, if the application has set one."},
+    {.Text = L"CASE",
+     .Description = L"Returns the expr3 of the first WHEN whose expr2 equals expr1; if there is none, returns expr4, "
+                    L"or NULL without an ELSE.",
+     .DragDrop = L"CASE expr1 WHEN expr2 THEN expr3 [...] [ ELSE expr4 ] END"},
+    {.Text = L"COALESCE(expr [,...])",
+     .Description = L"Returns the first of its expressions that is not NULL, or NULL if all of them are."},
+    {.Text = L"DATALENGTH(expr)",
+     .Description = L"Returns the number of bytes that the value of expr takes up, trailing blanks included; NULL for "
+                    L"NULL."},
+    {.Text = L"@@ERROR", .Description = L"Returns the error number for the last Transact-SQL statement executed."},
+    {.Text = L"HOST_ID()",
+     .Description = L"Returns the workstation identification number: the process ID of the client application, as a "
+                    L"string."},
+    {.Text = L"HOST_NAME()",
+     .Description = L"Returns the name of the workstation, as the client application has given it when it connected."},
+    {.Text = L"ISNULL(check_expr, replace_expr)",
+     .Description = L"Returns check_expr if it is not NULL, otherwise replace_expr converted to the data type of "
+                    L"check_expr."},
+    {.Text = L"NEWID()",
+     .Description = L"Creates a unique value of type uniqueidentifier and returns it; every call gives a new one."},
+    {.Text = L"NULLIF(expr1, expr2)",
+     .Description = L"Returns NULL if the two expressions are equal, otherwise the value of expr1."},
+    // DragDrop ends with a blank.
+    {.Text = L"PARSENAME(s,n)",
+     .Description = L"Returns part n of the qualified object name s, or NULL if s lacks that part; whether the object "
+                    L"exists is not checked.",
+     .DragDrop = L"PARSENAME( 'objectname' , {1(object) | 2(owner) | 3(database) | 4(server)} ) "},
+    // Listed once more near the end of this section: both stay.
+    {.Text = L"USER_NAME(n)", .Description = L"Returns a user database username from a given identification number n."},
+    {.Text = L"@@CONNECTIONS",
+     .Description = L"Returns the number of connections attempted since SQL Server was last started, whether they "
+                    L"succeeded or not."},
+    {.Text = L"@@DBTS",
+     .Description = L"Returns the last timestamp (rowversion) value that was used in the current database."},
+    {.Text = L"@@LANGUAGE",
+     .Description = L"Returns the name of the language that the session is using, such as us_english."},
+    {.Text = L"@@LANGID",
+     .Description = L"Returns the ID of the language that the session is using, as listed in the column langid of "
+                    L"syslanguages."},
+    {.Text = L"@@MAX_CONNECTIONS",
+     .Description = L"Returns the maximum number of simultaneous user connections that the server allows; fewer may be "
+                    L"configured."},
+    {.Text = L"@@SPID", .Description = L"Returns the ID of the current session, the server process ID, as a smallint."},
+    {.Text = L"@@SERVERNAME",
+     .Description = L"Returns the name of the local server; for a named instance, followed by a backslash and the "
+                    L"instance name."},
+    {.Text = L"@@SERVICENAME",
+     .Description = L"Returns MSSQLSERVER if this is the default instance of SQL Server, otherwise the name of the "
+                    L"instance."},
+    {.Text = L"@@VERSION",
+     .Description = L"Returns one string with the version, processor architecture, build date and edition of SQL "
+                    L"Server, and the operating system that it runs on."},
+    {.Text = L"SUSER_ID( [s] )",
+     .Description = L"Returns the identification number of login s, by default of the current login. SQL Server 2000 "
+                    L"always returns NULL; use SUSER_SID there."},
+    {.Text = L"SUSER_NAME( [n] )",
+     .Description = L"Returns the name of the login that has the identification number n, by default of the current "
+                    L"login."},
+    {.Text = L"SUSER_SID( [s] )",
+     .Description = L"Returns the security identification number (SID) of login s, by default of the current login, as "
+                    L"a binary value."},
+    {.Text = L"SUSER_SNAME( [n] )",
+     .Description = L"Returns the name of the login that has the security identification number (SID) n, by default of "
+                    L"the current login."},
+    {.Text = L"USER_ID(s)",
+     .Description = L"Returns the identification number of the user named s in the current database; NULL if there is "
+                    L"none."},
+    {.Text = L"USER_NAME(n)", .Description = L"Returns a user database username from a given identification number n."},
+    {.Text = L"HAS_DBACCESS(s)",
+     .Description = L"Returns 1 if the current user has access to the database named s, 0 if not, and NULL if there is "
+                    L"no such database."},
+};
+
+inline constexpr CatalogueEntry DataTypes[] = {
+    {.Text = L"BIGINT",
+     .Description = L"Integer (whole number) data from -2^63 (-9223372036854775808) through 2^63-1 "
+                    L"(9223372036854775807)."},
+    {.Text = L"BINARY", .Description = L"Fixed-length binary data of up to 8000 bytes; the default length is 1."},
+    {.Text = L"BIT", .Description = L"Integer data that is either 1, 0 or NULL."},
+    {.Text = L"CHAR",
+     .Description = L"Fixed-length character data of up to 8000 bytes, in the code page of the collation; the default "
+                    L"length is 1."},
+    {.Text = L"CURSOR",
+     .Description = L"A reference to a cursor, for variables and OUTPUT parameters of procedures; a column cannot have "
+                    L"this type."},
+    {.Text = L"DATETIME",
+     .Description = L"Date and time data from January 1, 1753, through December 31, 9999, with an accuracy of 3.33 "
+                    L"milliseconds."},
+    // The last minus sign is an en dash.
+    {.Text = L"DECIMAL", .Description = L"Fixed precision and scale numeric data from -10^38 +1 through 10^38 –1."},
+    {.Text = L"FLOAT",
+     .Description = L"Floating point data from -1.79E+308 through 1.79E+308; by default 8 bytes, with 15 significant "
+                    L"digits."},
+    {.Text = L"IMAGE",
+     .Description = L"Variable-length binary data of up to 2^31-1 (2147483647) bytes; superseded by VARBINARY(MAX) in "
+                    L"SQL Server 2005."},
+    {.Text = L"INT",
+     .Description = L"Integer (whole number) data from -2^31 (-2147483648) through 2^31-1 (2147483647)."},
+    {.Text = L"MONEY",
+     .Description = L"Monetary data from -922337203685477.5808 through 922337203685477.5807, with an accuracy of a "
+                    L"ten-thousandth of a unit."},
+    {.Text = L"NCHAR",
+     .Description = L"Fixed-length Unicode character data of up to 4000 characters of two bytes each; the default "
+                    L"length is 1."},
+    {.Text = L"NTEXT",
+     .Description = L"Variable-length Unicode character data of up to 2^30-1 (1073741823) characters; superseded by "
+                    L"NVARCHAR(MAX) in SQL Server 2005."},
+    {.Text = L"NUMERIC",
+     .Description = L"The same as DECIMAL: numeric data with a fixed precision of 1 to 38 digits (default 18) and a "
+                    L"fixed scale (default 0)."},
+    {.Text = L"NVARCHAR",
+     .Description = L"Variable-length Unicode character data of up to 4000 characters of two bytes each, or from SQL "
+                    L"Server 2005 on with MAX of up to 2 gigabytes."},
+    {.Text = L"REAL",
+     .Description = L"Floating point data from -3.40E+38 through 3.40E+38, in 4 bytes with 7 significant digits."},
+    {.Text = L"SMALLDATETIME",
+     .Description = L"Date and time data from January 1, 1900, through June 6, 2079, with an accuracy of one minute."},
+    {.Text = L"SMALLINT", .Description = L"Integer (whole number) data from -2^15 (-32768) through 2^15-1 (32767)."},
+    {.Text = L"SMALLMONEY",
+     .Description = L"Monetary data from -214748.3648 through 214748.3647, in 4 bytes and as accurate as MONEY."},
+    {.Text = L"SQL_VARIANT",
+     .Description = L"A data type that stores values of other data types, each with its own type; TEXT, NTEXT, IMAGE "
+                    L"and TIMESTAMP are among the excluded ones."},
+    {.Text = L"TABLE", .Description = L"A special data type used to store a result set for later processing."},
+    {.Text = L"TEXT",
+     .Description = L"Variable-length non-Unicode data of up to 2^31-1 (2147483647) bytes; superseded by VARCHAR(MAX) "
+                    L"in SQL Server 2005."},
+    {.Text = L"TIMESTAMP",
+     .Description = L"An 8-byte binary number that is unique in the database and changes whenever its row is inserted "
+                    L"or updated; it holds no date or time."},
+    {.Text = L"TINYINT", .Description = L"Integer (whole number) data from 0 through 255, in one byte."},
+    {.Text = L"UNIQUEIDENTIFIER",
+     .Description = L"A globally unique identifier (GUID) of 16 bytes, such as NEWID() creates."},
+    {.Text = L"VARBINARY",
+     .Description = L"Variable-length binary data of up to 8000 bytes, or from SQL Server 2005 on with MAX of up to "
+                    L"2^31-1 bytes."},
+    {.Text = L"VARCHAR",
+     .Description = L"Variable-length character data of up to 8000 bytes, in the code page of the collation, or from "
+                    L"SQL Server 2005 on with MAX of up to 2^31-1 bytes."},
+};
+
+inline constexpr CatalogueEntry PseudoColumns[] = {
+    {.Text = L"CURRENT_TIMESTAMP",
+     .Description = L"Returns the current date and time. This function is equivalent to GETDATE()."},
+    {.Text = L"CURRENT_USER",
+     .Description = L"Returns the name of the current user in the current database, as USER_NAME() does."},
+    {.Text = L"SESSION_USER",
+     .Description = L"Returns the name under which the session acts in the current database; can serve as the DEFAULT "
+                    L"of a column."},
+    {.Text = L"SYSTEM_USER",
+     .Description = L"Returns the name of the current login, for Windows Authentication in the form DOMAIN\\name, even "
+                    L"if the database user is named otherwise."},
+    {.Text = L"USER",
+     .Description = L"Returns the database user name of the current user; the short form of CURRENT_USER."},
+};
+
+inline constexpr CatalogueEntry SQLCommands[] = {
+    {.Text = L"USE", .Description = L"Changes the database context to the specified database.."},
+};
+
+}  // namespace Catalogue_SQLServer
