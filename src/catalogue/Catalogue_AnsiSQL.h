@@ -2,6 +2,7 @@
 
 #include "catalogue/CatalogueEntry.h"
 
+// Laid out by hand, so that every entry reads like the next.
 // clang-format off
 namespace Catalogue_AnsiSQL {
 

@@ -2,7 +2,8 @@
 
 #include "catalogue/CatalogueEntry.h"
 
-// What the host's script processor understands. Slips of the pen in these texts are known to users and stay.
+// What the host's script processor understands. Slips of the pen in these texts are known to users and stay. Laid out
+// by hand, so that every entry reads like the next.
 // clang-format off
 namespace Catalogue_HostCommands {
 

@@ -2,7 +2,8 @@
 
 #include "catalogue/CatalogueEntry.h"
 
-// Oracle, by category. A name with an odd bracket, a doubled full stop and the like are known to users and stay.
+// Oracle, by category. A name with an odd bracket, a doubled full stop and the like are known to users and stay. Laid
+// out by hand, so that every entry reads like the next.
 // clang-format off
 namespace Catalogue_Oracle {
 
@@ -102,14 +103,15 @@ inline constexpr CatalogueEntry SingleRowCharacterFunctions[] = {
 inline constexpr CatalogueEntry GroupFunctions[] = {
     {.Text = L"AVG( [DISTINCT | ALL] n)", .Description = L"Average value of n, ignoring nulls.."},
     {.Text = L"COUNT( [ALL] *)",
-     .Description = L"Number of rows in the group, with duplicates and with rows that contain nulls."},
+     .Description = L"Number of rows in the group, including duplicates and rows that contain nulls."},
     {.Text = L"COUNT( [DISTINCT | ALL] expr )",
      .Description = L"Number of rows in which expr is not null, or with DISTINCT the number of different values of "
                     L"expr, not counting null."},
     {.Text = L"MAX( [DISTINCT | ALL] expr )",
      .Description = L"Greatest value of expr in the group, not counting nulls; DISTINCT and ALL give the same result."},
     {.Text = L"MIN( [DISTINCT | ALL] expr )",
-     .Description = L"Least value of expr in the group, whether numbers, strings or dates, passing over nulls."},
+     .Description = L"Least value of expr in the group; numbers, strings and dates can be compared, nulls are passed "
+                    L"over."},
     {.Text = L"STDDEV( [DISTINCT | ALL] n )",
      .Description = L"Sample standard deviation of n, the square root of its VARIANCE; 0 for a single value."},
     {.Text = L"SUM( [DISTINCT | ALL] n )",
@@ -121,8 +123,8 @@ inline constexpr CatalogueEntry GroupFunctions[] = {
 
 inline constexpr CatalogueEntry DateFunctions[] = {
     {.Text = L"ADD_MONTHS(d,n)",
-     .Description = L"Date d plus n months. If d is the last day of its month, or its day does not exist in the new "
-                    L"month, the last day of the new month."},
+     .Description = L"Date d plus n months; the last day of the resulting month if d is the last day of its month or "
+                    L"its day does not exist there."},
     {.Text = L"LAST_DAY(d)", .Description = L"Date of last day of month containing d."},
     {.Text = L"MONTHS_BETWEEN(d,e)", .Description = L"Number of months by which e prcedes d."},
     {.Text = L"NEW_TIME(d,zone1,zone2)",
@@ -138,7 +140,7 @@ inline constexpr CatalogueEntry DateFunctions[] = {
 
 inline constexpr CatalogueEntry ConversionFunctions[] = {
     {.Text = L"CHARTOROWID(s)",
-     .Description = L"String s, which is the text of a row address, converted to a ROWID value."},
+     .Description = L"String s, which must be a row address in text form, converted to a ROWID value."},
     // US7ASII: so in both places. The example ends without the blank that DragDrop has before its parenthesis.
     {.Text = L"CONVERT(s,dest,source)",
      .Description = L"String s, converted from character set source to character set dest; source defaults to the "

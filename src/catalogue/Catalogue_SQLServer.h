@@ -2,7 +2,8 @@
 
 #include "catalogue/CatalogueEntry.h"
 
-// SQL Server, by category. Doubled full stops and the like are known to users and stay.
+// SQL Server, by category. Doubled full stops and the like are known to users and stay. Laid out by hand, so that every
+// entry reads like the next.
 // clang-format off
 namespace Catalogue_SQLServer {
 
@@ -74,8 +75,8 @@ inline constexpr CatalogueEntry SingleRowCharacterFunctions[] = {
      .Description = L"Returns the position at which a pattern, with the wildcards of LIKE, first occurs in expr; 0 if "
                     L"it is not found."},
     {.Text = L"REPLACE(s, find, replace)",
-     .Description = L"Returns string s with replace in place of each occurrence of find, which is searched by the "
-                    L"collation of the arguments."},
+     .Description = L"Returns string s with each occurrence of find changed to replace; what counts as an occurrence "
+                    L"depends on the collation."},
     {.Text = L"QUOTENAME(s [, quote_char] )",
      .Description = L"Returns s as a delimited identifier, in brackets unless quote_char names another delimiter; NULL "
                     L"if s has more than 128 characters."},
@@ -110,8 +111,8 @@ inline constexpr CatalogueEntry GroupFunctions[] = {
     {.Text = L"MAX( [DISTINCT | ALL] expr )",
      .Description = L"Returns the highest value of the expression, ignoring null values; NULL if there are no rows."},
     {.Text = L"COUNT(  { [DISTINCT | ALL] expr } | * )",
-     .Description = L"Returns, as an int, the number of values of the expression that are not null, of the DISTINCT "
-                    L"ones among them, or with * of all rows."},
+     .Description = L"Returns the number of rows with *, otherwise the number of values of the expression that are not "
+                    L"null, or of different ones with DISTINCT. The result is an int."},
     {.Text = L"COUNT_BIG(  { [DISTINCT | ALL] expr } | * )",
      .Description = L"Returns the same number as COUNT, but as a bigint, so that it can exceed 2147483647."},
     {.Text = L"AVG( [DISTINCT | ALL] n)",
@@ -130,8 +131,8 @@ inline constexpr CatalogueEntry GroupFunctions[] = {
      .Description = L"Returns the statistical variance of the values of expr, taken as the whole population: the "
                     L"divisor is their number."},
     {.Text = L"BINARY_CHECKSUM( * | expression [, ...] )",
-     .Description = L"Returns an int computed from the binary values of a row or a list of expressions, by which a "
-                    L"change of the row is usually noticed."},
+     .Description = L"Returns an int computed from the binary values of a row or a list of expressions; it usually "
+                    L"differs once one of them has changed."},
     {.Text = L"CHECKSUM( * | expression [, ...] )",
      .Description = L"Returns an int hash value of a row or a list of expressions, meant for building hash indexes; "
                     L"different values can share one."},
@@ -198,7 +199,7 @@ inline constexpr CatalogueEntry OtherFunctions[] = {
      .Description = L"Returns the workstation identification number: the process ID of the client application, as a "
                     L"string."},
     {.Text = L"HOST_NAME()",
-     .Description = L"Returns the name of the workstation, as the client application has given it when it connected."},
+     .Description = L"Returns the name of the workstation, as the client application gave it when it connected."},
     {.Text = L"ISNULL(check_expr, replace_expr)",
      .Description = L"Returns check_expr if it is not NULL, otherwise replace_expr converted to the data type of "
                     L"check_expr."},
@@ -262,7 +263,7 @@ inline constexpr CatalogueEntry DataTypes[] = {
      .Description = L"Integer (whole number) data from -2^63 (-9223372036854775808) through 2^63-1 "
                     L"(9223372036854775807)."},
     {.Text = L"BINARY", .Description = L"Fixed-length binary data of up to 8000 bytes; the default length is 1."},
-    {.Text = L"BIT", .Description = L"Integer data that is either 1, 0 or NULL."},
+    {.Text = L"BIT", .Description = L"Integer data that is 1, 0 or NULL."},
     {.Text = L"CHAR",
      .Description = L"Fixed-length character data of up to 8000 bytes, in the code page of the collation; the default "
                     L"length is 1."},
@@ -284,7 +285,7 @@ inline constexpr CatalogueEntry DataTypes[] = {
      .Description = L"Integer (whole number) data from -2^31 (-2147483648) through 2^31-1 (2147483647)."},
     {.Text = L"MONEY",
      .Description = L"Monetary data from -922337203685477.5808 through 922337203685477.5807, with an accuracy of a "
-                    L"ten-thousandth of a unit."},
+                    L"ten-thousandth of a monetary unit."},
     {.Text = L"NCHAR",
      .Description = L"Fixed-length Unicode character data of up to 4000 characters of two bytes each; the default "
                     L"length is 1."},
@@ -295,8 +296,8 @@ inline constexpr CatalogueEntry DataTypes[] = {
      .Description = L"The same as DECIMAL: numeric data with a fixed precision of 1 to 38 digits (default 18) and a "
                     L"fixed scale (default 0)."},
     {.Text = L"NVARCHAR",
-     .Description = L"Variable-length Unicode character data of up to 4000 characters of two bytes each, or from SQL "
-                    L"Server 2005 on with MAX of up to 2 gigabytes."},
+     .Description = L"Variable-length Unicode character data of up to 4000 characters of two bytes each; "
+                    L"NVARCHAR(MAX), from SQL Server 2005 on, holds up to 2 gigabytes."},
     {.Text = L"REAL",
      .Description = L"Floating point data from -3.40E+38 through 3.40E+38, in 4 bytes with 7 significant digits."},
     {.Text = L"SMALLDATETIME",
@@ -318,11 +319,11 @@ inline constexpr CatalogueEntry DataTypes[] = {
     {.Text = L"UNIQUEIDENTIFIER",
      .Description = L"A globally unique identifier (GUID) of 16 bytes, such as NEWID() creates."},
     {.Text = L"VARBINARY",
-     .Description = L"Variable-length binary data of up to 8000 bytes, or from SQL Server 2005 on with MAX of up to "
-                    L"2^31-1 bytes."},
+     .Description = L"Variable-length binary data of up to 8000 bytes; VARBINARY(MAX), from SQL Server 2005 on, holds "
+                    L"up to 2^31-1 bytes."},
     {.Text = L"VARCHAR",
-     .Description = L"Variable-length character data of up to 8000 bytes, in the code page of the collation, or from "
-                    L"SQL Server 2005 on with MAX of up to 2^31-1 bytes."},
+     .Description = L"Variable-length character data of up to 8000 bytes, in the code page of the collation; "
+                    L"VARCHAR(MAX), from SQL Server 2005 on, holds up to 2^31-1 bytes."},
 };
 
 inline constexpr CatalogueEntry PseudoColumns[] = {
@@ -331,11 +332,11 @@ inline constexpr CatalogueEntry PseudoColumns[] = {
     {.Text = L"CURRENT_USER",
      .Description = L"Returns the name of the current user in the current database, as USER_NAME() does."},
     {.Text = L"SESSION_USER",
-     .Description = L"Returns the name under which the session acts in the current database; can serve as the DEFAULT "
-                    L"of a column."},
+     .Description = L"Returns the name of the user in whose context the session runs in the current database; can "
+                    L"serve as the DEFAULT of a column."},
     {.Text = L"SYSTEM_USER",
-     .Description = L"Returns the name of the current login, for Windows Authentication in the form DOMAIN\\name, even "
-                    L"if the database user is named otherwise."},
+     .Description = L"Returns the name of the current login, in the form DOMAIN\\name with Windows Authentication; the "
+                    L"database user may have another name."},
     {.Text = L"USER",
      .Description = L"Returns the database user name of the current user; the short form of CURRENT_USER."},
 };

@@ -124,7 +124,9 @@ TEST(CatalogueTest, HostCommandsAreDraggedWithASemicolon) {
     for (long id = 0; id <= 24; ++id) {
         const Item& item = Items()[id];
         EXPECT_FALSE(item.ExecuteText.empty()) << Where(item);
-        if (!exceptions.count(id)) EXPECT_EQ(item.ExecuteText + L";", item.DragDrop) << Where(item);
+        if (!exceptions.count(id)) {
+            EXPECT_EQ(item.ExecuteText + L";", item.DragDrop) << Where(item);
+        }
     }
     ExpectTexts(1, L":", L":parameter", L"select :A1 from dual");
     ExpectTexts(2, L"&", L"&parameter", L"select '&my_param' from dual");
@@ -249,7 +251,9 @@ TEST(CatalogueTest, SQLServerExamplesSelect) {
     const std::set<long> spelledOut = {210, 211, 212, 213, 223, 232};
     for (long id = 149; id <= 281; ++id) {
         const Item& item = Items()[id];
-        if (!spelledOut.count(id)) EXPECT_EQ(item.Text, item.DragDrop) << Where(item);
+        if (!spelledOut.count(id)) {
+            EXPECT_EQ(item.Text, item.DragDrop) << Where(item);
+        }
         if (id >= 196 && id <= 208) {
             EXPECT_EQ(L"SELECT " + item.DragDrop + L" FROM table", item.ExecuteText) << Where(item);
         } else if (id != 209 && (id < 250 || id > 276)) {
@@ -319,8 +323,7 @@ TEST(CatalogueTest, DescriptionsThatUsersKnowStayAsTheyAre) {
     ExpectDescription(112, L"LEVEL", L"1 for a root node, 2 for a child node, etc.");
     ExpectDescription(115, L"CHAR(size)", L"Fixed-length character string of size characters.");
     ExpectDescription(125, L"CC", L"Century; Use SCC for BC dates.");
-    ExpectDescription(149, L"ABS(n)",
-                      L"Returns the absolute, positive value of the given numeric expression n.");
+    ExpectDescription(149, L"ABS(n)", L"Returns the absolute, positive value of the given numeric expression n.");
     ExpectDescription(173, L"ASCII(s)",
                       L"Returns the ASCII code value of the leftmost character of a character expression s.");
     ExpectDescription(196, L"SUM( [DISTINCT | ALL] expr )",
@@ -329,13 +332,11 @@ TEST(CatalogueTest, DescriptionsThatUsersKnowStayAsTheyAre) {
     ExpectDescription(210, L"DATEADD( datepart, n, d )",
                       L"Returns a new datetime value based on adding an interval to the specified date.");
     ExpectDescription(226, L"@@ERROR", L"Returns the error number for the last Transact-SQL statement executed.");
-    ExpectDescription(233, L"USER_NAME(n)",
-                      L"Returns a user database username from a given identification number n.");
+    ExpectDescription(233, L"USER_NAME(n)", L"Returns a user database username from a given identification number n.");
     ExpectDescription(250, L"BIGINT",
                       L"Integer (whole number) data from -2^63 (-9223372036854775808) through 2^63-1 "
                       L"(9223372036854775807).");
-    ExpectDescription(256, L"DECIMAL",
-                      L"Fixed precision and scale numeric data from -10^38 +1 through 10^38 \u20131.");
+    ExpectDescription(256, L"DECIMAL", L"Fixed precision and scale numeric data from -10^38 +1 through 10^38 \u20131.");
     ExpectDescription(270, L"TABLE", L"A special data type used to store a result set for later processing.");
     ExpectDescription(277, L"CURRENT_TIMESTAMP",
                       L"Returns the current date and time. This function is equivalent to GETDATE().");
@@ -365,7 +366,7 @@ TEST(CatalogueTest, DescriptionsAreSentences) {
         EXPECT_EQ(text.npos, text.find(L"  ")) << Where(item);
         EXPECT_EQ(text.npos, text.find_first_of(L"{}\r\n")) << Where(item);
         EXPECT_NE(L' ', text.front()) << Where(item);
-        // Only Latin-1, but for the dash of DECIMAL: the label must be able to show it in any font.
+        // A typographic character other than the dash of DECIMAL has slipped in by mistake.
         for (const wchar_t c : text) EXPECT_TRUE(c < 0x7F || (item.Id == 256 && c == 0x2013)) << Where(item);
     }
 }
