@@ -125,7 +125,28 @@ private:
     void mnuViewObjectBrowser_Click();
     void mnuViewStatusBar_Click();
 
-    // ---- Editing (editor/frmSQLEditor_FileEdit.cpp)
+    // ---- Files (editor/frmSQLEditor_File.cpp)
+    void mnuFileNew_Click();
+    void mnuFileOpen_Click();
+    void mnuFileSave_Click();
+    void mnuFileSaveAs_Click();
+
+    // ---- Printing (editor/frmSQLEditor_Print.cpp)
+    void mnuFilePrint_Click();
+
+    // ---- Editing (editor/frmSQLEditor_Edit.cpp)
+    void mnuEdit_Click();
+    void mnuEditCut_Click();
+    void mnuEditCopy_Click();
+    void mnuEditPaste_Click();
+    void mnuEditDelete_Click();
+    void mnuEditMakeLowerCase_Click();
+    void mnuEditMakeUpperCase_Click();
+    void mnuFind_Click();
+    void mnuFindNext_Click();
+    void mnuEditSelectAll_Click();
+    void mnuEditTimeDate_Click();
+    void m_FindNext(const std::wstring* Text = nullptr);
     void rtbSQL_Change();
     void rtbSQL_SelChange();
 
@@ -143,8 +164,12 @@ private:
     void m_EnableActionMenu();
     void m_SelectFromListBox(const ListBox& List);
     void m_SelectFromTreeView(const TreeView& Tree);
+    // Inserts the text behind the editor's selection, which stays in the text, and selects what was inserted, a leading line
+    // break left out.
+    void m_InsertSQL(const std::wstring& SQL);
 
     bool moving_ = false;       // the splitter is being dragged
     short activeView_ = 0;      // 0 object browser, 1 ANSI SQL list, 2 database-specific tree, 3 host command list
     long savedSplit_ = 0;       // split position, twips, from before the left pane was collapsed
+    std::wstring findText_;     // what Find Next looks for
 };

@@ -98,7 +98,23 @@ void frmSQLEditor::CreateMenus() {
     mnuViewStatusBar.SetChecked(true);
     mnuViewObjectBrowser.SetChecked(true);
 
+    mnuFileNew.Click = [this] { mnuFileNew_Click(); };
+    mnuFileOpen.Click = [this] { mnuFileOpen_Click(); };
+    mnuFileSave.Click = [this] { mnuFileSave_Click(); };
+    mnuFileSaveAs.Click = [this] { mnuFileSaveAs_Click(); };
+    mnuFilePrint.Click = [this] { mnuFilePrint_Click(); };
     mnuFileClose.Click = [this] { mnuFileClose_Click(); };
+    mnuEdit.Click = [this] { mnuEdit_Click(); };
+    mnuEditCut.Click = [this] { mnuEditCut_Click(); };
+    mnuEditCopy.Click = [this] { mnuEditCopy_Click(); };
+    mnuEditPaste.Click = [this] { mnuEditPaste_Click(); };
+    mnuEditDelete.Click = [this] { mnuEditDelete_Click(); };
+    mnuEditMakeLowerCase.Click = [this] { mnuEditMakeLowerCase_Click(); };
+    mnuEditMakeUpperCase.Click = [this] { mnuEditMakeUpperCase_Click(); };
+    mnuFind.Click = [this] { mnuFind_Click(); };
+    mnuFindNext.Click = [this] { mnuFindNext_Click(); };
+    mnuEditSelectAll.Click = [this] { mnuEditSelectAll_Click(); };
+    mnuEditTimeDate.Click = [this] { mnuEditTimeDate_Click(); };
     mnuViewStatusBar.Click = [this] { mnuViewStatusBar_Click(); };
     mnuViewSystem.Click = [this] { mnuViewSystem_Click(); };
     mnuViewObjectBrowser.Click = [this] { mnuViewObjectBrowser_Click(); };

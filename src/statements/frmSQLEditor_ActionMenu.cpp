@@ -33,3 +33,17 @@ void frmSQLEditor::m_SelectFromTreeView(const TreeView& Tree) try {
 } catch (...) {
     ReportError(Module, L"m_SelectFromTreeView");
 }
+
+void frmSQLEditor::m_InsertSQL(const std::wstring& SQL) try {
+    const bool BeginsWithLineBreak = SQL.compare(0, 2, L"\r\n") == 0;
+    // Behind the selection: the selected text is kept, never replaced.
+    rtbSQL.SetSelStart(rtbSQL.SelStart() + rtbSQL.SelLength());
+    const long Position = rtbSQL.SelStart();
+    rtbSQL.SetSelLength(0);
+    rtbSQL.SetSelText(SQL);
+    const long LineBreak = BeginsWithLineBreak ? 2 : 0;
+    rtbSQL.SetSelStart(Position + LineBreak);
+    rtbSQL.SetSelLength(static_cast<long>(SQL.size()) - LineBreak);
+} catch (...) {
+    ReportError(Module, L"m_InsertSQL");
+}

@@ -19,3 +19,27 @@ void frmSQLEditor::rtbSQL_SelChange() try {
 } catch (...) {
     ReportError(Module, L"rtbSQL_SelChange");
 }
+
+void frmSQLEditor::mnuEdit_Click() {}
+
+void frmSQLEditor::mnuEditCut_Click() {}
+
+void frmSQLEditor::mnuEditCopy_Click() {}
+
+void frmSQLEditor::mnuEditPaste_Click() {}
+
+void frmSQLEditor::mnuEditDelete_Click() {}
+
+void frmSQLEditor::mnuEditMakeLowerCase_Click() {}
+
+void frmSQLEditor::mnuEditMakeUpperCase_Click() {}
+
+void frmSQLEditor::mnuFind_Click() {}
+
+void frmSQLEditor::mnuFindNext_Click() {}
+
+void frmSQLEditor::mnuEditSelectAll_Click() {}
+
+void frmSQLEditor::mnuEditTimeDate_Click() {}
+
+void frmSQLEditor::m_FindNext(const std::wstring*) {}

@@ -1,0 +1,3 @@
+#include "editor/frmSQLEditor.h"
+
+void frmSQLEditor::mnuFilePrint_Click() {}
