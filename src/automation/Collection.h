@@ -7,6 +7,7 @@
 
 #include "automation/Object.h"
 #include "automation/RuntimeError.h"
+#include "automation/Text.h"
 
 // A collection that belongs to the host, read in order. What hosts hand over comes in several kinds, and all are read:
 // an object with _NewEnum (asked first), an object with Count and Item (from 1, or from 0 when 1 to Count does not
@@ -40,8 +41,8 @@ public:
     // Appends. A key that is in use is error 457; an empty key is no key.
     void Add(T item, const std::wstring& key = {}) {
         if (!key.empty()) {
-            if (keys_.count(Folded(key))) RaiseError(ErrorNumber::KeyInUse);
-            keys_[Folded(key)] = items_.size();
+            if (keys_.count(UCase(key))) RaiseError(ErrorNumber::KeyInUse);
+            keys_[UCase(key)] = items_.size();
         }
         items_.push_back(std::move(item));
     }
@@ -53,7 +54,7 @@ public:
     }
     // Error 5 when no item has the key.
     const T& Item(const std::wstring& key) const {
-        const auto found = keys_.find(Folded(key));
+        const auto found = keys_.find(UCase(key));
         if (found == keys_.end()) RaiseError(ErrorNumber::InvalidProcedureCall);
         return items_[found->second];
     }
@@ -61,11 +62,6 @@ public:
     auto end() const noexcept { return items_.end(); }
 
 private:
-    static std::wstring Folded(const std::wstring& key) {
-        std::wstring folded = key;
-        CharUpperBuffW(folded.data(), static_cast<DWORD>(folded.size()));
-        return folded;
-    }
     std::vector<T> items_;
     std::map<std::wstring, size_t> keys_;
 };

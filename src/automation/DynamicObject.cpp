@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "automation/RuntimeError.h"
+#include "automation/Text.h"
 
 namespace {
 
@@ -14,11 +15,6 @@ void Check(HRESULT result) {
 // The key of the default member, which has no name.
 constexpr const wchar_t* DefaultName = L"";
 constexpr const wchar_t* EnumeratorName = L"_NewEnum";
-
-std::wstring Folded(std::wstring name) {
-    CharUpperBuffW(name.data(), static_cast<DWORD>(name.size()));
-    return name;
-}
 
 class ItemEnumerator final : public IEnumVARIANT {
 public:
@@ -167,7 +163,7 @@ DynamicObject::DynamicObject() = default;
 DynamicObject::~DynamicObject() = default;
 
 DynamicObject::Slot& DynamicObject::SlotOf(const std::wstring& name) {
-    const auto [found, added] = names_.try_emplace(Folded(name), slots_.size());
+    const auto [found, added] = names_.try_emplace(UCase(name), slots_.size());
     if (added) slots_.emplace_back();
     return slots_[found->second];
 }
@@ -220,7 +216,7 @@ HRESULT DynamicObject::GetIDsOfNames(REFIID, LPOLESTR* names, UINT count, LCID, 
     for (UINT at = 0; at < count; ++at) ids[at] = DISPID_UNKNOWN;
     if (count == 0 || names[0] == nullptr || *names[0] == L'\0') return DISP_E_UNKNOWNNAME;
     try {
-        const auto found = names_.find(Folded(names[0]));
+        const auto found = names_.find(UCase(names[0]));
         if (found == names_.end()) return DISP_E_UNKNOWNNAME;
         ids[0] = static_cast<DISPID>(found->second + 1);
     } catch (...) {
@@ -247,7 +243,7 @@ HRESULT DynamicObject::Invoke(DISPID id, REFIID, LCID, WORD flags, DISPPARAMS* p
 
 HRESULT DynamicObject::Answer(DISPID id, WORD flags, DISPPARAMS& parameters, VARIANT* result) {
     if (id == DISPID_VALUE || id == DISPID_NEWENUM) {
-        const auto found = names_.find(Folded(id == DISPID_VALUE ? DefaultName : EnumeratorName));
+        const auto found = names_.find(UCase(id == DISPID_VALUE ? DefaultName : EnumeratorName));
         if (found == names_.end()) return DISP_E_MEMBERNOTFOUND;
         id = static_cast<DISPID>(found->second + 1);
     }

@@ -10,11 +10,13 @@ namespace {
 constexpr const wchar_t* Module = L"frmSQLEditor";
 
 // The tree is as full as it can be: the one error of these events that the user can do something about.
-void ReportOrTell(HWND Owner, const wchar_t* Routine) {
+void ReportOrTell(frmSQLEditor& Form, const wchar_t* Routine) {
     const RuntimeError error = CurrentError();
     if (error.Source == App::Title && error.Number == modLists::NodeLimitError) {
-        MsgBox(Owner,
-               L"Exceeded the maximum number of items in the database object list. Try collapsing/closing a few branches and "
+        Form.trvDBObjects.StopExpanding();
+        MsgBox(Form.Handle(),
+               L"Exceeded the maximum number of items in the database object list. Try collapsing/closing a few "
+               L"branches and "
                L"try it again.",
                MB_OK | MB_ICONEXCLAMATION);
         return;
@@ -45,7 +47,7 @@ void frmSQLEditor::trvDBObjects_Expand(const Node& Node) try {
         modLists::PopulateDBObjColumns(Nodes, Node);
     }
 } catch (...) {
-    ReportOrTell(Handle(), L"trvDBObjects_Expand");
+    ReportOrTell(*this, L"trvDBObjects_Expand");
 }
 
 void frmSQLEditor::trvDBObjects_Collapse(const Node& Node) try {
@@ -61,11 +63,104 @@ void frmSQLEditor::trvDBObjects_Collapse(const Node& Node) try {
         modLists::AddDefaultSchemaItems(Nodes, Node);
     }
 } catch (...) {
-    ReportOrTell(Handle(), L"trvDBObjects_Collapse");
+    ReportOrTell(*this, L"trvDBObjects_Collapse");
 }
 
-void frmSQLEditor::mnuViewSystem_Click() try {
-    mnuViewSystem.SetChecked(!mnuViewSystem.Checked());
+void frmSQLEditor::m_DescribeNode(const Node& Node) {
+    namespace NodeKind = modLists::NodeKind;
+    const std::wstring& Kind = Node.Tag();
+    const std::wstring& Text = Node.Text();
+    std::wstring Description;
+    if (Kind == NodeKind::Schemas) {
+        Description = L"Schemas: contains a list of schemas defined in your database.";
+    } else if (Kind == NodeKind::Schema) {
+        Description = Text + L" schema: contains a list of database objects (tables and views).";
+    } else if (Kind == NodeKind::Tables) {
+        Description = L"Tables: contains a list of tables defined in the " + Node.Parent().Text() + L" schema.";
+    } else if (Kind == NodeKind::Views) {
+        Description = L"Views: contains a list of views defined in the " + Node.Parent().Text() + L" schema.";
+    } else if (Kind == NodeKind::Table) {
+        Description = Text + L" table: a basic unit of data storage in the " + Node.Parent().Parent().Text() +
+                      L" schema. Open to view the column definition of this table.";
+    } else if (Kind == NodeKind::View) {
+        Description = Text + L" view: a custom-tailored presentation of data (or stored query) in the " +
+                      Node.Parent().Parent().Text() + L" schema.";
+    } else if (Kind == NodeKind::Columns) {
+        Description = L"Columns: contains the column definition of the " + Node.Parent().Text() + L" database object.";
+    } else if (Kind == NodeKind::Column) {
+        Description = Text + L" is one of the columns of the " + Node.Parent().Parent().Text() + L" database object.";
+    } else {
+        return;
+    }
+    lblDescription.SetCaption(Description);
+}
+
+// Fills branches without opening them: the statements need the columns of a table that is only selected.
+void frmSQLEditor::trvDBObjects_NodeClick(const Node& Node) try {
+    if (!Node) {
+        lblDescription.SetCaption(L"");
+        return;
+    }
+    m_DescribeNode(Node);
+    namespace NodeKind = modLists::NodeKind;
+    const std::wstring Kind = Node.Tag();
+    if (Kind == NodeKind::Schemas) {
+        trvDBObjects_Expand(Node);
+    } else if (Kind == NodeKind::Schema) {
+        trvDBObjects_Expand(Node.Child().FirstSibling());
+        trvDBObjects_Expand(Node.Child().LastSibling());
+    } else if (Kind == NodeKind::Tables || Kind == NodeKind::Views) {
+        // The word of the placeholders' tag, not their text "(undefined)", so that it is never met: kept.
+        if (Node.Child() && Node.Child().Text() != NodeKind::Undefined) trvDBObjects_Expand(Node.Child());
+    } else if (Kind == NodeKind::Table || Kind == NodeKind::View || Kind == NodeKind::Columns) {
+        trvDBObjects_Expand(Node.Child());
+    }
+    m_EnableActionMenu();
 } catch (...) {
+    ReportError(Module, L"trvDBObjects_NodeClick");
+}
+
+void frmSQLEditor::trvDBObjects_MouseDown(int Button, int, float, float) try {
+    if (Button != MouseButton::Right) return;
+    const Node Selected = trvDBObjects.SelectedItem();
+    if (!Selected) return;
+    m_EnableActionMenu();
+    trvDBObjects_NodeClick(Selected);
+    mnuAction.PopUp();
+} catch (...) {
+    ReportError(Module, L"trvDBObjects_MouseDown");
+}
+
+void frmSQLEditor::trvDBObjects_ContextMenu(const POINT& At) try {
+    const Node Selected = trvDBObjects.SelectedItem();
+    if (!Selected) return;
+    m_EnableActionMenu();
+    trvDBObjects_NodeClick(Selected);
+    mnuAction.PopUp(&At);
+} catch (...) {
+    ReportError(Module, L"trvDBObjects_ContextMenu");
+}
+
+void frmSQLEditor::trvDBObjects_MouseMove(int Button, int, float, float) try {
+    if (Button == MouseButton::Left) trvDBObjects.Drag(DragAction::Begin);
+} catch (...) {
+    ReportError(Module, L"trvDBObjects_MouseMove");
+}
+
+void frmSQLEditor::trvDBObjects_MouseUp(int, int, float, float) try {
+    trvDBObjects.Drag(DragAction::End);
+} catch (...) {
+    ReportError(Module, L"trvDBObjects_MouseUp");
+}
+
+// Another program selected the node: the window follows, and the dictionary is left in peace.
+void frmSQLEditor::trvDBObjects_SelChange(const Node& Node) try {
+    if (Node) m_DescribeNode(Node);
+    m_EnableActionMenu();
+} catch (...) {
+    ReportError(Module, L"trvDBObjects_SelChange");
+}
+
+void frmSQLEditor::mnuViewSystem_Click() try { mnuViewSystem.SetChecked(!mnuViewSystem.Checked()); } catch (...) {
     ReportError(Module, L"mnuViewSystem_Click");
 }

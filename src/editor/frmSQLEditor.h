@@ -6,6 +6,7 @@
 
 #include "forms/CommandButton.h"
 #include "forms/Container.h"
+#include "forms/DropTarget.h"
 #include "forms/Form.h"
 #include "forms/Label.h"
 #include "forms/ListBox.h"
@@ -14,6 +15,8 @@
 #include "forms/StatusBar.h"
 #include "forms/Toolbar.h"
 #include "forms/TreeView.h"
+
+class clsListItem;
 
 // The editor window: modal while Display runs, hidden between, never unloaded while the component holds it. One class, whose
 // subjects are defined in the files that the banners name.
@@ -153,20 +156,73 @@ private:
     // ---- Object browser (browser/frmSQLEditor_Browser.cpp)
     void trvDBObjects_Expand(const Node& Node);
     void trvDBObjects_Collapse(const Node& Node);
+    void trvDBObjects_NodeClick(const Node& Node);
+    void trvDBObjects_MouseDown(int Button, int Shift, float X, float Y);
+    void trvDBObjects_MouseMove(int Button, int Shift, float X, float Y);
+    void trvDBObjects_MouseUp(int Button, int Shift, float X, float Y);
+    void trvDBObjects_ContextMenu(const POINT& At);  // by the keyboard; in pixels of the screen
+    void trvDBObjects_SelChange(const Node& Node);
+    // Says in the description label what the node is; kinds without a description leave it as it is.
+    void m_DescribeNode(const Node& Node);
     void mnuViewSystem_Click();
 
     // ---- Reference lists (catalogue/frmSQLEditor_Lists.cpp)
     void lstAnsiSQL_Click();
     void lstKolvex_Click();
     void trvDatabaseSpecific_NodeClick(const Node& Node);
+    void lstAnsiSQL_MouseDown(int Button, int Shift, float X, float Y);
+    void lstAnsiSQL_MouseMove(int Button, int Shift, float X, float Y);
+    void lstAnsiSQL_MouseUp(int Button, int Shift, float X, float Y);
+    void lstKolvex_MouseDown(int Button, int Shift, float X, float Y);
+    void lstKolvex_MouseMove(int Button, int Shift, float X, float Y);
+    void lstKolvex_MouseUp(int Button, int Shift, float X, float Y);
+    void trvDatabaseSpecific_MouseDown(int Button, int Shift, float X, float Y);
+    void trvDatabaseSpecific_MouseMove(int Button, int Shift, float X, float Y);
+    void trvDatabaseSpecific_MouseUp(int Button, int Shift, float X, float Y);
+    // The context-menu key in one of the three views; `At` in screen pixels.
+    void m_ReferenceContextMenu(const POINT& At);
+
+    // ---- Statements for a node of the object browser (statements/frmSQLEditor_Builders.cpp). Lines end in CR LF, several
+    // statements are joined by ";" CR LF; empty where there is nothing to build. A failure is reported and gives nothing.
+    std::wstring m_BuildTable(const std::wstring& Schema, const std::wstring& Table);
+    std::wstring m_BuildStmtSampleRows(const std::wstring& Schema, const std::wstring& Table);
+    std::wstring m_GetStmtCountRows(const Node& Node);
+    std::wstring m_GetStmtDescribe(const Node& Node);
+    std::wstring m_GetStmtSampleRows(const Node& Node);
+    std::wstring m_GetStmtSelectTable(const Node& Node);
+    // These three take the node for a table or view, whatever it is.
+    std::wstring m_GetStmtInsertTable(const Node& Node);
+    std::wstring m_GetStmtUpdateTable(const Node& Node);
+    std::wstring m_GetStmtDeleteTable(const Node& Node);
 
     // ---- Action menu (statements/frmSQLEditor_ActionMenu.cpp)
+
+    // What is selected in the active view, with statements as the tree stands now; nothing when there is no such thing.
+    std::shared_ptr<const clsListItem> m_GetActiveItem();
+    // Enables the entries for what is selected and names the tasks. No statement is built and the host is not asked.
     void m_EnableActionMenu();
     void m_SelectFromListBox(const ListBox& List);
     void m_SelectFromTreeView(const TreeView& Tree);
+    void m_InsertStatement(const std::wstring& Statement);
     // Inserts the text behind the editor's selection, which stays in the text, and selects what was inserted, a leading line
     // break left out.
     void m_InsertSQL(const std::wstring& SQL);
+    void mnuAction_Click();
+    void mnuActionSelect_Click();
+    void mnuActionInsert_Click();
+    void mnuActionUpdate_Click();
+    void mnuActionDelete_Click();
+    void mnuActionExecute_Click();
+    void mnuActionCreate_Click();
+    void mnuActionTask_Click(short Index);
+
+    // ---- Drag and drop (statements/frmSQLEditor_DragDrop.cpp)
+    void rtbSQL_DragOver(Control& Source, float X, float Y, DragState State);
+    void rtbSQL_DragDrop(Control& Source, float X, float Y);
+    void rtbSQL_OLEDragDrop(const DroppedData& Data);
+    // What a drop of this view's selection inserts; empty for kinds of node that drop nothing.
+    std::wstring m_DragText(Control& Source);
+    bool m_CanDrop(Control& Source);
 
     bool moving_ = false;       // the splitter is being dragged
     short activeView_ = 0;      // 0 object browser, 1 ANSI SQL list, 2 database-specific tree, 3 host command list

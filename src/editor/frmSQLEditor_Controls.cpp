@@ -119,6 +119,17 @@ void frmSQLEditor::CreateMenus() {
     mnuViewSystem.Click = [this] { mnuViewSystem_Click(); };
     mnuViewObjectBrowser.Click = [this] { mnuViewObjectBrowser_Click(); };
 
+    mnuAction.Click = [this] { mnuAction_Click(); };
+    mnuActionSelect.Click = [this] { mnuActionSelect_Click(); };
+    mnuActionInsert.Click = [this] { mnuActionInsert_Click(); };
+    mnuActionUpdate.Click = [this] { mnuActionUpdate_Click(); };
+    mnuActionDelete.Click = [this] { mnuActionDelete_Click(); };
+    mnuActionExecute.Click = [this] { mnuActionExecute_Click(); };
+    mnuActionCreate.Click = [this] { mnuActionCreate_Click(); };
+    for (size_t Index = 0; Index < mnuActionTask.size(); ++Index) {
+        mnuActionTask[Index].Click = [this, Index] { mnuActionTask_Click(static_cast<short>(Index)); };
+    }
+
     for (MenuItem* menu : {&mnuFile, &mnuEdit, &mnuAction, &mnuView}) Menus.Append(*menu);
     Menus.Create(Handle());
 }
@@ -176,11 +187,35 @@ void frmSQLEditor::CreateControls() {
 
     trvDBObjects.Expand = [this](const Node& Node) { trvDBObjects_Expand(Node); };
     trvDBObjects.Collapse = [this](const Node& Node) { trvDBObjects_Collapse(Node); };
+    trvDBObjects.NodeClick = [this](const Node& Node) { trvDBObjects_NodeClick(Node); };
+    trvDBObjects.SelChange = [this](const Node& Node) { trvDBObjects_SelChange(Node); };
+    trvDBObjects.ContextMenuKey = [this](const POINT& At) { trvDBObjects_ContextMenu(At); };
+    trvDBObjects.MouseDown = [this](int B, int S, float X, float Y) { trvDBObjects_MouseDown(B, S, X, Y); };
+    trvDBObjects.MouseMove = [this](int B, int S, float X, float Y) { trvDBObjects_MouseMove(B, S, X, Y); };
+    trvDBObjects.MouseUp = [this](int B, int S, float X, float Y) { trvDBObjects_MouseUp(B, S, X, Y); };
     lstAnsiSQL.Click = [this] { lstAnsiSQL_Click(); };
+    lstAnsiSQL.MouseDown = [this](int B, int S, float X, float Y) { lstAnsiSQL_MouseDown(B, S, X, Y); };
+    lstAnsiSQL.MouseMove = [this](int B, int S, float X, float Y) { lstAnsiSQL_MouseMove(B, S, X, Y); };
+    lstAnsiSQL.MouseUp = [this](int B, int S, float X, float Y) { lstAnsiSQL_MouseUp(B, S, X, Y); };
     lstKolvex.Click = [this] { lstKolvex_Click(); };
+    lstKolvex.MouseDown = [this](int B, int S, float X, float Y) { lstKolvex_MouseDown(B, S, X, Y); };
+    lstKolvex.MouseMove = [this](int B, int S, float X, float Y) { lstKolvex_MouseMove(B, S, X, Y); };
+    lstKolvex.MouseUp = [this](int B, int S, float X, float Y) { lstKolvex_MouseUp(B, S, X, Y); };
     trvDatabaseSpecific.NodeClick = [this](const Node& Node) { trvDatabaseSpecific_NodeClick(Node); };
+    trvDatabaseSpecific.SelChange = [this](const Node& Node) { trvDatabaseSpecific_NodeClick(Node); };
+    trvDatabaseSpecific.MouseDown = [this](int B, int S, float X, float Y) { trvDatabaseSpecific_MouseDown(B, S, X, Y); };
+    trvDatabaseSpecific.MouseMove = [this](int B, int S, float X, float Y) { trvDatabaseSpecific_MouseMove(B, S, X, Y); };
+    trvDatabaseSpecific.MouseUp = [this](int B, int S, float X, float Y) { trvDatabaseSpecific_MouseUp(B, S, X, Y); };
+    for (Control* View : {static_cast<Control*>(&lstAnsiSQL), static_cast<Control*>(&lstKolvex),
+                          static_cast<Control*>(&trvDatabaseSpecific)}) {
+        View->ContextMenuKey = [this](const POINT& At) { m_ReferenceContextMenu(At); };
+    }
     rtbSQL.Change = [this] { rtbSQL_Change(); };
     rtbSQL.SelChange = [this] { rtbSQL_SelChange(); };
+    rtbSQL.DragOver = [this](Control& Source, float X, float Y, DragState State) { rtbSQL_DragOver(Source, X, Y, State); };
+    rtbSQL.DragDrop = [this](Control& Source, float X, float Y) { rtbSQL_DragDrop(Source, X, Y); };
+    rtbSQL.AcceptsDrag = [this](Control& Source) { return m_CanDrop(Source); };
+    rtbSQL.OLEDragDrop = [this](const DroppedData& Data) { rtbSQL_OLEDragDrop(Data); };
 
     picHide.SetWindowCaption(L"Hide the left pane");
     picHide.Click = [this] { picHide_Click(); };

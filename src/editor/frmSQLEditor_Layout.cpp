@@ -105,6 +105,7 @@ void frmSQLEditor::cmdLeft_Click(int Index) try {
     switch (Index) {
         case 0:
             lblDescription.SetCaption(L"");
+            if (const Node Selected = trvDBObjects.SelectedItem()) m_DescribeNode(Selected);
             trvDBObjects.SetFocus();
             break;
         case 1:
@@ -121,6 +122,7 @@ void frmSQLEditor::cmdLeft_Click(int Index) try {
             break;
     }
     activeView_ = static_cast<short>(Index);
+    m_EnableActionMenu();  // the menu speaks of the view that shows
     m_SizeControls();
 } catch (...) {
     ReportError(Module, L"cmdLeft_Click");

@@ -1,4 +1,5 @@
 #include "automation/App.h"
+#include "automation/Text.h"
 #include "browser/modLists.h"
 #include "catalogue/modLists.h"
 #include "component/modGlobal.h"
@@ -21,12 +22,6 @@ void SavePlacement(const wchar_t* Key, float Value) {
     SaveSetting(App::Title, SettingsSection, Key, FromSingle(Value));
 }
 
-// Without regard to case, as the database's own names are compared.
-std::wstring UCase(std::wstring Text) {
-    CharUpperBuffW(Text.data(), static_cast<DWORD>(Text.size()));
-    return Text;
-}
-
 }  // namespace
 
 frmSQLEditor::frmSQLEditor() {
@@ -47,9 +42,8 @@ void frmSQLEditor::Constructor() try {
     if (OwnerName.empty()) return;
     Load();
     const Node Schemas = trvDBObjects.Items().Item(std::wstring(modLists::NodeKind::Schemas));
-    const std::wstring Owner = UCase(OwnerName);
     for (Node Schema = Schemas.Child(); Schema; Schema = Schema.Next()) {
-        if (UCase(Schema.Text()) == Owner) {
+        if (SameName(Schema.Text(), OwnerName)) {
             trvDBObjects.SetSelectedItem(Schema);
             Schema.EnsureVisible();
             return;

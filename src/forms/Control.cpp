@@ -3,6 +3,8 @@
 #include <commctrl.h>
 #include <windowsx.h>
 
+#include <cstdlib>
+
 #include "automation/App.h"
 #include "automation/RuntimeError.h"
 #include "forms/Events.h"
@@ -10,7 +12,6 @@
 #include "forms/Twips.h"
 
 namespace {
-
 
 UINT WhoAreYou() noexcept {
     static const UINT message = RegisterWindowMessageW(L"brvControl.WhoAreYou");
@@ -27,9 +28,7 @@ int ShiftKeys() noexcept {
 
 }  // namespace
 
-Control::~Control() {
-    Destroy();
-}
+Control::~Control() { Destroy(); }
 
 void Control::CreateWindowOf(const wchar_t* windowClass, DWORD style, DWORD exStyle, HWND container, int id,
                              const wchar_t* text) {
@@ -41,11 +40,12 @@ void Control::CreateWindowOf(const wchar_t* windowClass, DWORD style, DWORD exSt
     visible_ = (style & WS_VISIBLE) != 0;
     // The platform's classes leave GWLP_USERDATA to the program: the way from handle to control is one read.
     SetWindowLongPtrW(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
-    original_ = reinterpret_cast<WNDPROC>(
-        SetWindowLongPtrW(window, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&Control::Thunk)));
+    original_ =
+        reinterpret_cast<WNDPROC>(SetWindowLongPtrW(window, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&Control::Thunk)));
 }
 
 void Control::Destroy() noexcept {
+    Dragging::Forget(*this);
     if (handle_ != nullptr) DestroyWindow(handle_);
     handle_ = nullptr;
 }
@@ -55,9 +55,7 @@ void Control::DestroyFormer(HWND former) noexcept {
     DestroyWindow(former);
 }
 
-UINT Control::Dpi() const noexcept {
-    return DpiOf(handle_);
-}
+UINT Control::Dpi() const noexcept { return DpiOf(handle_); }
 
 float Control::ScaleWidth() const noexcept {
     RECT client{};
@@ -101,17 +99,11 @@ void Control::PlaceAfter(HWND after) {
     Events::Rethrow();
 }
 
-void Control::BringToFront() {
-    PlaceAfter(HWND_TOP);
-}
+void Control::BringToFront() { PlaceAfter(HWND_TOP); }
 
-void Control::SendToBack() {
-    PlaceAfter(HWND_BOTTOM);
-}
+void Control::SendToBack() { PlaceAfter(HWND_BOTTOM); }
 
-void Control::PlaceBehind(const Control& other) {
-    PlaceAfter(other.handle_);
-}
+void Control::PlaceBehind(const Control& other) { PlaceAfter(other.handle_); }
 
 void Control::SetFocus() {
     ::SetFocus(handle_);
@@ -123,9 +115,7 @@ bool Control::HasFocus() const noexcept {
     return focus != nullptr && (focus == handle_ || IsChild(handle_, focus));
 }
 
-void Control::SetFont(HFONT font) {
-    Send(WM_SETFONT, reinterpret_cast<WPARAM>(font), TRUE);
-}
+void Control::SetFont(HFONT font) { Send(WM_SETFONT, reinterpret_cast<WPARAM>(font), TRUE); }
 
 std::wstring Control::WindowCaption() const {
     std::wstring text(static_cast<size_t>(GetWindowTextLengthW(handle_)), L'\0');
@@ -182,15 +172,105 @@ LRESULT Control::Original(UINT message, WPARAM wParam, LPARAM lParam) {
     return CallWindowProcW(original_, handle_, message, wParam, lParam);
 }
 
-bool Control::OnReflected(UINT, WPARAM, LPARAM, LRESULT&) {
-    return false;
+bool Control::OnReflected(UINT, WPARAM, LPARAM, LRESULT&) { return false; }
+
+int Control::MouseButtons(WPARAM wParam) noexcept {
+    int buttons = 0;
+    if (wParam & MK_LBUTTON) buttons |= MouseButton::Left;
+    if (wParam & MK_RBUTTON) buttons |= MouseButton::Right;
+    if (wParam & MK_MBUTTON) buttons |= MouseButton::Middle;
+    return buttons;
 }
 
-void Control::RaiseMouse(const MouseEvent& event, int button, WPARAM wParam, LPARAM lParam) {
+void Control::RaiseMouse(const MouseEvent& event, int button, LPARAM lParam) {
     if (!event) return;
-    (void)wParam;
     const UINT dpi = Dpi();
     event(button, ShiftKeys(), PixelsToTwips(GET_X_LPARAM(lParam), dpi), PixelsToTwips(GET_Y_LPARAM(lParam), dpi));
+}
+
+void Control::Drag(DragAction action) {
+    switch (action) {
+        case DragAction::Begin: {
+            if (Dragging::Active()) return;
+            // A hand is not steady: a click that moves a little is a click.
+            if (pressed_ && std::abs(GET_X_LPARAM(mouse_) - GET_X_LPARAM(press_)) < GetSystemMetrics(SM_CXDRAG) &&
+                std::abs(GET_Y_LPARAM(mouse_) - GET_Y_LPARAM(press_)) < GetSystemMetrics(SM_CYDRAG)) {
+                return;
+            }
+            EndTracking(press_);
+            POINT screen{GET_X_LPARAM(mouse_), GET_Y_LPARAM(mouse_)};
+            ClientToScreen(handle_, &screen);
+            Dragging::Begin(*this, screen);
+            break;
+        }
+        case DragAction::End:
+            if (Dragging::IsFrom(*this)) Dragging::End();
+            break;
+        default:
+            if (Dragging::IsFrom(*this)) Dragging::Cancel();
+            break;
+    }
+}
+
+void Control::EndTracking(LPARAM) {}
+
+POINT Control::MenuPoint() const {
+    POINT point{};
+    ClientToScreen(handle_, &point);
+    return point;
+}
+
+// The mouse is the drag's, not the control's.
+bool Control::OnDragMessage(UINT message, WPARAM wParam, LPARAM lParam) {
+    POINT at{GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)};
+    switch (message) {
+        case WM_MOUSEMOVE:
+            ClientToScreen(handle_, &at);
+            Dragging::Move(at);
+            return true;
+        case WM_LBUTTONUP:
+        case WM_RBUTTONUP:
+        case WM_MBUTTONUP: {
+            POINT screen = at;
+            ClientToScreen(handle_, &screen);
+            Dragging::Move(screen);
+            const int button = message == WM_LBUTTONUP   ? MouseButton::Left
+                               : message == WM_RBUTTONUP ? MouseButton::Right
+                                                         : MouseButton::Middle;
+            RaiseMouse(MouseUp, button, lParam);
+            // Whatever the event did with it, a drag ends with the button.
+            if (message == WM_LBUTTONUP && Dragging::IsFrom(*this)) Dragging::Cancel();
+            return true;
+        }
+        case WM_LBUTTONDOWN:
+        case WM_LBUTTONDBLCLK:
+        case WM_RBUTTONDOWN:
+        case WM_RBUTTONDBLCLK:
+        case WM_MBUTTONDOWN:
+        case WM_MBUTTONDBLCLK:
+            return true;
+        case WM_CAPTURECHANGED:
+            if (reinterpret_cast<HWND>(lParam) != handle_) Dragging::Cancel();
+            return false;
+        case WM_CANCELMODE:
+            Dragging::Cancel();
+            return false;
+        default:
+            (void)wParam;
+            return false;
+    }
+}
+
+// Where the mouse is and where it was pressed, whatever a class does with its messages.
+void Control::FollowMouse(UINT message, WPARAM wParam, LPARAM lParam) noexcept {
+    if (message >= WM_MOUSEFIRST && message <= WM_MBUTTONDBLCLK) mouse_ = lParam;
+    if (message == WM_LBUTTONDOWN || message == WM_LBUTTONDBLCLK) {
+        pressed_ = true;
+        press_ = lParam;
+    } else if (message == WM_LBUTTONUP || (message == WM_MOUSEMOVE && (wParam & MK_LBUTTON) == 0)) {
+        pressed_ = false;
+        Dragging::Released();
+    }
 }
 
 LRESULT Control::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
@@ -205,34 +285,34 @@ LRESULT Control::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
             break;
         case WM_LBUTTONDOWN:
         case WM_LBUTTONDBLCLK:
-            RaiseMouse(MouseDown, MouseButton::Left, wParam, lParam);
+            RaiseMouse(MouseDown, MouseButton::Left, lParam);
             break;
         case WM_RBUTTONDOWN:
-            RaiseMouse(MouseDown, MouseButton::Right, wParam, lParam);
+            RaiseMouse(MouseDown, MouseButton::Right, lParam);
             break;
         case WM_MBUTTONDOWN:
-            RaiseMouse(MouseDown, MouseButton::Middle, wParam, lParam);
+            RaiseMouse(MouseDown, MouseButton::Middle, lParam);
             break;
-        case WM_MOUSEMOVE: {
-            int buttons = 0;
-            if (wParam & MK_LBUTTON) buttons |= MouseButton::Left;
-            if (wParam & MK_RBUTTON) buttons |= MouseButton::Right;
-            if (wParam & MK_MBUTTON) buttons |= MouseButton::Middle;
-            RaiseMouse(MouseMove, buttons, wParam, lParam);
+        case WM_MOUSEMOVE:
+            RaiseMouse(MouseMove, MouseButtons(wParam), lParam);
             break;
-        }
         case WM_LBUTTONUP:
-            RaiseMouse(MouseUp, MouseButton::Left, wParam, lParam);
+            RaiseMouse(MouseUp, MouseButton::Left, lParam);
             break;
         case WM_RBUTTONUP:
-            RaiseMouse(MouseUp, MouseButton::Right, wParam, lParam);
+            RaiseMouse(MouseUp, MouseButton::Right, lParam);
             break;
         case WM_MBUTTONUP:
-            RaiseMouse(MouseUp, MouseButton::Middle, wParam, lParam);
+            RaiseMouse(MouseUp, MouseButton::Middle, lParam);
             break;
         case WM_CAPTURECHANGED:
             if (CaptureLost) CaptureLost();
             break;
+        case WM_CONTEXTMENU:
+            if (!ContextMenuKey) break;
+            // By the mouse it opens when the right button goes down: see MouseDown.
+            if (lParam == -1) ContextMenuKey(MenuPoint());
+            return 0;
         case WM_SETFOCUS: {
             const LRESULT result = Original(message, wParam, lParam);
             if (GotFocus) GotFocus();
@@ -253,7 +333,11 @@ LRESULT CALLBACK Control::Thunk(HWND window, UINT message, WPARAM wParam, LPARAM
     auto* control = reinterpret_cast<Control*>(GetWindowLongPtrW(window, GWLP_USERDATA));
     if (message == WhoAreYou()) return reinterpret_cast<LRESULT>(control);
     LRESULT result = 0;
-    Events::Raise([&] { result = control->OnMessage(message, wParam, lParam); });
+    control->FollowMouse(message, wParam, lParam);
+    Events::Raise([&] {
+        const bool taken = Dragging::IsFrom(*control) && control->OnDragMessage(message, wParam, lParam);
+        if (!taken) result = control->OnMessage(message, wParam, lParam);
+    });
     if (message == WM_NCDESTROY) control->handle_ = nullptr;
     return result;
 }

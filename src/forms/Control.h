@@ -5,6 +5,8 @@
 #include <functional>
 #include <string>
 
+#include "forms/Drag.h"
+
 // Mouse buttons and shift states as the events carry them: one value on MouseDown and MouseUp, a sum on MouseMove.
 namespace MouseButton {
 inline constexpr int Left = 1;
@@ -19,13 +21,17 @@ inline constexpr int Alt = 4;
 }  // namespace ShiftState
 
 // A child window of one of the platform's own classes, or a container of controls. Positions and sizes are in twips,
-// relative to the container's client area. A failure of Windows is error 7 at creation; every call that can raise an event
-// passes on what the event procedure let out.
+// relative to the container's client area. A failure of Windows is error 7 at creation; every call that can raise an
+// event passes on what the event procedure let out.
 class Control {
 public:
     using Event = std::function<void()>;
     // Button(s), shift state, position in twips relative to the control.
     using MouseEvent = std::function<void(int button, int shift, float x, float y)>;
+    // The control that is dragged, the mouse in twips relative to the control that raises the event.
+    using DragEvent = std::function<void(Control& source, float x, float y, DragState state)>;
+    using DropEvent = std::function<void(Control& source, float x, float y)>;
+    using PointEvent = std::function<void(const POINT& screen)>;
 
     Control() = default;
     virtual ~Control();
@@ -64,8 +70,8 @@ public:
     std::wstring WindowCaption() const;
     void SetWindowCaption(const std::wstring& text);
 
-    // The mouse goes through these edges, in pixels, to what lies under the control: a grip that is narrower than a hand is
-    // steady reaches under its neighbours.
+    // The mouse goes through these edges, in pixels, to what lies under the control: a grip that is narrower than a
+    // hand is steady reaches under its neighbours.
     void SetMouseEdges(int left, int right) noexcept;
 
     Event Click;
@@ -74,19 +80,32 @@ public:
     MouseEvent MouseDown;
     MouseEvent MouseMove;
     MouseEvent MouseUp;
-    Event CaptureLost;  // the mouse was taken away in the middle of a drag
+    Event CaptureLost;          // the mouse was taken away in the middle of a drag
+    PointEvent ContextMenuKey;  // the key was pressed: where a menu is to open, in pixels of the screen
+
+    // Starts, ends or cancels a drag of this control: given from its MouseMove and MouseUp. Begin takes effect when the
+    // mouse has left the little area around the place where the button was pressed.
+    void Drag(DragAction action);
+    // What the mouse shows while this control is dragged.
+    virtual std::wstring DragCaption() const { return {}; }
+    DragEvent DragOver;  // a drag enters, leaves, moves over this control
+    DropEvent DragDrop;  // a drag ended over this control
+    std::function<bool(Control& source)>
+        AcceptsDrag;  // asked on entering, for the mouse pointer alone; without it: yes
 
     // A message to the control's window; what its events let out is thrown when it is back.
     LRESULT Send(UINT message, WPARAM wParam = 0, LPARAM lParam = 0) const;
 
     // The control of a window handle, or null when it is none of ours.
     static Control* From(HWND window) noexcept;
-    // Containers pass notifications of their children on to the child that they speak of. Returns whether there was one.
+    // Containers pass notifications of their children on to the child that they speak of. Returns whether there was
+    // one.
     static bool Reflect(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result);
 
 protected:
     // Makes the window and takes its messages over. Called once, or again after Destroy.
-    void CreateWindowOf(const wchar_t* windowClass, DWORD style, DWORD exStyle, HWND container, int id, const wchar_t* text);
+    void CreateWindowOf(const wchar_t* windowClass, DWORD style, DWORD exStyle, HWND container, int id,
+                        const wchar_t* text);
     void Destroy() noexcept;
     // Destroys a window that this control had before it was made anew.
     void DestroyFormer(HWND former) noexcept;
@@ -97,10 +116,18 @@ protected:
     // What the window's class does with the message by itself.
     LRESULT Original(UINT message, WPARAM wParam, LPARAM lParam);
 
+    static int MouseButtons(WPARAM wParam) noexcept;  // the sum of the buttons that a mouse message says are down
+    void RaiseMouse(const MouseEvent& event, int button, LPARAM lParam);
+    // The control stops following the mouse by itself, since a drag begins. `press`: where the button went down.
+    virtual void EndTracking(LPARAM press);
+    // Where the context-menu key opens a menu, in pixels of the screen.
+    virtual POINT MenuPoint() const;
+
 private:
     static LRESULT CALLBACK Thunk(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
     void PlaceAfter(HWND after);
-    void RaiseMouse(const MouseEvent& event, int button, WPARAM wParam, LPARAM lParam);
+    void FollowMouse(UINT message, WPARAM wParam, LPARAM lParam) noexcept;
+    bool OnDragMessage(UINT message, WPARAM wParam, LPARAM lParam);
 
     HWND handle_ = nullptr;
     WNDPROC original_ = nullptr;
@@ -111,4 +138,7 @@ private:
     bool visible_ = true;
     int leftEdge_ = 0;
     int rightEdge_ = 0;
+    bool pressed_ = false;  // the left button went down here, at press_
+    LPARAM press_ = 0;
+    LPARAM mouse_ = 0;  // the last place of the mouse that the control was told of
 };

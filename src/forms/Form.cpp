@@ -225,7 +225,11 @@ void Form::RunLoop() {
         if (CallMsgFilterW(&message, MSGF_DIALOGBOX)) continue;
         const bool ours = message.hwnd == handle_ || IsChild(handle_, message.hwnd);
         bool swallowed = false;
-        if (ours) Events::Raise([&] { swallowed = KeyPreview(message) || Menus.Translate(message) || Navigate(message); });
+        if (ours) {
+            Events::Raise([&] {
+                swallowed = Dragging::Translate(message) || KeyPreview(message) || Menus.Translate(message) || Navigate(message);
+            });
+        }
         if (!swallowed) {
             TranslateMessage(&message);
             DispatchMessageW(&message);

@@ -21,5 +21,6 @@ using BitmapHandle = std::unique_ptr<std::remove_pointer_t<HBITMAP>, HandleClose
 using MenuHandle = std::unique_ptr<std::remove_pointer_t<HMENU>, HandleCloser<&DestroyMenu>>;
 using AcceleratorHandle = std::unique_ptr<std::remove_pointer_t<HACCEL>, HandleCloser<&DestroyAcceleratorTable>>;
 using IconHandle = std::unique_ptr<std::remove_pointer_t<HICON>, HandleCloser<&DestroyIcon>>;
+using CursorHandle = std::unique_ptr<std::remove_pointer_t<HCURSOR>, HandleCloser<&DestroyCursor>>;
 using ImageListHandle = std::unique_ptr<std::remove_pointer_t<HIMAGELIST>, HandleCloser<&ImageList_Destroy>>;
 using RegistryKey = std::unique_ptr<std::remove_pointer_t<HKEY>, HandleCloser<&RegCloseKey>>;

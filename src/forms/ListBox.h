@@ -19,6 +19,11 @@ public:
     // Error 380 for a row that is not there.
     void SetListIndex(int row);
 
+    std::wstring DragCaption() const override;  // the selected row
+
 protected:
     bool OnReflected(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result) override;
+    LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
+    void EndTracking(LPARAM press) override;
+    POINT MenuPoint() const override;
 };

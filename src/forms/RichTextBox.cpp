@@ -7,19 +7,9 @@
 
 #include "automation/RuntimeError.h"
 #include "forms/Events.h"
+#include "forms/RichText.h"
 
 namespace {
-
-// The newest control that the system has. The library stays loaded: windows of its classes may outlive this module's.
-const wchar_t* RichEditClass() {
-    static const wchar_t* const name = []() -> const wchar_t* {
-        if (LoadLibraryExW(L"msftedit.dll", nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32) != nullptr) return L"RICHEDIT50W";
-        if (LoadLibraryExW(L"riched20.dll", nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32) != nullptr) return L"RichEdit20W";
-        return nullptr;
-    }();
-    if (name == nullptr) RaiseSystemError(ErrorNumber::FileNotFound, ERROR_MOD_NOT_FOUND);
-    return name;
-}
 
 // Overwriting a text in place costs the control more the longer the text is, under Wine with the square of it. Beyond this
 // many characters a fresh control takes the new text.
@@ -74,12 +64,24 @@ DWORD CALLBACK ReadStream(DWORD_PTR cookie, LPBYTE buffer, LONG capacity, LONG* 
 }  // namespace
 
 void RichTextBox::Create(HWND container, int id) {
+    target_.Accepts = [](const DroppedData& data) {
+        using Format = DroppedData::Format;
+        return data.GetFormat(Format::RichText) || data.GetFormat(Format::Text) || data.GetFormat(Format::Files);
+    };
+    target_.Over = [this](POINT screen) { ShowDropPlace(screen); };
+    target_.Leave = [this] { ForgetDropPlace(); };
+    target_.Drop = [this](const DroppedData& data) {
+        droppedBefore_.reset();
+        SetForegroundWindow(GetAncestor(Handle(), GA_ROOT));
+        SetFocus();
+        if (OLEDragDrop) OLEDragDrop(data);
+    };
     MakeWindow(container, id);
 }
 
 void RichTextBox::MakeWindow(HWND container, int id) {
     CreateWindowOf(RichEditClass(),
-                   ES_MULTILINE | ES_AUTOHSCROLL | ES_AUTOVSCROLL | ES_NOHIDESEL | ES_WANTRETURN | WS_HSCROLL | WS_VSCROLL |
+                   ES_MULTILINE | ES_NOOLEDRAGDROP | ES_AUTOHSCROLL | ES_AUTOVSCROLL | ES_NOHIDESEL | ES_WANTRETURN | WS_HSCROLL | WS_VSCROLL |
                        WS_TABSTOP | WS_VISIBLE | WS_CLIPSIBLINGS,
                    WS_EX_CLIENTEDGE, container, id, L"");
     Prepare();
@@ -93,6 +95,7 @@ void RichTextBox::Prepare() {
     Send(EM_AUTOURLDETECT, 0);
     if (!face_.empty()) SetEditorFont(face_, points_);
     Send(EM_SETEVENTMASK, 0, ENM_CHANGE | ENM_SELCHANGE);
+    target_.Register(Handle());
 }
 
 void RichTextBox::SetFont(HFONT) {}
@@ -132,12 +135,12 @@ std::wstring RichTextBox::Text() const {
     return text;
 }
 
-void RichTextBox::StreamIn(const std::wstring& text) {
+void RichTextBox::StreamIn(const std::wstring& text, WPARAM flags) {
     StreamSource source{text.data(), text.size(), 0};
     EDITSTREAM stream{};
     stream.dwCookie = reinterpret_cast<DWORD_PTR>(&source);
     stream.pfnCallback = &ReadStream;
-    Send(EM_STREAMIN, SF_TEXT | SF_UNICODE, reinterpret_cast<LPARAM>(&stream));
+    Send(EM_STREAMIN, SF_TEXT | SF_UNICODE | flags, reinterpret_cast<LPARAM>(&stream));
 }
 
 void RichTextBox::Replace() {
@@ -155,6 +158,7 @@ void RichTextBox::Replace() {
                  place.bottom - place.top, SWP_NOACTIVATE);
     if (!visible) SetVisible(false);
     if (focus) ::SetFocus(Handle());
+    RevokeDragDrop(old);
     DestroyFormer(old);
 }
 
@@ -249,7 +253,44 @@ void RichTextBox::SetSelLength(long length) {
 }
 
 void RichTextBox::SetSelText(const std::wstring& text) {
-    Send(EM_REPLACESEL, TRUE, reinterpret_cast<LPARAM>(text.c_str()));
+    if (text.find(L'\0') != std::wstring::npos) {
+        StreamIn(text, SFF_SELECTION);  // the message would end at the NUL character
+    } else if (text.find(L"\r\r") != std::wstring::npos) {
+        Send(EM_REPLACESEL, TRUE, reinterpret_cast<LPARAM>(WithCrLf(text).c_str()));
+    } else {
+        Send(EM_REPLACESEL, TRUE, reinterpret_cast<LPARAM>(text.c_str()));
+    }
+}
+
+void RichTextBox::ScrollCaret() {
+    Send(EM_SCROLLCARET);
+}
+
+long RichTextBox::CharFromPos(int x, int y) const {
+    POINTL point{x, y};
+    return FromControl(static_cast<long>(Send(EM_CHARFROMPOS, 0, reinterpret_cast<LPARAM>(&point))));
+}
+
+// The caret shows where a drop would go, unless the mouse is not over the text at all, as with programs that only call.
+void RichTextBox::ShowDropPlace(POINT screen) {
+    RECT client;
+    GetClientRect(Handle(), &client);
+    ScreenToClient(Handle(), &screen);
+    if (!PtInRect(&client, screen)) return;
+    if (!droppedBefore_) {
+        CHARRANGE selected{};
+        Send(EM_EXGETSEL, 0, reinterpret_cast<LPARAM>(&selected));
+        droppedBefore_ = {selected.cpMin, selected.cpMax};
+        SetFocus();
+    }
+    SetSelStart(CharFromPos(screen.x, screen.y));
+}
+
+void RichTextBox::ForgetDropPlace() {
+    if (!droppedBefore_) return;
+    CHARRANGE selected{droppedBefore_->first, droppedBefore_->second};
+    droppedBefore_.reset();
+    Send(EM_EXSETSEL, 0, reinterpret_cast<LPARAM>(&selected));
 }
 
 void RichTextBox::CaretPosition(long& line, long& column) const {

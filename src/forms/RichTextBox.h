@@ -1,8 +1,11 @@
 #pragma once
 
+#include <optional>
 #include <string>
+#include <utility>
 
 #include "forms/Control.h"
+#include "forms/DropTarget.h"
 
 // A Unicode rich edit control that is used for plain text, lines not wrapped. Positions and lengths count UTF-16 units, with a
 // line end as the two characters CR LF that go in and come out; the control itself keeps one for it.
@@ -32,6 +35,13 @@ public:
     // The fixed-pitch font of the text.
     void SetEditorFont(const std::wstring& face, float points);
 
+    // The character nearest to a place of the client area, in pixels.
+    long CharFromPos(int x, int y) const;
+    void ScrollCaret();
+
+    // Another program drops text or files. While its drag is over the control the caret follows the mouse.
+    std::function<void(const DroppedData&)> OLEDragDrop;
+
     Event Change;
     Event SelChange;
 
@@ -48,9 +58,13 @@ private:
     void Replace();
     long ToControl(long position) const;
     long FromControl(long position) const;
-    void StreamIn(const std::wstring& text);
+    void StreamIn(const std::wstring& text, WPARAM flags = 0);
+    void ShowDropPlace(POINT screen);
+    void ForgetDropPlace();
 
     std::wstring face_;
     float points_ = 10;
     bool filling_ = false;
+    DropTarget target_;
+    std::optional<std::pair<long, long>> droppedBefore_;  // what was selected before a drag of another program came
 };

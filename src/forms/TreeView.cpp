@@ -1,7 +1,12 @@
 #include "forms/TreeView.h"
 
 #include <commctrl.h>
-#include <uxtheme.h>
+#include <windowsx.h>
+
+#include <algorithm>
+#include <cstring>
+#include <utility>
+#include <vector>
 
 #include "forms/Events.h"
 
@@ -23,8 +28,8 @@ private:
 
 void TreeView::Create(HWND container, int id) {
     CreateWindowOf(WC_TREEVIEWW,
-                   TVS_HASBUTTONS | TVS_HASLINES | TVS_LINESATROOT | TVS_SHOWSELALWAYS | TVS_DISABLEDRAGDROP | WS_TABSTOP |
-                       WS_VISIBLE | WS_CLIPSIBLINGS,
+                   TVS_HASBUTTONS | TVS_HASLINES | TVS_LINESATROOT | TVS_SHOWSELALWAYS | TVS_DISABLEDRAGDROP |
+                       WS_TABSTOP | WS_VISIBLE | WS_CLIPSIBLINGS,
                    WS_EX_CLIENTEDGE, container, id, L"");
 }
 
@@ -57,6 +62,133 @@ void TreeView::DeleteMirror(HTREEITEM item) {
     Send(TVM_DELETEITEM, 0, reinterpret_cast<LPARAM>(item));
 }
 
+Node TreeView::NodeAt(LPARAM point, bool& button) const {
+    TVHITTESTINFO hit{};
+    hit.pt = {GET_X_LPARAM(point), GET_Y_LPARAM(point)};
+    Send(TVM_HITTEST, 0, reinterpret_cast<LPARAM>(&hit));
+    button = (hit.flags & TVHT_ONITEMBUTTON) != 0;
+    if (hit.hItem == nullptr || (hit.flags & TVHT_ONITEM) == 0) return {};
+    TVITEMW item{};
+    item.mask = TVIF_PARAM | TVIF_HANDLE;
+    item.hItem = hit.hItem;
+    return Send(TVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&item)) ? NodeOf(item.lParam) : Node();
+}
+
+std::wstring TreeView::DragCaption() const {
+    const Node selected = SelectedItem();
+    return selected ? selected.Text() : std::wstring();
+}
+
+void TreeView::EndTracking(LPARAM) { clicking_ = false; }
+
+POINT TreeView::MenuPoint() const {
+    const Node selected = SelectedItem();
+    if (!selected) return Control::MenuPoint();
+    RECT row{};
+    const HTREEITEM item = MirrorOf(selected);
+    std::memcpy(&row, &item, sizeof item);  // the message takes the item in the place of the rectangle's first bytes
+    if (!Send(TVM_GETITEMRECT, TRUE, reinterpret_cast<LPARAM>(&row))) return Control::MenuPoint();
+    RECT client;
+    GetClientRect(Handle(), &client);
+    POINT point{std::clamp(row.left, client.left, client.right), std::clamp(row.bottom, client.top, client.bottom)};
+    ClientToScreen(Handle(), &point);
+    return point;
+}
+
+// The control's own "*" goes on whatever happens, and cannot be interrupted.
+void TreeView::ExpandAll(const Node& node) {
+    stopExpanding_ = false;
+    std::vector<Node> open{node};
+    while (!open.empty() && !stopExpanding_) {
+        const Node next = open.back();
+        open.pop_back();
+        if (next.Children() == 0) continue;
+        next.SetExpanded(true);
+        std::vector<Node> below;
+        for (Node child = next.Child(); child; child = child.Next()) below.push_back(child);
+        open.insert(open.end(), below.rbegin(), below.rend());
+        MSG key;
+        while (PeekMessageW(&key, nullptr, WM_KEYFIRST, WM_KEYLAST, PM_REMOVE)) {
+            if (key.message == WM_KEYDOWN && key.wParam == VK_ESCAPE) stopExpanding_ = true;
+        }
+    }
+}
+
+LRESULT TreeView::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
+    switch (message) {
+        case WM_LBUTTONDOWN: {
+            // By itself the control waits in a loop of its own for the button to come up or to be dragged away, and
+            // tells of a click before it selects or after, by its version. An expand button stays its own.
+            bool button = false;
+            const Node node = NodeAt(lParam, button);
+            clicking_ = false;
+            if (button) break;
+            RaiseMouse(MouseDown, MouseButton::Left, lParam);
+            SetFocus();
+            clicked_ = node;
+            clicking_ = true;
+            if (node) SetSelectedItem(node);
+            SetCapture(Handle());
+            return 0;
+        }
+        case WM_LBUTTONUP: {
+            if (!clicking_) break;
+            clicking_ = false;
+            const Node node = std::exchange(clicked_, Node());
+            if (GetCapture() == Handle()) ReleaseCapture();
+            RaiseMouse(MouseUp, MouseButton::Left, lParam);
+            if (NodeClick) NodeClick(node);
+            return 0;
+        }
+        case WM_MOUSEMOVE:
+            if (!clicking_) break;
+            RaiseMouse(MouseMove, MouseButtons(wParam), lParam);
+            return 0;
+        case WM_CAPTURECHANGED:
+            if (reinterpret_cast<HWND>(lParam) != Handle()) clicking_ = false;
+            break;
+        case WM_RBUTTONDOWN:
+            SetFocus();
+            RaiseMouse(MouseDown, MouseButton::Right, lParam);
+            return 0;
+        case WM_RBUTTONUP:
+            RaiseMouse(MouseUp, MouseButton::Right, lParam);
+            return 0;
+        case WM_KEYDOWN:
+            if (wParam == VK_MULTIPLY) {
+                if (const Node selected = SelectedItem()) ExpandAll(selected);
+                return 0;
+            }
+            if (wParam == VK_RETURN || wParam == VK_SPACE) {
+                // What a click on the selected node is to the mouse.
+                const Node selected = SelectedItem();
+                if (selected && NodeClick) NodeClick(selected);
+                return 0;
+            }
+            break;
+        case WM_CHAR:
+            // Keys with a meaning of their own are not looked for among the texts.
+            if (wParam == L'*' || wParam == L' ' || wParam == L'\r') return 0;
+            break;
+        case TVM_SELECTITEM: {
+            if (quiet_ || wParam != TVGN_CARET) break;
+            const Node before = SelectedItem();
+            LRESULT result;
+            {
+                const Quiet quiet(quiet_);
+                result = Original(message, wParam, lParam);
+            }
+            Events::Rethrow();
+            const Node after = SelectedItem();
+            if (SelChange && !(after == before)) SelChange(after);
+            return result;
+        }
+        default:
+            break;
+    }
+    return Control::OnMessage(message, wParam, lParam);
+}
+
 bool TreeView::OnReflected(UINT message, WPARAM, LPARAM lParam, LRESULT& result) {
     if (message != WM_NOTIFY) return false;
     const auto& change = *reinterpret_cast<const NMTREEVIEWW*>(lParam);
@@ -64,8 +196,8 @@ bool TreeView::OnReflected(UINT message, WPARAM, LPARAM lParam, LRESULT& result)
         case TVN_ITEMEXPANDINGW: {
             if (quiet_) return false;
             const Node node = NodeOf(change.itemNew.lParam);
-            // Filled while the branch is still closed: an open one is laid out anew with every node. The control asks only for
-            // branches that it shows closed, whatever was said of them while they had no children.
+            // Filled while the branch is still closed: an open one is laid out anew with every node. The control asks
+            // only for branches that it shows closed, whatever was said of them while they had no children.
             if (change.action == TVE_EXPAND) {
                 MarkExpanded(node, true);
                 if (Expand) Expand(node);
@@ -89,7 +221,9 @@ bool TreeView::OnReflected(UINT message, WPARAM, LPARAM lParam, LRESULT& result)
             return true;
         }
         case TVN_SELCHANGEDW:
-            if (quiet_ || change.action == TVC_UNKNOWN) return false;
+            // The mouse is told of in OnMessage; a selection that moves because its branch was closed is nobody's
+            // choice.
+            if (quiet_ || change.action != TVC_BYKEYBOARD) return false;
             if (NodeClick && change.itemNew.hItem != nullptr) NodeClick(NodeOf(change.itemNew.lParam));
             return true;
         default:

@@ -19,11 +19,23 @@ public:
     // Selects a node, or none; raises no NodeClick.
     void SetSelectedItem(const Node& node);
 
-    NodeEvent Expand;     // a branch opens: raised before its children show
-    NodeEvent Collapse;   // a branch was closed
-    NodeEvent NodeClick;  // a node was chosen by mouse or keyboard; nothing when empty space was clicked
+    NodeEvent Expand;    // a branch opens: raised before its children show
+    NodeEvent Collapse;  // a branch was closed
+    // A node was clicked, also one that was selected before, or the keyboard went to it; nothing when empty space was
+    // clicked. The node is selected when the button goes down and clicked when it comes up, unless it was dragged
+    // meanwhile.
+    NodeEvent NodeClick;
+    NodeEvent SelChange;  // another program, such as a screen reader, has selected a node: no click
+
+    // While the "*" key opens a branch with everything below it: open no further ones.
+    void StopExpanding() noexcept { stopExpanding_ = true; }
+
+    std::wstring DragCaption() const override;  // the selected node
 
 protected:
+    LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
+    POINT MenuPoint() const override;
+    void EndTracking(LPARAM press) override;
     bool OnReflected(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result) override;
 
 private:
@@ -35,6 +47,14 @@ private:
     static HTREEITEM MirrorOf(const Node& node);
     static bool MarkExpanded(const Node& node, bool expanded);
 
+    // The node whose text is at a place of the client area, in pixels; `button`: whether it is an expand button
+    // instead.
+    Node NodeAt(LPARAM point, bool& button) const;
+    void ExpandAll(const Node& node);
+
     Nodes nodes_{*this};
+    bool clicking_ = false;  // the left button went down on clicked_, or on empty space
+    Node clicked_;
+    bool stopExpanding_ = false;
     bool quiet_ = false;  // a change of our own is under way: its notifications are not events
 };

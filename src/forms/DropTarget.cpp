@@ -1,0 +1,196 @@
+#include "forms/DropTarget.h"
+
+#include <shellapi.h>
+
+#include <new>
+
+#include "automation/RuntimeError.h"
+#include "forms/RichText.h"
+
+namespace {
+
+CLIPFORMAT RichTextFormat() noexcept {
+    static const auto format = static_cast<CLIPFORMAT>(RegisterClipboardFormatW(L"Rich Text Format"));
+    return format;
+}
+
+FORMATETC Request(CLIPFORMAT format, DWORD medium) noexcept { return {format, nullptr, DVASPECT_CONTENT, -1, medium}; }
+
+bool Offers(IDataObject* data, CLIPFORMAT format, DWORD medium) noexcept {
+    FORMATETC request = Request(format, medium);
+    return data->QueryGetData(&request) == S_OK;
+}
+
+struct Medium : STGMEDIUM {
+    Medium() noexcept : STGMEDIUM{} {}
+    ~Medium() { ReleaseStgMedium(this); }
+    Medium(const Medium&) = delete;
+    Medium& operator=(const Medium&) = delete;
+};
+
+std::wstring FromCodePage(const std::string& bytes) {
+    const int length = static_cast<int>(bytes.size());
+    std::wstring text(static_cast<size_t>(MultiByteToWideChar(CP_ACP, 0, bytes.data(), length, nullptr, 0)), L'\0');
+    MultiByteToWideChar(CP_ACP, 0, bytes.data(), length, text.data(), static_cast<int>(text.size()));
+    return text;
+}
+
+}  // namespace
+
+bool DroppedData::GetFormat(Format format) const noexcept {
+    switch (format) {
+        case Format::Text:
+            return Offers(data_, CF_UNICODETEXT, TYMED_HGLOBAL) || Offers(data_, CF_TEXT, TYMED_HGLOBAL);
+        case Format::RichText:
+            return Offers(data_, RichTextFormat(), TYMED_HGLOBAL);
+        case Format::Metafile:
+            return Offers(data_, CF_METAFILEPICT, TYMED_MFPICT);
+        case Format::EnhancedMetafile:
+            return Offers(data_, CF_ENHMETAFILE, TYMED_ENHMF);
+        case Format::Bitmap:
+            return Offers(data_, CF_BITMAP, TYMED_GDI);
+        case Format::Palette:
+            return Offers(data_, CF_PALETTE, TYMED_GDI);
+        default:
+            return Offers(data_, static_cast<CLIPFORMAT>(format), TYMED_HGLOBAL);
+    }
+}
+
+std::string DroppedData::Bytes(CLIPFORMAT format) const {
+    FORMATETC request = Request(format, TYMED_HGLOBAL);
+    Medium medium;
+    if (data_->GetData(&request, &medium) != S_OK || medium.tymed != TYMED_HGLOBAL) return {};
+    const void* locked = GlobalLock(medium.hGlobal);
+    if (locked == nullptr) return {};
+    std::string bytes(static_cast<const char*>(locked), GlobalSize(medium.hGlobal));
+    GlobalUnlock(medium.hGlobal);
+    return bytes;
+}
+
+std::wstring DroppedData::Text(Format format) const {
+    // A program that offers rich text nearly always offers what it says as plain text too.
+    std::string bytes = Bytes(CF_UNICODETEXT);
+    if (!bytes.empty()) {
+        std::wstring text(reinterpret_cast<const wchar_t*>(bytes.data()), bytes.size() / sizeof(wchar_t));
+        return text.substr(0, text.find(L'\0'));
+    }
+    bytes = Bytes(CF_TEXT);
+    if (!bytes.empty()) return FromCodePage(bytes.substr(0, bytes.find('\0')));
+    if (format != Format::RichText) return {};
+    bytes = Bytes(RichTextFormat());
+    return PlainTextOf(bytes.substr(0, bytes.find('\0')));
+}
+
+std::vector<std::wstring> DroppedData::Files() const {
+    FORMATETC request = Request(CF_HDROP, TYMED_HGLOBAL);
+    Medium medium;
+    if (data_->GetData(&request, &medium) != S_OK || medium.tymed != TYMED_HGLOBAL) return {};
+    const auto drop = static_cast<HDROP>(medium.hGlobal);
+    std::vector<std::wstring> files(DragQueryFileW(drop, 0xFFFFFFFF, nullptr, 0));
+    for (UINT at = 0; at < files.size(); ++at) {
+        std::wstring& file = files[at];
+        file.resize(DragQueryFileW(drop, at, nullptr, 0) + size_t{1});
+        file.resize(DragQueryFileW(drop, at, file.data(), static_cast<UINT>(file.size())));
+    }
+    return files;
+}
+
+// Lives as long as somebody holds it; after Detach it takes nothing any more.
+class DropTarget::Target final : public IDropTarget {
+public:
+    explicit Target(DropTarget* owner) noexcept : owner_(owner) {}
+    void Detach() noexcept { owner_ = nullptr; }
+
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) noexcept override {
+        if (object == nullptr) return E_POINTER;
+        if (iid != IID_IUnknown && iid != IID_IDropTarget) {
+            *object = nullptr;
+            return E_NOINTERFACE;
+        }
+        *object = static_cast<IDropTarget*>(this);
+        AddRef();
+        return S_OK;
+    }
+    ULONG STDMETHODCALLTYPE AddRef() noexcept override { return ++references_; }
+    ULONG STDMETHODCALLTYPE Release() noexcept override {
+        const ULONG left = --references_;
+        if (left == 0) delete this;
+        return left;
+    }
+
+    HRESULT STDMETHODCALLTYPE DragEnter(IDataObject* data, DWORD, POINTL at, DWORD* effect) noexcept override {
+        if (data == nullptr || effect == nullptr) return E_INVALIDARG;
+        return Guarded(effect, [&] {
+            accepted_ = owner_->Accepts && owner_->Accepts(DroppedData(data));
+            return Follow(at, *effect);
+        });
+    }
+    HRESULT STDMETHODCALLTYPE DragOver(DWORD, POINTL at, DWORD* effect) noexcept override {
+        if (effect == nullptr) return E_INVALIDARG;
+        return Guarded(effect, [&] { return Follow(at, *effect); });
+    }
+    HRESULT STDMETHODCALLTYPE DragLeave() noexcept override {
+        DWORD effect = DROPEFFECT_COPY;
+        return Guarded(&effect, [&] {
+            if (owner_->Leave) owner_->Leave();
+            return DROPEFFECT_NONE;
+        });
+    }
+    HRESULT STDMETHODCALLTYPE Drop(IDataObject* data, DWORD, POINTL at, DWORD* effect) noexcept override {
+        if (data == nullptr || effect == nullptr) return E_INVALIDARG;
+        return Guarded(effect, [&] {
+            accepted_ = owner_->Accepts && owner_->Accepts(DroppedData(data));
+            const DWORD done = Follow(at, *effect);
+            if (done != DROPEFFECT_NONE && owner_->Drop) owner_->Drop(DroppedData(data));
+            return done;
+        });
+    }
+
+private:
+    // No exception goes to the other program's side.
+    template <class Work>
+    HRESULT Guarded(DWORD* effect, Work&& work) noexcept {
+        const DWORD allowed = *effect;
+        *effect = DROPEFFECT_NONE;
+        if (owner_ == nullptr) return S_OK;
+        AddRef();
+        HRESULT result = S_OK;
+        try {
+            *effect = allowed;
+            *effect = work();
+        } catch (...) {
+            *effect = DROPEFFECT_NONE;
+            result = E_FAIL;
+        }
+        Release();
+        return result;
+    }
+    // What is dropped is copied; a program that only lets it be moved keeps it.
+    DWORD Follow(POINTL at, DWORD allowed) const {
+        if (!accepted_ || (allowed & (DROPEFFECT_COPY | DROPEFFECT_LINK)) == 0) return DROPEFFECT_NONE;
+        if (owner_->Over) owner_->Over({at.x, at.y});
+        return (allowed & DROPEFFECT_COPY) != 0 ? DROPEFFECT_COPY : DROPEFFECT_LINK;
+    }
+
+    DropTarget* owner_;
+    ULONG references_ = 1;
+    bool accepted_ = false;
+};
+
+void DropTarget::Register(HWND window) {
+    Revoke();
+    target_ = new Target(this);
+    // The control's own class may have registered a target of its own.
+    RevokeDragDrop(window);
+    if (SUCCEEDED(RegisterDragDrop(window, target_))) window_ = window;
+}
+
+void DropTarget::Revoke() noexcept {
+    if (window_ != nullptr) RevokeDragDrop(window_);
+    window_ = nullptr;
+    if (target_ != nullptr) {
+        target_->Detach();
+        target_->Release();
+    }
+    target_ = nullptr;
+}

@@ -1,0 +1,220 @@
+#include "automation/Text.h"
+#include "browser/modLists.h"
+#include "component/modGlobal.h"
+#include "editor/frmSQLEditor.h"
+#include "errors/modErrorHandler.h"
+
+// Statements for a node of the object browser. Each reads the tree as it stands and asks the host for nothing but
+// FormatName.
+namespace {
+
+constexpr const wchar_t* Module = L"frmSQLEditor";
+constexpr const wchar_t* LineBreak = L"\r\n";
+constexpr const wchar_t* Separator = L";\r\n";  // between two statements
+constexpr size_t SeparatorLength = 3;
+
+// The host's type codes whose statements differ; what products they stand for is the host's affair.
+bool WritesSchema(long Type) { return Type == 4 || Type == 8 || Type == 13 || Type == 26 || Type == 27 || Type == 40; }
+
+std::wstring FormatName(std::wstring Name) { return HostDatabase.Get(L"FormatName", ByRef(Name)).ToText(); }
+
+bool IsFolder(const std::wstring& Kind) {
+    return Kind == modLists::NodeKind::Tables || Kind == modLists::NodeKind::Views;
+}
+
+bool IsTableOrView(const std::wstring& Kind) {
+    return Kind == modLists::NodeKind::Table || Kind == modLists::NodeKind::View;
+}
+
+const std::wstring& SchemaOfTable(const Node& Table) { return Table.Parent().Parent().Text(); }
+
+// Calls `step` with each object of a folder in their order. A placeholder is none.
+template <class Step>
+void ForEachObject(const Node& Folder, Step&& step) {
+    for (Node Object = Folder.Child(); Object; Object = Object.Next()) {
+        if (Object.Tag() != modLists::NodeKind::Undefined) step(Object);
+    }
+}
+
+// Whether the columns of a table or view have been read, and there are any.
+bool HasColumns(const Node& Table) {
+    const Node Columns = Table.Child();
+    if (!Columns) return false;
+    const Node First = Columns.Child();
+    return First && First.Tag() != modLists::NodeKind::Undefined;
+}
+
+template <class Step>
+void ForEachColumn(const Node& Table, Step&& step) {
+    for (Node Column = Table.Child().Child().FirstSibling(); Column; Column = Column.Next()) step(Column);
+}
+
+// One statement for each object of a folder.
+template <class Statement>
+std::wstring JoinStatements(const Node& Folder, Statement&& statement) {
+    std::wstring Joined;
+    ForEachObject(Folder, [&](const Node& Object) { Joined.append(statement(Object)).append(Separator); });
+    if (!Joined.empty()) Joined.resize(Joined.size() - SeparatorLength);
+    return Joined;
+}
+
+// The schema that DESCRIBE writes: every one but the default, the connected user's own too. The test minds the case,
+// unlike the one for the other statements: kept.
+std::wstring DescribePrefix(const std::wstring& Schema) {
+    return Schema == L"Current Schema" ? std::wstring() : Schema + L".";
+}
+
+std::wstring Describe(const std::wstring& Prefix, const Node& Object) { return L"DESCRIBE " + Prefix + Object.Text(); }
+
+}  // namespace
+
+std::wstring frmSQLEditor::m_BuildTable(const std::wstring& Schema, const std::wstring& Table) try {
+    std::wstring Reference;
+    // The schema is written as it stands: the host quotes names of tables and columns alone.
+    if (WritesSchema(DBType) && !SameName(Schema, OwnerName) && !SameName(Schema, L"current schema")) {
+        Reference.append(Schema).append(L".");
+    }
+    return Reference.append(FormatName(Table));
+} catch (...) {
+    ReportError(Module, L"m_BuildTable");
+    return {};
+}
+
+std::wstring frmSQLEditor::m_BuildStmtSampleRows(const std::wstring& Schema, const std::wstring& Table) try {
+    const std::wstring Reference = m_BuildTable(Schema, Table);
+    switch (DBType) {
+        case 2:
+        case 28:
+            return L"SELECT first 100 * FROM " + Reference;
+        case 4:
+            return L"SELECT * FROM " + Reference + L" WHERE rownum <= 100";
+        case 13:
+            return L"SELECT * FROM " + Reference + L"  fetch first 100 rows only";  // two blanks: kept
+        case 17:
+        case 27:
+            return L"SELECT * FROM " + Reference + L" LIMIT 100";
+        default:
+            return L"SELECT top 100 * FROM " + Reference;
+    }
+} catch (...) {
+    ReportError(Module, L"m_BuildStmtSampleRows");
+    return {};
+}
+
+std::wstring frmSQLEditor::m_GetStmtCountRows(const Node& Node) try {
+    const std::wstring& Kind = Node.Tag();
+    if (IsTableOrView(Kind)) return L"SELECT COUNT(*) FROM " + m_BuildTable(SchemaOfTable(Node), Node.Text());
+    if (!IsFolder(Kind)) return {};
+    const std::wstring Schema = Node.Parent().Text();
+    return JoinStatements(
+        Node, [&](const ::Node& Object) { return L"SELECT COUNT(*) FROM " + m_BuildTable(Schema, Object.Text()); });
+} catch (...) {
+    ReportError(Module, L"m_GetStmtCountRows");
+    return {};
+}
+
+std::wstring frmSQLEditor::m_GetStmtDescribe(const Node& Node) try {
+    const std::wstring& Kind = Node.Tag();
+    if (IsTableOrView(Kind)) return Describe(DescribePrefix(SchemaOfTable(Node)), Node);
+    if (IsFolder(Kind)) {
+        const std::wstring Prefix = DescribePrefix(Node.Parent().Text());
+        return JoinStatements(Node, [&](const ::Node& Object) { return Describe(Prefix, Object); });
+    }
+    if (Kind != modLists::NodeKind::Schema) return {};
+    const std::wstring Prefix = DescribePrefix(Node.Text());
+    std::wstring Joined;
+    for (const ::Node& Folder : {Node.Child().FirstSibling(), Node.Child().LastSibling()}) {
+        ForEachObject(Folder, [&](const ::Node& Object) { Joined.append(Describe(Prefix, Object)).append(Separator); });
+    }
+    if (!Joined.empty()) Joined.resize(Joined.size() - SeparatorLength);
+    return Joined;
+} catch (...) {
+    ReportError(Module, L"m_GetStmtDescribe");
+    return {};
+}
+
+std::wstring frmSQLEditor::m_GetStmtSampleRows(const Node& Node) try {
+    const std::wstring& Kind = Node.Tag();
+    if (IsTableOrView(Kind)) return m_BuildStmtSampleRows(SchemaOfTable(Node), Node.Text());
+    if (!IsFolder(Kind)) return {};
+    const std::wstring Schema = Node.Parent().Text();
+    return JoinStatements(Node, [&](const ::Node& Object) { return m_BuildStmtSampleRows(Schema, Object.Text()); });
+} catch (...) {
+    ReportError(Module, L"m_GetStmtSampleRows");
+    return {};
+}
+
+std::wstring frmSQLEditor::m_GetStmtSelectTable(const Node& Node) try {
+    // Before the kind of node is looked at, so that it holds for a folder's first object too: kept.
+    if (!Node.Child() || !Node.Child().Child()) return {};
+    const std::wstring& Kind = Node.Tag();
+    if (IsFolder(Kind)) {
+        const std::wstring Schema = Node.Parent().Text();
+        return JoinStatements(
+            Node, [&](const ::Node& Object) { return L"SELECT * FROM " + m_BuildTable(Schema, Object.Text()); });
+    }
+    if (!IsTableOrView(Kind) || !HasColumns(Node)) return {};
+    std::wstring Statement;
+    ForEachColumn(Node, [&](const ::Node& Column) {
+        Statement.append(Statement.empty() ? L"SELECT " : L", ").append(FormatName(Column.Text())).append(LineBreak);
+    });
+    Statement.append(L"FROM ").append(m_BuildTable(SchemaOfTable(Node), Node.Text())).append(LineBreak);
+    return Statement;
+} catch (...) {
+    ReportError(Module, L"m_GetStmtSelectTable");
+    return {};
+}
+
+std::wstring frmSQLEditor::m_GetStmtInsertTable(const Node& Node) try {
+    if (!HasColumns(Node)) return {};
+    std::wstring Statement = L"INSERT INTO " + m_BuildTable(SchemaOfTable(Node), Node.Text()) + LineBreak;
+    const wchar_t* Before = L"( ";
+    ForEachColumn(Node, [&](const ::Node& Column) {
+        Statement.append(Before).append(FormatName(Column.Text())).append(LineBreak);
+        Before = L", ";
+    });
+    Statement.append(L") VALUES").append(LineBreak);
+    Before = L"( ";
+    ForEachColumn(Node, [&](const ::Node& Column) {
+        // The name as it stands: what is to be filled in is no identifier.
+        Statement.append(Before).append(Column.Text()).append(L"_value").append(LineBreak);
+        Before = L", ";
+    });
+    return Statement.append(L")");
+} catch (...) {
+    ReportError(Module, L"m_GetStmtInsertTable");
+    return {};
+}
+
+std::wstring frmSQLEditor::m_GetStmtUpdateTable(const Node& Node) try {
+    if (!HasColumns(Node)) return {};
+    const std::wstring Head = L"UPDATE " + m_BuildTable(SchemaOfTable(Node), Node.Text()) + LineBreak;
+    std::wstring SetList;
+    std::wstring WhereList;
+    ForEachColumn(Node, [&](const ::Node& Column) {
+        const std::wstring Assigned = FormatName(Column.Text()) + L" = value";
+        SetList.append(SetList.empty() ? L"SET " : L", ").append(Assigned).append(LineBreak);
+        WhereList.append(WhereList.empty() ? L"WHERE " : L" AND ").append(Assigned);
+        if (Column.Next()) WhereList.append(LineBreak);
+    });
+    return Head + SetList + WhereList;
+} catch (...) {
+    ReportError(Module, L"m_GetStmtUpdateTable");
+    return {};
+}
+
+// A TAB behind the keyword where UPDATE has blanks: the two forms differ on purpose.
+std::wstring frmSQLEditor::m_GetStmtDeleteTable(const Node& Node) try {
+    if (!HasColumns(Node)) return {};
+    std::wstring Statement = L"DELETE FROM " + m_BuildTable(SchemaOfTable(Node), Node.Text()) + LineBreak;
+    const wchar_t* Keyword = L"WHERE\t";
+    ForEachColumn(Node, [&](const ::Node& Column) {
+        Statement.append(Keyword).append(FormatName(Column.Text())).append(L" = value");
+        if (Column.Next()) Statement.append(LineBreak);
+        Keyword = L"AND\t";
+    });
+    return Statement;
+} catch (...) {
+    ReportError(Module, L"m_GetStmtDeleteTable");
+    return {};
+}
