@@ -16,24 +16,22 @@ inline constexpr CatalogueEntry SQLCommands[] = {
 inline constexpr CatalogueEntry SingleRowNumberFunctions[] = {
     {.Text = L"ABS(n)", .Description = L"Absolute value of n."},
     {.Text = L"CEIL(n)", .Description = L"Smallest whole number that is not less than n."},
-    {.Text = L"COS(n)", .Description = L"Cosine of n, where n is an angle in radians."},
+    {.Text = L"COS(n)", .Description = L"Cosine of an angle of n radians."},
     {.Text = L"COSH(n)", .Description = L"Hyperbolic cosine of n: half the sum of EXP(n) and EXP(-n)."},
     {.Text = L"EXP(n)", .Description = L"e (2.71828183...) raised to the power n."},
     {.Text = L"FLOOR(n)", .Description = L"Largest whole number that is not greater than n."},
     {.Text = L"LN(n)", .Description = L"Natural logarithm (base e) of n, which must be greater than 0."},
-    {.Text = L"LOG(m,n)",
-     .Description = L"Logarithm of n to the base m; m must be positive and other than 1, n must be positive."},
+    {.Text = L"LOG(m,n)", .Description = L"Logarithm of n to the base m; both must be positive, and m must not be 1."},
     {.Text = L"MOD(m,n)", .Description = L"Remainder of m divided by n, with the sign of m; m itself if n is 0."},
-    {.Text = L"POWER(m,n)", .Description = L"m raised to the power n; if m is negative, n must be an integer."},
+    {.Text = L"POWER(m,n)", .Description = L"m raised to the power n; a negative m requires an integer n."},
     {.Text = L"ROUND(n[,m])",
      .Description = L"n rounded to m decimal places; m defaults to 0, a negative m rounds digits left of the decimal "
                     L"point."},
-    {.Text = L"SIGN(n)",
-     .Description = L"Sign of the NUMBER n: -1 if n is negative, 0 if it is zero, 1 if it is positive."},
+    {.Text = L"SIGN(n)", .Description = L"Sign of n: -1 for a negative n, 0 for zero and 1 for a positive one."},
     {.Text = L"SIN(n)", .Description = L"Sine of an angle of n radians."},
     {.Text = L"SINH(n)", .Description = L"Hyperbolic sine of n: half the difference of EXP(n) and EXP(-n)."},
     {.Text = L"SQRT(n)", .Description = L"Square root of n, which must not be negative."},
-    {.Text = L"TAN(n)", .Description = L"Tangent of n, an angle expressed in radians."},
+    {.Text = L"TAN(n)", .Description = L"Tangent of an angle of n radians."},
     {.Text = L"TANH(n)", .Description = L"Hyperbolic tangent of n: SINH(n) divided by COSH(n)."},
     // DragDrop lacks the closing parenthesis, ExecuteText has it.
     {.Text = L"TRUNC(n[,m])",
@@ -46,34 +44,33 @@ inline constexpr CatalogueEntry SingleRowCharacterFunctions[] = {
     {.Text = L"CHR(n)", .Description = L"Character that has the code n in the database character set."},
     {.Text = L"CONCAT(s1,s2)", .Description = L"String s1 followed by string s2, the same as s1 || s2."},
     {.Text = L"INITCAP(s)",
-     .Description = L"String s, with the first letter of each word in uppercase and the other letters in lowercase. "
-                    L"Words end at any character that is not alphanumeric."},
+     .Description = L"String s, with the first letter of each word capitalized and the rest of it in lowercase. A "
+                    L"character that is neither letter nor digit ends a word."},
     {.Text = L"LOWER(s)", .Description = L"String s, with all letters in lowercase."},
     {.Text = L"LPAD(s1,n[,s2])",
-     .Description = L"String s1, left-padded to display length n with the characters of s2, which defaults to one "
-                    L"blank; if s1 is longer than n, its first n characters."},
+     .Description = L"String s1, left-padded to display length n with the characters of s2, by default one blank; an "
+                    L"s1 that is longer is cut to length n."},
     {.Text = L"LTRIM(s[,set])",
-     .Description = L"String s, without its leading characters up to the first one that is not in set; set defaults to "
-                    L"one blank."},
+     .Description = L"String s, without those leading characters that occur in set; set defaults to one blank."},
     {.Text = L"NLS_INITCAP(s [, nls_sort])",
-     .Description = L"String s, with each word capitalized by the linguistic rules of nls_sort, for example 'NLS_SORT "
-                    L"= XDutch'; defaults to the sort sequence of the session."},
+     .Description = L"String s, with each word capitalized by the rules of nls_sort, by default those of the session: "
+                    L"with 'NLS_SORT = XDutch', ijsland becomes IJsland."},
     {.Text = L"NLS_LOWER(s [, nls_sort)]",
-     .Description = L"String s in lowercase, by the linguistic rules of nls_sort, given as 'NLS_SORT = sort', or by "
-                    L"those of the session."},
+     .Description = L"String s, with all letters in lowercase by the linguistic rules of nls_sort, given as 'NLS_SORT "
+                    L"= sort'; it defaults to the sort sequence of the session."},
     {.Text = L"NLS_UPPER(s [, nls_sort])",
-     .Description = L"String s in uppercase, by the linguistic rules of nls_sort or of the session. The result can be "
-                    L"longer than s: with 'NLS_SORT = XGerman' a sharp s becomes SS."},
+     .Description = L"String s, with all letters in uppercase by the rules of nls_sort or of the session. It can grow "
+                    L"longer: with 'NLS_SORT = XGerman', a sharp s becomes SS."},
     {.Text = L"REPLACE(s,find[,replace])",
      .Description = L"String s, with every occurrence of string find replaced by the string replace.."},
     {.Text = L"RPAD(s1,n[,s2])",
      .Description = L"String s1, right-padded to display length n with the suquence of characters in s2."},
     {.Text = L"RTRIM(s[,set])",
-     .Description = L"String s, without its trailing characters back to the last one that is not in set; if set is "
-                    L"omitted, blanks are removed."},
+     .Description = L"String s, without those trailing characters that occur in set; if set is omitted, blanks are "
+                    L"removed."},
     {.Text = L"SOUNDEX(s)",
-     .Description = L"Phonetic code of string s, a letter and three digits, by which words that are spelled "
-                    L"differently but sound alike in English can be compared."},
+     .Description = L"Phonetic code of string s, a letter and three digits, the same for many words that sound alike "
+                    L"in English however they are spelled."},
     {.Text = L"SUBSTR(s,m[,n])",
      .Description = L"Part of string s that begins at character m and is n characters long, or extends to the end if n "
                     L"is omitted; a negative m counts from the end of s."},
@@ -84,20 +81,22 @@ inline constexpr CatalogueEntry SingleRowCharacterFunctions[] = {
      .Description = L"String s, with each character that occurs in from replaced by the corresponding character of to, "
                     L"or removed if to is too short to have one."},
     {.Text = L"UPPER(s)", .Description = L"String s, with all letters in uppercase."},
-    {.Text = L"ASCII(s)", .Description = L"Decimal code of the first character of s in the database character set."},
+    {.Text = L"ASCII(s)",
+     .Description = L"Code of the first character of s in the database character set, as a decimal number."},
     {.Text = L"INSTR(s1,s2[,n[,m]])",
-     .Description = L"Position of the mth occurrence of s2 in s1, searched from character n on, or 0 if there is none; "
-                    L"n and m default to 1, a negative n searches backward from the end."},
+     .Description = L"Position of the mth occurrence of s2 in s1, searched from character n on, or 0; n and m default "
+                    L"to 1, a negative n counts from the end and searches backward."},
     {.Text = L"INSTRB(s1,s2[,n[,m]])",
      .Description = L"Position of s2 in s1, like INSTR, but with the start n and the result in bytes instead of "
                     L"characters."},
     {.Text = L"LENGTH(s)",
-     .Description = L"Number of characters in string s, with the trailing blanks of a CHAR value; null if s is null."},
+     .Description = L"Number of characters in string s, including the trailing blanks of a CHAR value; null if s is "
+                    L"null."},
     {.Text = L"LENGTHB(s)",
      .Description = L"Length of string s in bytes, which in a single-byte character set equals LENGTH(s)."},
     {.Text = L"NLSSORT(s[, nls_sort])",
-     .Description = L"Bytes (RAW) by which string s is ordered in the linguistic sort sequence nls_sort, given as "
-                    L"'NLS_SORT = sort', or in that of the session."},
+     .Description = L"Sort key of string s, a RAW value whose bytes put strings in the order of nls_sort, given as "
+                    L"'NLS_SORT = sort', or of the session's sort sequence."},
 };
 
 inline constexpr CatalogueEntry GroupFunctions[] = {
@@ -123,8 +122,8 @@ inline constexpr CatalogueEntry GroupFunctions[] = {
 
 inline constexpr CatalogueEntry DateFunctions[] = {
     {.Text = L"ADD_MONTHS(d,n)",
-     .Description = L"Date d plus n months; the last day of the resulting month if d is the last day of its month or "
-                    L"its day does not exist there."},
+     .Description = L"Date d plus n months. The result is the last day of a month if d is one, or if the day of d does "
+                    L"not exist in that month."},
     {.Text = L"LAST_DAY(d)", .Description = L"Date of last day of month containing d."},
     {.Text = L"MONTHS_BETWEEN(d,e)", .Description = L"Number of months by which e prcedes d."},
     {.Text = L"NEW_TIME(d,zone1,zone2)",
@@ -135,7 +134,7 @@ inline constexpr CatalogueEntry DateFunctions[] = {
      .Description = L"Date of the first day after d that is the weekday s, a name or abbreviation in the date language "
                     L"of the session."},
     {.Text = L"SYSDATE",
-     .Description = L"Current date and time, to the second, as set for the operating system of the database server."},
+     .Description = L"Current date and time of the database server's clock, to the second, as a DATE value."},
 };
 
 inline constexpr CatalogueEntry ConversionFunctions[] = {
@@ -155,8 +154,8 @@ inline constexpr CatalogueEntry ConversionFunctions[] = {
     {.Text = L"RAWTOHEX(raw)", .Description = L"String that gives each byte of raw as two hexadecimal digits."},
     {.Text = L"ROWIDTOCHAR(rowid)", .Description = L"Row address rowid, converted to a string of 18 characters."},
     {.Text = L"TO_CHAR(expr [,fmt [, nls_num_fmt]] )",
-     .Description = L"Number or date expr, converted to a string in the format fmt; without fmt, a date takes the "
-                    L"session's default format and a number just its significant digits."},
+     .Description = L"Number or date expr, converted to a string in the format fmt, by default the session's date "
+                    L"format or all significant digits of the number."},
     {.Text = L"TO_DATE( s [,fmt [, nls_lang]] )",
      .Description = L"String s, which is a date in the format fmt, converted to a DATE value; fmt defaults to the "
                     L"session's date format, nls_lang is the language of month and day names."},
@@ -180,15 +179,19 @@ inline constexpr CatalogueEntry OtherFunctions[] = {
     {.Text = L"GREATEST( expr [,expr] ...)",
      .Description = L"Greatest of the listed values; null if any of them is null."},
     {.Text = L"LEAST( expr [,expr] ... )",
-     .Description = L"Least of the listed values; strings are compared without blank-padding."},
+     .Description = L"Least of the listed values; strings are compared without blank-padding, and a single null makes "
+                    L"the result null."},
     {.Text = L"NVL(expr1,expr2)", .Description = L"expr2 if expr1 is null, otherwise expr1."},
-    {.Text = L"UID", .Description = L"Integer that uniquely identifies the session user."},
-    {.Text = L"USER", .Description = L"Name of the session user, that is, the user who logged on."},
+    {.Text = L"UID",
+     .Description = L"Integer that identifies the user of the session, the USER_ID of that user in the view "
+                    L"ALL_USERS."},
+    {.Text = L"USER", .Description = L"Name of the database user as whom the session logged on."},
     {.Text = L"USERENV(option)",
      .Description = L"Information about the current session; option says which, for example 'SESSIONID', 'TERMINAL' or "
-                    L"'LANGUAGE'."},
+                    L"'LANGUAGE'. SYS_CONTEXT supersedes it from Oracle 8i on."},
     {.Text = L"VSIZE(expr)",
-     .Description = L"Number of bytes in the internal representation of expr; null if expr is null."},
+     .Description = L"Number of bytes that the value of expr takes up in the internal format of the database; null for "
+                    L"a null."},
 };
 
 // They take a prefix, except ROWNUM.
@@ -197,13 +200,15 @@ inline constexpr CatalogueEntry PseudoColumns[] = {
      .Description = L"Current value of sequence for the current session.",
      .DragDrop = L"sequence.CURRVAL"},
     {.Text = L"NEXTVAL",
-     .Description = L"Next value of sequence, which is advanced by its increment.",
+     .Description = L"Next value of sequence, generated once for each row that the statement handles, even where it is "
+                    L"named twice.",
      .DragDrop = L"sequence.NEXTVAL"},
     {.Text = L"LEVEL",
      .Description = L"1 for a root node, 2 for a child node, etc.",
      .DragDrop = L"[table.]LEVEL"},
     {.Text = L"ROWID",
-     .Description = L"Address of the row; usually the fastest way to reach a single row.",
+     .Description = L"Address of the row, made up of its data file, block and place in the block; access by it is "
+                    L"usually the fastest.",
      .DragDrop = L"[table.]ROWID"},
     {.Text = L"ROWNUM",
      .Description = L"Number of the row in the order in which the query selects its rows, beginning with 1 and "
@@ -221,8 +226,8 @@ inline constexpr CatalogueEntry DataTypes[] = {
      .Description = L"Variable-length raw binary data of up to 2 gigabytes, kept for compatibility: BLOB is "
                     L"preferred."},
     {.Text = L"MLSLABEL",
-     .Description = L"Operating system security label in binary form. Used by Trusted Oracle; standard Oracle accepted "
-                    L"it only for compatibility."},
+     .Description = L"Binary form of an operating system security label, as Trusted Oracle stores it. Standard Oracle "
+                    L"7 accepts the type, but such a column holds only nulls."},
     {.Text = L"NUMBER(p,s)",
      .Description = L"Number of up to p significant decimal digits (1 to 38), rounded to s places after the decimal "
                     L"point (-84 to 127)."},
@@ -230,8 +235,8 @@ inline constexpr CatalogueEntry DataTypes[] = {
      .Description = L"Variable-length raw binary data of at most size bytes, never converted between character sets; "
                     L"size must be given."},
     {.Text = L"RAW MLSLABEL",
-     .Description = L"Raw binary form of a Trusted Oracle security label, in which views of Oracle 7 and 8 such as "
-                    L"USER_JOBS show clearances."},
+     .Description = L"Raw binary form of a Trusted Oracle security label, the type of columns such as CLEARANCE_HI in "
+                    L"the view USER_JOBS of Oracle 7 and 8."},
     {.Text = L"ROWID",
      .Description = L"Address of a row in its table, as the pseudo column of the same name returns it; shown as a "
                     L"string of 18 characters."},
@@ -243,7 +248,9 @@ inline constexpr CatalogueEntry DataTypes[] = {
 inline constexpr CatalogueEntry FormatModels[] = {
     {.Text = L"CC", .Description = L"Century; Use SCC for BC dates."},
     {.Text = L"YYYY", .Description = L"4-digit year; Use SYYYY for a minus sign before BC dates."},
-    {.Text = L"IYYY", .Description = L"4-digit year of the ISO 8601 standard, to which the week of IW belongs."},
+    {.Text = L"IYYY",
+     .Description = L"4-digit year by the ISO 8601 standard, the year to which the week IW belongs; around January 1 "
+                    L"it can differ from YYYY."},
     {.Text = L"YEAR", .Description = L"Year, spelled out; Use SYEAR to mark BC dates with a minus sign."},
     {.Text = L"RR",
      .Description = L"2-digit year; when a string is converted to a date, the century is inferred from the two digits "
@@ -253,9 +260,10 @@ inline constexpr CatalogueEntry FormatModels[] = {
     {.Text = L"RM", .Description = L"Month as a Roman numeral, I (January) to XII."},
     {.Text = L"MONTH",
      .Description = L"Name of the month in the date language of the session, padded with blanks to the length of the "
-                    L"longest name."},
+                    L"longest name; Use Month for an initial capital only."},
     {.Text = L"MON",
-     .Description = L"Abbreviated name of the month in the date language of the session, such as JAN in English."},
+     .Description = L"Abbreviated name of the month in the date language of the session, such as JAN in English; Use "
+                    L"Mon for Jan."},
     {.Text = L"WW", .Description = L"Week of the year, 01 to 53; week 1 is January 1 to January 7."},
     {.Text = L"W", .Description = L"Week of the month, 1 to 5; week 1 is the first seven days of the month."},
     {.Text = L"IW",
@@ -268,8 +276,10 @@ inline constexpr CatalogueEntry FormatModels[] = {
     {.Text = L"DAY",
      .Description = L"Name of the weekday, padded with blanks to the length of the longest name; Use FMDAY to leave "
                     L"the blanks out."},
-    {.Text = L"DY", .Description = L"Abbreviated name of the weekday, such as MON in English."},
-    {.Text = L"J", .Description = L"Julian day, the number of days since January 1, 4712 BC."},
+    {.Text = L"DY",
+     .Description = L"Abbreviated name of the weekday in the date language of the session, such as MON in English; Use "
+                    L"Dy for Mon."},
+    {.Text = L"J", .Description = L"Julian day number; January 1, 4712 BC is day 1."},
     {.Text = L"HH", .Description = L"Hour of the 12-hour clock, 01 to 12; the same as HH12."},
     {.Text = L"HH24", .Description = L"Hour of the 24-hour clock, 00 to 23."},
     {.Text = L"MI", .Description = L"Minute of the hour, 00 to 59."},

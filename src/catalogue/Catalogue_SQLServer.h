@@ -18,12 +18,11 @@ inline constexpr CatalogueEntry SingleRowNumberFunctions[] = {
                     L"origin to the point with y = n1 and x = n2."},
     {.Text = L"CEILING(n)",
      .Description = L"Returns n rounded up to a whole number: the smallest one greater than or equal to n."},
-    {.Text = L"COS(n)", .Description = L"Returns the trigonometric cosine of the angle n, given in radians."},
+    {.Text = L"COS(n)", .Description = L"Returns the cosine of an angle of n radians as a float."},
     {.Text = L"COT(n)",
-     .Description = L"Returns the trigonometric cotangent of the angle n in radians, the reciprocal of TAN(n)."},
+     .Description = L"Returns the cotangent of an angle of n radians, the reciprocal of TAN(n), as a float."},
     {.Text = L"DEGREES(n)",
-     .Description = L"Returns an angle of n radians in degrees. The result has the type of n: an integer n gives an "
-                    L"integer number of degrees."},
+     .Description = L"Returns an angle of n radians in degrees. Where n is an integer, so is the result."},
     {.Text = L"EXP(n)",
      .Description = L"Returns the exponential value of n, that is e raised to the power n, as a float."},
     {.Text = L"FLOOR(n)",
@@ -47,10 +46,10 @@ inline constexpr CatalogueEntry SingleRowNumberFunctions[] = {
      .Description = L"Returns n rounded to length decimal places, or left of the decimal point if length is negative; "
                     L"a function other than 0 truncates n instead."},
     {.Text = L"SIGN(n)", .Description = L"Returns 1 if n is positive, 0 if it is zero or -1 if it is negative."},
-    {.Text = L"SIN(n)", .Description = L"Returns the trigonometric sine of the angle n, given in radians."},
+    {.Text = L"SIN(n)", .Description = L"Returns the sine of an angle of n radians as a float."},
     {.Text = L"SQUARE(n)", .Description = L"Returns n multiplied by itself, as a float."},
     {.Text = L"SQRT(n)", .Description = L"Returns the square root of n as a float; a negative n is an error."},
-    {.Text = L"TAN(n)", .Description = L"Returns the trigonometric tangent of the angle n, given in radians."},
+    {.Text = L"TAN(n)", .Description = L"Returns the tangent of an angle of n radians as a float."},
 };
 
 inline constexpr CatalogueEntry SingleRowCharacterFunctions[] = {
@@ -119,17 +118,17 @@ inline constexpr CatalogueEntry GroupFunctions[] = {
      .Description = L"Returns the average of all the values, or only the DISTINCT values, of n, without nulls. The "
                     L"average of integers is cut to an integer."},
     {.Text = L"STDEV(expr)",
-     .Description = L"Returns the statistical standard deviation of the values of expr, taken as a sample; NULL for a "
-                    L"single value."},
+     .Description = L"Returns the sample standard deviation of the values of expr as a float; NULL for a single "
+                    L"value."},
     {.Text = L"STDEVP(expr)",
-     .Description = L"Returns the statistical standard deviation of the values of expr, taken as the whole "
-                    L"population."},
+     .Description = L"Returns the standard deviation of the values of expr, taken as the whole population; 0 for a "
+                    L"single value."},
     {.Text = L"VAR(expr)",
-     .Description = L"Returns the statistical variance of the values of expr, taken as a sample: the divisor is their "
-                    L"number less 1."},
+     .Description = L"Returns the sample variance of the values of expr, with their number less 1 as the divisor; NULL "
+                    L"if there is only one."},
     {.Text = L"VARP(expr)",
-     .Description = L"Returns the statistical variance of the values of expr, taken as the whole population: the "
-                    L"divisor is their number."},
+     .Description = L"Returns the variance of the values of expr, taken as the whole population, with their number as "
+                    L"the divisor."},
     {.Text = L"BINARY_CHECKSUM( * | expression [, ...] )",
      .Description = L"Returns an int computed from the binary values of a row or a list of expressions; it usually "
                     L"differs once one of them has changed."},
@@ -140,8 +139,8 @@ inline constexpr CatalogueEntry GroupFunctions[] = {
      .Description = L"Returns an int checksum of the integer values in a group, which does not depend on the order of "
                     L"the rows. Nulls are left out."},
     {.Text = L"GROUPING( column_name )",
-     .Description = L"Returns 1 in a summary row in which ROLLUP or CUBE has set column_name to NULL, and 0 in any "
-                    L"other row.",
+     .Description = L"Returns 1 in a summary row in which ROLLUP, CUBE or GROUPING SETS has set column_name to NULL, "
+                    L"and 0 in any other row.",
      .ExecuteText = L""},
 };
 
@@ -158,7 +157,8 @@ inline constexpr CatalogueEntry DateFunctions[] = {
                     L"name in the language of the session.",
      .DragDrop = L"DATENAME( { yyyy | qq | mm | dy | dd | ww | hh | mi | ss | ms }, d )"},
     {.Text = L"DATEPART( datepart, d )",
-     .Description = L"Returns the specified part of date d as an integer.",
+     .Description = L"Returns the specified part of date d as an integer, for example dy, the day of the year, or ww, "
+                    L"the week of the year.",
      .DragDrop = L"DATEPART( { yyyy | qq | mm | dy | dd | ww | hh | mi | ss | ms }, d )"},
     {.Text = L"DAY(d)", .Description = L"Returns the day of the month of date d, an integer from 1 to 31."},
     {.Text = L"GETDATE()",
@@ -184,7 +184,7 @@ inline constexpr CatalogueEntry ConversionFunctions[] = {
 
 inline constexpr CatalogueEntry OtherFunctions[] = {
     {.Text = L"APP_NAME()",
-     .Description = L"Returns the application name of the current session, if the application has set one."},
+     .Description = L"Returns the name that the client application gave itself when it opened the session."},
     {.Text = L"CASE",
      .Description = L"Returns the expr3 of the first WHEN whose expr2 equals expr1; if there is none, returns expr4, "
                     L"or NULL without an ELSE.",
@@ -204,7 +204,8 @@ inline constexpr CatalogueEntry OtherFunctions[] = {
      .Description = L"Returns check_expr if it is not NULL, otherwise replace_expr converted to the data type of "
                     L"check_expr."},
     {.Text = L"NEWID()",
-     .Description = L"Creates a unique value of type uniqueidentifier and returns it; every call gives a new one."},
+     .Description = L"Returns a new globally unique identifier (GUID) of type uniqueidentifier, a different one at "
+                    L"every call."},
     {.Text = L"NULLIF(expr1, expr2)",
      .Description = L"Returns NULL if the two expressions are equal, otherwise the value of expr1."},
     // DragDrop ends with a blank.
@@ -215,8 +216,8 @@ inline constexpr CatalogueEntry OtherFunctions[] = {
     // Listed once more near the end of this section: both stay.
     {.Text = L"USER_NAME(n)", .Description = L"Returns a user database username from a given identification number n."},
     {.Text = L"@@CONNECTIONS",
-     .Description = L"Returns the number of connections attempted since SQL Server was last started, whether they "
-                    L"succeeded or not."},
+     .Description = L"Returns how many connections have been attempted since SQL Server was started, failed ones "
+                    L"included."},
     {.Text = L"@@DBTS",
      .Description = L"Returns the last timestamp (rowversion) value that was used in the current database."},
     {.Text = L"@@LANGUAGE",
@@ -225,8 +226,8 @@ inline constexpr CatalogueEntry OtherFunctions[] = {
      .Description = L"Returns the ID of the language that the session is using, as listed in the column langid of "
                     L"syslanguages."},
     {.Text = L"@@MAX_CONNECTIONS",
-     .Description = L"Returns the maximum number of simultaneous user connections that the server allows; fewer may be "
-                    L"configured."},
+     .Description = L"Returns how many users at most can be connected to the server at the same time; the configured "
+                    L"limit may be lower."},
     {.Text = L"@@SPID", .Description = L"Returns the ID of the current session, the server process ID, as a smallint."},
     {.Text = L"@@SERVERNAME",
      .Description = L"Returns the name of the local server; for a named instance, followed by a backslash and the "
@@ -262,33 +263,35 @@ inline constexpr CatalogueEntry DataTypes[] = {
     {.Text = L"BIGINT",
      .Description = L"Integer (whole number) data from -2^63 (-9223372036854775808) through 2^63-1 "
                     L"(9223372036854775807)."},
-    {.Text = L"BINARY", .Description = L"Fixed-length binary data of up to 8000 bytes; the default length is 1."},
-    {.Text = L"BIT", .Description = L"Integer data that is 1, 0 or NULL."},
+    {.Text = L"BINARY",
+     .Description = L"Fixed-length binary data of up to 8000 bytes; a column or variable without a stated length has 1 "
+                    L"byte."},
+    {.Text = L"BIT",
+     .Description = L"Integer data that is 0, 1 or NULL; up to eight columns of this type share one byte."},
     {.Text = L"CHAR",
-     .Description = L"Fixed-length character data of up to 8000 bytes, in the code page of the collation; the default "
-                    L"length is 1."},
+     .Description = L"Fixed-length character data of up to 8000 bytes, in the code page of the collation; a column or "
+                    L"variable without a stated length has 1 byte."},
     {.Text = L"CURSOR",
-     .Description = L"A reference to a cursor, for variables and OUTPUT parameters of procedures; a column cannot have "
-                    L"this type."},
+     .Description = L"A type for variables and OUTPUT parameters that refer to a cursor; columns cannot have it."},
     {.Text = L"DATETIME",
-     .Description = L"Date and time data from January 1, 1753, through December 31, 9999, with an accuracy of 3.33 "
-                    L"milliseconds."},
+     .Description = L"Date and time of day from January 1, 1753 to December 31, 9999, in 8 bytes and rounded to 1/300 "
+                    L"of a second."},
     // The last minus sign is an en dash.
     {.Text = L"DECIMAL", .Description = L"Fixed precision and scale numeric data from -10^38 +1 through 10^38 –1."},
     {.Text = L"FLOAT",
-     .Description = L"Floating point data from -1.79E+308 through 1.79E+308; by default 8 bytes, with 15 significant "
-                    L"digits."},
+     .Description = L"Approximate (floating point) numbers of up to 1.79E+308, positive or negative; FLOAT without a "
+                    L"precision takes 8 bytes and keeps 15 digits."},
     {.Text = L"IMAGE",
      .Description = L"Variable-length binary data of up to 2^31-1 (2147483647) bytes; superseded by VARBINARY(MAX) in "
                     L"SQL Server 2005."},
     {.Text = L"INT",
-     .Description = L"Integer (whole number) data from -2^31 (-2147483648) through 2^31-1 (2147483647)."},
+     .Description = L"Integer (whole number) data from -2^31 (-2147483648) through 2^31-1 (2147483647), in 4 bytes."},
     {.Text = L"MONEY",
-     .Description = L"Monetary data from -922337203685477.5808 through 922337203685477.5807, with an accuracy of a "
-                    L"ten-thousandth of a monetary unit."},
+     .Description = L"Monetary amounts from -922337203685477.5808 to 922337203685477.5807, with four decimal places "
+                    L"and in 8 bytes."},
     {.Text = L"NCHAR",
-     .Description = L"Fixed-length Unicode character data of up to 4000 characters of two bytes each; the default "
-                    L"length is 1."},
+     .Description = L"Fixed-length Unicode character data of up to 4000 characters of two bytes each, filled up with "
+                    L"blanks."},
     {.Text = L"NTEXT",
      .Description = L"Variable-length Unicode character data of up to 2^30-1 (1073741823) characters; superseded by "
                     L"NVARCHAR(MAX) in SQL Server 2005."},
@@ -299,25 +302,28 @@ inline constexpr CatalogueEntry DataTypes[] = {
      .Description = L"Variable-length Unicode character data of up to 4000 characters of two bytes each; "
                     L"NVARCHAR(MAX), from SQL Server 2005 on, holds up to 2 gigabytes."},
     {.Text = L"REAL",
-     .Description = L"Floating point data from -3.40E+38 through 3.40E+38, in 4 bytes with 7 significant digits."},
+     .Description = L"Approximate (floating point) numbers of up to 3.40E+38, positive or negative, in 4 bytes and "
+                    L"with 7 significant digits; the same as FLOAT(24)."},
     {.Text = L"SMALLDATETIME",
-     .Description = L"Date and time data from January 1, 1900, through June 6, 2079, with an accuracy of one minute."},
-    {.Text = L"SMALLINT", .Description = L"Integer (whole number) data from -2^15 (-32768) through 2^15-1 (32767)."},
+     .Description = L"Date and time of day from January 1, 1900 to June 6, 2079, in 4 bytes and rounded to the "
+                    L"minute."},
+    {.Text = L"SMALLINT",
+     .Description = L"Integer (whole number) data from -2^15 (-32768) through 2^15-1 (32767), in 2 bytes."},
     {.Text = L"SMALLMONEY",
-     .Description = L"Monetary data from -214748.3648 through 214748.3647, in 4 bytes and as accurate as MONEY."},
+     .Description = L"Monetary amounts from -214748.3648 to 214748.3647, with four decimal places and in 4 bytes."},
     {.Text = L"SQL_VARIANT",
-     .Description = L"A data type that stores values of other data types, each with its own type; TEXT, NTEXT, IMAGE "
-                    L"and TIMESTAMP are among the excluded ones."},
+     .Description = L"A type whose values can each have another base type, such as INT or VARCHAR; TEXT, NTEXT, IMAGE "
+                    L"and TIMESTAMP are among those excluded."},
     {.Text = L"TABLE", .Description = L"A special data type used to store a result set for later processing."},
     {.Text = L"TEXT",
      .Description = L"Variable-length non-Unicode data of up to 2^31-1 (2147483647) bytes; superseded by VARCHAR(MAX) "
                     L"in SQL Server 2005."},
     {.Text = L"TIMESTAMP",
-     .Description = L"An 8-byte binary number that is unique in the database and changes whenever its row is inserted "
+     .Description = L"An 8-byte binary number, unique in the database, that is set anew whenever its row is inserted "
                     L"or updated; it holds no date or time."},
     {.Text = L"TINYINT", .Description = L"Integer (whole number) data from 0 through 255, in one byte."},
     {.Text = L"UNIQUEIDENTIFIER",
-     .Description = L"A globally unique identifier (GUID) of 16 bytes, such as NEWID() creates."},
+     .Description = L"A globally unique identifier (GUID) in 16 bytes, such as NEWID() creates."},
     {.Text = L"VARBINARY",
      .Description = L"Variable-length binary data of up to 8000 bytes; VARBINARY(MAX), from SQL Server 2005 on, holds "
                     L"up to 2^31-1 bytes."},
@@ -337,8 +343,7 @@ inline constexpr CatalogueEntry PseudoColumns[] = {
     {.Text = L"SYSTEM_USER",
      .Description = L"Returns the name of the current login, in the form DOMAIN\\name with Windows Authentication; the "
                     L"database user may have another name."},
-    {.Text = L"USER",
-     .Description = L"Returns the database user name of the current user; the short form of CURRENT_USER."},
+    {.Text = L"USER", .Description = L"Returns the database user name of the current user, the same as CURRENT_USER."},
 };
 
 inline constexpr CatalogueEntry SQLCommands[] = {
