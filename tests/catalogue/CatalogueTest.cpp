@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cwctype>
 #include <map>
 #include <set>
 #include <tuple>
@@ -292,17 +293,45 @@ TEST(CatalogueTest, UserNameIsListedTwiceWithTheSameTexts) {
 }
 
 TEST(CatalogueTest, DescriptionsThatUsersKnowStayAsTheyAre) {
+    ExpectDescription(0, L"@", L"Executes the SQL in a file.");
     ExpectDescription(1, L":", L"Create a bind parameter e.g. :my_param or a bound cell e.g. :A1.");
     ExpectDescription(2, L"&", L"Create a substitution parameter e.g. &my_param. :A1.");
+    ExpectDescription(3, L"ACCEPT", L"Reads input from the user and stores it in a substitution variable.");
     ExpectDescription(4, L"BREAK",
                       L"Specifies how formatting with change in a report: suppress duplicate values, skip lines when "
                       L"column value changes.");
+    ExpectDescription(5, L"CLEAR", L"Resets or removes the current setting for the specified option.");
+    ExpectDescription(6, L"COLUMN FORMAT", L"Sets the formatting attributes for the given column.");
+    ExpectDescription(7, L"COLUMN HEADING", L"Sets the heading text for the given column.");
+    ExpectDescription(8, L"CONNECT", L"Connects to the database.");
+    ExpectDescription(9, L"DESCRIBE", L"Lists the column definitions for the given table or view.");
+    ExpectDescription(10, L"DEFINE", L"Defines a bind variable or prints the details of a bind variable.");
+    ExpectDescription(11, L"DISCONNECT", L"Disconnects from the database.");
     ExpectDescription(12, L"HELP", L"Displays the Kolvex Omnia help file.");
     ExpectDescription(13, L"HOST", L"Executes a operating system command.");
+    ExpectDescription(14, L"PAUSE", L"Shows the specified message in a message box.");
+    ExpectDescription(15, L"PROMPT", L"Shows the specified message in a message box.");
+    ExpectDescription(16, L"RECORDSET_FROM_PROC",
+                      L"Retrieves a recordset (output cursor or ref cursor) from a database procedure.");
+    ExpectDescription(17, L"REMARK", L"Begins a comment in a command file.");
+    ExpectDescription(18, L"SET FEEDBACK", L"Prints a feedback line under the retrieved data.");
     ExpectDescription(19, L"SET LONG",
                       L"Specifies how many characters are printed for a LongVarchar column; Long (Oracle) or Text "
                       L"(Sql Server).");
+    ExpectDescription(20, L"SET PAGESIZE", L"Sets the size of the page in rows. Used when page breaks are defined.");
+    ExpectDescription(21, L"SET TIMING", L"Times the execution of each command.");
+    ExpectDescription(22, L"START", L"Executes the SQL in a file.");
+    ExpectDescription(23, L"UNDEFINE", L"Undefines a substitution (&) variable.");
     ExpectDescription(24, L"VARIABLE", L"Defines bind (:) variables..");
+    ExpectDescription(25, L"COMMIT", L"Saves the changes in the current transaction to the database.");
+    ExpectDescription(26, L"CREATE TABLE", L"Creates a new table.");
+    ExpectDescription(27, L"CREATE VIEW", L"Creates a new view of one or more tables and/or views.");
+    ExpectDescription(28, L"DELETE", L"Removes rows from a table.");
+    ExpectDescription(29, L"DROP", L"Removes objects from the database.");
+    ExpectDescription(30, L"DROP VIEW", L"Deletes a database view.");
+    ExpectDescription(31, L"INSERT", L"Adds new rows to a table.");
+    ExpectDescription(32, L"SELECT", L"Queries one or more tables or views.");
+    ExpectDescription(33, L"ROLLBACK", L"Undoes all changes made.");
     ExpectDescription(34, L"UPDATE",
                       L"Changes the values of columns in rows that meet the where condition in a table.");
     ExpectDescription(36, L"ABS(n)", L"Absolute value of n.");
@@ -356,6 +385,41 @@ TEST(CatalogueTest, NoTwoEntriesShareASentence) {
             EXPECT_TRUE(fresh) << Where(item) << L" says the same as " << place->second << L": " << sentence;
         }
     }
+}
+
+// The others are the product's own words and keep to stricter rules than the ones that users know.
+TEST(CatalogueTest, DescriptionsOfOurOwnSayEnoughAndEachItsOwn) {
+    const std::set<long> known = {36,  53,  63,  64,  77,  86,  87,  99,  101, 110, 112, 115, 125,
+                                  149, 173, 196, 210, 226, 233, 248, 250, 256, 270, 277, 282};
+    constexpr size_t sensibleLength = 25;
+    const auto lettersOf = [](const std::wstring& text) {
+        std::wstring letters;
+        for (const wchar_t c : text) {
+            if (std::iswalnum(c)) letters += wchar_t(std::towlower(c));
+        }
+        return letters;
+    };
+    const auto isKnown = [&](const Item& item) { return item.Id <= 34 || known.count(item.Id); };
+    std::set<std::wstring> seen;
+    for (const Item& item : Items()) {
+        if (isKnown(item)) seen.insert(lettersOf(item.Description));
+    }
+    int checked = 0;
+    for (const Item& item : Items()) {
+        if (isKnown(item)) continue;
+        ++checked;
+        const std::wstring& text = item.Description;
+        EXPECT_TRUE(seen.insert(lettersOf(text)).second) << Where(item) << L" says the same as another: " << text;
+        EXPECT_GE(text.size(), sensibleLength) << Where(item) << L": " << text;
+        EXPECT_TRUE(text.ends_with(L'.')) << Where(item) << L": " << text;
+        EXPECT_EQ(text.npos, text.find(L"..", text.size() - 2)) << Where(item) << L": " << text;
+        EXPECT_EQ(std::count(text.begin(), text.end(), L'('), std::count(text.begin(), text.end(), L')'))
+            << Where(item) << L": " << text;
+        if (item.Section->DBType == 8 && item.Section->Category != L"Data Types") {
+            EXPECT_TRUE(StartsWith(text, L"Returns ")) << Where(item) << L": " << text;
+        }
+    }
+    EXPECT_EQ(283 - 35 - int(known.size()), checked);
 }
 
 TEST(CatalogueTest, DescriptionsAreSentences) {
