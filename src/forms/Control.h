@@ -63,7 +63,7 @@ public:
     void SendToBack();
     // Puts the control behind another one of the same container; the Tab key comes to it after that one.
     void PlaceBehind(const Control& other);
-    void SetFocus();
+    virtual void SetFocus();
     bool HasFocus() const noexcept;
     // The control does not own the font.
     virtual void SetFont(HFONT font);
@@ -124,6 +124,7 @@ protected:
     virtual POINT MenuPoint() const;
 
 private:
+    friend class PaintingHeld;
     static LRESULT CALLBACK Thunk(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
     void PlaceAfter(HWND after);
     void FollowMouse(UINT message, WPARAM wParam, LPARAM lParam) noexcept;
@@ -136,6 +137,7 @@ private:
     float width_ = 0;
     float height_ = 0;
     bool visible_ = true;
+    int paintingHeld_ = 0;
     int leftEdge_ = 0;
     int rightEdge_ = 0;
     bool pressed_ = false;  // the left button went down here, at press_

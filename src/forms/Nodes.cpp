@@ -276,6 +276,10 @@ Node TreeView::NodeOf(LPARAM parameter) noexcept {
     return Node::Of(reinterpret_cast<Node::Item*>(parameter));
 }
 
+bool TreeView::IsLiving(const Node& node) noexcept {
+    return node.item_ != nullptr && node.item_->Owner != nullptr;
+}
+
 HTREEITEM TreeView::MirrorOf(const Node& node) {
     return node.Living().Mirror;
 }

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "forms/Events.h"
+#include "forms/Painting.h"
 
 namespace {
 
@@ -74,6 +75,15 @@ Node TreeView::NodeAt(LPARAM point, bool& button) const {
     return Send(TVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&item)) ? NodeOf(item.lParam) : Node();
 }
 
+void TreeView::SetFocus() {
+    const bool selected = static_cast<bool>(SelectedItem());
+    focusing_ = true;
+    ::SetFocus(Handle());
+    focusing_ = false;
+    if (!selected && SelectedItem()) SetSelectedItem({});
+    Events::Rethrow();
+}
+
 std::wstring TreeView::DragCaption() const {
     const Node selected = SelectedItem();
     return selected ? selected.Text() : std::wstring();
@@ -98,19 +108,30 @@ POINT TreeView::MenuPoint() const {
 // The control's own "*" goes on whatever happens, and cannot be interrupted.
 void TreeView::ExpandAll(const Node& node) {
     stopExpanding_ = false;
-    std::vector<Node> open{node};
-    while (!open.empty() && !stopExpanding_) {
-        const Node next = open.back();
-        open.pop_back();
-        if (next.Children() == 0) continue;
-        next.SetExpanded(true);
+    const WaitCursor wait;
+    const PaintingHeld held(*this);
+    std::vector<Node> waiting{node};
+    std::vector<Node> opened;
+    while (!waiting.empty() && !stopExpanding_) {
+        const Node next = waiting.back();
+        waiting.pop_back();
+        if (!IsLiving(next) || next.Children() == 0) continue;
+        if (MarkExpanded(next, true) && Expand) Expand(next);
+        if (!IsLiving(next)) continue;
+        opened.push_back(next);
         std::vector<Node> below;
         for (Node child = next.Child(); child; child = child.Next()) below.push_back(child);
-        open.insert(open.end(), below.rbegin(), below.rend());
+        waiting.insert(waiting.end(), below.rbegin(), below.rend());
+        if (HIWORD(GetQueueStatus(QS_KEY)) == 0) continue;
         MSG key;
         while (PeekMessageW(&key, nullptr, WM_KEYFIRST, WM_KEYLAST, PM_REMOVE)) {
             if (key.message == WM_KEYDOWN && key.wParam == VK_ESCAPE) stopExpanding_ = true;
         }
+    }
+    // From the innermost outwards: a branch that does not show yet costs no layout.
+    const Quiet quiet(quiet_);
+    for (auto branch = opened.rbegin(); branch != opened.rend(); ++branch) {
+        if (IsLiving(*branch)) Send(TVM_EXPAND, TVE_EXPAND, reinterpret_cast<LPARAM>(MirrorOf(*branch)));
     }
 }
 
@@ -154,7 +175,23 @@ LRESULT TreeView::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
         case WM_RBUTTONUP:
             RaiseMouse(MouseUp, MouseButton::Right, lParam);
             return 0;
+        case WM_SETFOCUS: {
+            const bool selected = static_cast<bool>(SelectedItem());
+            const LRESULT result = Control::OnMessage(message, wParam, lParam);
+            if (!selected && !focusing_ && SelChange) {
+                if (const Node first = SelectedItem()) SelChange(first);
+            }
+            return result;
+        }
         case WM_KEYDOWN:
+            if (wParam >= VK_PRIOR && wParam <= VK_DOWN && !SelectedItem()) {
+                // Nothing to move from: the keys begin at the first node.
+                if (nodes_.Count() == 0) break;
+                const Node first = nodes_.Item(1).FirstSibling();
+                SetSelectedItem(first);
+                if (NodeClick) NodeClick(first);
+                return 0;
+            }
             if (wParam == VK_MULTIPLY) {
                 if (const Node selected = SelectedItem()) ExpandAll(selected);
                 return 0;

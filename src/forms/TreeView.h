@@ -25,7 +25,12 @@ public:
     // clicked. The node is selected when the button goes down and clicked when it comes up, unless it was dragged
     // meanwhile.
     NodeEvent NodeClick;
-    NodeEvent SelChange;  // another program, such as a screen reader, has selected a node: no click
+    // A node was selected without a click: by another program, such as a screen reader, or since the Tab key came to a tree
+    // without a selection.
+    NodeEvent SelChange;
+
+    // Selects nothing, where the control by itself would select its first node with the focus that comes to it.
+    void SetFocus() override;
 
     // While the "*" key opens a branch with everything below it: open no further ones.
     void StopExpanding() noexcept { stopExpanding_ = true; }
@@ -44,6 +49,7 @@ private:
     void SetExpanded(const Node& node, bool expanded);
     void DeleteMirror(HTREEITEM item);
     static Node NodeOf(LPARAM parameter) noexcept;
+    static bool IsLiving(const Node& node) noexcept;  // not removed
     static HTREEITEM MirrorOf(const Node& node);
     static bool MarkExpanded(const Node& node, bool expanded);
 
@@ -56,5 +62,6 @@ private:
     bool clicking_ = false;  // the left button went down on clicked_, or on empty space
     Node clicked_;
     bool stopExpanding_ = false;
+    bool focusing_ = false;  // the focus comes from the program
     bool quiet_ = false;  // a change of our own is under way: its notifications are not events
 };

@@ -1,104 +1,19 @@
 #include <windows.h>
 #include <commctrl.h>
 
-#include "Fakes.h"
+#include "Browsed.h"
 #include "automation/App.h"
 
 namespace {
 
 constexpr long Base = ObjectErrorBase;
 
-class BrowserTest : public ComponentFixture {
+class BrowserTest : public BrowsedFixture {
 protected:
-    BrowserTest() {
-        Database.DictionaryMembers[L"Schemas"] = [](const Arguments&) {
-            return Variant(MakeCollection({Variant(L"HR"), Variant(L""), Variant::Null(), Variant(L"Sales & Co")}));
-        };
-        Database.DictionaryMembers[L"Objects"] = [this](const Arguments& a) {
-            Asked = a[0].ToText() + L"," + (a[1].IsNull() ? std::wstring(L"<null>") : a[1].ToText()) + L"," + a[2].ToText() + L"," +
-                    (a[3].ToBoolean() ? L"all" : L"own");
-            return Variant(MakeCollection({Variant(L"ORDERS"), Variant(L"odd \"name\"")}));
-        };
-        Database.DictionaryMembers[L"Columns"] = [this](const Arguments& a) {
-            Asked = (a[0].IsNull() ? std::wstring(L"<null>") : a[0].ToText()) + L"," + a[1].ToText();
-            return Variant(MakeCollection({Column(L"ID", 3L), Column(L"NAME", L"text")}));
-        };
-        Database.DictionaryMembers[L"DataTypeDesc"] = [](const Arguments& a) {
-            return Variant(L"type " + a[0].ToText() + L"/" + a[1].ToText());
-        };
-    }
-    static Variant Property(const Variant& name, const Variant& value, const Variant& attribute = Variant(7L), long lower = 0) {
-        return Variant::ArrayOf({name, value, attribute}, lower);
-    }
-    static Variant Column(const wchar_t* name, const Variant& type) {
-        return Variant(MakeCollection({Property(L"TABLE_CAT", Variant::Null()), Property(L"COLUMN_NAME", name, Variant(), 1),
-                                       Property(L"DATA_TYPE", type), Property(L"NULLABLE", Variant::Null())}));
-    }
-
-    // ---- the tree as it is shown
-    static HWND Tree() { return GetDlgItem(GetDlgItem(EditorWindow::Find(), 1020), 1030); }
-    static HTREEITEM Next(UINT relation, HTREEITEM item) {
-        return reinterpret_cast<HTREEITEM>(SendMessageW(Tree(), TVM_GETNEXTITEM, relation, reinterpret_cast<LPARAM>(item)));
-    }
-    static std::wstring Text(HTREEITEM item) {
-        wchar_t text[300]{};
-        TVITEMW read{};
-        read.mask = TVIF_TEXT;
-        read.hItem = item;
-        read.pszText = text;
-        read.cchTextMax = 300;
-        SendMessageW(Tree(), TVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&read));
-        return text;
-    }
-    // The item at the end of child positions, from the root.
-    static HTREEITEM At(std::initializer_list<int> path) {
-        HTREEITEM item = Next(TVGN_ROOT, nullptr);
-        for (int position : path) {
-            item = Next(TVGN_CHILD, item);
-            while (position-- > 0 && item != nullptr) item = Next(TVGN_NEXT, item);
-        }
-        return item;
-    }
-    static std::wstring Children(HTREEITEM item) {
-        std::wstring texts;
-        for (HTREEITEM child = Next(TVGN_CHILD, item); child != nullptr; child = Next(TVGN_NEXT, child)) {
-            texts += (texts.empty() ? L"" : L"|") + Text(child);
-        }
-        return texts;
-    }
-    // As a user does it, by the keyboard.
-    static void Press(HTREEITEM item, WPARAM key) {
-        SendMessageW(Tree(), TVM_SELECTITEM, TVGN_CARET, reinterpret_cast<LPARAM>(item));
-        SendMessageW(Tree(), WM_KEYDOWN, key, 1);
-    }
-    static void Open(HTREEITEM item) { Press(item, VK_RIGHT); }
-    static void Shut(HTREEITEM item) { Press(item, VK_LEFT); }
-
-    void Inside(const std::function<void()>& work) {
-        const Object editor = Dll.Create();
-        editor.Call(L"Constructor", Database.Make());
-        DisplayAndClose(editor, L"select 1", work);
-    }
-    // Answers the next message box with its default button; what it said is kept.
-    static inline std::wstring BoxText, BoxTitle;
-    static inline int Boxes = 0;
-    static void AnswerBoxes() {
-        Boxes = 0;
-        SetTimer(nullptr, 0, 20, [](HWND, UINT, UINT_PTR id, DWORD) WINAPI {
-            const HWND box = FindWindowW(L"#32770", nullptr);
-            if (box == nullptr) return;
-            KillTimer(nullptr, id);
-            ++Boxes;
-            wchar_t text[500]{};
-            GetWindowTextW(box, text, 500);
-            BoxTitle = text;
-            GetDlgItemTextW(box, 0xFFFF, text, 500);
-            BoxText = text;
-            PostMessageW(box, WM_COMMAND, IDCANCEL, 0);
-            PostMessageW(box, WM_COMMAND, IDOK, 0);
-        });
-    }
-    std::wstring Asked;
+    HTREEITEM At(std::initializer_list<int> path) const { return Tree.At(path); }
+    std::wstring Children(HTREEITEM item) const { return Tree.Children(item); }
+    void Open(HTREEITEM item) const { Tree.Open(item); }
+    void Shut(HTREEITEM item) const { Tree.Shut(item); }
 };
 
 }  // namespace
@@ -178,7 +93,7 @@ TEST_F(BrowserTest, ADatabaseWithoutSchemasHasTheCurrentOne) {
         asked = a[0].ToText() + L"," + (a[1].ToBoolean() ? L"all" : L"own");
         return Variant::Nothing();
     };
-    Inside([] {
+    Inside([this] {
         Open(At({}));
         EXPECT_EQ(L"Current Schema", Children(At({})));
     });
@@ -190,21 +105,21 @@ TEST_F(BrowserTest, AMissingDictionaryIsToldInTheWordsOfTheDatabaseType) {
     Database.DictionaryMembers[L"Objects"] = [](const Arguments&) -> Variant { RaiseError(Base + 1, L"brvADO", L"none"); };
     for (const long type : {4L, 1L}) {
         Database.Members[L"DBType"] = [type](const Arguments&) { return Variant(type); };
-        Inside([] {
+        BoxAnswerer box;
+        Inside([this] {
             Open(At({}));
             Open(At({0}));
-            AnswerBoxes();
             Open(At({0, 0}));
             EXPECT_EQ(L"", Children(At({0, 0})));
         });
-        EXPECT_EQ(1, Boxes);
-        EXPECT_EQ(App::Title, BoxTitle);
+        EXPECT_EQ(1, box.Boxes);
+        EXPECT_EQ(App::Title, box.Title);
         if (type == 1) {
-            EXPECT_EQ(0U, BoxText.find(L"Active directory does not support this feature. Use the LDAP path as table name. "));
-            EXPECT_NE(std::wstring::npos, BoxText.find(L"select * from 'LDAP://DC=example,DC=com'"));
+            EXPECT_EQ(0U, box.Text.find(L"Active directory does not support this feature. Use the LDAP path as table name. "));
+            EXPECT_NE(std::wstring::npos, box.Text.find(L"select * from 'LDAP://DC=example,DC=com'"));
         } else {
             EXPECT_EQ(L"No database dictionary information could be found. You may want to try a different driver / provider.",
-                      BoxText);
+                      box.Text);
         }
     }
     EXPECT_EQ(L"", Errors.Places());
@@ -214,17 +129,17 @@ TEST_F(BrowserTest, ColumnsThatCannotBeReadAreToldInTheHostsWords) {
     Database.DictionaryMembers[L"Columns"] = [](const Arguments&) -> Variant {
         RaiseError(Base + 10, L"brvADO", L"The table has gone.");
     };
-    Inside([] {
+    BoxAnswerer box;
+    Inside([this] {
         Open(At({}));
         Open(At({0}));
         Open(At({0, 0}));
-        AnswerBoxes();
         Open(At({0, 0, 0}));
         EXPECT_EQ(L"", Children(At({0, 0, 0, 0})));
     });
-    EXPECT_EQ(1, Boxes);
-    EXPECT_EQ(L"SQL Editor", BoxTitle);
-    EXPECT_EQ(L"The table has gone.", BoxText);
+    EXPECT_EQ(1, box.Boxes);
+    EXPECT_EQ(L"SQL Editor", box.Title);
+    EXPECT_EQ(L"The table has gone.", box.Text);
     EXPECT_EQ(L"", Errors.Places());
 }
 
@@ -232,7 +147,7 @@ TEST_F(BrowserTest, AnotherErrorIsReportedAndLeavesWhatWasBuilt) {
     Database.DictionaryMembers[L"Objects"] = [](const Arguments&) {
         return Variant(MakeCollection({Variant(L"A"), Variant::Null(), Variant(L"B")}));
     };
-    Inside([] {
+    Inside([this] {
         Open(At({}));
         Open(At({0}));
         Open(At({0, 0}));
@@ -247,19 +162,19 @@ TEST_F(BrowserTest, AFullTreeIsToldOnceAndStaysWithinItsLimit) {
         for (int at = 0; at < 11000; ++at) names.push_back(Variant(L"T" + std::to_wstring(at)));
         return Variant(MakeCollection(std::move(names)));
     };
-    Inside([] {
+    BoxAnswerer box;
+    Inside([this] {
         Open(At({}));
         Open(At({0}));
-        AnswerBoxes();
         Open(At({0, 0}));
-        EXPECT_EQ(32767, SendMessageW(Tree(), TVM_GETCOUNT, 0, 0) & 0xFFFF);
+        EXPECT_EQ(32767, Tree.Count());
         Shut(At({0, 0}));
         EXPECT_EQ(L"(undefined)|(undefined)", Children(At({0, 0})));
     });
-    EXPECT_EQ(1, Boxes);
-    EXPECT_EQ(App::Title, BoxTitle);
+    EXPECT_EQ(1, box.Boxes);
+    EXPECT_EQ(App::Title, box.Title);
     EXPECT_EQ(L"Exceeded the maximum number of items in the database object list. Try collapsing/closing a few branches and try "
               L"it again.",
-              BoxText);
+              box.Text);
     EXPECT_EQ(L"", Errors.Places());
 }

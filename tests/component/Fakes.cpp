@@ -279,6 +279,15 @@ void EditorWindow::Choose(const wchar_t* menu, const wchar_t* entry) {
             SendMessageW(window, WM_COMMAND, GetMenuItemID(popup, below), 0);
             return;
         }
+        for (int below = 0; below < GetMenuItemCount(popup); ++below) {
+            const HMENU inner = GetSubMenu(popup, below);
+            for (int task = 0; inner != nullptr && task < GetMenuItemCount(inner); ++task) {
+                GetMenuStringW(inner, static_cast<UINT>(task), text, 200, MF_BYPOSITION);
+                if (Plain(text) != entry) continue;
+                SendMessageW(window, WM_COMMAND, GetMenuItemID(inner, task), 0);
+                return;
+            }
+        }
     }
     ADD_FAILURE() << "no such menu entry";
 }
