@@ -2,6 +2,7 @@
 
 #include <windows.h>
 #include <commctrl.h>
+#include <richedit.h>
 
 #include <cstdio>
 #include <cstdlib>
@@ -34,6 +35,9 @@ constexpr char Help[] =
     "  menus                     lists the menu bar\n"
     "  tree [N]                  lists tree control N with its texts; +/- says expanded or not, * selected\n"
     "  list [N]                  lists list box N; * says selected\n"
+    "  node N TEXT | row N ROW | tab N | character POSITION\n"
+    "                            prints where it is on the screen: x y (rows and positions from 1)\n"
+    "  selection                 prints the editor's selection: from to, characters as the control counts them\n"
     "  dialog TEXT [BUTTON [ID=VALUE...]]\n"
     "                            waits for a dialog or message box that contains TEXT, prints its texts, fills the\n"
     "                            controls with these ids, and presses BUTTON\n"
@@ -304,6 +308,74 @@ void ListTree(const Arguments& arguments) {
     print(Send(tree, TVM_GETNEXTITEM, TVGN_ROOT), 0);
 }
 
+// --- places on the screen, for whoever moves a real mouse
+// ---------------------------------------------------------------------------------------------------------
+
+void PrintPlace(HWND window, POINT point) {
+    ClientToScreen(window, &point);
+    PrintLine(std::to_wstring(point.x) + L" " + std::to_wstring(point.y));
+}
+
+// The beginning of the text of the first node that shows and has the text.
+void NodePlace(const Arguments& arguments) {
+    HWND tree = DescendantOfClass(WaitForEditor(), WC_TREEVIEWW, NumberAt(arguments, 1));
+    const std::wstring wanted = arguments.size() > 2 ? arguments[2] : std::wstring();
+    constexpr size_t Capacity = 1024;
+    RemoteMemory memory(tree, sizeof(TVITEMW) + Capacity * sizeof(wchar_t));
+    for (LRESULT item = Send(tree, TVM_GETNEXTITEM, TVGN_FIRSTVISIBLE); item;
+         item = Send(tree, TVM_GETNEXTITEM, TVGN_NEXTVISIBLE, item)) {
+        TVITEMW request = {};
+        request.mask = TVIF_TEXT | TVIF_HANDLE;
+        request.hItem = reinterpret_cast<HTREEITEM>(item);
+        request.pszText = reinterpret_cast<wchar_t*>(memory.Address(sizeof(TVITEMW)));
+        request.cchTextMax = Capacity;
+        memory.Write(&request, sizeof request);
+        if (!Send(tree, TVM_GETITEMW, 0, memory.Address()) || memory.ReadText(Capacity, sizeof(TVITEMW)) != wanted) continue;
+        RECT rect = {};
+        memory.Write(&rect, sizeof rect);
+        memory.Write(&item, sizeof(HTREEITEM));
+        if (!Send(tree, TVM_GETITEMRECT, TRUE, memory.Address())) break;
+        memory.Read(&rect, sizeof rect);
+        PrintPlace(tree, {rect.left + 4, (rect.top + rect.bottom) / 2});
+        return;
+    }
+    throw Failure(NotFound, "no such node shows");
+}
+
+void TabPlace(const Arguments& arguments) {
+    HWND button = DescendantOfClass(WaitForEditor(), L"BUTTON", NumberAt(arguments, 1));
+    RECT rect;
+    GetClientRect(button, &rect);
+    PrintPlace(button, {rect.right / 2, rect.bottom / 2});
+}
+
+void RowPlace(const Arguments& arguments) {
+    HWND list = DescendantOfClass(WaitForEditor(), L"LISTBOX", NumberAt(arguments, 1));
+    // Below WM_USER the system carries what pointers point to across by itself.
+    RECT rect;
+    if (Send(list, LB_GETITEMRECT, NumberAt(arguments, 2) - 1, reinterpret_cast<LPARAM>(&rect)) == LB_ERR)
+        throw Failure(NotFound, "no such row");
+    PrintPlace(list, {rect.left + 8, (rect.top + rect.bottom) / 2});
+}
+
+void CharacterPlace(const Arguments& arguments) {
+    HWND editor = Editor(WaitForEditor());
+    RemoteMemory memory(editor, sizeof(POINTL));
+    Send(editor, EM_POSFROMCHAR, static_cast<WPARAM>(memory.Address()), static_cast<LPARAM>(NumberAt(arguments, 1)) - 1);
+    POINTL point;
+    memory.Read(&point, sizeof point);
+    PrintPlace(editor, {point.x + 1, point.y + 5});
+}
+
+void PrintSelection(const Arguments&) {
+    HWND editor = Editor(WaitForEditor());
+    RemoteMemory memory(editor, sizeof(CHARRANGE));
+    Send(editor, EM_EXGETSEL, 0, memory.Address());
+    CHARRANGE range;
+    memory.Read(&range, sizeof range);
+    PrintLine(std::to_wstring(range.cpMin) + L" " + std::to_wstring(range.cpMax));
+}
+
 // --- dialogs
 // ----------------------------------------------------------------------------------------------------------
 
@@ -404,6 +476,11 @@ const std::map<std::wstring, void (*)(const Arguments&)> Commands = {
     {L"menus", ListMenus},
     {L"tree", ListTree},
     {L"list", ListItems},
+    {L"node", NodePlace},
+    {L"row", RowPlace},
+    {L"tab", TabPlace},
+    {L"character", CharacterPlace},
+    {L"selection", PrintSelection},
     {L"dialog", Dialog},
     {L"close", [](const Arguments&) { Post(WaitForEditor(), WM_CLOSE); }},
     {L"dump", [](const Arguments&) { DumpWindow(WaitForEditor(), 0); }},
