@@ -53,9 +53,7 @@ void PictureBox::SetBackColor(int systemColor) noexcept {
     InvalidateRect(Handle(), nullptr, TRUE);
 }
 
-void PictureBox::SetMousePointer(const wchar_t* systemCursor) noexcept {
-    cursor_ = LoadCursorW(nullptr, systemCursor);
-}
+void PictureBox::SetMousePointer(const wchar_t* systemCursor) noexcept { cursor_ = LoadCursorW(nullptr, systemCursor); }
 
 LRESULT PictureBox::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
     LRESULT result = 0;

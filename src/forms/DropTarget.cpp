@@ -4,7 +4,7 @@
 
 #include <new>
 
-#include "automation/RuntimeError.h"
+#include "automation/Server.h"
 #include "forms/RichText.h"
 
 namespace {
@@ -175,6 +175,7 @@ private:
     DropTarget* owner_;
     ULONG references_ = 1;
     bool accepted_ = false;
+    ModuleLock lock_;  // OLE may hold the target longer than the window lives
 };
 
 void DropTarget::Register(HWND window) {

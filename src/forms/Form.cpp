@@ -32,15 +32,13 @@ void Form::DestroyForm() noexcept {
 
 Form::~Form() {
     DestroyForm();
-    // The window procedure is not called any more: the reference that kept the code in the process can go. It is never the
-    // last one, since the caller came through COM, which has its own.
+    // The window procedure is not called any more: the reference that kept the code in the process can go. It is never
+    // the last one, since the caller came through COM, which has its own.
     if (held_ != nullptr) FreeLibrary(held_);
     if (ole_) OleUninitialize();
 }
 
-UINT Form::Dpi() const noexcept {
-    return DpiOf(handle_);
-}
+UINT Form::Dpi() const noexcept { return DpiOf(handle_); }
 
 void Form::Load() {
     if (loaded_) {
@@ -57,8 +55,8 @@ void Form::Load() {
     ole_ = SUCCEEDED(OleInitialize(nullptr));
     RegisterWindowClass(FormClass, &Form::Procedure, 0);
     held_ = HoldModule();
-    const HWND window = CreateWindowExW(0, FormClass, L"", WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN, 0, 0, 0, 0, nullptr, nullptr,
-                                        App::Module(), this);
+    const HWND window = CreateWindowExW(0, FormClass, L"", WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN, 0, 0, 0, 0, nullptr,
+                                        nullptr, App::Module(), this);
     if (window == nullptr) RaiseSystemError(ErrorNumber::OutOfMemory, GetLastError());
     MakeFonts();
     CreateControls();
@@ -105,13 +103,9 @@ void Form::SetBounds(int x, int y, int width, int height, UINT flags) {
     Events::Rethrow();
 }
 
-float Form::Left() const {
-    return PixelsToTwips(Bounds().left, Dpi());
-}
+float Form::Left() const { return PixelsToTwips(Bounds().left, Dpi()); }
 
-float Form::Top() const {
-    return PixelsToTwips(Bounds().top, Dpi());
-}
+float Form::Top() const { return PixelsToTwips(Bounds().top, Dpi()); }
 
 float Form::Width() const {
     const RECT bounds = Bounds();
@@ -123,13 +117,9 @@ float Form::Height() const {
     return PixelsToTwips(bounds.bottom - bounds.top, Dpi());
 }
 
-void Form::SetLeft(float left) {
-    SetBounds(TwipsToPixels(left, Dpi()), Bounds().top, 0, 0, SWP_NOSIZE);
-}
+void Form::SetLeft(float left) { SetBounds(TwipsToPixels(left, Dpi()), Bounds().top, 0, 0, SWP_NOSIZE); }
 
-void Form::SetTop(float top) {
-    SetBounds(Bounds().left, TwipsToPixels(top, Dpi()), 0, 0, SWP_NOSIZE);
-}
+void Form::SetTop(float top) { SetBounds(Bounds().left, TwipsToPixels(top, Dpi()), 0, 0, SWP_NOSIZE); }
 
 void Form::SetWidth(float width) {
     const RECT bounds = Bounds();
@@ -227,7 +217,8 @@ void Form::RunLoop() {
         bool swallowed = false;
         if (ours) {
             Events::Raise([&] {
-                swallowed = Dragging::Translate(message) || KeyPreview(message) || Menus.Translate(message) || Navigate(message);
+                swallowed = Dragging::Translate(message) || KeyPreview(message) || Menus.Translate(message) ||
+                            Navigate(message);
             });
         }
         if (!swallowed) {
@@ -238,9 +229,7 @@ void Form::RunLoop() {
     }
 }
 
-bool Form::KeyPreview(MSG&) {
-    return false;
-}
+bool Form::KeyPreview(MSG&) { return false; }
 
 bool Form::Navigate(const MSG& message) {
     if (message.message != WM_KEYDOWN) return false;
@@ -252,10 +241,11 @@ bool Form::Navigate(const MSG& message) {
         SendMessageW(message.hwnd, BM_CLICK, 0, 0);
         return true;
     }
-    // F6 goes from pane to pane in every program of Windows; Ctrl+Tab leaves controls that take the Tab key for themselves.
+    // F6 goes from pane to pane in every program of Windows; Ctrl+Tab leaves controls that take the Tab key for
+    // themselves.
     if (!(tab || (message.wParam == VK_F6 && !ctrl))) return false;
-    if (tab && !ctrl && (SendMessageW(message.hwnd, WM_GETDLGCODE, VK_TAB, 0) & (DLGC_WANTTAB | DLGC_WANTALLKEYS)) != 0 &&
-        !back) {
+    if (tab && !ctrl &&
+        (SendMessageW(message.hwnd, WM_GETDLGCODE, VK_TAB, 0) & (DLGC_WANTTAB | DLGC_WANTALLKEYS)) != 0 && !back) {
         return false;
     }
     const HWND next = GetNextDlgTabItem(handle_, GetFocus(), back);

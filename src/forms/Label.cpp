@@ -36,15 +36,14 @@ float Label::HeightFor(float width) const {
     RECT area{0, 0, TwipsToPixels(width, dpi), 0};
     const HDC context = GetDC(Handle());
     const HGDIOBJ previous = SelectObject(context, font_);
-    DrawTextW(context, caption_.c_str(), static_cast<int>(caption_.size()), &area, DT_CALCRECT | DT_WORDBREAK | DT_NOPREFIX);
+    DrawTextW(context, caption_.c_str(), static_cast<int>(caption_.size()), &area,
+              DT_CALCRECT | DT_WORDBREAK | DT_NOPREFIX);
     SelectObject(context, previous);
     ReleaseDC(Handle(), context);
     return PixelsToTwips(area.bottom, dpi);
 }
 
-void Label::UpdateTip() {
-    tip_.SetText(Handle(), HeightFor(Width()) > Height() ? caption_ : std::wstring());
-}
+void Label::UpdateTip() { tip_.SetText(Handle(), HeightFor(Width()) > Height() ? caption_ : std::wstring()); }
 
 LRESULT Label::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
     if (message == WM_SIZE) {

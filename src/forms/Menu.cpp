@@ -10,9 +10,7 @@ void MenuItem::Append(MenuItem& entry) {
     entries_.push_back(&entry);
 }
 
-void MenuItem::AppendSeparator() {
-    entries_.push_back(nullptr);
-}
+void MenuItem::AppendSeparator() { entries_.push_back(nullptr); }
 
 void MenuItem::SetCaption(std::wstring caption) {
     if (caption_ == caption) return;
@@ -81,9 +79,7 @@ void MenuItem::PopUp(const POINT* at) {
     Events::Rethrow();
 }
 
-void MenuBar::Append(MenuItem& menu) {
-    menus_.push_back(&menu);
-}
+void MenuBar::Append(MenuItem& menu) { menus_.push_back(&menu); }
 
 void MenuBar::Adopt(MenuItem& item) {
     item.bar_ = this;

@@ -4,9 +4,7 @@
 #include "forms/Events.h"
 #include "forms/Surroundings.h"
 
-int MsgBox(HWND owner, const std::wstring& prompt, UINT flags) {
-    return MsgBox(owner, prompt, flags, App::Title);
-}
+int MsgBox(HWND owner, const std::wstring& prompt, UINT flags) { return MsgBox(owner, prompt, flags, App::Title); }
 
 int MsgBox(HWND owner, const std::wstring& prompt, UINT flags, const std::wstring& title) {
     const Surroundings surroundings;

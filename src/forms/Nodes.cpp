@@ -27,13 +27,9 @@ Node::Item& Node::Living() const {
     return *item_;
 }
 
-Node Node::Of(Item* item) noexcept {
-    return item != nullptr ? Node(item->shared_from_this()) : Node();
-}
+Node Node::Of(Item* item) noexcept { return item != nullptr ? Node(item->shared_from_this()) : Node(); }
 
-const std::wstring& Node::Text() const {
-    return Living().Text;
-}
+const std::wstring& Node::Text() const { return Living().Text; }
 
 void Node::SetText(const std::wstring& text) const {
     Item& item = Living();
@@ -45,30 +41,20 @@ void Node::SetText(const std::wstring& text) const {
     item.Owner->tree_.Send(TVM_SETITEMW, 0, reinterpret_cast<LPARAM>(&change));
 }
 
-const std::wstring& Node::Tag() const {
-    return Living().Tag;
-}
+const std::wstring& Node::Tag() const { return Living().Tag; }
 
-void Node::SetTag(std::wstring tag) const {
-    Living().Tag = std::move(tag);
-}
+void Node::SetTag(std::wstring tag) const { Living().Tag = std::move(tag); }
 
-const std::wstring& Node::Key() const {
-    return Living().Key;
-}
+const std::wstring& Node::Key() const { return Living().Key; }
 
 short Node::Index() const {
     const Item& item = Living();
     return static_cast<short>(item.Owner->IndexOf(item.Slot));
 }
 
-Node Node::Parent() const {
-    return Of(Living().Parent);
-}
+Node Node::Parent() const { return Of(Living().Parent); }
 
-Node Node::Child() const {
-    return Of(Living().First);
-}
+Node Node::Child() const { return Of(Living().First); }
 
 Node Node::FirstSibling() const {
     const Item& item = Living();
@@ -80,30 +66,20 @@ Node Node::LastSibling() const {
     return Of(item.Parent != nullptr ? item.Parent->Last : item.Owner->lastRoot_);
 }
 
-Node Node::Next() const {
-    return Of(Living().Next);
-}
+Node Node::Next() const { return Of(Living().Next); }
 
-Node Node::Previous() const {
-    return Of(Living().Previous);
-}
+Node Node::Previous() const { return Of(Living().Previous); }
 
-long Node::Children() const {
-    return Living().Children;
-}
+long Node::Children() const { return Living().Children; }
 
-bool Node::Expanded() const {
-    return Living().Expanded;
-}
+bool Node::Expanded() const { return Living().Expanded; }
 
 void Node::SetExpanded(bool expanded) const {
     Item& item = Living();
     item.Owner->tree_.SetExpanded(*this, expanded);
 }
 
-bool Node::Selected() const {
-    return Living().Owner->tree_.SelectedItem() == *this;
-}
+bool Node::Selected() const { return Living().Owner->tree_.SelectedItem() == *this; }
 
 void Node::EnsureVisible() const {
     Item& item = Living();
@@ -165,7 +141,8 @@ Node Nodes::Add(const Variant& relative, const Variant& relationship, const Vari
     if (!made->Key.empty() && keys_.count(made->Key) != 0) RaiseError(ErrorNumber::KeyNotUnique);
 
     Node::Item* other = Relative(relative);
-    const long relation = relationship.IsMissing() || relationship.IsEmpty() ? TreeRelationship::Next : relationship.ToLong();
+    const long relation =
+        relationship.IsMissing() || relationship.IsEmpty() ? TreeRelationship::Next : relationship.ToLong();
     Node::Item* previous = nullptr;
     if (relation == TreeRelationship::Child && other != nullptr) {
         made->Parent = other;
@@ -174,10 +151,18 @@ Node Nodes::Add(const Variant& relative, const Variant& relationship, const Vari
         made->Parent = other != nullptr ? other->Parent : nullptr;
         Node::Item* const last = made->Parent != nullptr ? made->Parent->Last : lastRoot_;
         switch (other != nullptr ? relation : TreeRelationship::Last) {
-            case TreeRelationship::First: previous = nullptr; break;
-            case TreeRelationship::Next: previous = other; break;
-            case TreeRelationship::Previous: previous = other->Previous; break;
-            default: previous = last; break;
+            case TreeRelationship::First:
+                previous = nullptr;
+                break;
+            case TreeRelationship::Next:
+                previous = other;
+                break;
+            case TreeRelationship::Previous:
+                previous = other->Previous;
+                break;
+            default:
+                previous = last;
+                break;
         }
     }
     Node::Item*& first = made->Parent != nullptr ? made->Parent->First : firstRoot_;
@@ -196,7 +181,8 @@ Node Nodes::Add(const Variant& relative, const Variant& relationship, const Vari
 
     made->Slot = slots_.size();
     slots_.push_back(made);
-    // The new sum spans as many slots as its position's lowest set bit says: what stands before it, less what stands before those.
+    // The new sum spans as many slots as its position's lowest set bit says: what stands before it, less what stands
+    // before those.
     const size_t at = slots_.size();
     sums_.push_back(static_cast<int>(1 + IndexOf(at - 2) - IndexOf(at - (at & (~at + 1)) - 1)));
     ++living_;
@@ -272,17 +258,11 @@ void Nodes::Clear() {
 
 // ---- what the tree's window asks of the model
 
-Node TreeView::NodeOf(LPARAM parameter) noexcept {
-    return Node::Of(reinterpret_cast<Node::Item*>(parameter));
-}
+Node TreeView::NodeOf(LPARAM parameter) noexcept { return Node::Of(reinterpret_cast<Node::Item*>(parameter)); }
 
-bool TreeView::IsLiving(const Node& node) noexcept {
-    return node.item_ != nullptr && node.item_->Owner != nullptr;
-}
+bool TreeView::IsLiving(const Node& node) noexcept { return node.item_ != nullptr && node.item_->Owner != nullptr; }
 
-HTREEITEM TreeView::MirrorOf(const Node& node) {
-    return node.Living().Mirror;
-}
+HTREEITEM TreeView::MirrorOf(const Node& node) { return node.Living().Mirror; }
 
 bool TreeView::MarkExpanded(const Node& node, bool expanded) {
     Node::Item& item = node.Living();

@@ -11,8 +11,8 @@
 
 namespace {
 
-// Overwriting a text in place costs the control more the longer the text is, under Wine with the square of it. Beyond this
-// many characters a fresh control takes the new text.
+// Overwriting a text in place costs the control more the longer the text is, under Wine with the square of it. Beyond
+// this many characters a fresh control takes the new text.
 constexpr long ReplaceBeyond = 16 * 1024;
 
 // What EM_SETTEXTEX would take for something else than plain text, or cut short.
@@ -45,7 +45,8 @@ struct StreamSource {
 DWORD CALLBACK ReadStream(DWORD_PTR cookie, LPBYTE buffer, LONG capacity, LONG* written) noexcept {
     auto& source = *reinterpret_cast<StreamSource*>(cookie);
     size_t take = std::min(static_cast<size_t>(capacity) / sizeof(wchar_t), source.Length - source.Position);
-    // A CR LF that is split between two buffers becomes two line ends under Wine: a full buffer ends behind a line feed.
+    // A CR LF that is split between two buffers becomes two line ends under Wine: a full buffer ends behind a line
+    // feed.
     if (source.Position + take < source.Length) {
         for (size_t end = take; end > 0; --end) {
             if (source.Text[source.Position + end - 1] == L'\n') {
@@ -81,8 +82,8 @@ void RichTextBox::Create(HWND container, int id) {
 
 void RichTextBox::MakeWindow(HWND container, int id) {
     CreateWindowOf(RichEditClass(),
-                   ES_MULTILINE | ES_NOOLEDRAGDROP | ES_AUTOHSCROLL | ES_AUTOVSCROLL | ES_NOHIDESEL | ES_WANTRETURN | WS_HSCROLL | WS_VSCROLL |
-                       WS_TABSTOP | WS_VISIBLE | WS_CLIPSIBLINGS,
+                   ES_MULTILINE | ES_NOOLEDRAGDROP | ES_AUTOHSCROLL | ES_AUTOVSCROLL | ES_NOHIDESEL | ES_WANTRETURN |
+                       WS_HSCROLL | WS_VSCROLL | WS_TABSTOP | WS_VISIBLE | WS_CLIPSIBLINGS,
                    WS_EX_CLIENTEDGE, container, id, L"");
     Prepare();
 }
@@ -130,7 +131,8 @@ std::wstring RichTextBox::Text() const {
     request.cb = static_cast<DWORD>(text.size() * sizeof(wchar_t));
     request.flags = GT_USECRLF;
     request.codepage = 1200;
-    const LRESULT copied = Send(EM_GETTEXTEX, reinterpret_cast<WPARAM>(&request), reinterpret_cast<LPARAM>(text.data()));
+    const LRESULT copied =
+        Send(EM_GETTEXTEX, reinterpret_cast<WPARAM>(&request), reinterpret_cast<LPARAM>(text.data()));
     text.resize(static_cast<size_t>(std::clamp<LRESULT>(copied, 0, length)));
     return text;
 }
@@ -153,12 +155,12 @@ void RichTextBox::Replace() {
     GetWindowRect(old, &place);
     MapWindowPoints(nullptr, container, reinterpret_cast<POINT*>(&place), 2);
     const HWND after = GetWindow(old, GW_HWNDPREV);
+    target_.Revoke();
     MakeWindow(container, id);
     SetWindowPos(Handle(), after != nullptr ? after : HWND_TOP, place.left, place.top, place.right - place.left,
                  place.bottom - place.top, SWP_NOACTIVATE);
     if (!visible) SetVisible(false);
     if (focus) ::SetFocus(Handle());
-    RevokeDragDrop(old);
     DestroyFormer(old);
 }
 
@@ -194,8 +196,8 @@ long RichTextBox::FromControl(long position) const {
 }
 
 long RichTextBox::ToControl(long position) const {
-    // The mapping grows with the position, so it can be turned round by halving. A position between CR and LF is the one
-    // before the line end.
+    // The mapping grows with the position, so it can be turned round by halving. A position between CR and LF is the
+    // one before the line end.
     long low = 0;
     long high = position;
     while (low < high) {
@@ -262,9 +264,7 @@ void RichTextBox::SetSelText(const std::wstring& text) {
     }
 }
 
-void RichTextBox::ScrollCaret() {
-    Send(EM_SCROLLCARET);
-}
+void RichTextBox::ScrollCaret() { Send(EM_SCROLLCARET); }
 
 long RichTextBox::CharFromPos(int x, int y) const {
     POINTL point{x, y};
@@ -311,4 +311,9 @@ bool RichTextBox::OnReflected(UINT message, WPARAM wParam, LPARAM lParam, LRESUL
         return true;
     }
     return false;
+}
+
+LRESULT RichTextBox::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message == WM_DESTROY) target_.Revoke();  // while OLE still knows the window
+    return Control::OnMessage(message, wParam, lParam);
 }

@@ -50,6 +50,7 @@ public:
     std::wstring FileName;
 
 protected:
+    LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
     bool OnReflected(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result) override;
 
 private:

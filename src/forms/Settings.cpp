@@ -15,16 +15,15 @@ std::wstring PathOf(const std::wstring& application, const std::wstring& section
     return L"Software\\VB and VBA Program Settings\\" + application + L"\\" + section;
 }
 
-RegistryKey Owned(HKEY key) noexcept {
-    return RegistryKey(key);
-}
+RegistryKey Owned(HKEY key) noexcept { return RegistryKey(key); }
 
 }  // namespace
 
 std::wstring GetSetting(const std::wstring& application, const std::wstring& section, const std::wstring& key,
                         const std::wstring& fallback) {
     HKEY opened = nullptr;
-    if (RegOpenKeyExW(HKEY_CURRENT_USER, PathOf(application, section).c_str(), 0, KEY_QUERY_VALUE, &opened) != ERROR_SUCCESS) {
+    if (RegOpenKeyExW(HKEY_CURRENT_USER, PathOf(application, section).c_str(), 0, KEY_QUERY_VALUE, &opened) !=
+        ERROR_SUCCESS) {
         return fallback;
     }
     const RegistryKey owned = Owned(opened);
@@ -47,8 +46,8 @@ std::wstring GetSetting(const std::wstring& application, const std::wstring& sec
 void SaveSetting(const std::wstring& application, const std::wstring& section, const std::wstring& key,
                  const std::wstring& value) {
     HKEY opened = nullptr;
-    LSTATUS status = RegCreateKeyExW(HKEY_CURRENT_USER, PathOf(application, section).c_str(), 0, nullptr, 0, KEY_SET_VALUE,
-                                     nullptr, &opened, nullptr);
+    LSTATUS status = RegCreateKeyExW(HKEY_CURRENT_USER, PathOf(application, section).c_str(), 0, nullptr, 0,
+                                     KEY_SET_VALUE, nullptr, &opened, nullptr);
     if (status != ERROR_SUCCESS) RaiseSystemError(ErrorNumber::InvalidProcedureCall, static_cast<DWORD>(status));
     const RegistryKey owned = Owned(opened);
     status = RegSetValueExW(opened, key.c_str(), 0, REG_SZ, reinterpret_cast<const BYTE*>(value.c_str()),
@@ -59,7 +58,8 @@ void SaveSetting(const std::wstring& application, const std::wstring& section, c
 float ToSingle(const std::wstring& text) {
     float value = 0;
     // The invariant locale writes numbers with a point.
-    const HRESULT result = VarR4FromStr(const_cast<OLECHAR*>(text.c_str()), LOCALE_INVARIANT, LOCALE_NOUSEROVERRIDE, &value);
+    const HRESULT result =
+        VarR4FromStr(const_cast<OLECHAR*>(text.c_str()), LOCALE_INVARIANT, LOCALE_NOUSEROVERRIDE, &value);
     if (result == DISP_E_OVERFLOW) RaiseError(ErrorNumber::Overflow);
     if (FAILED(result) || !std::isfinite(value)) RaiseError(ErrorNumber::TypeMismatch);
     return value;

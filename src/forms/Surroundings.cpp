@@ -76,7 +76,8 @@ NONCLIENTMETRICSW MetricsFor(UINT dpi) noexcept {
     if (forDpi != nullptr && forDpi(SPI_GETNONCLIENTMETRICS, sizeof metrics, &metrics, 0, dpi)) return metrics;
     SystemParametersInfoW(SPI_GETNONCLIENTMETRICS, sizeof metrics, &metrics, 0);
     const auto screen = static_cast<int>(DpiOf(nullptr));
-    for (LOGFONTW* font : {&metrics.lfMessageFont, &metrics.lfMenuFont, &metrics.lfStatusFont, &metrics.lfCaptionFont}) {
+    for (LOGFONTW* font :
+         {&metrics.lfMessageFont, &metrics.lfMenuFont, &metrics.lfStatusFont, &metrics.lfCaptionFont}) {
         font->lfHeight = MulDiv(font->lfHeight, static_cast<int>(dpi), screen);
     }
     return metrics;

@@ -11,8 +11,8 @@ constexpr int FirstCommand = 0x7000;
 
 void Toolbar::Create(HWND container, int id) {
     CreateWindowOf(TOOLBARCLASSNAMEW,
-                   TBSTYLE_FLAT | TBSTYLE_LIST | TBSTYLE_TOOLTIPS | CCS_TOP | CCS_NODIVIDER | WS_VISIBLE | WS_CLIPSIBLINGS |
-                       WS_TABSTOP,
+                   TBSTYLE_FLAT | TBSTYLE_LIST | TBSTYLE_TOOLTIPS | CCS_TOP | CCS_NODIVIDER | WS_VISIBLE |
+                       WS_CLIPSIBLINGS | WS_TABSTOP,
                    0, container, id, L"");
     Send(TB_BUTTONSTRUCTSIZE, sizeof(TBBUTTON));
     Send(TB_SETEXTENDEDSTYLE, 0, TBSTYLE_EX_MIXEDBUTTONS | TBSTYLE_EX_DOUBLEBUFFER);
@@ -25,9 +25,7 @@ Toolbar::~Toolbar() {
     if (tips_ != nullptr) DestroyWindow(tips_);
 }
 
-void Toolbar::SetImageList(HIMAGELIST images) {
-    Send(TB_SETIMAGELIST, 0, reinterpret_cast<LPARAM>(images));
-}
+void Toolbar::SetImageList(HIMAGELIST images) { Send(TB_SETIMAGELIST, 0, reinterpret_cast<LPARAM>(images)); }
 
 void Toolbar::AddButton(const Button& button) {
     TBBUTTON made{};

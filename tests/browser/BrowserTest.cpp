@@ -102,7 +102,9 @@ TEST_F(BrowserTest, ADatabaseWithoutSchemasHasTheCurrentOne) {
 }
 
 TEST_F(BrowserTest, AMissingDictionaryIsToldInTheWordsOfTheDatabaseType) {
-    Database.DictionaryMembers[L"Objects"] = [](const Arguments&) -> Variant { RaiseError(Base + 1, L"brvADO", L"none"); };
+    Database.DictionaryMembers[L"Objects"] = [](const Arguments&) -> Variant {
+        RaiseError(Base + 1, L"brvADO", L"none");
+    };
     for (const long type : {4L, 1L}) {
         Database.Members[L"DBType"] = [type](const Arguments&) { return Variant(type); };
         BoxAnswerer box;
@@ -115,11 +117,14 @@ TEST_F(BrowserTest, AMissingDictionaryIsToldInTheWordsOfTheDatabaseType) {
         EXPECT_EQ(1, box.Boxes);
         EXPECT_EQ(App::Title, box.Title);
         if (type == 1) {
-            EXPECT_EQ(0U, box.Text.find(L"Active directory does not support this feature. Use the LDAP path as table name. "));
+            EXPECT_EQ(0U, box.Text.find(
+                              L"Active directory does not support this feature. Use the LDAP path as table name. "));
             EXPECT_NE(std::wstring::npos, box.Text.find(L"select * from 'LDAP://DC=example,DC=com'"));
         } else {
-            EXPECT_EQ(L"No database dictionary information could be found. You may want to try a different driver / provider.",
-                      box.Text);
+            EXPECT_EQ(
+                L"No database dictionary information could be found. You may want to try a different driver / "
+                L"provider.",
+                box.Text);
         }
     }
     EXPECT_EQ(L"", Errors.Places());
@@ -173,8 +178,10 @@ TEST_F(BrowserTest, AFullTreeIsToldOnceAndStaysWithinItsLimit) {
     });
     EXPECT_EQ(1, box.Boxes);
     EXPECT_EQ(App::Title, box.Title);
-    EXPECT_EQ(L"Exceeded the maximum number of items in the database object list. Try collapsing/closing a few branches and try "
-              L"it again.",
-              box.Text);
+    EXPECT_EQ(
+        L"Exceeded the maximum number of items in the database object list. Try collapsing/closing a few branches and "
+        L"try "
+        L"it again.",
+        box.Text);
     EXPECT_EQ(L"", Errors.Places());
 }

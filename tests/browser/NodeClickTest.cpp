@@ -14,7 +14,8 @@ protected:
         Tree.Open(Tree.At({schema, 0}));
     }
     bool Expanded(HTREEITEM item) const {
-        return (SendMessageW(Tree.Handle(), TVM_GETITEMSTATE, reinterpret_cast<WPARAM>(item), TVIS_EXPANDED) & TVIS_EXPANDED) != 0;
+        return (SendMessageW(Tree.Handle(), TVM_GETITEMSTATE, reinterpret_cast<WPARAM>(item), TVIS_EXPANDED) &
+                TVIS_EXPANDED) != 0;
     }
     std::wstring Calls() {
         std::wstring calls = Database.Logged();
@@ -32,12 +33,15 @@ TEST_F(NodeClickTest, EachKindOfNodeDescribesItself) {
         EXPECT_EQ(L"Views: contains a list of views defined in the HR schema.", Description());
         Tree.Open(Tree.At({0, 1}));
         Tree.Click(Tree.At({0, 1, 1}));
-        EXPECT_EQ(L"odd \"name\" view: a custom-tailored presentation of data (or stored query) in the HR schema.", Description());
+        EXPECT_EQ(L"odd \"name\" view: a custom-tailored presentation of data (or stored query) in the HR schema.",
+                  Description());
         Tree.Click(Tree.At({0, 0}));
         EXPECT_EQ(L"Tables: contains a list of tables defined in the HR schema.", Description());
         Tree.Click(Tree.At({0, 0, 0}));
-        EXPECT_EQ(L"ORDERS table: a basic unit of data storage in the HR schema. Open to view the column definition of this table.",
-                  Description());
+        EXPECT_EQ(
+            L"ORDERS table: a basic unit of data storage in the HR schema. Open to view the column definition of this "
+            L"table.",
+            Description());
         Tree.Open(Tree.At({0, 0, 0}));
         Tree.Click(Tree.At({0, 0, 0, 0}));
         EXPECT_EQ(L"Columns: contains the column definition of the ORDERS database object.", Description());
@@ -210,8 +214,9 @@ TEST_F(NodeClickTest, AnotherProgramsSelectionIsFollowedWithoutAsking) {
         Calls();
         Tree.Select(Tree.At({0}));
         EXPECT_EQ(L"HR schema: contains a list of database objects (tables and views).", Description());
-        EXPECT_EQ(0U, MenuEntries(L"Action").find(L"Select-|Insert-|Update-|Delete-|Execute-|Create-|Tasks+[Describe all "
-                                                   L"tables/views+]"));
+        EXPECT_EQ(0U,
+                  MenuEntries(L"Action").find(L"Select-|Insert-|Update-|Delete-|Execute-|Create-|Tasks+[Describe all "
+                                              L"tables/views+]"));
         EXPECT_EQ(L"", Calls());
     });
     EXPECT_EQ(L"", Errors.Places());

@@ -3,7 +3,8 @@
 #include "EditorTree.h"
 #include "Fakes.h"
 
-// A host whose dictionary holds a few schemas with two tables and two views each, so that the object browser has something to show.
+// A host whose dictionary holds a few schemas with two tables and two views each, so that the object browser has
+// something to show.
 class BrowsedFixture : public ComponentFixture {
 protected:
     BrowsedFixture() {
@@ -11,8 +12,8 @@ protected:
             return Variant(MakeCollection({Variant(L"HR"), Variant(L""), Variant::Null(), Variant(L"Sales & Co")}));
         };
         Database.DictionaryMembers[L"Objects"] = [this](const Arguments& a) {
-            Asked = a[0].ToText() + L"," + (a[1].IsNull() ? std::wstring(L"<null>") : a[1].ToText()) + L"," + a[2].ToText() + L"," +
-                    (a[3].ToBoolean() ? L"all" : L"own");
+            Asked = a[0].ToText() + L"," + (a[1].IsNull() ? std::wstring(L"<null>") : a[1].ToText()) + L"," +
+                    a[2].ToText() + L"," + (a[3].ToBoolean() ? L"all" : L"own");
             return Variant(MakeCollection({Variant(L"ORDERS"), Variant(L"odd \"name\"")}));
         };
         Database.DictionaryMembers[L"Columns"] = [this](const Arguments& a) {
@@ -28,12 +29,14 @@ protected:
             return Variant(name.find(L' ') == std::wstring::npos ? name : L"[" + name + L"]");
         };
     }
-    static Variant Property(const Variant& name, const Variant& value, const Variant& attribute = Variant(7L), long lower = 0) {
+    static Variant Property(const Variant& name, const Variant& value, const Variant& attribute = Variant(7L),
+                            long lower = 0) {
         return Variant::ArrayOf({name, value, attribute}, lower);
     }
     static Variant Column(const wchar_t* name, const Variant& type) {
-        return Variant(MakeCollection({Property(L"TABLE_CAT", Variant::Null()), Property(L"COLUMN_NAME", name, Variant(), 1),
-                                       Property(L"DATA_TYPE", type), Property(L"NULLABLE", Variant::Null())}));
+        return Variant(
+            MakeCollection({Property(L"TABLE_CAT", Variant::Null()), Property(L"COLUMN_NAME", name, Variant(), 1),
+                            Property(L"DATA_TYPE", type), Property(L"NULLABLE", Variant::Null())}));
     }
     void Columns(std::vector<const wchar_t*> names) {
         Database.DictionaryMembers[L"Columns"] = [names](const Arguments&) {

@@ -4,13 +4,9 @@
 
 #include "Fakes.h"
 
-HWND View(int page) {
-    return GetDlgItem(GetDlgItem(EditorWindow::Find(), 1020 + page), 1030 + page);
-}
+HWND View(int page) { return GetDlgItem(GetDlgItem(EditorWindow::Find(), 1020 + page), 1030 + page); }
 
-void ShowPage(int page) {
-    SendMessageW(GetDlgItem(EditorWindow::Find(), 1010 + page), BM_CLICK, 0, 0);
-}
+void ShowPage(int page) { SendMessageW(GetDlgItem(EditorWindow::Find(), 1010 + page), BM_CLICK, 0, 0); }
 
 std::wstring Description() {
     wchar_t text[4000]{};
@@ -20,12 +16,11 @@ std::wstring Description() {
 
 // ---- EditorTree
 
-HWND EditorTree::Handle() const {
-    return View(view_);
-}
+HWND EditorTree::Handle() const { return View(view_); }
 
 HTREEITEM EditorTree::Next(UINT relation, HTREEITEM item) const {
-    return reinterpret_cast<HTREEITEM>(SendMessageW(Handle(), TVM_GETNEXTITEM, relation, reinterpret_cast<LPARAM>(item)));
+    return reinterpret_cast<HTREEITEM>(
+        SendMessageW(Handle(), TVM_GETNEXTITEM, relation, reinterpret_cast<LPARAM>(item)));
 }
 
 HTREEITEM EditorTree::At(std::initializer_list<int> path) const {
@@ -64,13 +59,9 @@ HTREEITEM EditorTree::Named(HTREEITEM parent, const wchar_t* text) const {
     return nullptr;
 }
 
-HTREEITEM EditorTree::Selected() const {
-    return Next(TVGN_CARET, nullptr);
-}
+HTREEITEM EditorTree::Selected() const { return Next(TVGN_CARET, nullptr); }
 
-int EditorTree::Count() const {
-    return static_cast<int>(SendMessageW(Handle(), TVM_GETCOUNT, 0, 0) & 0xFFFF);
-}
+int EditorTree::Count() const { return static_cast<int>(SendMessageW(Handle(), TVM_GETCOUNT, 0, 0) & 0xFFFF); }
 
 void EditorTree::Select(HTREEITEM item) const {
     SendMessageW(Handle(), TVM_SELECTITEM, TVGN_CARET, reinterpret_cast<LPARAM>(item));
@@ -101,9 +92,7 @@ void EditorTree::RightClick(HTREEITEM item) const {
     SendMessageW(Handle(), WM_RBUTTONUP, 0, MAKELPARAM(at.x, at.y));
 }
 
-void EditorTree::Key(WPARAM key) const {
-    SendMessageW(Handle(), WM_KEYDOWN, key, 1);
-}
+void EditorTree::Key(WPARAM key) const { SendMessageW(Handle(), WM_KEYDOWN, key, 1); }
 
 void EditorTree::Open(HTREEITEM item) const {
     Select(item);

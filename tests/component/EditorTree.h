@@ -6,8 +6,8 @@
 #include <initializer_list>
 #include <string>
 
-// The trees and lists of the editor's left pane as they are shown, worked by the messages of the mouse and the keyboard. A node is
-// named by the child positions on the way to it from the first root.
+// The trees and lists of the editor's left pane as they are shown, worked by the messages of the mouse and the
+// keyboard. A node is named by the child positions on the way to it from the first root.
 class EditorTree {
 public:
     static constexpr int ObjectBrowser = 0;
@@ -19,7 +19,7 @@ public:
     HTREEITEM Next(UINT relation, HTREEITEM item) const;
     HTREEITEM At(std::initializer_list<int> path) const;
     std::wstring Text(HTREEITEM item) const;
-    std::wstring Children(HTREEITEM item) const;  // joined by "|"
+    std::wstring Children(HTREEITEM item) const;                   // joined by "|"
     HTREEITEM Named(HTREEITEM parent, const wchar_t* text) const;  // a child by its text
     HTREEITEM Selected() const;
     int Count() const;
@@ -44,8 +44,8 @@ private:
 void ShowPage(int page);
 HWND View(int page);
 std::wstring Description();
-// The entries of a menu in their order, "+" behind those that can be chosen, "-" behind the others; a submenu's in brackets.
-// Separators are left out.
+// The entries of a menu in their order, "+" behind those that can be chosen, "-" behind the others; a submenu's in
+// brackets. Separators are left out.
 std::wstring MenuEntries(const wchar_t* menu);
 
 // Answers the message boxes that come while it lives, each with a button (IDOK, IDYES, ...), and keeps what they said.

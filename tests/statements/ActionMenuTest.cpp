@@ -28,7 +28,8 @@ protected:
     static std::wstring Selected() {
         const CHARRANGE range = Selection();
         std::wstring text(static_cast<size_t>(range.cpMax - range.cpMin) + 1, L'\0');
-        text.resize(static_cast<size_t>(SendMessageW(EditorWindow::Editor(), EM_GETSELTEXT, 0, reinterpret_cast<LPARAM>(text.data()))));
+        text.resize(static_cast<size_t>(
+            SendMessageW(EditorWindow::Editor(), EM_GETSELTEXT, 0, reinterpret_cast<LPARAM>(text.data()))));
         return text;
     }
     static void SelectText(LONG from, LONG to) {
@@ -57,15 +58,20 @@ TEST_F(ActionMenuTest, TheEntriesFollowTheKindOfNode) {
         EXPECT_EQ(L"Select+|Insert-|Update-|Delete-|Execute-|Create-|Tasks+[Count rows+|Describe view+|Sample rows+]",
                   MenuEntries(L"Action"));
         Tree.Click(Tree.At({0, 0}));
-        EXPECT_EQ(L"Select+|Insert-|Update-|Delete-|Execute-|Create+|Tasks+[Count rows in all tables+|Describe all tables+|Sample "
-                  L"rows from all tables+]",
-                  MenuEntries(L"Action"));
+        EXPECT_EQ(
+            L"Select+|Insert-|Update-|Delete-|Execute-|Create+|Tasks+[Count rows in all tables+|Describe all "
+            L"tables+|Sample "
+            L"rows from all tables+]",
+            MenuEntries(L"Action"));
         Tree.Click(Tree.At({0, 1}));
-        EXPECT_EQ(L"Select+|Insert-|Update-|Delete-|Execute-|Create-|Tasks+[Count rows in all views+|Describe all views+|Sample "
-                  L"rows from all views+]",
-                  MenuEntries(L"Action"));
+        EXPECT_EQ(
+            L"Select+|Insert-|Update-|Delete-|Execute-|Create-|Tasks+[Count rows in all views+|Describe all "
+            L"views+|Sample "
+            L"rows from all views+]",
+            MenuEntries(L"Action"));
         Tree.Click(Tree.At({0}));
-        EXPECT_EQ(L"Select-|Insert-|Update-|Delete-|Execute-|Create-|Tasks+[Describe all tables/views+]", MenuEntries(L"Action"));
+        EXPECT_EQ(L"Select-|Insert-|Update-|Delete-|Execute-|Create-|Tasks+[Describe all tables/views+]",
+                  MenuEntries(L"Action"));
         // Where there are no tasks, the submenu keeps its entries and cannot be opened.
         Tree.Open(Tree.At({0, 0}));
         Tree.Open(Tree.At({0, 0, 0}));
@@ -87,11 +93,13 @@ TEST_F(ActionMenuTest, TheEntriesFollowTheReferenceToo) {
         ShowPage(1);
         SelectRow(1, L"COMMIT");
         // Create stays with the folder that is selected in the object browser.
-        EXPECT_EQ(0U, MenuEntries(L"Action").find(L"Select-|Insert-|Update-|Delete-|Execute+|Create+|Tasks-")) << "COMMIT";
+        EXPECT_EQ(0U, MenuEntries(L"Action").find(L"Select-|Insert-|Update-|Delete-|Execute+|Create+|Tasks-"))
+            << "COMMIT";
         ShowPage(2);
         const EditorTree reference(EditorTree::DatabaseSpecific);
         reference.Click(reference.At({}));
-        EXPECT_EQ(0U, MenuEntries(L"Action").find(L"Select-|Insert-|Update-|Delete-|Execute-|Create-|Tasks-")) << "a category";
+        EXPECT_EQ(0U, MenuEntries(L"Action").find(L"Select-|Insert-|Update-|Delete-|Execute-|Create-|Tasks-"))
+            << "a category";
         EXPECT_EQ(L"", Description());
     });
     EXPECT_EQ(L"", Errors.Places());

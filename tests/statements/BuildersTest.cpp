@@ -14,27 +14,21 @@ struct Dialect {
 };
 
 const Dialect Dialects[] = {
-    {0, false, L"SELECT top 100 * FROM ", L""},
-    {1, false, L"SELECT top 100 * FROM ", L""},
-    {2, false, L"SELECT first 100 * FROM ", L""},
-    {4, true, L"SELECT * FROM ", L" WHERE rownum <= 100"},
-    {8, true, L"SELECT top 100 * FROM ", L""},
-    {13, true, L"SELECT * FROM ", L"  fetch first 100 rows only"},
-    {17, false, L"SELECT * FROM ", L" LIMIT 100"},
-    {24, false, L"SELECT top 100 * FROM ", L""},
-    {26, true, L"SELECT top 100 * FROM ", L""},
-    {27, true, L"SELECT * FROM ", L" LIMIT 100"},
-    {28, false, L"SELECT first 100 * FROM ", L""},
-    {40, true, L"SELECT top 100 * FROM ", L""},
-    {99, false, L"SELECT top 100 * FROM ", L""},
-    {-1, false, L"SELECT top 100 * FROM ", L""},
+    {0, false, L"SELECT top 100 * FROM ", L""},    {1, false, L"SELECT top 100 * FROM ", L""},
+    {2, false, L"SELECT first 100 * FROM ", L""},  {4, true, L"SELECT * FROM ", L" WHERE rownum <= 100"},
+    {8, true, L"SELECT top 100 * FROM ", L""},     {13, true, L"SELECT * FROM ", L"  fetch first 100 rows only"},
+    {17, false, L"SELECT * FROM ", L" LIMIT 100"}, {24, false, L"SELECT top 100 * FROM ", L""},
+    {26, true, L"SELECT top 100 * FROM ", L""},    {27, true, L"SELECT * FROM ", L" LIMIT 100"},
+    {28, false, L"SELECT first 100 * FROM ", L""}, {40, true, L"SELECT top 100 * FROM ", L""},
+    {99, false, L"SELECT top 100 * FROM ", L""},   {-1, false, L"SELECT top 100 * FROM ", L""},
 };
 
 class BuildersTest : public BrowsedFixture {
 protected:
     BuildersTest() {
         Database.DictionaryMembers[L"Schemas"] = [](const Arguments&) {
-            return Variant(MakeCollection({Variant(L"SALES"), Variant(L"Scott"), Variant(L""), Variant(L"CURRENT schema")}));
+            return Variant(
+                MakeCollection({Variant(L"SALES"), Variant(L"Scott"), Variant(L""), Variant(L"CURRENT schema")}));
         };
         Database.DictionaryMembers[L"Objects"] = [](const Arguments& a) {
             if (a[0].ToLong() == 1) return Variant(MakeCollection({Variant(L"ORDERS"), Variant(L"order lines")}));
@@ -42,7 +36,8 @@ protected:
         };
         Columns({L"ID", L"full name"});
     }
-    // What an entry of the Action menu inserts for a node, without the line break before it and the semicolon behind it.
+    // What an entry of the Action menu inserts for a node, without the line break before it and the semicolon behind
+    // it.
     std::wstring Written(HTREEITEM item, const wchar_t* entry) {
         Tree.Click(item);
         return Written(entry);
@@ -84,7 +79,8 @@ TEST_F(BuildersTest, EachDatabaseTypeQualifiesAndLimitsInItsWay) {
                           L"[order lines]\r\n( ID\r\n, [full name]\r\n) VALUES\r\n( ID_value\r\n, full name_value\r\n)",
                       Written(table, L"Insert"));
             EXPECT_EQ(L"UPDATE " + sales +
-                          L"[order lines]\r\nSET ID = value\r\n, [full name] = value\r\nWHERE ID = value\r\n AND [full name] = value",
+                          L"[order lines]\r\nSET ID = value\r\n, [full name] = value\r\nWHERE ID = value\r\n AND [full "
+                          L"name] = value",
                       Written(table, L"Update"));
             EXPECT_EQ(L"DELETE FROM " + sales + L"[order lines]\r\nWHERE\tID = value\r\nAND\t[full name] = value",
                       Written(table, L"Delete"));
@@ -113,7 +109,8 @@ TEST_F(BuildersTest, EachDatabaseTypeQualifiesAndLimitsInItsWay) {
 TEST_F(BuildersTest, TheUsersOwnAndTheCurrentSchemaAreNotWritten) {
     Type(4);
     Inside([this] {
-        for (const int schema : {1, 2, 3}) {  // "Scott" for the user SCOTT, the default schema, its name in other letters
+        for (const int schema :
+             {1, 2, 3}) {  // "Scott" for the user SCOTT, the default schema, its name in other letters
             OpenAll(schema);
             EXPECT_EQ(L"SELECT COUNT(*) FROM ORDERS", Written(Tree.At({schema, 0, 0}), L"Count rows"));
         }
@@ -141,7 +138,8 @@ TEST_F(BuildersTest, ASchemaWithoutViewsDescribesItsTables) {
     };
     Inside([this] {
         Tree.Open(Tree.At({}));
-        EXPECT_EQ(L"DESCRIBE SALES.A;\r\nDESCRIBE SALES.B;\r\nDESCRIBE SALES.C", Written(Tree.At({0}), L"Describe all tables/views"));
+        EXPECT_EQ(L"DESCRIBE SALES.A;\r\nDESCRIBE SALES.B;\r\nDESCRIBE SALES.C",
+                  Written(Tree.At({0}), L"Describe all tables/views"));
         Tree.Open(Tree.At({0}));
         Tree.Open(Tree.At({0, 0}));
         EXPECT_EQ(L"SELECT COUNT(*) FROM SALES.A;\r\nSELECT COUNT(*) FROM SALES.B;\r\nSELECT COUNT(*) FROM SALES.C",
@@ -161,7 +159,8 @@ TEST_F(BuildersTest, PlaceholdersAreNoObjects) {
         Tree.Open(Tree.At({}));
         Tree.Open(Tree.At({0}));
         Tree.Select(Tree.At({0, 0}));  // not clicked: nothing is read
-        for (const wchar_t* entry : {L"Select", L"Count rows in all tables", L"Describe all tables", L"Sample rows from all tables"}) {
+        for (const wchar_t* entry :
+             {L"Select", L"Count rows in all tables", L"Describe all tables", L"Sample rows from all tables"}) {
             EXPECT_EQ(L"<nothing>", Written(entry));
         }
         Tree.Select(Tree.At({0}));
@@ -169,7 +168,8 @@ TEST_F(BuildersTest, PlaceholdersAreNoObjects) {
         // A table whose columns were not read.
         Tree.Open(Tree.At({0, 0}));
         Tree.Select(Tree.At({0, 0, 0}));
-        for (const wchar_t* entry : {L"Select", L"Insert", L"Update", L"Delete"}) EXPECT_EQ(L"<nothing>", Written(entry));
+        for (const wchar_t* entry : {L"Select", L"Insert", L"Update", L"Delete"})
+            EXPECT_EQ(L"<nothing>", Written(entry));
         EXPECT_EQ(L"SELECT COUNT(*) FROM SALES.ORDERS", Written(L"Count rows"));
     });
     EXPECT_EQ(L"", Errors.Places());
@@ -180,7 +180,8 @@ TEST_F(BuildersTest, ATableWithoutColumnsHasNoStatementsOfThem) {
     Inside([this] {
         OpenAll(0);
         Tree.Click(Tree.At({0, 0, 0}));
-        for (const wchar_t* entry : {L"Select", L"Insert", L"Update", L"Delete"}) EXPECT_EQ(L"<nothing>", Written(entry));
+        for (const wchar_t* entry : {L"Select", L"Insert", L"Update", L"Delete"})
+            EXPECT_EQ(L"<nothing>", Written(entry));
     });
     EXPECT_EQ(L"", Errors.Places());
 }
@@ -218,7 +219,8 @@ TEST_F(BuildersTest, TheHostIsAskedForNamesAloneAndOnceANamePerStatement) {
         Tree.Click(Tree.At({0, 0, 0}));
         Database.Log.clear();
         EXPECT_EQ(L"SELECT COUNT(*) FROM SALES.ORDERS", Written(L"Count rows"));
-        // The item has all its statements: SELECT, INSERT, UPDATE, DELETE of two columns and a table, COUNT and sample rows.
+        // The item has all its statements: SELECT, INSERT, UPDATE, DELETE of two columns and a table, COUNT and sample
+        // rows.
         for (const std::wstring& call : Database.Log) EXPECT_EQ(L"FormatName", call);
         EXPECT_EQ(4U * 3 + 2, Database.Log.size());
     });
@@ -237,9 +239,11 @@ TEST_F(BuildersTest, ANameThatCannotBeFormattedIsReportedWhereItFails) {
         Tree.Click(table);
         EXPECT_EQ(L"SELECT COUNT(*) FROM SALES.ORDERS", Written(L"Count rows"));
     });
-    EXPECT_EQ(L"frmSQLEditor.m_GetStmtSelectTable 1234|frmSQLEditor.m_GetStmtInsertTable 1234|frmSQLEditor.m_GetStmtUpdateTable "
-              L"1234|frmSQLEditor.m_GetStmtDeleteTable 1234",
-              Errors.Places());
+    EXPECT_EQ(
+        L"frmSQLEditor.m_GetStmtSelectTable 1234|frmSQLEditor.m_GetStmtInsertTable "
+        L"1234|frmSQLEditor.m_GetStmtUpdateTable "
+        L"1234|frmSQLEditor.m_GetStmtDeleteTable 1234",
+        Errors.Places());
 }
 
 TEST_F(BuildersTest, AStatementGoesOnWithoutAReferenceThatFailed) {
@@ -251,9 +255,11 @@ TEST_F(BuildersTest, AStatementGoesOnWithoutAReferenceThatFailed) {
     Inside([this] {
         OpenAll(0);
         Tree.Select(Tree.At({0, 0}));
-        EXPECT_EQ(L"SELECT COUNT(*) FROM ;\r\nSELECT COUNT(*) FROM SALES.order lines", Written(L"Count rows in all tables"));
+        EXPECT_EQ(L"SELECT COUNT(*) FROM ;\r\nSELECT COUNT(*) FROM SALES.order lines",
+                  Written(L"Count rows in all tables"));
     });
-    EXPECT_EQ(L"frmSQLEditor.m_BuildTable 94|frmSQLEditor.m_BuildTable 94|frmSQLEditor.m_BuildTable 94", Errors.Places());
+    EXPECT_EQ(L"frmSQLEditor.m_BuildTable 94|frmSQLEditor.m_BuildTable 94|frmSQLEditor.m_BuildTable 94",
+              Errors.Places());
 }
 
 TEST_F(BuildersTest, TheNameGoesToTheHostByReferenceAndStaysInTheTree) {

@@ -30,7 +30,8 @@ protected:
         CHARRANGE range{};
         SendMessageW(EditorWindow::Editor(), EM_EXGETSEL, 0, reinterpret_cast<LPARAM>(&range));
         std::wstring text(static_cast<size_t>(range.cpMax - range.cpMin) + 1, L'\0');
-        text.resize(static_cast<size_t>(SendMessageW(EditorWindow::Editor(), EM_GETSELTEXT, 0, reinterpret_cast<LPARAM>(text.data()))));
+        text.resize(static_cast<size_t>(
+            SendMessageW(EditorWindow::Editor(), EM_GETSELTEXT, 0, reinterpret_cast<LPARAM>(text.data()))));
         return text;
     }
     // Presses in a view, moves over the editor to a character of its text and lets go there.
@@ -151,7 +152,8 @@ TEST_F(DragDropTest, LettingGoElsewhereDropsNothing) {
         EXPECT_EQ(before, Description());  // and it was no click
         // Another button with the left one starts nothing.
         SendMessageW(Tree.Handle(), WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(at.x, at.y));
-        SendMessageW(Tree.Handle(), WM_MOUSEMOVE, MK_LBUTTON | MK_RBUTTON, Mapped(EditorWindow::Editor(), Tree.Handle(), PlaceOf(2)));
+        SendMessageW(Tree.Handle(), WM_MOUSEMOVE, MK_LBUTTON | MK_RBUTTON,
+                     Mapped(EditorWindow::Editor(), Tree.Handle(), PlaceOf(2)));
         EXPECT_NE(EditorWindow::Editor(), GetFocus());
         SendMessageW(Tree.Handle(), WM_LBUTTONUP, 0, MAKELPARAM(at.x, at.y));
         EXPECT_EQ(L"select 1", EditorWindow::Text());

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <windows.h>
+#include <ole2.h>
+
+#include <map>
+#include <string>
+#include <vector>
+
+// What a program that drops has in its hand: bytes by clipboard format.
+class TestData final : public IDataObject {
+public:
+    TestData& Add(CLIPFORMAT format, std::string bytes) {
+        contents_[format] = std::move(bytes);
+        return *this;
+    }
+    TestData& AddText(const std::wstring& text) {
+        return Add(CF_UNICODETEXT,
+                   std::string(reinterpret_cast<const char*>(text.c_str()), (text.size() + 1) * sizeof(wchar_t)));
+    }
+    TestData& AddRichText(const std::string& rtf) {
+        return Add(static_cast<CLIPFORMAT>(RegisterClipboardFormatW(L"Rich Text Format")), rtf + '\0');
+    }
+    TestData& AddFiles(const std::vector<std::wstring>& files);
+
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) noexcept override;
+    ULONG STDMETHODCALLTYPE AddRef() noexcept override { return 2; }  // lives on the stack of a test
+    ULONG STDMETHODCALLTYPE Release() noexcept override { return 1; }
+    HRESULT STDMETHODCALLTYPE GetData(FORMATETC* format, STGMEDIUM* medium) noexcept override;
+    HRESULT STDMETHODCALLTYPE GetDataHere(FORMATETC*, STGMEDIUM*) noexcept override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE QueryGetData(FORMATETC* format) noexcept override {
+        asked_.push_back(format->cfFormat);
+        return contents_.count(format->cfFormat) != 0 ? S_OK : DV_E_FORMATETC;
+    }
+    HRESULT STDMETHODCALLTYPE GetCanonicalFormatEtc(FORMATETC*, FORMATETC*) noexcept override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE SetData(FORMATETC*, STGMEDIUM*, BOOL) noexcept override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE EnumFormatEtc(DWORD, IEnumFORMATETC**) noexcept override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE DAdvise(FORMATETC*, DWORD, IAdviseSink*, DWORD*) noexcept override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE DUnadvise(DWORD) noexcept override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE EnumDAdvise(IEnumSTATDATA**) noexcept override { return E_NOTIMPL; }
+
+private:
+    std::map<CLIPFORMAT, std::string> contents_;
+    std::vector<CLIPFORMAT> asked_;
+};
+
+// The drop target that the editor has registered with OLE; AddRef'd.
+IDropTarget* EditorDropTarget();
+// What OLE calls for a drag that comes from the left edge of the screen to a place and lets go there; the effect that
+// came back. `allowed`: what the dragging program lets be done with its data.
+DWORD DropOnEditor(TestData& data, POINTL at, DWORD allowed = DROPEFFECT_COPY | DROPEFFECT_MOVE);
