@@ -20,6 +20,7 @@ constexpr float SplitterWidth = 40;     // between the panes
 constexpr float TabHeight = 300;
 constexpr float Gap = 20;
 constexpr float CollapseHeight = 200;
+constexpr float LongestDescription = 7;  // lines
 constexpr int TabCount = 4;
 
 }  // namespace
@@ -58,9 +59,9 @@ void frmSQLEditor::m_SizeControls() try {
     if (sbStatusBar.Visible()) Bottom -= sbStatusBar.Arrange();
     const float PaneHeight = std::max(Bottom - Top, 0.0F);
 
-    // The description gets the height that it was drawn for, five lines, and less in a low window. The collapse button has the
-    // line under it.
-    const float LabelHeight = std::min(5 * lblDescription.LineHeight() + CollapseHeight, PaneHeight / 4);
+    // The description gets the lines that the longest one takes in the left pane at first, and less in a low window, where its tip
+    // has the rest. The collapse button has the line under it.
+    const float LabelHeight = std::min(LongestDescription * lblDescription.LineHeight() + CollapseHeight, PaneHeight * 0.3F);
     const float PageHeight = std::max(PaneHeight - TabCount * TabHeight - (TabCount + 3) * Gap - LabelHeight, 0.0F);
 
     float Y = Top + Gap;

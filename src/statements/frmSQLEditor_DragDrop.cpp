@@ -1,8 +1,13 @@
+#include "automation/App.h"
+#include "automation/Text.h"
 #include "browser/modLists.h"
 #include "catalogue/clsListItem.h"
 #include "component/modGlobal.h"
 #include "editor/frmSQLEditor.h"
 #include "errors/modErrorHandler.h"
+#include "forms/MsgBox.h"
+#include "forms/RichText.h"
+#include "forms/TextFile.h"
 #include "forms/Twips.h"
 
 namespace {
@@ -30,6 +35,40 @@ std::wstring NodeText(const Node& Node) {
     if (Kind == NodeKind::Tables || Kind == NodeKind::Views || Kind == NodeKind::Schemas)
         return JoinChildren(Node, LineBreak);
     return {};
+}
+
+// Above this size the control takes noticeable time for a text; TextFile has the limit beyond which it is refused.
+constexpr uint64_t AskBeyond = 1024 * 1024;  // bytes
+
+std::wstring InMegabytes(uint64_t Bytes) {
+    return std::to_wstring((Bytes + 512 * 1024) / (1024 * 1024)) + L" MB";
+}
+
+// Asks before a large file; raises error 75 for a folder and 7 for a file that the editor does not take.
+bool MayInsert(HWND Owner, const std::wstring& File) {
+    WIN32_FILE_ATTRIBUTE_DATA Facts{};
+    if (!GetFileAttributesExW(File.c_str(), GetFileExInfoStandard, &Facts)) return true;  // reading it says why
+    if ((Facts.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0) {
+        RaiseError(ErrorNumber::PathFileAccess, App::Title, L"This is a folder; only files can be dropped here.");
+    }
+    const uint64_t Size = (uint64_t{Facts.nFileSizeHigh} << 32) | Facts.nFileSizeLow;
+    if (Size > TextFile::DefaultLimit) {
+        RaiseError(ErrorNumber::OutOfMemory, App::Title,
+                   L"With " + InMegabytes(Size) + L" the file is too large for the editor, which takes up to " +
+                       InMegabytes(TextFile::DefaultLimit) + L".");
+    }
+    return Size <= AskBeyond ||
+           MsgBox(Owner,
+                  File + L"\r\nis " + InMegabytes(Size) + L" large, which takes the editor a while. Do you want to insert it?",
+                  MB_OKCANCEL | MB_ICONQUESTION) == IDOK;
+}
+
+// By the rule of File Open: the ending decides whether it is rich text.
+std::wstring TextOfFile(const std::wstring& File) {
+    const std::string Bytes = TextFile::ReadBytes(File);
+    if (Bytes.empty()) return {};
+    const bool Rich = File.size() >= 3 && SameName(File.substr(File.size() - 3), L"rtf");
+    return Rich ? PlainTextOf(Bytes) : TextFile::Decode(Bytes).Text;
 }
 
 }  // namespace
@@ -84,7 +123,8 @@ void frmSQLEditor::rtbSQL_DragDrop(Control& Source, float, float) try {
     ReportError(Module, L"rtbSQL_DragDrop");
 }
 
-// Without a trap of its own: what fails goes back to the program that drops.
+// Without a trap of its own: what fails goes back to the program that drops. Rich text and text are asked for first, so that a
+// program that offers files or pictures beside them gives its text; pictures insert nothing.
 void frmSQLEditor::rtbSQL_OLEDragDrop(const DroppedData& Data) {
     using Format = DroppedData::Format;
     for (const Format Kind : {Format::RichText, Format::Text}) {
@@ -92,5 +132,19 @@ void frmSQLEditor::rtbSQL_OLEDragDrop(const DroppedData& Data) {
             m_InsertSQL(Data.Text(Kind));
             return;
         }
+    }
+    if (!Data.GetFormat(Format::Files)) return;
+    std::wstring Refused;
+    for (const std::wstring& File : Data.Files()) {
+        try {
+            if (!MayInsert(Handle(), File)) continue;
+            const std::wstring Text = TextOfFile(File);
+            if (!Text.empty()) m_InsertSQL(Text + LineBreak);
+        } catch (const RuntimeError& error) {
+            Refused += L"\r\n" + File + L": " + error.Description;
+        }
+    }
+    if (!Refused.empty()) {
+        MsgBox(Handle(), L"Not everything could be inserted." + Refused, MB_OK | MB_ICONEXCLAMATION);
     }
 }

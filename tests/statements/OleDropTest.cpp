@@ -135,3 +135,106 @@ TEST_F(OleDropTest, ATargetThatIsHeldBeyondTheWindowTakesNothing) {
     EXPECT_EQ(DWORD{DROPEFFECT_NONE}, effect);
     EXPECT_EQ(0U, target->Release());
 }
+
+// ---- files
+
+namespace {
+
+class FileDropTest : public OleDropTest {
+protected:
+    FileDropTest() {
+        wchar_t temp[MAX_PATH];
+        GetTempPathW(MAX_PATH, temp);
+        folder_ = std::wstring(temp) + L"brv drop " + std::to_wstring(GetCurrentProcessId());
+        CreateDirectoryW(folder_.c_str(), nullptr);
+    }
+    ~FileDropTest() override {
+        for (const std::wstring& file : files_) DeleteFileW(file.c_str());
+        RemoveDirectoryW(folder_.c_str());
+    }
+    std::wstring File(const wchar_t* name, const std::string& bytes) {
+        files_.push_back(folder_ + L"\\" + name);
+        const HANDLE file = CreateFileW(files_.back().c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
+        DWORD written = 0;
+        WriteFile(file, bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr);
+        CloseHandle(file);
+        return files_.back();
+    }
+    // A file of the size without contents.
+    std::wstring Sparse(const wchar_t* name, LONG megabytes) {
+        const std::wstring path = File(name, "x");
+        const HANDLE file = CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+        SetFilePointer(file, megabytes * 1024 * 1024, nullptr, FILE_BEGIN);
+        SetEndOfFile(file);
+        CloseHandle(file);
+        return path;
+    }
+    std::wstring Drop(const std::vector<std::wstring>& files, const std::wstring& sql = L"") {
+        return Inside(
+            [&] {
+                TestData data;
+                data.AddFiles(files);
+                EXPECT_EQ(DWORD{DROPEFFECT_COPY}, DropOnEditor(data, PlaceOf(0)));
+            },
+            sql);
+    }
+    std::wstring folder_;
+    std::vector<std::wstring> files_;
+};
+
+}  // namespace
+
+TEST_F(FileDropTest, EachFileComesWithALineBreakBehindIt) {
+    EXPECT_EQ(L"select 1\r\nselect 2\r\nfrom t\r\n", Drop({File(L"one.sql", "select 1"), File(L"empty.sql", ""),
+                                                            File(L"two.txt", "select 2\r\nfrom t")}));
+    EXPECT_EQ(L"", Errors.Places());
+}
+
+TEST_F(FileDropTest, EveryEncodingIsRead) {
+    const std::string little("\xff\xfe" "a\0\x2d\x4e", 6);
+    const std::string big("\xfe\xff" "\0b\x4e\x2d", 6);
+    EXPECT_EQ(L"\u00eb\u4e2d\r\nZ\u00eb\r\na\u4e2d\r\nb\u4e2d\r\n\u00e9!\r\n",
+              Drop({File(L"utf8.sql", "\xc3\xab\xe4\xb8\xad"), File(L"mark.sql", "\xef\xbb\xbfZ\xc3\xab"), File(L"le.sql", little),
+                    File(L"be.sql", big), File(L"ansi.sql", "\xe9!")}));
+    EXPECT_EQ(L"", Errors.Places());
+}
+
+TEST_F(FileDropTest, LineEndsOfOtherSystemsBecomeTheEditors) {
+    EXPECT_EQ(L"a\r\nb\r\nc\r\n", Drop({File(L"unix.sql", "a\nb\nc")}));
+    // All of it is selected, the line break behind it too.
+    Inside(
+        [this] {
+            TestData data;
+            data.AddFiles({File(L"unix2.sql", "a\nb")});
+            DropOnEditor(data, PlaceOf(0));
+            EXPECT_EQ(L"a\rb\r", Selected());
+        },
+        L"");
+}
+
+TEST_F(FileDropTest, RichTextComesAsItsText) {
+    EXPECT_EQ(L"select *\r\n", Drop({File(L"rich.RTF", "{\\rtf1\\ansi select *}")}));
+}
+
+TEST_F(FileDropTest, WhatCannotBeInsertedIsToldAndTheRestComes) {
+    BoxAnswerer box;
+    const std::wstring missing = folder_ + L"\\missing.sql";
+    EXPECT_EQ(L"x\r\n", Drop({folder_, missing, File(L"x.sql", "x"), Sparse(L"huge.sql", 100)}));
+    EXPECT_EQ(1, box.Boxes);
+    EXPECT_NE(std::wstring::npos, box.Text.find(folder_ + L": This is a folder")) << box.Text.size();
+    EXPECT_NE(std::wstring::npos, box.Text.find(missing + L": "));
+    EXPECT_NE(std::wstring::npos, box.Text.find(L"With 100 MB the file is too large"));
+    EXPECT_EQ(L"", Errors.Places());
+}
+
+TEST_F(FileDropTest, ALargeFileIsAskedFor) {
+    BoxAnswerer box(IDCANCEL);
+    EXPECT_EQ(L"x\r\none", Drop({Sparse(L"large.sql", 5), File(L"x.sql", "x")}, L"one"));
+    EXPECT_EQ(1, box.Boxes);
+    EXPECT_NE(std::wstring::npos, box.Text.find(L"is 5 MB large"));
+}
+
+TEST_F(FileDropTest, BinaryBytesDoNotCutTheText) {
+    const std::wstring text = Drop({File(L"binary.sql", std::string("a\0b", 3))});
+    EXPECT_EQ(std::wstring(L"a\0b\r\n", 5), text);
+}
