@@ -49,7 +49,7 @@ bool MayInsert(HWND Owner, const std::wstring& File) {
     WIN32_FILE_ATTRIBUTE_DATA Facts{};
     if (!GetFileAttributesExW(File.c_str(), GetFileExInfoStandard, &Facts)) return true;  // reading it says why
     if ((Facts.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0) {
-        RaiseError(ErrorNumber::PathFileAccess, App::Title, L"This is a folder; only files can be dropped here.");
+        RaiseError(ErrorNumber::PathFileAccessError, App::Title, L"This is a folder; only files can be dropped here.");
     }
     const uint64_t Size = (uint64_t{Facts.nFileSizeHigh} << 32) | Facts.nFileSizeLow;
     if (Size > TextFile::DefaultLimit) {
