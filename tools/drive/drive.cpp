@@ -316,13 +316,13 @@ void PrintPlace(HWND window, POINT point) {
     PrintLine(std::to_wstring(point.x) + L" " + std::to_wstring(point.y));
 }
 
-// The beginning of the text of the first node that shows and has the text.
+// The beginning of the text of the first node that shows, or would if the tree were higher, and has the text. Scrolls there.
 void NodePlace(const Arguments& arguments) {
     HWND tree = DescendantOfClass(WaitForEditor(), WC_TREEVIEWW, NumberAt(arguments, 1));
     const std::wstring wanted = arguments.size() > 2 ? arguments[2] : std::wstring();
     constexpr size_t Capacity = 1024;
     RemoteMemory memory(tree, sizeof(TVITEMW) + Capacity * sizeof(wchar_t));
-    for (LRESULT item = Send(tree, TVM_GETNEXTITEM, TVGN_FIRSTVISIBLE); item;
+    for (LRESULT item = Send(tree, TVM_GETNEXTITEM, TVGN_ROOT); item;
          item = Send(tree, TVM_GETNEXTITEM, TVGN_NEXTVISIBLE, item)) {
         TVITEMW request = {};
         request.mask = TVIF_TEXT | TVIF_HANDLE;
@@ -331,6 +331,7 @@ void NodePlace(const Arguments& arguments) {
         request.cchTextMax = Capacity;
         memory.Write(&request, sizeof request);
         if (!Send(tree, TVM_GETITEMW, 0, memory.Address()) || memory.ReadText(Capacity, sizeof(TVITEMW)) != wanted) continue;
+        Send(tree, TVM_ENSUREVISIBLE, 0, item);
         RECT rect = {};
         memory.Write(&rect, sizeof rect);
         memory.Write(&item, sizeof(HTREEITEM));
