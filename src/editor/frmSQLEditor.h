@@ -7,6 +7,7 @@
 #include "forms/CommandButton.h"
 #include "forms/Container.h"
 #include "forms/DropTarget.h"
+#include "forms/FileDialog.h"
 #include "forms/Form.h"
 #include "forms/Label.h"
 #include "forms/ListBox.h"
@@ -50,14 +51,15 @@ public:
     PictureBox picRight;
     RichTextBox rtbSQL;
     StatusBar sbStatusBar;
+    FileDialog dlgCommonDialog;
     ImageListHandle imlImages;
 
     MenuItem mnuFile{L"&File"};
-    MenuItem mnuFileNew{L"&New"};
-    MenuItem mnuFileOpen{L"&Open..."};
-    MenuItem mnuFileSave{L"&Save"};
+    MenuItem mnuFileNew{L"&New", {FCONTROL, 'N', L"Ctrl+N"}};
+    MenuItem mnuFileOpen{L"&Open...", {FCONTROL, 'O', L"Ctrl+O"}};
+    MenuItem mnuFileSave{L"&Save", {FCONTROL, 'S', L"Ctrl+S"}};
     MenuItem mnuFileSaveAs{L"Save &As..."};
-    MenuItem mnuFilePrint{L"&Print..."};
+    MenuItem mnuFilePrint{L"&Print...", {FCONTROL, 'P', L"Ctrl+P"}};
     MenuItem mnuFileClose{L"&Close"};
 
     MenuItem mnuEdit{L"&Edit"};
@@ -133,6 +135,10 @@ private:
     void mnuFileOpen_Click();
     void mnuFileSave_Click();
     void mnuFileSaveAs_Click();
+    // Whether the text was not changed, or the user lets it go.
+    bool m_MayDiscard(const wchar_t* Question);
+    // Says in the status bar how the text's file writes it down.
+    void m_ShowFileFormat();
 
     // ---- Printing (editor/frmSQLEditor_Print.cpp)
     void mnuFilePrint_Click();

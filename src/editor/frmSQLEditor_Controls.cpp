@@ -179,7 +179,9 @@ void frmSQLEditor::CreateControls() {
     rtbSQL.SetEditorFont(FixedPitchFace(Window), 10);
     imgSplitterV.Create(Window, IdSplitter);
     picSplitterV.Create(Window, IdSplitterBar, WS_CLIPSIBLINGS);
-    sbStatusBar.Create(Window, IdStatusBar, {1500});
+    sbStatusBar.Create(Window, IdStatusBar, {1500, 1400});
+    dlgCommonDialog.Filter = L"SQL Files (*.sql;*.txt)|*.sql;*.txt|Rich Text (*.rtf)|*.rtf|All Files (*.*)|*.*";
+    dlgCommonDialog.DefaultExt = L"sql";
 
     tlbToolbar.ButtonClick = [this](const Toolbar::Button& Button) { tlbToolbar_ButtonClick(Button); };
     CreateImages();

@@ -87,6 +87,8 @@ void frmSQLEditor::Form_Load() try {
 void frmSQLEditor::Form_Activate() try {
     rtbSQL.DataChanged = false;
     rtbSQL.FileName.clear();
+    rtbSQL.FileFormat = {};
+    m_ShowFileFormat();
     m_FormTitle(L"");
     cmdLeft_Click(0);
     rtbSQL.SetFocus();

@@ -37,9 +37,12 @@ const wchar_t* RichEditClass() {
     return name;
 }
 
-std::wstring PlainTextOf(std::string_view rtf) {
+namespace {
+
+// Nobody sees this control: the platform's own reader is what is wanted of it.
+bool Through(std::string_view bytes, WPARAM format, std::wstring& text) {
+    text.clear();
     const Surroundings surroundings;
-    // Nobody sees this control: the platform's own reader of rich text is what is wanted of it.
     struct Window {
         HWND Handle;
         ~Window() { DestroyWindow(Handle); }
@@ -47,16 +50,16 @@ std::wstring PlainTextOf(std::string_view rtf) {
                                    HWND_MESSAGE, nullptr, App::Module(), nullptr)};
     if (window.Handle == nullptr) RaiseSystemError(ErrorNumber::OutOfMemory, GetLastError());
     SendMessageW(window.Handle, EM_EXLIMITTEXT, 0, 0x7FFFFFFE);
-    Source source{rtf};
+    Source source{bytes};
     EDITSTREAM stream{};
     stream.dwCookie = reinterpret_cast<DWORD_PTR>(&source);
     stream.pfnCallback = &Read;
-    SendMessageW(window.Handle, EM_STREAMIN, SF_RTF, reinterpret_cast<LPARAM>(&stream));
-    if (stream.dwError != 0) return {};
+    SendMessageW(window.Handle, EM_STREAMIN, format, reinterpret_cast<LPARAM>(&stream));
+    if (stream.dwError != 0) return false;
     GETTEXTLENGTHEX measure{GTL_USECRLF | GTL_NUMCHARS | GTL_PRECISE, 1200};
     const LRESULT length = SendMessageW(window.Handle, EM_GETTEXTLENGTHEX, reinterpret_cast<WPARAM>(&measure), 0);
-    if (length <= 0) return {};
-    std::wstring text(static_cast<size_t>(length) + 1, L'\0');
+    if (length <= 0) return true;
+    text.resize(static_cast<size_t>(length) + 1);
     GETTEXTEX request{};
     request.cb = static_cast<DWORD>(text.size() * sizeof(wchar_t));
     request.flags = GT_USECRLF;
@@ -64,5 +67,52 @@ std::wstring PlainTextOf(std::string_view rtf) {
     const LRESULT copied = SendMessageW(window.Handle, EM_GETTEXTEX, reinterpret_cast<WPARAM>(&request),
                                         reinterpret_cast<LPARAM>(text.data()));
     text.resize(static_cast<size_t>(std::clamp<LRESULT>(copied, 0, length)));
+    return true;
+}
+
+}  // namespace
+
+std::wstring PlainTextOf(std::string_view rtf) {
+    std::wstring text;
+    ReadRichText(rtf, text);
     return text;
+}
+
+bool ReadRichText(std::string_view rtf, std::wstring& text) { return Through(rtf, SF_RTF, text); }
+
+bool ReadPlainText(const std::wstring& plain, std::wstring& text) {
+    // The line feed goes in the same buffer as its carriage return: one that comes alone is a line end of its own.
+    std::wstring lines;
+    lines.reserve(plain.size());
+    for (const wchar_t unit : plain) {
+        if (unit != L'\n' || lines.empty() || lines.back() != L'\r') lines += unit;
+    }
+    return Through({reinterpret_cast<const char*>(lines.data()), lines.size() * sizeof(wchar_t)}, SF_TEXT | SF_UNICODE, text);
+}
+
+bool IsRichText(std::string_view bytes) noexcept {
+    constexpr std::string_view begin = "{\\rtf";
+    constexpr int deepest = 1000;  // no writer comes near it; readers keep a stack
+    if (bytes.substr(0, begin.size()) != begin) return false;
+    int depth = 0;
+    for (size_t at = 0; at < bytes.size(); ++at) {
+        if (bytes[at] == '{') {
+            if (++depth > deepest) return false;
+        } else if (bytes[at] == '}') {
+            if (--depth == 0) return bytes.find_first_not_of(std::string_view(" \t\r\n\0", 5), at + 1) == bytes.npos;
+        } else if (bytes[at] == '\\') {
+            constexpr std::string_view binary = "bin";
+            const auto digit = [&](size_t where) { return where < bytes.size() && bytes[where] >= '0' && bytes[where] <= '9'; };
+            ++at;  // an escaped brace or backslash, or the first letter of a word
+            if (bytes.substr(std::min(at, bytes.size()), binary.size()) == binary && digit(at + binary.size())) {
+                size_t length = 0;
+                at += binary.size();
+                for (; digit(at) && length <= bytes.size(); ++at) length = length * 10 + static_cast<size_t>(bytes[at] - '0');
+                if (length > bytes.size() - std::min(at, bytes.size())) return false;
+                // The bytes that follow mean nothing here; a blank between them and the number is not one of them.
+                at += length - (at < bytes.size() && bytes[at] == ' ' ? 0 : 1);
+            }
+        }
+    }
+    return false;
 }

@@ -165,14 +165,11 @@ void RichTextBox::Replace() {
 }
 
 void RichTextBox::SetText(const std::wstring& text) {
-    struct Filling {
-        bool& Flag;
-        explicit Filling(bool& flag) : Flag(flag) { Flag = true; }
-        ~Filling() { Flag = false; }
-    };
     {
         const Filling filling(filling_);
-        if (TextLength() > ReplaceBeyond) Replace();
+        // What formats are left behind in place is the control's secret.
+        if (rich_ || TextLength() > ReplaceBeyond) Replace();
+        rich_ = false;
         if (text.find(L"\r\r") != std::wstring::npos) {
             StreamIn(WithCrLf(text));
         } else if (NeedsStream(text)) {

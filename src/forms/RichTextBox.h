@@ -6,6 +6,7 @@
 
 #include "forms/Control.h"
 #include "forms/DropTarget.h"
+#include "forms/TextFile.h"
 
 // A Unicode rich edit control that is used for plain text, lines not wrapped. Positions and lengths count UTF-16 units, with a
 // line end as the two characters CR LF that go in and come out; the control itself keeps one for it.
@@ -45,27 +46,50 @@ public:
     Event Change;
     Event SelChange;
 
-    // Kept with the text: whether it was changed since it was last replaced or saved, and the file it belongs to.
+    // Kept with the text: whether it was changed since it was last replaced or saved, and the file it belongs to, with how
+    // that file writes down its text.
     bool DataChanged = false;
     std::wstring FileName;
+    TextFile::Format FileFormat;
+
+    // Files (forms/RichTextBox_Files.cpp). A failure is a run-time error and leaves the text, these three values and the file
+    // as they were.
+    enum class FileKind { RichText, Text };
+    // A larger file would take the control, and the host's memory with it, longer than anybody waits. In bytes.
+    static constexpr uint64_t FileLimit = 4 * 1024 * 1024;
+    // Replaces the text by that of a file, as SetText does, and keeps the file's format. Error 7: larger than FileLimit; 321:
+    // no rich text, or not all of it; a text with characters that the control does not keep; else as TextFile::Read.
+    void LoadFile(const std::wstring& path, FileKind kind);
+    // Writes the text to a file: as rich text, or in FileFormat, which changes when it cannot hold a character.
+    void SaveFile(const std::wstring& path, FileKind kind);
 
 protected:
     LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
     bool OnReflected(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result) override;
 
 private:
+    // While one lives the control's own notifications raise nothing.
+    struct Filling {
+        bool& Flag;
+        explicit Filling(bool& flag) : Flag(flag) { Flag = true; }
+        ~Filling() { Flag = false; }
+    };
+
     void MakeWindow(HWND container, int id);
     void Prepare();
     void Replace();
     long ToControl(long position) const;
     long FromControl(long position) const;
     void StreamIn(const std::wstring& text, WPARAM flags = 0);
+    void SetRichText(std::string_view rtf);
+    std::string RichText() const;
     void ShowDropPlace(POINT screen);
     void ForgetDropPlace();
 
     std::wstring face_;
     float points_ = 10;
     bool filling_ = false;
+    bool rich_ = false;  // the text came with formats of its own
     DropTarget target_;
     std::optional<std::pair<long, long>> droppedBefore_;  // what was selected before a drag of another program came
 };

@@ -1,0 +1,140 @@
+#include <richedit.h>
+
+#include <algorithm>
+#include <cstring>
+
+#include "automation/RuntimeError.h"
+#include "forms/RichText.h"
+#include "forms/RichTextBox.h"
+
+namespace {
+
+constexpr long InvalidFileFormat = 321;
+
+DWORD CALLBACK ReadBytes(DWORD_PTR cookie, LPBYTE buffer, LONG capacity, LONG* taken) noexcept {
+    auto& rest = *reinterpret_cast<std::string_view*>(cookie);
+    const size_t take = std::min(static_cast<size_t>(capacity), rest.size());
+    std::memcpy(buffer, rest.data(), take);
+    rest.remove_prefix(take);
+    *taken = static_cast<LONG>(take);
+    return 0;
+}
+
+DWORD CALLBACK WriteBytes(DWORD_PTR cookie, LPBYTE buffer, LONG size, LONG* taken) noexcept {
+    try {
+        reinterpret_cast<std::string*>(cookie)->append(reinterpret_cast<const char*>(buffer),
+                                                       static_cast<size_t>(size));
+    } catch (...) {
+        return ERROR_OUTOFMEMORY;
+    }
+    *taken = size;
+    return 0;
+}
+
+// Characters that a control may drop, or take for a line end or a picture.
+bool IsUnusual(wchar_t unit) noexcept {
+    return (unit < L' ' && unit != L'\t' && unit != L'\r' && unit != L'\n') || unit == 0x7F || unit == 0x2028 ||
+           unit == 0x2029 || (unit >= 0xD800 && unit <= 0xDFFF) || unit == 0xFEFF || unit >= 0xFFF0;
+}
+
+bool HasUnusual(const std::wstring& text) noexcept { return std::any_of(text.begin(), text.end(), IsUnusual); }
+
+std::wstring WithCrLf(const std::wstring& text) {
+    std::wstring result;
+    result.reserve(text.size() + text.size() / 16);
+    for (size_t at = 0; at < text.size(); ++at) {
+        const bool both = text[at] == L'\r' && at + 1 < text.size() && text[at + 1] == L'\n';
+        if (text[at] == L'\r' || text[at] == L'\n') {
+            result += L"\r\n";
+        } else {
+            result += text[at];
+        }
+        if (both) ++at;
+    }
+    return result;
+}
+
+// Without the line end that a reader of rich text may add behind the last paragraph.
+std::wstring WithoutLastLineEnd(std::wstring text) {
+    if (text.size() >= 2 && text.compare(text.size() - 2, 2, L"\r\n") == 0) text.resize(text.size() - 2);
+    return text;
+}
+
+}  // namespace
+
+void RichTextBox::LoadFile(const std::wstring& path, FileKind kind) {
+    if (kind == FileKind::RichText) {
+        SetRichText(TextFile::ReadBytes(path, FileLimit));
+        FileFormat = {};
+    } else {
+        const TextFile::Contents contents = TextFile::Read(path, FileLimit);
+        // A file that the control would change on the way in and out is better left alone: saving would damage it.
+        if (HasUnusual(contents.Text)) {
+            std::wstring kept;
+            if (!ReadPlainText(contents.Text, kept) || kept != WithCrLf(contents.Text)) RaiseError(InvalidFileFormat);
+        }
+        SetText(contents.Text);
+        FileFormat = contents.Form;
+    }
+    FileName = path;
+}
+
+void RichTextBox::SaveFile(const std::wstring& path, FileKind kind) {
+    TextFile::Format format = FileFormat;
+    if (kind == FileKind::RichText) {
+        const std::string bytes = RichText();
+        const std::wstring text = Text();
+        // Rich text has no way to write some characters down.
+        if (HasUnusual(text) && WithoutLastLineEnd(PlainTextOf(bytes)) != WithoutLastLineEnd(text))
+            RaiseError(InvalidFileFormat);
+        TextFile::Write(path, bytes);
+    } else {
+        TextFile::Write(path, TextFile::Encode(Text(), format));
+    }
+    FileFormat = format;
+    FileName = path;
+}
+
+void RichTextBox::SetRichText(std::string_view rtf) {
+    if (rtf.empty()) return SetText({});
+    // Whatever is wrong with it is found out where nothing can be lost.
+    std::wstring text;
+    if (!IsRichText(rtf) || !ReadRichText(rtf, text)) RaiseError(InvalidFileFormat);
+    bool counts = true;
+    {
+        const Filling filling(filling_);
+        Replace();
+        std::string_view rest = rtf;
+        EDITSTREAM stream{};
+        stream.dwCookie = reinterpret_cast<DWORD_PTR>(&rest);
+        stream.pfnCallback = &ReadBytes;
+        Send(EM_STREAMIN, SF_RTF, reinterpret_cast<LPARAM>(&stream));
+        rich_ = true;
+        GETTEXTLENGTHEX request{};
+        request.flags = GTL_NUMCHARS | GTL_PRECISE;
+        request.codepage = 1200;
+        const auto length = static_cast<long>(Send(EM_GETTEXTLENGTHEX, reinterpret_cast<WPARAM>(&request)));
+        // A line break that is no paragraph, or a table, makes lines that the text does not tell: positions would be
+        // wrong.
+        counts = stream.dwError == 0 && FromControl(length) == TextLength() && Text() == text;
+        Send(EM_SETSEL, 0, 0);
+        Send(EM_EMPTYUNDOBUFFER);
+    }
+    if (!counts) {
+        std::wstring plain = text;
+        std::replace(plain.begin(), plain.end(), L'\v', L'\n');
+        return SetText(plain);
+    }
+    if (Change) Change();
+    if (SelChange) SelChange();
+}
+
+std::string RichTextBox::RichText() const {
+    std::string bytes;
+    EDITSTREAM stream{};
+    stream.dwCookie = reinterpret_cast<DWORD_PTR>(&bytes);
+    stream.pfnCallback = &WriteBytes;
+    Send(EM_STREAMOUT, SF_RTF, reinterpret_cast<LPARAM>(&stream));
+    if (stream.dwError != 0 || !IsRichText(bytes)) RaiseError(ErrorNumber::OutOfMemory);
+    return bytes;
+}
