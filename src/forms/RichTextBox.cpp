@@ -265,7 +265,14 @@ void RichTextBox::ScrollCaret() { Send(EM_SCROLLCARET); }
 
 long RichTextBox::CharFromPos(int x, int y) const {
     POINTL point{x, y};
-    return FromControl(static_cast<long>(Send(EM_CHARFROMPOS, 0, reinterpret_cast<LPARAM>(&point))));
+    auto position = static_cast<long>(Send(EM_CHARFROMPOS, 0, reinterpret_cast<LPARAM>(&point)));
+    // Just behind the end of a line Wine answers with the beginning of the next one.
+    POINTL found{};
+    Send(EM_POSFROMCHAR, reinterpret_cast<WPARAM>(&found), position);
+    if (position > 0 && found.y > y && Send(EM_LINEINDEX, static_cast<WPARAM>(Send(EM_EXLINEFROMCHAR, 0, position))) == position) {
+        --position;
+    }
+    return FromControl(position);
 }
 
 // The caret shows where a drop would go, unless the mouse is not over the text at all, as with programs that only call.

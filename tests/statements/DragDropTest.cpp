@@ -189,3 +189,24 @@ TEST_F(DragDropTest, AListWithoutASelectedRowIsReported) {
     });
     EXPECT_EQ(L"frmSQLEditor.rtbSQL_DragDrop 5", Errors.Places());
 }
+
+TEST_F(DragDropTest, BehindTheEndOfALineTheCaretStaysInTheLine) {
+    Inside(
+        [this] {
+            Tree.Open(Tree.At({}));
+            POINT at{};
+            ASSERT_TRUE(Tree.Place(Tree.At({0}), at));
+            const HWND tree = Tree.Handle();
+            const HWND editor = EditorWindow::Editor();
+            SendMessageW(tree, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(at.x, at.y));
+            const POINT end = PlaceOf(6);
+            for (const int right : {0, 10, 60}) {
+                SendMessageW(tree, WM_MOUSEMOVE, MK_LBUTTON, Mapped(editor, tree, {end.x + right, end.y}));
+                EXPECT_EQ(6, Caret()) << right;
+            }
+            SendMessageW(tree, WM_MOUSEMOVE, MK_LBUTTON, Mapped(editor, tree, {end.x, end.y + 100}));
+            EXPECT_EQ(7 + 4, Caret());  // below the last line: in the last line
+            SendMessageW(tree, WM_LBUTTONUP, 0, MAKELPARAM(at.x, at.y));
+        },
+        L"SELECT\r\nfrom");
+}
