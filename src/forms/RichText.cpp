@@ -50,6 +50,9 @@ bool Through(std::string_view bytes, WPARAM format, std::wstring& text) {
                                    HWND_MESSAGE, nullptr, App::Module(), nullptr)};
     if (window.Handle == nullptr) RaiseSystemError(ErrorNumber::OutOfMemory, GetLastError());
     SendMessageW(window.Handle, EM_EXLIMITTEXT, 0, 0x7FFFFFFE);
+    // Wrapped to a width of nothing, each word would be a line.
+    SendMessageW(window.Handle, EM_SETTARGETDEVICE, 0, 1);
+    SendMessageW(window.Handle, EM_SETUNDOLIMIT, 0, 0);
     Source source{bytes};
     EDITSTREAM stream{};
     stream.dwCookie = reinterpret_cast<DWORD_PTR>(&source);

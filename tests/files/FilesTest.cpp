@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "Dialogs.h"
 
 using namespace std::string_literals;
@@ -316,6 +318,32 @@ TEST_F(FilesTest, TheShortcutsStandBesideTheCaptions) {
         }
         EXPECT_EQ(L"&New\tCtrl+N|&Open...\tCtrl+O|&Save\tCtrl+S|Save &As...|&Print...\tCtrl+P|&Close|", all);
     });
+}
+
+TEST_F(FilesTest, TheShortcutsWork) {
+    PutBytes(Here / L"a.sql", "x");
+    const Object editor = Dll.Create();
+    editor.Call(L"Constructor", Database.Make());
+    BYTE before[256]{};
+    GetKeyboardState(before);
+    const WhenShown shown([this, &before] {
+        Load(Here / L"a.sql");
+        Type(L"y");
+        BYTE keys[256]{};
+        std::copy(before, before + 256, keys);
+        keys[VK_CONTROL] = 0x80;
+        SetKeyboardState(keys);
+        // By the window's own message loop, one after the other.
+        PostMessageW(EditorWindow::Editor(), WM_KEYDOWN, L'S', 1);
+        PostMessageW(EditorWindow::Editor(), WM_KEYDOWN, L'N', 1);
+        PostMessageW(EditorWindow::Find(), WM_CLOSE, 0, 0);
+    });
+    std::wstring text = L"select 1";
+    editor.Call(L"Display", ByRef(text));
+    SetKeyboardState(before);
+    EXPECT_EQ("xy", BytesOf(Here / L"a.sql"));
+    EXPECT_EQ(L"", text);  // saved, so it was emptied without a question
+    EXPECT_EQ(L"", Errors.Places());
 }
 
 TEST_F(FilesTest, TheProcessKeepsItsFolder) {

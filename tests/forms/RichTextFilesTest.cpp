@@ -127,3 +127,15 @@ TEST(RichTextBox, AnEmptyFileIsAnEmptyText) {
         EXPECT_EQ(L"", editor.Box.Text());
     }
 }
+
+TEST(RichTextBox, LineEndsAtTheEndGoThroughRichText) {
+    Editor editor;
+    for (const std::wstring& text :
+         {L"a"s, L"a\r\n"s, L"\r\n"s, L"a\r\n\r\n"s, L" a "s, L"\ta\t\r\n"s, L"\x00A0-\x00AD-"s}) {
+        editor.Box.SetText(text);
+        editor.Box.SaveFile(editor.Path, Rich);
+        editor.Box.SetText(L"");
+        editor.Box.LoadFile(editor.Path, Rich);
+        EXPECT_EQ(text, editor.Box.Text());
+    }
+}
