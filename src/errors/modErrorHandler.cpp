@@ -3,6 +3,7 @@
 #include "automation/App.h"
 #include "component/modGlobal.h"
 #include "errors/clsErrorHandler.h"
+#include "forms/Painting.h"
 
 void ReportError(const std::wstring& Module, const std::wstring& Routine, const Variant& DebugMessage) {
     const RuntimeError error = CurrentError();
@@ -11,6 +12,7 @@ void ReportError(const std::wstring& Module, const std::wstring& Routine, const 
     if (ErrorHandler == nullptr) ErrorHandler = std::make_shared<clsErrorHandler>();
     // Held here too: the component may be asked to unload while its error component shows an alert.
     const auto handler = ErrorHandler;
+    const PaintingResumed resumed;  // it may show the error to the user
     handler->ErrorMessage(Module, Routine, MakeErrorObject(error), Line, DebugMessage);
 }
 
