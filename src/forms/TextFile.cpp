@@ -233,6 +233,12 @@ std::wstring BehindLinks(HANDLE file, const std::wstring& path) {
     return final;
 }
 
+// The letter of the drive; none for a path of the network.
+wchar_t DriveOf(const std::wstring& path) noexcept {
+    const size_t at = path.rfind(L"\\\\?\\", 0) == 0 ? 4 : 0;
+    return path.size() > at + 1 && path[at + 1] == L':' ? path[at] : L'\0';
+}
+
 // The file beside the one that is written. It goes away unless it took the other's place.
 class Temporary {
 public:
@@ -403,9 +409,11 @@ void Write(const std::wstring& path, std::string_view bytes) {
             if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY) != 0) {
                 RaiseFileError(ERROR_ACCESS_DENIED);  // Wine opens it for the administrator
             }
-            if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0) {
-                target = BehindLinks(file.get(), target);
-            }
+            const bool link = attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
+            const std::wstring behind = BehindLinks(file.get(), target);
+            // Under Wine a link looks like the file itself. A path on another drive is that of a mapped one and no
+            // link.
+            if (link || DriveOf(behind) == DriveOf(target)) target = behind;
         }
     }
     Temporary temporary(target);

@@ -202,6 +202,28 @@ TEST_F(FileFailuresTest, AFullDiskLosesNothing) {
     EXPECT_EQ(L"", Errors.Places());
 }
 
+TEST_F(FileFailuresTest, ALinkStaysALink) {
+    const std::wstring name = L"brv-link-" + std::to_wstring(GetCurrentProcessId());
+    const std::wstring link = L"Z:\\tmp\\" + name + L".sql";
+    const std::wstring real = L"Z:\\tmp\\" + name + L"-real.sql";
+    if (GetFileAttributesW(L"Z:\\bin\\ln") == INVALID_FILE_ATTRIBUTES) GTEST_SKIP() << "no links can be made here";
+    PutBytes(real, "old");
+    RunBelow(L"Z:\\bin\\ln -s " + name + L"-real.sql /tmp/" + name + L".sql");
+    for (int wait = 0; wait < 50 && BytesOf(link) != "old"; ++wait) Sleep(50);
+    Inside(L"", [&] {
+        Load(link);
+        Type(L" new");
+        Save();
+    });
+    EXPECT_EQ("old new", BytesOf(real));
+    EXPECT_EQ("old new", BytesOf(link));
+    PutBytes(real, "newer");
+    EXPECT_EQ("newer", BytesOf(link));
+    // Wine would delete the file behind the link.
+    RunBelow(L"Z:\\bin\\rm -f /tmp/" + name + L".sql /tmp/" + name + L"-real.sql");
+    EXPECT_EQ(L"", Errors.Places());
+}
+
 TEST_F(FileFailuresTest, ABinaryFileComesBackAsItWasOrNotAtAll) {
     std::string bytes = "MZ\x90";
     for (int byte = 0; byte < 256; ++byte) {

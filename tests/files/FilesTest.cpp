@@ -208,10 +208,14 @@ TEST_F(FilesTest, ANewTextAndANewDisplayForgetTheFile) {
         EXPECT_EQ(L"SQL Editor", EditorWindow::Caption());
         EXPECT_EQ(L"UTF-8", FormatPanel());
         EditorWindow::SetText(L"\x00E9");
-        Dialogs dialogs;
-        dialogs.File(Here / L"b.sql");
-        Save();
+        {
+            Dialogs dialogs;
+            dialogs.File(Here / L"b.sql");
+            Save();
+        }
         EXPECT_EQ("\xC3\xA9", BytesOf(Here / L"b.sql"));
+        Load(Here / L"a.sql");
+        EXPECT_EQ(L"UTF-16 LE", FormatPanel());
     });
     DisplayAndClose(editor, L"caf\x00E9", [this] {
         EXPECT_EQ(L"SQL Editor", EditorWindow::Caption());
