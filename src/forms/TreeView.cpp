@@ -49,6 +49,7 @@ void TreeView::SetSelectedItem(const Node& node) {
 
 void TreeView::SetExpanded(const Node& node, bool expanded) {
     if (!MarkExpanded(node, expanded)) return;
+    const PaintingHeld held(*this);  // filling, opening and closing are laid out once
     // The control tells of the first expansion of a branch only: the event is raised here, once, in either case.
     if (expanded && Expand) Expand(node);
     {
@@ -207,6 +208,23 @@ LRESULT TreeView::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
             // Keys with a meaning of their own are not looked for among the texts.
             if (wParam == L'*' || wParam == L' ' || wParam == L'\r') return 0;
             break;
+        case TVM_EXPAND: {
+            // From another program: the control itself tells of it at the first time alone, and not of closing.
+            if (quiet_ || lParam == 0) break;
+            TVITEMW item{};
+            item.mask = TVIF_PARAM | TVIF_STATE | TVIF_HANDLE;
+            item.hItem = reinterpret_cast<HTREEITEM>(lParam);
+            item.stateMask = TVIS_EXPANDED;
+            const WPARAM action = wParam & TVE_TOGGLE;
+            if (action == 0 || !Original(TVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&item))) break;
+            const bool shown = (item.state & TVIS_EXPANDED) != 0;
+            const bool open = action == TVE_TOGGLE ? !shown : action == TVE_EXPAND;
+            if (open == shown) return FALSE;
+            const Node node = NodeOf(item.lParam);
+            MarkExpanded(node, !open);
+            SetExpanded(node, open);
+            return TRUE;
+        }
         case TVM_SELECTITEM: {
             if (quiet_ || wParam != TVGN_CARET) break;
             const Node before = SelectedItem();
