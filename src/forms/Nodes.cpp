@@ -1,6 +1,7 @@
 #include "forms/Nodes.h"
 
 #include "automation/RuntimeError.h"
+#include "forms/Events.h"
 #include "forms/TreeView.h"
 
 struct Node::Item : std::enable_shared_from_this<Node::Item> {
@@ -131,7 +132,10 @@ HTREEITEM Nodes::Mirror(const Node::Item& item, HTREEITEM after) {
     insert.item.mask = TVIF_TEXT | TVIF_PARAM;
     insert.item.pszText = const_cast<wchar_t*>(item.Text.c_str());
     insert.item.lParam = reinterpret_cast<LPARAM>(&item);
-    return reinterpret_cast<HTREEITEM>(tree_.Send(TVM_INSERTITEMW, 0, reinterpret_cast<LPARAM>(&insert)));
+    // Straight to the control: on the way through the message queue's hooks and our own procedure there is nobody to be told.
+    const LRESULT made = tree_.Original(TVM_INSERTITEMW, 0, reinterpret_cast<LPARAM>(&insert));
+    Events::Rethrow();
+    return reinterpret_cast<HTREEITEM>(made);
 }
 
 Node Nodes::Add(const Variant& relative, const Variant& relationship, const Variant& key, const std::wstring& text) {
