@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include <string>
+#include <string_view>
 
 // The text in capitals, character by character: the form in which keys and names of members are compared.
 inline std::wstring UCase(std::wstring text) {
@@ -11,7 +12,7 @@ inline std::wstring UCase(std::wstring text) {
 }
 
 // Whether two names are one but for the case of their letters.
-inline bool SameName(const std::wstring& one, const std::wstring& other) {
+inline bool SameName(std::wstring_view one, std::wstring_view other) {
     return one.size() == other.size() && CompareStringOrdinal(one.data(), static_cast<int>(one.size()), other.data(),
                                                               static_cast<int>(other.size()), TRUE) == CSTR_EQUAL;
 }

@@ -211,6 +211,23 @@ Variant Variant::ArrayOf(const std::vector<Variant>& items, long lowerBound) {
     return made;
 }
 
+Variant Variant::ArrayOf(std::vector<Variant>&& items, long lowerBound) {
+    SAFEARRAYBOUND bound{static_cast<ULONG>(items.size()), lowerBound};
+    Variant made;
+    made.parray = SafeArrayCreate(VT_VARIANT, 1, &bound);
+    if (made.parray == nullptr) throw std::bad_alloc();
+    made.vt = VT_ARRAY | VT_VARIANT;
+    void* data = nullptr;
+    Check(SafeArrayAccessData(made.parray, &data));
+    auto* element = static_cast<VARIANT*>(data);
+    for (Variant& item : items) {
+        *element++ = item;     // the array owns it from here on
+        VariantInit(&item);
+    }
+    SafeArrayUnaccessData(made.parray);
+    return made;
+}
+
 bool Variant::IsEmpty() const noexcept { return vt == VT_EMPTY; }
 
 bool Variant::IsNull() const noexcept { return vt == VT_NULL; }

@@ -18,10 +18,10 @@ struct ItemTexts {
     std::vector<Variant> Commands;
 };
 
-std::shared_ptr<const clsListItem> MakeItem(const ItemTexts& Texts) {
+std::shared_ptr<const clsListItem> MakeItem(ItemTexts&& Texts) {
     auto Item = std::make_shared<clsListItem>();
     Item->Constructor(L"", 0, 1, 0, L"", L"", L"", Texts.Select, Texts.Insert, Texts.Update, Texts.Delete, L"",
-                      Variant::ArrayOf(Texts.Commands));
+                      Variant::ArrayOf(std::move(Texts.Commands)));
     return Item;
 }
 
@@ -84,7 +84,7 @@ std::shared_ptr<const clsListItem> frmSQLEditor::m_GetActiveItem() try {
     const std::wstring Kind = Selected ? Selected.Tag() : std::wstring();
     ItemTexts Texts;
     if (Kind == NodeKind::Schema) {
-        Texts.Commands = {m_GetStmtDescribe(Selected)};
+        Texts.Commands.emplace_back(m_GetStmtDescribe(Selected));
     } else if (Kind == NodeKind::Tables || Kind == NodeKind::Views || Kind == NodeKind::Table ||
                Kind == NodeKind::View) {
         Texts.Select = m_GetStmtSelectTable(Selected);
@@ -93,7 +93,10 @@ std::shared_ptr<const clsListItem> frmSQLEditor::m_GetActiveItem() try {
             Texts.Update = m_GetStmtUpdateTable(Selected);
             Texts.Delete = m_GetStmtDeleteTable(Selected);
         }
-        Texts.Commands = {m_GetStmtCountRows(Selected), m_GetStmtDescribe(Selected), m_GetStmtSampleRows(Selected)};
+        Texts.Commands.reserve(3);
+        Texts.Commands.emplace_back(m_GetStmtCountRows(Selected));
+        Texts.Commands.emplace_back(m_GetStmtDescribe(Selected));
+        Texts.Commands.emplace_back(m_GetStmtSampleRows(Selected));
     } else if (Kind == NodeKind::Column) {
         // Names as they stand, for every database: a sketch of a statement, not one to run. The list of columns stands
         // before INTO: kept.
@@ -103,7 +106,7 @@ std::shared_ptr<const clsListItem> frmSQLEditor::m_GetActiveItem() try {
         Texts.Insert = L"INSERT (" + Column + L")" + LineBreak + L"INTO " + Table + LineBreak + L"VALUES ( value )";
         Texts.Update = L"UPDATE " + Table + LineBreak + L"SET " + Column + L" = value" + LineBreak + L"WHERE ...";
     }
-    return MakeItem(Texts);
+    return MakeItem(std::move(Texts));
 } catch (...) {
     ReportError(Module, L"m_GetActiveItem");
     return nullptr;

@@ -1,3 +1,6 @@
+#include <initializer_list>
+#include <string_view>
+
 #include "automation/Text.h"
 #include "browser/modLists.h"
 #include "component/modGlobal.h"
@@ -12,11 +15,22 @@ constexpr const wchar_t* Module = L"frmSQLEditor";
 constexpr const wchar_t* LineBreak = L"\r\n";
 constexpr const wchar_t* Separator = L";\r\n";  // between two statements
 constexpr size_t SeparatorLength = 3;
+constexpr size_t UsualStatement = 48;  // characters, of one statement for a table
 
 // The host's type codes whose statements differ; what products they stand for is the host's affair.
 bool WritesSchema(long Type) { return Type == 4 || Type == 8 || Type == 13 || Type == 26 || Type == 27 || Type == 40; }
 
 std::wstring FormatName(std::wstring Name) { return HostDatabase.Get(L"FormatName", ByRef(Name)).ToText(); }
+
+// With one allocation: a folder may have thousands of tables.
+std::wstring Concatenated(std::initializer_list<std::wstring_view> Parts) {
+    size_t Length = 0;
+    for (const std::wstring_view Part : Parts) Length += Part.size();
+    std::wstring Text;
+    Text.reserve(Length);
+    for (const std::wstring_view Part : Parts) Text += Part;
+    return Text;
+}
 
 bool IsFolder(const std::wstring& Kind) {
     return Kind == modLists::NodeKind::Tables || Kind == modLists::NodeKind::Views;
@@ -49,11 +63,15 @@ void ForEachColumn(const Node& Table, Step&& step) {
     for (Node Column = Table.Child().Child().FirstSibling(); Column; Column = Column.Next()) step(Column);
 }
 
-// One statement for each object of a folder.
-template <class Statement>
-std::wstring JoinStatements(const Node& Folder, Statement&& statement) {
+// One statement for each object of a folder: `append` puts it behind what is there.
+template <class Append>
+std::wstring JoinStatements(const Node& Folder, Append&& append) {
     std::wstring Joined;
-    ForEachObject(Folder, [&](const Node& Object) { Joined.append(statement(Object)).append(Separator); });
+    Joined.reserve(static_cast<size_t>(Folder.Children()) * UsualStatement);
+    ForEachObject(Folder, [&](const Node& Object) {
+        append(Joined, Object.Text());
+        Joined.append(Separator);
+    });
     if (!Joined.empty()) Joined.resize(Joined.size() - SeparatorLength);
     return Joined;
 }
@@ -64,17 +82,17 @@ std::wstring DescribePrefix(const std::wstring& Schema) {
     return Schema == L"Current Schema" ? std::wstring() : Schema + L".";
 }
 
-std::wstring Describe(const std::wstring& Prefix, const Node& Object) { return L"DESCRIBE " + Prefix + Object.Text(); }
+void AppendDescribe(std::wstring& Joined, const std::wstring& Prefix, const std::wstring& Name) {
+    Joined.append(L"DESCRIBE ").append(Prefix).append(Name);
+}
 
 }  // namespace
 
 std::wstring frmSQLEditor::m_BuildTable(const std::wstring& Schema, const std::wstring& Table) try {
-    std::wstring Reference;
+    std::wstring Name = FormatName(Table);
+    if (!WritesSchema(DBType) || SameName(Schema, OwnerName) || SameName(Schema, L"current schema")) return Name;
     // The schema is written as it stands: the host quotes names of tables and columns alone.
-    if (WritesSchema(DBType) && !SameName(Schema, OwnerName) && !SameName(Schema, L"current schema")) {
-        Reference.append(Schema).append(L".");
-    }
-    return Reference.append(FormatName(Table));
+    return Concatenated({Schema, L".", Name});
 } catch (...) {
     ReportError(Module, L"m_BuildTable");
     return {};
@@ -84,17 +102,12 @@ std::wstring frmSQLEditor::m_BuildStmtSampleRows(const std::wstring& Schema, con
     const std::wstring Reference = m_BuildTable(Schema, Table);
     switch (DBType) {
         case 2:
-        case 28:
-            return L"SELECT first 100 * FROM " + Reference;
-        case 4:
-            return L"SELECT * FROM " + Reference + L" WHERE rownum <= 100";
-        case 13:
-            return L"SELECT * FROM " + Reference + L"  fetch first 100 rows only";  // two blanks: kept
+        case 28: return Concatenated({L"SELECT first 100 * FROM ", Reference});
+        case 4: return Concatenated({L"SELECT * FROM ", Reference, L" WHERE rownum <= 100"});
+        case 13: return Concatenated({L"SELECT * FROM ", Reference, L"  fetch first 100 rows only"});  // two blanks: kept
         case 17:
-        case 27:
-            return L"SELECT * FROM " + Reference + L" LIMIT 100";
-        default:
-            return L"SELECT top 100 * FROM " + Reference;
+        case 27: return Concatenated({L"SELECT * FROM ", Reference, L" LIMIT 100"});
+        default: return Concatenated({L"SELECT top 100 * FROM ", Reference});
     }
 } catch (...) {
     ReportError(Module, L"m_BuildStmtSampleRows");
@@ -106,8 +119,9 @@ std::wstring frmSQLEditor::m_GetStmtCountRows(const Node& Node) try {
     if (IsTableOrView(Kind)) return L"SELECT COUNT(*) FROM " + m_BuildTable(SchemaOfTable(Node), Node.Text());
     if (!IsFolder(Kind)) return {};
     const std::wstring Schema = Node.Parent().Text();
-    return JoinStatements(
-        Node, [&](const ::Node& Object) { return L"SELECT COUNT(*) FROM " + m_BuildTable(Schema, Object.Text()); });
+    return JoinStatements(Node, [&](std::wstring& Joined, const std::wstring& Name) {
+        Joined.append(L"SELECT COUNT(*) FROM ").append(m_BuildTable(Schema, Name));
+    });
 } catch (...) {
     ReportError(Module, L"m_GetStmtCountRows");
     return {};
@@ -115,16 +129,20 @@ std::wstring frmSQLEditor::m_GetStmtCountRows(const Node& Node) try {
 
 std::wstring frmSQLEditor::m_GetStmtDescribe(const Node& Node) try {
     const std::wstring& Kind = Node.Tag();
-    if (IsTableOrView(Kind)) return Describe(DescribePrefix(SchemaOfTable(Node)), Node);
+    if (IsTableOrView(Kind)) return L"DESCRIBE " + DescribePrefix(SchemaOfTable(Node)) + Node.Text();
     if (IsFolder(Kind)) {
         const std::wstring Prefix = DescribePrefix(Node.Parent().Text());
-        return JoinStatements(Node, [&](const ::Node& Object) { return Describe(Prefix, Object); });
+        return JoinStatements(Node,
+                              [&](std::wstring& Joined, const std::wstring& Name) { AppendDescribe(Joined, Prefix, Name); });
     }
     if (Kind != modLists::NodeKind::Schema) return {};
     const std::wstring Prefix = DescribePrefix(Node.Text());
     std::wstring Joined;
     for (const ::Node& Folder : {Node.Child().FirstSibling(), Node.Child().LastSibling()}) {
-        ForEachObject(Folder, [&](const ::Node& Object) { Joined.append(Describe(Prefix, Object)).append(Separator); });
+        ForEachObject(Folder, [&](const ::Node& Object) {
+            AppendDescribe(Joined, Prefix, Object.Text());
+            Joined.append(Separator);
+        });
     }
     if (!Joined.empty()) Joined.resize(Joined.size() - SeparatorLength);
     return Joined;
@@ -138,7 +156,9 @@ std::wstring frmSQLEditor::m_GetStmtSampleRows(const Node& Node) try {
     if (IsTableOrView(Kind)) return m_BuildStmtSampleRows(SchemaOfTable(Node), Node.Text());
     if (!IsFolder(Kind)) return {};
     const std::wstring Schema = Node.Parent().Text();
-    return JoinStatements(Node, [&](const ::Node& Object) { return m_BuildStmtSampleRows(Schema, Object.Text()); });
+    return JoinStatements(Node, [&](std::wstring& Joined, const std::wstring& Name) {
+        Joined.append(m_BuildStmtSampleRows(Schema, Name));
+    });
 } catch (...) {
     ReportError(Module, L"m_GetStmtSampleRows");
     return {};
@@ -150,8 +170,9 @@ std::wstring frmSQLEditor::m_GetStmtSelectTable(const Node& Node) try {
     const std::wstring& Kind = Node.Tag();
     if (IsFolder(Kind)) {
         const std::wstring Schema = Node.Parent().Text();
-        return JoinStatements(
-            Node, [&](const ::Node& Object) { return L"SELECT * FROM " + m_BuildTable(Schema, Object.Text()); });
+        return JoinStatements(Node, [&](std::wstring& Joined, const std::wstring& Name) {
+            Joined.append(L"SELECT * FROM ").append(m_BuildTable(Schema, Name));
+        });
     }
     if (!IsTableOrView(Kind) || !HasColumns(Node)) return {};
     std::wstring Statement;
