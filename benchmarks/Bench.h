@@ -20,7 +20,8 @@ bool FullSizes();
 // The sizes to measure: the given ones, or a small one.
 std::vector<size_t> Sizes(std::initializer_list<size_t> full, size_t small);
 
-// Runs `round` an odd number of times and prints the row: medians, the ratio of the medians, the bar, and whether it holds.
+// Runs `round` an odd number of times and prints the row: medians, the ratio of the medians, the bar, and whether it
+// holds.
 void PrintRow(const std::string& operation, size_t size, double bar, const std::function<Round()>& round);
 // The same for rounds that measure two operations at once.
 void PrintRows(const std::vector<std::string>& operations, size_t size, const std::vector<double>& bars,

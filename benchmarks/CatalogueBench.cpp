@@ -19,8 +19,9 @@ TEST(CatalogueBench, BuildingIt) {
     modGlobal::Main();
     std::vector<PlainRecord> source;
     for (const auto& item : modGlobal::Catalogue()) {
-        source.push_back({item->Text(), item->Category(), item->Description(), item->DragDrop(), item->SelectText(), item->InsertText(),
-                          item->UpdateText(), item->DeleteText(), item->ExecuteText(), item->Id(), item->list(), item->DBType()});
+        source.push_back({item->Text(), item->Category(), item->Description(), item->DragDrop(), item->SelectText(),
+                          item->InsertText(), item->UpdateText(), item->DeleteText(), item->ExecuteText(), item->Id(),
+                          item->list(), item->DBType()});
     }
     ASSERT_EQ(283U, source.size());
     PrintRow("building the catalogue", source.size(), 3.0, [&] {

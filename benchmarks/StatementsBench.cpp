@@ -4,8 +4,8 @@
 #include "Bench.h"
 #include "Browsed.h"
 
-// All statements of a folder. They are built for Create too, which inserts nothing when the host's dialog is cancelled: what the
-// editor takes for the text is measured elsewhere.
+// All statements of a folder. They are built for Create too, which inserts nothing when the host's dialog is cancelled:
+// what the editor takes for the text is measured elsewhere.
 class StatementsBench : public BrowsedFixture {};
 
 TEST_F(StatementsBench, OfAFolderOfTables) {

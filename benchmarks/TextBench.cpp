@@ -6,7 +6,8 @@
 #include "Fakes.h"
 #include "forms/RichText.h"
 
-// The way of the SQL through the editor, against a rich edit control that is made for it and gets the text the fastest way.
+// The way of the SQL through the editor, against a rich edit control that is made for it and gets the text the fastest
+// way.
 namespace {
 
 // SQL of long lines: what Wine's control takes for a text grows with the square of its lines.
@@ -30,7 +31,8 @@ std::wstring ThroughRawControl(const std::wstring& text) {
     get.cb = static_cast<DWORD>(back.size() * sizeof(wchar_t));
     get.flags = GT_USECRLF;
     get.codepage = 1200;
-    back.resize(static_cast<size_t>(SendMessageW(control, EM_GETTEXTEX, reinterpret_cast<WPARAM>(&get), reinterpret_cast<LPARAM>(back.data()))));
+    back.resize(static_cast<size_t>(
+        SendMessageW(control, EM_GETTEXTEX, reinterpret_cast<WPARAM>(&get), reinterpret_cast<LPARAM>(back.data()))));
     DestroyWindow(control);
     return back;
 }
@@ -63,8 +65,8 @@ TEST_F(TextBench, ASecondDisplayWithAnotherText) {
             editor.Call(L"Display", ByRef(text));
             QueryPerformanceCounter(&returned);
             EXPECT_EQ(size, text.size());
-            round.Ours = static_cast<double>(returned.QuadPart - called.QuadPart - (closed.QuadPart - shown.QuadPart)) * 1000 /
-                         static_cast<double>(frequency.QuadPart);
+            round.Ours = static_cast<double>(returned.QuadPart - called.QuadPart - (closed.QuadPart - shown.QuadPart)) *
+                         1000 / static_cast<double>(frequency.QuadPart);
             return round;
         });
     }

@@ -5,8 +5,8 @@
 #include "Browsed.h"
 #include "automation/Collection.h"
 
-// The object browser against a raw tree control that gets the same items, from the same collections of the same host. The component
-// is the built DLL, worked by messages.
+// The object browser against a raw tree control that gets the same items, from the same collections of the same host.
+// The component is the built DLL, worked by messages.
 namespace {
 
 // A tree control as the platform makes it, of the size of the editor's, with one root.
@@ -18,8 +18,8 @@ public:
         RECT place;
         GetClientRect(GetParent(ours), &place);
         window_ = CreateWindowExW(WS_EX_CLIENTEDGE, WC_TREEVIEWW, L"",
-                                  WS_CHILD | WS_VISIBLE | TVS_HASBUTTONS | TVS_HASLINES | TVS_LINESATROOT | TVS_SHOWSELALWAYS |
-                                      TVS_DISABLEDRAGDROP | WS_CLIPSIBLINGS,
+                                  WS_CHILD | WS_VISIBLE | TVS_HASBUTTONS | TVS_HASLINES | TVS_LINESATROOT |
+                                      TVS_SHOWSELALWAYS | TVS_DISABLEDRAGDROP | WS_CLIPSIBLINGS,
                                   0, 0, place.right, place.bottom, GetParent(ours), nullptr, nullptr, nullptr);
         SetWindowPos(window_, HWND_TOP, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE);
         root_ = Insert(TVI_ROOT, L"Tables");
@@ -35,7 +35,8 @@ public:
         insert.hInsertAfter = TVI_LAST;
         insert.item.mask = TVIF_TEXT;
         insert.item.pszText = const_cast<wchar_t*>(text);
-        return reinterpret_cast<HTREEITEM>(SendMessageW(window_, TVM_INSERTITEMW, 0, reinterpret_cast<LPARAM>(&insert)));
+        return reinterpret_cast<HTREEITEM>(
+            SendMessageW(window_, TVM_INSERTITEMW, 0, reinterpret_cast<LPARAM>(&insert)));
     }
     void Hold(bool held) const {
         SendMessageW(window_, WM_SETREDRAW, !held, 0);
@@ -71,8 +72,12 @@ protected:
         SendMessageW(grip, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(400, 5));
         SendMessageW(grip, WM_LBUTTONUP, 0, 0);
     }
-    void Expand(HTREEITEM item) const { SendMessageW(Tree.Handle(), TVM_EXPAND, TVE_EXPAND, reinterpret_cast<LPARAM>(item)); }
-    void Collapse(HTREEITEM item) const { SendMessageW(Tree.Handle(), TVM_EXPAND, TVE_COLLAPSE, reinterpret_cast<LPARAM>(item)); }
+    void Expand(HTREEITEM item) const {
+        SendMessageW(Tree.Handle(), TVM_EXPAND, TVE_EXPAND, reinterpret_cast<LPARAM>(item));
+    }
+    void Collapse(HTREEITEM item) const {
+        SendMessageW(Tree.Handle(), TVM_EXPAND, TVE_COLLAPSE, reinterpret_cast<LPARAM>(item));
+    }
 };
 
 }  // namespace
@@ -123,7 +128,8 @@ TEST_F(TreeBench, TheColumnsOfATable) {
         std::vector<Variant> columns;
         for (size_t at = 0; at < size; ++at) {
             std::vector<Variant> properties{Property(L"COLUMN_NAME", L"COLUMN_" + std::to_wstring(at))};
-            for (int more = 1; more < 8; ++more) properties.push_back(Property(L"PROPERTY_" + std::to_wstring(more), static_cast<long>(more)));
+            for (int more = 1; more < 8; ++more)
+                properties.push_back(Property(L"PROPERTY_" + std::to_wstring(more), static_cast<long>(more)));
             columns.push_back(Variant(MakeCollection(std::move(properties))));
         }
         const Variant all(MakeCollection(std::move(columns)));

@@ -63,18 +63,18 @@ public:
     MenuItem mnuFileClose{L"&Close"};
 
     MenuItem mnuEdit{L"&Edit"};
-    MenuItem mnuEditCut{L"Cu&t"};
-    MenuItem mnuEditCopy{L"&Copy"};
-    MenuItem mnuEditPaste{L"&Paste"};
-    MenuItem mnuEditDelete{L"&Delete"};
+    MenuItem mnuEditCut{L"Cu&t", {FCONTROL, 'X', L"Ctrl+X"}};
+    MenuItem mnuEditCopy{L"&Copy", {FCONTROL, 'C', L"Ctrl+C"}};
+    MenuItem mnuEditPaste{L"&Paste", {FCONTROL, 'V', L"Ctrl+V"}};
+    MenuItem mnuEditDelete{L"&Delete", {0, 0, L"Del"}};  // the key is the editor's own
     MenuItem mnuEditMakeLowerCase{L"Make &Lower Case"};
     MenuItem mnuEditMakeUpperCase{L"Make &Upper Case"};
-    MenuItem mnuFind{L"&Find..."};
-    MenuItem mnuFindNext{L"Find &Next"};
+    MenuItem mnuFind{L"&Find...", {FCONTROL, 'F', L"Ctrl+F"}};
+    MenuItem mnuFindNext{L"Find &Next", {0, VK_F3, L"F3"}};
     MenuItem mnuEditReplace{L"&Replace..."};
     MenuItem mnuEditGoto{L"&Goto..."};
-    MenuItem mnuEditSelectAll{L"Select &All"};
-    MenuItem mnuEditTimeDate{L"Time/&Date"};
+    MenuItem mnuEditSelectAll{L"Select &All", {FCONTROL, 'A', L"Ctrl+A"}};
+    MenuItem mnuEditTimeDate{L"Time/&Date", {0, VK_F5, L"F5"}};
 
     MenuItem mnuAction{L"&Action"};
     MenuItem mnuActionSelect{L"&Select"};
@@ -156,6 +156,12 @@ private:
     void mnuEditSelectAll_Click();
     void mnuEditTimeDate_Click();
     void m_FindNext(const std::wstring* Text = nullptr);
+    std::wstring m_CopiedText();
+    bool m_Copy(const wchar_t* Routine);
+    void m_ReplaceSelection(const std::wstring& Text);
+    void m_ChangeCase(DWORD Mapping);  // LCMAP_LOWERCASE or LCMAP_UPPERCASE
+    void rtbSQL_MouseDown(int Button, int Shift, float X, float Y);
+    void rtbSQL_ContextMenu(const POINT& At);  // by the keyboard; in pixels of the screen
     void rtbSQL_Change();
     void rtbSQL_SelChange();
 

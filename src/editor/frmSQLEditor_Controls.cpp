@@ -212,6 +212,9 @@ void frmSQLEditor::CreateControls() {
                           static_cast<Control*>(&trvDatabaseSpecific)}) {
         View->ContextMenuKey = [this](const POINT& At) { m_ReferenceContextMenu(At); };
     }
+    rtbSQL.MouseDown = [this](int B, int S, float X, float Y) { rtbSQL_MouseDown(B, S, X, Y); };
+    rtbSQL.ContextMenuKey = [this](const POINT& At) { rtbSQL_ContextMenu(At); };
+    rtbSQL.PasteRequested = [this] { mnuEditPaste_Click(); };
     rtbSQL.Change = [this] { rtbSQL_Change(); };
     rtbSQL.SelChange = [this] { rtbSQL_SelChange(); };
     rtbSQL.DragOver = [this](Control& Source, float X, float Y, DragState State) { rtbSQL_DragOver(Source, X, Y, State); };

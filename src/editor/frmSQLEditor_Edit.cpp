@@ -1,13 +1,15 @@
+#include <optional>
+
 #include "editor/frmSQLEditor.h"
 #include "errors/modErrorHandler.h"
+#include "forms/Clipboard.h"
+#include "forms/InputBox.h"
 
 namespace {
 constexpr const wchar_t* Module = L"frmSQLEditor";
 }
 
-void frmSQLEditor::rtbSQL_Change() try {
-    rtbSQL.DataChanged = true;
-} catch (...) {
+void frmSQLEditor::rtbSQL_Change() try { rtbSQL.DataChanged = true; } catch (...) {
     ReportError(Module, L"rtbSQL_Change");
 }
 
@@ -20,26 +22,144 @@ void frmSQLEditor::rtbSQL_SelChange() try {
     ReportError(Module, L"rtbSQL_SelChange");
 }
 
-void frmSQLEditor::mnuEdit_Click() {}
+// The other entries stay as they are, whatever has the focus.
+void frmSQLEditor::mnuEdit_Click() try {
+    const bool Editing = rtbSQL.HasFocus();
+    mnuEditCut.SetEnabled(Editing);
+    mnuEditDelete.SetEnabled(Editing);
+} catch (...) {
+    ReportError(Module, L"mnuEdit_Click");
+}
 
-void frmSQLEditor::mnuEditCut_Click() {}
+std::wstring frmSQLEditor::m_CopiedText() {
+    if (rtbSQL.HasFocus()) return rtbSQL.SelText();
+    if (trvDBObjects.HasFocus()) return trvDBObjects.SelectedItem().Text();
+    if (lstAnsiSQL.HasFocus()) return lstAnsiSQL.List(lstAnsiSQL.ListIndex());
+    if (lstKolvex.HasFocus()) return lstKolvex.List(lstKolvex.ListIndex());
+    if (trvDatabaseSpecific.HasFocus()) return trvDatabaseSpecific.SelectedItem().Text();
+    return {};
+}
 
-void frmSQLEditor::mnuEditCopy_Click() {}
+// Returns whether the text is on the clipboard: Cut must not remove what was not copied.
+bool frmSQLEditor::m_Copy(const wchar_t* Routine) try {
+    const std::wstring Text = m_CopiedText();
+    // Nothing to copy is no reason to empty the clipboard.
+    if (!Text.empty()) Clipboard::SetText(Handle(), Text);
+    return true;
+} catch (...) {
+    if (CurrentError().Number == ErrorNumber::ClipboardNotOpened) {
+        AlertUser(
+            L"Unable to access the clipboard. Another program has locked the clipboard and not released it yet. If it "
+            L"persists, "
+            L"try closing other applications to find the program that locks the clipboard.");
+    } else {
+        ReportError(Module, Routine);
+    }
+    return false;
+}
 
-void frmSQLEditor::mnuEditPaste_Click() {}
+void frmSQLEditor::mnuEditCopy_Click() try { m_Copy(L"mnuEditCopy_Click"); } catch (...) {
+    ReportError(Module, L"mnuEditCopy_Click");
+}
 
-void frmSQLEditor::mnuEditDelete_Click() {}
+void frmSQLEditor::mnuEditCut_Click() try {
+    if (m_Copy(L"mnuEditCopy_Click")) m_ReplaceSelection(L"");
+} catch (...) {
+    ReportError(Module, L"mnuEditCut_Click");
+}
 
-void frmSQLEditor::mnuEditMakeLowerCase_Click() {}
+void frmSQLEditor::mnuEditDelete_Click() try { m_ReplaceSelection(L""); } catch (...) {
+    ReportError(Module, L"mnuEditDelete_Click");
+}
 
-void frmSQLEditor::mnuEditMakeUpperCase_Click() {}
+// An empty selection is left alone: replacing nothing by nothing would count as a change.
+void frmSQLEditor::m_ReplaceSelection(const std::wstring& Text) {
+    if (rtbSQL.SelLength() == 0) return;
+    rtbSQL.SetSelText(Text);
+    rtbSQL.SetSelLength(0);
+}
 
-void frmSQLEditor::mnuFind_Click() {}
+void frmSQLEditor::m_ChangeCase(DWORD Mapping) {
+    const std::wstring Text = rtbSQL.SelText();
+    if (Text.empty()) return;
+    const long Start = rtbSQL.SelStart();
+    // By the user's language, letters alone: a mapping never makes a character more or less.
+    std::wstring Mapped(Text.size(), L'\0');
+    const int Length = LCMapStringEx(LOCALE_NAME_USER_DEFAULT, Mapping, Text.c_str(), static_cast<int>(Text.size()),
+                                     Mapped.data(), static_cast<int>(Mapped.size()), nullptr, nullptr, 0);
+    if (Length == 0) RaiseSystemError(ErrorNumber::InvalidProcedureCall, GetLastError());
+    Mapped.resize(static_cast<size_t>(Length));
+    rtbSQL.SetSelText(Mapped);
+    // Still selected, so that the other case is one more step away.
+    rtbSQL.SetSelStart(Start);
+    rtbSQL.SetSelLength(static_cast<long>(Mapped.size()));
+}
 
-void frmSQLEditor::mnuFindNext_Click() {}
+void frmSQLEditor::mnuEditMakeLowerCase_Click() try { m_ChangeCase(LCMAP_LOWERCASE); } catch (...) {
+    ReportError(Module, L"mnuEditMakeLowerCase_Click");
+}
 
-void frmSQLEditor::mnuEditSelectAll_Click() {}
+void frmSQLEditor::mnuEditMakeUpperCase_Click() try { m_ChangeCase(LCMAP_UPPERCASE); } catch (...) {
+    ReportError(Module, L"mnuEditMakeUpperCase_Click");
+}
 
-void frmSQLEditor::mnuEditTimeDate_Click() {}
+void frmSQLEditor::mnuEditPaste_Click() try {
+    if (!rtbSQL.HasFocus()) return;
+    const std::wstring Text = Clipboard::GetText(Handle());
+    if (Text.empty()) return;
+    // Behind the selection: the selected text is kept, as with everything that is inserted.
+    rtbSQL.SetSelStart(rtbSQL.SelStart() + rtbSQL.SelLength());
+    rtbSQL.SetSelText(Text);
+    rtbSQL.ScrollCaret();
+} catch (...) {
+    ReportError(Module, L"mnuEditPaste_Click");
+}
 
-void frmSQLEditor::m_FindNext(const std::wstring*) {}
+void frmSQLEditor::mnuEditSelectAll_Click() try {
+    rtbSQL.SetSelStart(0);
+    rtbSQL.SetSelLength(rtbSQL.TextLength());
+} catch (...) {
+    ReportError(Module, L"mnuEditSelectAll_Click");
+}
+
+void frmSQLEditor::mnuEditTimeDate_Click() try {
+    SYSTEMTIME Now{};
+    GetLocalTime(&Now);
+    Variant General;
+    if (!SystemTimeToVariantTime(&Now, &General.date)) RaiseError(ErrorNumber::InvalidProcedureCall);
+    General.vt = VT_DATE;
+    // The regional settings' short date and long time, as Basic's "General Date" has them.
+    rtbSQL.SetSelText(General.ToText());
+    rtbSQL.ScrollCaret();
+} catch (...) {
+    ReportError(Module, L"mnuEditTimeDate_Click");
+}
+
+void frmSQLEditor::mnuFind_Click() try {
+    const std::optional<std::wstring> Text = InputBox(Handle(), L"Enter text to find", L"Find", findText_);
+    if (Text) m_FindNext(&*Text);
+} catch (...) {
+    ReportError(Module, L"mnuFind_Click");
+}
+
+void frmSQLEditor::mnuFindNext_Click() try { m_FindNext(); } catch (...) {
+    ReportError(Module, L"mnuFindNext_Click");
+}
+
+// A text that is not there is not reported: the selection stays where it is.
+void frmSQLEditor::m_FindNext(const std::wstring* Text) try {
+    if (Text != nullptr) findText_ = *Text;
+    if (!findText_.empty()) rtbSQL.Find(findText_);
+} catch (...) {
+    ReportError(Module, L"m_FindNext");
+}
+
+void frmSQLEditor::rtbSQL_MouseDown(int Button, int, float, float) try {
+    if (Button == MouseButton::Right) mnuEdit.PopUp();
+} catch (...) {
+    ReportError(Module, L"rtbSQL_MouseDown");
+}
+
+void frmSQLEditor::rtbSQL_ContextMenu(const POINT& At) try { mnuEdit.PopUp(&At); } catch (...) {
+    ReportError(Module, L"rtbSQL_ContextMenu");
+}

@@ -16,6 +16,12 @@ void ReportError(const std::wstring& Module, const std::wstring& Routine, const 
     handler->ErrorMessage(Module, Routine, MakeErrorObject(error), Line, DebugMessage);
 }
 
+void AlertUser(const std::wstring& Message) {
+    if (ErrorHandler == nullptr) ErrorHandler = std::make_shared<clsErrorHandler>();
+    const auto handler = ErrorHandler;
+    handler->Alert(Message);
+}
+
 bool IsNotComponentError(long Number) {
     long difference = 0;
     if (__builtin_sub_overflow(Number, ObjectErrorBase, &difference)) RaiseError(ErrorNumber::Overflow);

@@ -17,3 +17,6 @@ bool IsNotComponentError(long Number);
 
 // Whether the error is one that this component raised itself, which procedures of the object tree pass up unchanged.
 bool IsOwnError(const RuntimeError& error);
+
+// Tells the user something through the error component.
+void AlertUser(const std::wstring& Message);

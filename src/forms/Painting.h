@@ -6,8 +6,8 @@
 
 #include "forms/Control.h"
 
-// Holds the painting of a control while many items change: each one would be laid out on its own. The outermost one counts. The
-// control must be visible, since the message that ends it shows a hidden one.
+// Holds the painting of a control while many items change: each one would be laid out on its own. The outermost one
+// counts. The control must be visible, since the message that ends it shows a hidden one.
 class PaintingHeld {
 public:
     explicit PaintingHeld(Control& control);

@@ -318,6 +318,24 @@ bool RichTextBox::OnReflected(UINT message, WPARAM wParam, LPARAM lParam, LRESUL
 }
 
 LRESULT RichTextBox::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
-    if (message == WM_DESTROY) target_.Revoke();  // while OLE still knows the window
+    switch (message) {
+        case WM_DESTROY: target_.Revoke(); break;  // while OLE still knows the window
+        case WM_RBUTTONDOWN: SetFocus(); break;
+        case WM_PASTE:
+            if (PasteRequested) PasteRequested();
+            return 0;
+        case WM_KEYDOWN:
+            // The control's own keys for it would bring formats and objects in.
+            if ((wParam == VK_INSERT && GetKeyState(VK_SHIFT) < 0 && GetKeyState(VK_CONTROL) >= 0) ||
+                (wParam == 'V' && GetKeyState(VK_CONTROL) < 0 && GetKeyState(VK_MENU) >= 0)) {
+                if (PasteRequested) PasteRequested();
+                return 0;
+            }
+            break;
+        case WM_CHAR:
+            if (wParam == 0x16) return 0;  // Ctrl+V again, as a character
+            break;
+        default: break;
+    }
     return Control::OnMessage(message, wParam, lParam);
 }

@@ -40,6 +40,13 @@ public:
     long CharFromPos(int x, int y) const;
     void ScrollCaret();
 
+    // Selects the next occurrence of the text behind the selection, else the first one in the whole text, upper and lower case
+    // being the same, and scrolls to it. False, and nothing changed: there is none.
+    bool Find(const std::wstring& text);
+
+    // Keys or other programs ask for a paste: only what the event does is pasted.
+    Event PasteRequested;
+
     // Another program drops text or files. While its drag is over the control the caret follows the mouse.
     std::function<void(const DroppedData&)> OLEDragDrop;
 
@@ -67,6 +74,7 @@ public:
 protected:
     LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
     bool OnReflected(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result) override;
+    POINT MenuPoint() const override;  // at the caret
 
 private:
     // While one lives the control's own notifications raise nothing.
@@ -84,6 +92,7 @@ private:
     void StreamIn(const std::wstring& text, WPARAM flags = 0);
     void SetRichText(std::string_view rtf);
     std::string RichText() const;
+    bool FindFrom(long from, long to, const std::wstring& text);  // positions as the control counts them
     void ShowDropPlace(POINT screen);
     void ForgetDropPlace();
 

@@ -37,7 +37,7 @@ std::wstring NodeText(const Node& Node) {
     return {};
 }
 
-// Above this size the control takes noticeable time for a text; TextFile has the limit beyond which it is refused.
+// Above this size the control takes noticeable time for a text; beyond RichTextBox::FileLimit it is refused.
 constexpr uint64_t AskBeyond = 1024 * 1024;  // bytes
 
 std::wstring InMegabytes(uint64_t Bytes) {
@@ -52,10 +52,10 @@ bool MayInsert(HWND Owner, const std::wstring& File) {
         RaiseError(ErrorNumber::PathFileAccessError, App::Title, L"This is a folder; only files can be dropped here.");
     }
     const uint64_t Size = (uint64_t{Facts.nFileSizeHigh} << 32) | Facts.nFileSizeLow;
-    if (Size > TextFile::DefaultLimit) {
+    if (Size > RichTextBox::FileLimit) {
         RaiseError(ErrorNumber::OutOfMemory, App::Title,
                    L"With " + InMegabytes(Size) + L" the file is too large for the editor, which takes up to " +
-                       InMegabytes(TextFile::DefaultLimit) + L".");
+                       InMegabytes(RichTextBox::FileLimit) + L".");
     }
     return Size <= AskBeyond ||
            MsgBox(Owner,
@@ -65,7 +65,7 @@ bool MayInsert(HWND Owner, const std::wstring& File) {
 
 // By the rule of File Open: the ending decides whether it is rich text.
 std::wstring TextOfFile(const std::wstring& File) {
-    const std::string Bytes = TextFile::ReadBytes(File);
+    const std::string Bytes = TextFile::ReadBytes(File, RichTextBox::FileLimit);
     if (Bytes.empty()) return {};
     const bool Rich = File.size() >= 3 && SameName(File.substr(File.size() - 3), L"rtf");
     return Rich ? PlainTextOf(Bytes) : TextFile::Decode(Bytes).Text;

@@ -98,7 +98,8 @@ TEST_F(BrowserOnDatabasesTest, SystemTablesComeAndGoWithTheMenu) {
         EXPECT_EQ(L"", Tree.Children(Folder(L"pg_catalog", L"Tables")));  // what was read stays
         Tree.Shut(Folder(L"pg_catalog", L"Tables"));
         Tree.Open(Folder(L"pg_catalog", L"Tables"));
-        EXPECT_NE(std::wstring::npos, (L"|" + Tree.Children(Folder(L"pg_catalog", L"Tables")) + L"|").find(L"|pg_class|"));
+        EXPECT_NE(std::wstring::npos,
+                  (L"|" + Tree.Children(Folder(L"pg_catalog", L"Tables")) + L"|").find(L"|pg_class|"));
     });
     EXPECT_EQ(L"", Errors.Places());
 }

@@ -5,7 +5,8 @@ namespace {
 std::wstring FromEnvironment(const wchar_t* name) {
     std::wstring value(32767, L'\0');
     value.resize(GetEnvironmentVariableW(name, value.data(), static_cast<DWORD>(value.size())));
-    EXPECT_FALSE(value.empty()) << "the environment has no " << std::string(name, name + wcslen(name)) << ": run the tests by ./test";
+    EXPECT_FALSE(value.empty()) << "the environment has no " << std::string(name, name + wcslen(name))
+                                << ": run the tests by ./test";
     return value;
 }
 
@@ -18,8 +19,8 @@ RealDatabase::RealDatabase(const std::wstring& connection) : host_(Object::Creat
 void RealDatabase::Run(const std::vector<std::wstring>& statements) {
     for (const std::wstring& statement : statements) {
         std::wstring failure;
-        EXPECT_TRUE(Takes(statement, failure)) << std::string(statement.begin(), statement.end()) << ": "
-                                               << std::string(failure.begin(), failure.end());
+        EXPECT_TRUE(Takes(statement, failure))
+            << std::string(statement.begin(), statement.end()) << ": " << std::string(failure.begin(), failure.end());
     }
 }
 
@@ -41,7 +42,8 @@ std::vector<std::wstring> RealDatabase::FirstRow(const std::wstring& query) {
     const Variant row = rows.Call(L"NextRow");
     std::vector<std::wstring> values;
     if (!row.IsNull()) {
-        for (const Variant& value : row.ToArray()) values.push_back(value.IsNull() ? std::wstring(L"<null>") : value.ToText());
+        for (const Variant& value : row.ToArray())
+            values.push_back(value.IsNull() ? std::wstring(L"<null>") : value.ToText());
     }
     rows.Call(L"Close");
     return values;
@@ -54,8 +56,8 @@ std::wstring PostgresServer() { return FromEnvironment(L"BRV_PG"); }
 ScratchFile::ScratchFile() {
     const std::wstring shop = FromEnvironment(L"BRV_SHOP_DB");
     // Beside the sample, where the driver, a program of the system, finds it by the system's own name.
-    unixPath_ = shop.substr(0, shop.find_last_of(L'/') + 1) + L"scratch-" + std::to_wstring(GetCurrentProcessId()) + L"-" +
-                std::to_wstring(GetTickCount64()) + L".db";
+    unixPath_ = shop.substr(0, shop.find_last_of(L'/') + 1) + L"scratch-" + std::to_wstring(GetCurrentProcessId()) +
+                L"-" + std::to_wstring(GetTickCount64()) + L".db";
     path_ = L"Z:" + unixPath_;
 }
 
@@ -66,7 +68,8 @@ std::wstring ScratchFile::Connection() const { return L"Driver=SQLite3;Database=
 void SwitchPostgres(const wchar_t* what) {
     const std::wstring file = FromEnvironment(L"BRV_PG_SWITCH") + L"\\" + what;
     CloseHandle(CreateFileW(file.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr));
-    for (int tenths = 0; tenths < 300 && GetFileAttributesW(file.c_str()) != INVALID_FILE_ATTRIBUTES; ++tenths) Sleep(100);
+    for (int tenths = 0; tenths < 300 && GetFileAttributesW(file.c_str()) != INVALID_FILE_ATTRIBUTES; ++tenths)
+        Sleep(100);
     EXPECT_EQ(INVALID_FILE_ATTRIBUTES, GetFileAttributesW(file.c_str())) << "nobody switches the server";
 }
 

@@ -24,12 +24,14 @@ protected:
     }
     static std::wstring Replaced(std::wstring text, const std::wstring& what, const std::wstring& by) {
         size_t from = 0;
-        for (size_t at; (at = text.find(what, from)) != std::wstring::npos; from = at + by.size()) text.replace(at, what.size(), by);
+        for (size_t at; (at = text.find(what, from)) != std::wstring::npos; from = at + by.size())
+            text.replace(at, what.size(), by);
         return text;
     }
-    // The literals of the table's first row, or NULL for each column when it has none. `function` makes a literal in the
-    // database's own way.
-    static std::vector<std::wstring> Literals(RealDatabase& database, const std::wstring& select, const wchar_t* function) {
+    // The literals of the table's first row, or NULL for each column when it has none. `function` makes a literal in
+    // the database's own way.
+    static std::vector<std::wstring> Literals(RealDatabase& database, const std::wstring& select,
+                                              const wchar_t* function) {
         // SELECT a\r\n, b\r\nFROM t\r\n
         std::wstring query = Replaced(select, L"\r\n, ", L"), " + std::wstring(function) + L"(");
         query = Replaced(query, L"SELECT ", L"SELECT " + std::wstring(function) + L"(");
@@ -115,11 +117,13 @@ TEST_F(StatementsOnDatabasesTest, OfAwkwardNamesInPostgres) {
             L"CREATE SCHEMA " + schema,
             L"CREATE TABLE " + schema + L".plain (id integer, amount numeric(10,2), at timestamp)",
             L"INSERT INTO " + schema + L".plain VALUES (1, 2.50, '2026-01-31 12:00')",
-            L"CREATE TABLE " + schema + LR"(."Mixed Case" ("Id" integer, "with blank" text, "say ""hi""" text, "a.b" date))",
+            L"CREATE TABLE " + schema +
+                LR"(."Mixed Case" ("Id" integer, "with blank" text, "say ""hi""" text, "a.b" date))",
             L"INSERT INTO " + schema + LR"(."Mixed Case" VALUES (1, 'it''s', NULL, '2026-01-31'))",
             L"CREATE TABLE " + schema + LR"(."dots.and ""quotes""" (x boolean))",
             L"INSERT INTO " + schema + LR"(."dots.and ""quotes""" VALUES (true))",
-            L"CREATE TABLE " + schema + L".\"\u00dcn\u00efcode \u8868\" (\"\u0441\u0442\u043e\u043b\u0431\u0435\u0446\" text)",
+            L"CREATE TABLE " + schema +
+                L".\"\u00dcn\u00efcode \u8868\" (\"\u0441\u0442\u043e\u043b\u0431\u0435\u0446\" text)",
             L"INSERT INTO " + schema + L".\"\u00dcn\u00efcode \u8868\" VALUES ('\u4e2d')",
             L"CREATE TABLE " + schema + LR"(."order" ("from" integer, "where" text))",
             L"INSERT INTO " + schema + LR"(."order" VALUES (7, 'x'))",

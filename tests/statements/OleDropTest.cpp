@@ -229,9 +229,9 @@ TEST_F(FileDropTest, WhatCannotBeInsertedIsToldAndTheRestComes) {
 
 TEST_F(FileDropTest, ALargeFileIsAskedFor) {
     BoxAnswerer box(IDCANCEL);
-    EXPECT_EQ(L"x\r\none", Drop({Sparse(L"large.sql", 5), File(L"x.sql", "x")}, L"one"));
+    EXPECT_EQ(L"x\r\none", Drop({Sparse(L"large.sql", 3), File(L"x.sql", "x")}, L"one"));
     EXPECT_EQ(1, box.Boxes);
-    EXPECT_NE(std::wstring::npos, box.Text.find(L"is 5 MB large"));
+    EXPECT_NE(std::wstring::npos, box.Text.find(L"is 3 MB large"));
 }
 
 TEST_F(FileDropTest, BinaryBytesDoNotCutTheText) {

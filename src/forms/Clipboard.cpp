@@ -1,0 +1,68 @@
+#include "forms/Clipboard.h"
+
+#include <cstring>
+
+#include "automation/RuntimeError.h"
+#include "forms/RichText.h"
+
+namespace {
+
+class Opened {
+public:
+    explicit Opened(HWND owner) {
+        // Programs that watch the clipboard open it for moments, and most of all just after a change.
+        constexpr int Attempts = 10;
+        for (int attempt = 0; !OpenClipboard(owner); ++attempt) {
+            if (attempt == Attempts) RaiseError(ErrorNumber::ClipboardNotOpened);
+            Sleep(40);
+        }
+    }
+    ~Opened() { CloseClipboard(); }
+    Opened(const Opened&) = delete;
+    Opened& operator=(const Opened&) = delete;
+};
+
+// What a handle of the clipboard holds, without what the allocation has behind it.
+template <class Character>
+std::basic_string<Character> Contents(UINT format) {
+    const HANDLE handle = GetClipboardData(format);
+    if (handle == nullptr) return {};
+    const auto* locked = static_cast<const Character*>(GlobalLock(handle));
+    if (locked == nullptr) return {};
+    std::basic_string<Character> text(locked, GlobalSize(handle) / sizeof(Character));
+    GlobalUnlock(handle);
+    return text.substr(0, text.find(Character{}));
+}
+
+}  // namespace
+
+void Clipboard::SetText(HWND owner, const std::wstring& text) {
+    std::wstring plain = text;
+    for (wchar_t& unit : plain) {
+        if (unit == L'\0') unit = L' ';  // the end of a text to every program that pastes
+    }
+    const size_t bytes = (plain.size() + 1) * sizeof(wchar_t);
+    const HGLOBAL memory = GlobalAlloc(GMEM_MOVEABLE, bytes);
+    if (memory == nullptr) RaiseError(ErrorNumber::OutOfMemory);
+    std::memcpy(GlobalLock(memory), plain.c_str(), bytes);
+    GlobalUnlock(memory);
+    try {
+        const Opened opened(owner);
+        EmptyClipboard();
+        if (SetClipboardData(CF_UNICODETEXT, memory) == nullptr)
+            RaiseSystemError(ErrorNumber::OutOfMemory, GetLastError());
+    } catch (...) {
+        GlobalFree(memory);  // the clipboard owns it only once it has it
+        throw;
+    }
+}
+
+std::wstring Clipboard::GetText(HWND owner) {
+    std::string rtf;
+    {
+        const Opened opened(owner);
+        if (IsClipboardFormatAvailable(CF_UNICODETEXT)) return Contents<wchar_t>(CF_UNICODETEXT);
+        rtf = Contents<char>(RegisterClipboardFormatW(L"Rich Text Format"));
+    }
+    return rtf.empty() ? std::wstring() : PlainTextOf(rtf);
+}

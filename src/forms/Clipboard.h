@@ -1,0 +1,13 @@
+#pragma once
+
+#include <windows.h>
+
+#include <string>
+
+// The clipboard's text. Both raise error 521 when another program keeps the clipboard open for longer than a moment.
+namespace Clipboard {
+// Replaces what is on the clipboard. `owner`: a window of this thread.
+void SetText(HWND owner, const std::wstring& text);
+// The plain text, that of rich text where there is nothing else; empty when there is no text.
+std::wstring GetText(HWND owner);
+}  // namespace Clipboard
