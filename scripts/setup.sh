@@ -9,7 +9,8 @@ BRV_LOGS=$BRV_BUILD/logs
 
 BRV_PACKAGES=(g++-mingw-w64-i686 mingw-w64-tools cmake ninja-build googletest
     wine wine32:i386 xvfb openbox xdotool imagemagick x11-utils
-    libodbc2:i386 libsqliteodbc:i386 odbc-postgresql:i386 sqlite3 postgresql fonts-liberation fonts-dejavu-core)
+    libodbc2:i386 libsqliteodbc:i386 odbc-postgresql:i386 sqlite3 postgresql
+    cups cups-filters libcups2:i386 poppler-utils fonts-liberation fonts-dejavu-core)
 
 # The in-process servers that are registered, by file name; one that is not built (yet) is passed over.
 BRV_SERVERS=(brvSQLEditor.dll brvError.dll brvADO.dll)

@@ -8,6 +8,9 @@
 #include "forms/DropTarget.h"
 #include "forms/TextFile.h"
 
+class Printer;
+class PrintingNotice;
+
 // A Unicode rich edit control that is used for plain text, lines not wrapped. Positions and lengths count UTF-16 units, with a
 // line end as the two characters CR LF that go in and come out; the control itself keeps one for it.
 class RichTextBox : public Control {
@@ -70,6 +73,10 @@ public:
     void LoadFile(const std::wstring& path, FileKind kind);
     // Writes the text to a file: as rich text, or in FileFormat, which changes when it cannot hold a character.
     void SaveFile(const std::wstring& path, FileKind kind);
+
+    // Prints the whole text as one document (forms/RichTextBox_Print.cpp), lines wrapped at the margins. False: the user has
+    // stopped it, and nothing is printed. Error 482: the printer refused.
+    bool Print(Printer& printer, const std::wstring& name, PrintingNotice& notice);
 
 protected:
     LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;

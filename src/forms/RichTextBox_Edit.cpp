@@ -1,3 +1,5 @@
+#include <windows.h>
+
 #include <richedit.h>
 
 #include "forms/RichTextBox.h"
