@@ -20,9 +20,6 @@ constexpr size_t UsualStatement = 48;  // characters, of one statement for a tab
 // The host's type codes whose statements differ; what products they stand for is the host's affair.
 bool WritesSchema(long Type) { return Type == 4 || Type == 8 || Type == 13 || Type == 26 || Type == 27 || Type == 40; }
 
-std::wstring FormatName(std::wstring Name) { return HostDatabase.Get(L"FormatName", ByRef(Name)).ToText(); }
-
-// With one allocation: a folder may have thousands of tables.
 std::wstring Concatenated(std::initializer_list<std::wstring_view> Parts) {
     size_t Length = 0;
     for (const std::wstring_view Part : Parts) Length += Part.size();
@@ -30,6 +27,18 @@ std::wstring Concatenated(std::initializer_list<std::wstring_view> Parts) {
     Text.reserve(Length);
     for (const std::wstring_view Part : Parts) Text += Part;
     return Text;
+}
+
+// The name as the host writes it, behind a schema and a point when one is given. The text is taken out of the answer with one
+// allocation: a folder may have thousands of tables.
+std::wstring FormatName(std::wstring Name, std::wstring_view Schema = {}) {
+    const Variant Written = HostDatabase.Get(L"FormatName", ByRef(Name));
+    if (Written.vt != VT_BSTR) {
+        const std::wstring Text = Written.ToText();
+        return Schema.empty() ? Text : Concatenated({Schema, L".", Text});
+    }
+    const std::wstring_view Text(Written.bstrVal, SysStringLen(Written.bstrVal));
+    return Schema.empty() ? std::wstring(Text) : Concatenated({Schema, L".", Text});
 }
 
 bool IsFolder(const std::wstring& Kind) {
@@ -89,10 +98,9 @@ void AppendDescribe(std::wstring& Joined, const std::wstring& Prefix, const std:
 }  // namespace
 
 std::wstring frmSQLEditor::m_BuildTable(const std::wstring& Schema, const std::wstring& Table) try {
-    std::wstring Name = FormatName(Table);
-    if (!WritesSchema(DBType) || SameName(Schema, OwnerName) || SameName(Schema, L"current schema")) return Name;
     // The schema is written as it stands: the host quotes names of tables and columns alone.
-    return Concatenated({Schema, L".", Name});
+    const bool Qualified = WritesSchema(DBType) && !SameName(Schema, OwnerName) && !SameName(Schema, L"current schema");
+    return FormatName(Table, Qualified ? std::wstring_view(Schema) : std::wstring_view());
 } catch (...) {
     ReportError(Module, L"m_BuildTable");
     return {};
