@@ -22,7 +22,13 @@ public:
                                       TVS_SHOWSELALWAYS | TVS_DISABLEDRAGDROP | WS_CLIPSIBLINGS,
                                   0, 0, place.right, place.bottom, GetParent(ours), nullptr, nullptr, nullptr);
         SetWindowPos(window_, HWND_TOP, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE);
-        root_ = Insert(TVI_ROOT, L"Tables");
+        // As deep as the editor's, since a branch that opens below others scrolls them away.
+        const HTREEITEM schemas = Insert(TVI_ROOT, L"Schemas");
+        const HTREEITEM schema = Insert(schemas, L"HR");
+        for (const wchar_t* other : {L"Current Schema", L"Current Schema", L"Sales & Co"}) Insert(schemas, other);
+        root_ = Insert(schema, L"Tables");
+        Insert(Insert(schema, L"Views"), L"(undefined)");
+        for (const HTREEITEM above : {schemas, schema}) SendMessageW(window_, TVM_EXPAND, TVE_EXPAND, reinterpret_cast<LPARAM>(above));
     }
     ~RawTree() { DestroyWindow(window_); }
     RawTree(const RawTree&) = delete;
