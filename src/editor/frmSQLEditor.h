@@ -4,6 +4,7 @@
 #include <memory>
 #include <string>
 
+#include "forms/Annotations.h"
 #include "forms/CommandButton.h"
 #include "forms/Container.h"
 #include "forms/DropTarget.h"
@@ -53,6 +54,7 @@ public:
     StatusBar sbStatusBar;
     FileDialog dlgCommonDialog;
     ImageListHandle imlImages;
+    Annotations accAnnotations;
 
     MenuItem mnuFile{L"&File"};
     MenuItem mnuFileNew{L"&New", {FCONTROL, 'N', L"Ctrl+N"}};
@@ -115,6 +117,7 @@ private:
     // ---- Controls
     void CreateMenus();
     void CreateImages();
+    void NameControls();
 
     // ---- Layout
     void m_SizeControls();

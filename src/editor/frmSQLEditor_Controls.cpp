@@ -1,5 +1,6 @@
 #include <windows.h>
 #include <commctrl.h>
+#include <oleacc.h>
 
 #include "automation/App.h"
 #include "editor/frmSQLEditor.h"
@@ -148,6 +149,34 @@ void frmSQLEditor::CreateImages() {
     imlImages = std::move(Images);
 }
 
+// Names for programs that read the screen. The text of these windows is nowhere shown; both the text and the annotation are
+// given, since a tree's or a list's name comes from the text in one interface and from the annotation in the other.
+void frmSQLEditor::NameControls() {
+    const auto Name = [this](Control& Named, const std::wstring& Text) {
+        Named.SetWindowCaption(Text);
+        accAnnotations.SetName(Named.Handle(), Text);
+    };
+    Control* const Views[] = {&trvDBObjects, &lstAnsiSQL, &trvDatabaseSpecific, &lstKolvex};
+    for (size_t At = 0; At < picLeft.size(); ++At) {
+        Name(picLeft[At], cmdLeft[At].WindowCaption());
+        Name(*Views[At], cmdLeft[At].WindowCaption());
+    }
+    Name(tlbToolbar, L"Toolbar");
+    Name(picRight, L"SQL");
+    Name(picSplitterV, L"Splitter");
+    Name(imgSplitterV, L"Splitter");
+    Name(picHide, L"Hide the left pane");
+    Name(picUnhide, L"Show the left pane");
+    // The text of these two is what they show.
+    rtbSQL.SetAccessibleName(L"SQL");
+    accAnnotations.SetName(sbStatusBar.Handle(), L"Status bar");
+
+    for (PictureBox* Box : {&picHide, &picUnhide}) accAnnotations.SetRole(Box->Handle(), ROLE_SYSTEM_PUSHBUTTON);
+    for (PictureBox* Bar : {&imgSplitterV, &picSplitterV}) accAnnotations.SetRole(Bar->Handle(), ROLE_SYSTEM_SEPARATOR);
+    for (PictureBox& Page : picLeft) accAnnotations.SetRole(Page.Handle(), ROLE_SYSTEM_GROUPING);
+    accAnnotations.SetRole(picRight.Handle(), ROLE_SYSTEM_GROUPING);
+}
+
 void frmSQLEditor::CreateControls() {
     const HWND Window = Handle();
     CreateMenus();
@@ -184,6 +213,7 @@ void frmSQLEditor::CreateControls() {
     dlgCommonDialog.DefaultExt = L"sql";
 
     tlbToolbar.ButtonClick = [this](const Toolbar::Button& Button) { tlbToolbar_ButtonClick(Button); };
+    NameControls();
     CreateImages();
     tlbToolbar.AddButton({L"return", L"Return SQL to Kolvex", L"Close the editor and return the SQL to Kolvex", 0});
 
@@ -222,20 +252,17 @@ void frmSQLEditor::CreateControls() {
     rtbSQL.AcceptsDrag = [this](Control& Source) { return m_CanDrop(Source); };
     rtbSQL.OLEDragDrop = [this](const DroppedData& Data) { rtbSQL_OLEDragDrop(Data); };
 
-    picHide.SetWindowCaption(L"Hide the left pane");
     picHide.Click = [this] { picHide_Click(); };
     picHide.Paint = [](HDC Context, const RECT& Client) {
         PaintBox(Context, Client);
         PaintArrow(Context, Client, true);
     };
-    picUnhide.SetWindowCaption(L"Show the left pane");
     picUnhide.Click = [this] { picUnhide_Click(); };
     picUnhide.Paint = [](HDC Context, const RECT& Client) {
         PaintBox(Context, Client);
         PaintArrow(Context, Client, false);
     };
 
-    imgSplitterV.SetWindowCaption(L"Splitter");
     imgSplitterV.SetMousePointer(IDC_SIZEWE);
     imgSplitterV.MouseDown = [this](int B, int S, float X, float Y) { imgSplitterV_MouseDown(B, S, X, Y); };
     imgSplitterV.MouseMove = [this](int B, int S, float X, float Y) { imgSplitterV_MouseMove(B, S, X, Y); };

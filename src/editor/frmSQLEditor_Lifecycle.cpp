@@ -29,6 +29,7 @@ frmSQLEditor::frmSQLEditor() {
 }
 
 frmSQLEditor::~frmSQLEditor() {
+    accAnnotations.Clear();
     DestroyForm();
 }
 

@@ -249,6 +249,8 @@ bool Form::Navigate(const MSG& message) {
         return false;
     }
     const HWND next = GetNextDlgTabItem(handle_, GetFocus(), back);
+    // Who goes by keys has to see where the focus is, though a mouse hid it before.
+    SendMessageW(handle_, WM_CHANGEUISTATE, MAKEWPARAM(UIS_CLEAR, UISF_HIDEFOCUS), 0);
     if (next != nullptr) ::SetFocus(next);
     return true;
 }

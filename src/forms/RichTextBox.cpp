@@ -97,6 +97,12 @@ void RichTextBox::Prepare() {
     if (!face_.empty()) SetEditorFont(face_, points_);
     Send(EM_SETEVENTMASK, 0, ENM_CHANGE | ENM_SELCHANGE);
     target_.Register(Handle());
+    if (!accessibleName_.empty()) annotations_.SetName(Handle(), accessibleName_);
+}
+
+void RichTextBox::SetAccessibleName(const std::wstring& name) {
+    accessibleName_ = name;
+    annotations_.SetName(Handle(), name);
 }
 
 void RichTextBox::SetFont(HFONT) {}
@@ -156,6 +162,7 @@ void RichTextBox::Replace() {
     MapWindowPoints(nullptr, container, reinterpret_cast<POINT*>(&place), 2);
     const HWND after = GetWindow(old, GW_HWNDPREV);
     target_.Revoke();
+    annotations_.Clear();
     MakeWindow(container, id);
     SetWindowPos(Handle(), after != nullptr ? after : HWND_TOP, place.left, place.top, place.right - place.left,
                  place.bottom - place.top, SWP_NOACTIVATE);
@@ -319,7 +326,10 @@ bool RichTextBox::OnReflected(UINT message, WPARAM wParam, LPARAM lParam, LRESUL
 
 LRESULT RichTextBox::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
     switch (message) {
-        case WM_DESTROY: target_.Revoke(); break;  // while OLE still knows the window
+        case WM_DESTROY:
+            target_.Revoke();  // while OLE still knows the window
+            annotations_.Clear();
+            break;
         case WM_RBUTTONDOWN: SetFocus(); break;
         case WM_PASTE:
             if (PasteRequested) PasteRequested();

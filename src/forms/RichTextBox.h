@@ -4,6 +4,7 @@
 #include <string>
 #include <utility>
 
+#include "forms/Annotations.h"
 #include "forms/Control.h"
 #include "forms/DropTarget.h"
 #include "forms/TextFile.h"
@@ -38,6 +39,8 @@ public:
     void SetFont(HFONT font) override;  // ignored: the editor has a font of its own
     // The fixed-pitch font of the text.
     void SetEditorFont(const std::wstring& face, float points);
+    // What programs that read the screen call the control; its window's text is what it holds.
+    void SetAccessibleName(const std::wstring& name);
 
     // The character nearest to a place of the client area, in pixels.
     long CharFromPos(int x, int y) const;
@@ -103,6 +106,8 @@ private:
     void ShowDropPlace(POINT screen);
     void ForgetDropPlace();
 
+    std::wstring accessibleName_;
+    Annotations annotations_;
     std::wstring face_;
     float points_ = 10;
     bool filling_ = false;
