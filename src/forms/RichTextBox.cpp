@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <string_view>
 
 #include "automation/RuntimeError.h"
 #include "forms/Events.h"
@@ -339,6 +340,11 @@ LRESULT RichTextBox::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
             if ((wParam == VK_INSERT && GetKeyState(VK_SHIFT) < 0 && GetKeyState(VK_CONTROL) >= 0) ||
                 (wParam == 'V' && GetKeyState(VK_CONTROL) < 0 && GetKeyState(VK_MENU) >= 0)) {
                 if (PasteRequested) PasteRequested();
+                return 0;
+            }
+            // Keys of the control that change formats, of which plain text has none.
+            if (GetKeyState(VK_CONTROL) < 0 && GetKeyState(VK_MENU) >= 0 &&
+                std::wstring_view(L"BEIJLRU125").find(static_cast<wchar_t>(wParam)) != std::wstring_view::npos) {
                 return 0;
             }
             break;

@@ -3,6 +3,7 @@
 #include <richedit.h>
 
 #include "forms/RichTextBox.h"
+#include "forms/Twips.h"
 
 bool RichTextBox::FindFrom(long from, long to, const std::wstring& text) {
     FINDTEXTEXW request{};
@@ -30,7 +31,8 @@ POINT RichTextBox::MenuPoint() const {
     Send(EM_POSFROMCHAR, reinterpret_cast<WPARAM>(&caret), selected.cpMax);
     RECT client;
     GetClientRect(Handle(), &client);
-    POINT point{caret.x, caret.y};
+    // Under the line, which stays in sight.
+    POINT point{caret.x, caret.y + TwipsToPixels(points_ * 20 * 1.2F, Dpi())};
     if (!PtInRect(&client, point)) point = {};
     ClientToScreen(Handle(), &point);
     return point;
