@@ -1,5 +1,7 @@
 #include "catalogue/clsListItem.h"
 
+#include <utility>
+
 #include "automation/RuntimeError.h"
 #include "errors/modErrorHandler.h"
 
@@ -28,26 +30,34 @@ clsListItem::~clsListItem() {
     }
 }
 
-void clsListItem::Constructor(const std::wstring& Text, long Id, long list, long DBType, const std::wstring& Category,
-                              const std::wstring& Description, const std::wstring& DragDrop,
-                              const std::wstring& SelectText, const std::wstring& InsertText,
-                              const std::wstring& UpdateText, const std::wstring& DeleteText,
-                              const std::wstring& ExecuteText, const Variant& Commands) try {
-    text_ = Text;
+void clsListItem::Constructor(std::wstring Text, long Id, long list, long DBType, std::wstring Category,
+                              std::wstring Description, std::wstring DragDrop, std::wstring SelectText, std::wstring InsertText,
+                              std::wstring UpdateText, std::wstring DeleteText, std::wstring ExecuteText,
+                              const Variant& Commands) try {
+    text_ = std::move(Text);
     id_ = Id;
     list_ = list;
     dbType_ = DBType;
-    category_ = Category;
-    description_ = Description;
-    dragDrop_ = DragDrop;
-    selectText_ = SelectText;
-    insertText_ = InsertText;
-    updateText_ = UpdateText;
-    deleteText_ = DeleteText;
-    executeText_ = ExecuteText;
+    category_ = std::move(Category);
+    description_ = std::move(Description);
+    dragDrop_ = std::move(DragDrop);
+    selectText_ = std::move(SelectText);
+    insertText_ = std::move(InsertText);
+    updateText_ = std::move(UpdateText);
+    deleteText_ = std::move(DeleteText);
+    executeText_ = std::move(ExecuteText);
     if (!Commands.IsMissing()) {
         for (const Variant& command : Commands.ToArray()) commands_->Add(command.ToText());
     }
+} catch (...) {
+    ReportError(Module, L"Constructor");
+}
+
+void clsListItem::Constructor(long list, std::wstring SelectText, std::wstring InsertText, std::wstring UpdateText,
+                              std::wstring DeleteText, std::vector<std::wstring> Commands) try {
+    Constructor(L"", 0, list, 0, L"", L"", L"", std::move(SelectText), std::move(InsertText), std::move(UpdateText),
+                std::move(DeleteText), L"");
+    for (std::wstring& command : Commands) commands_->Add(std::move(command));
 } catch (...) {
     ReportError(Module, L"Constructor");
 }

@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "automation/Collection.h"
 
@@ -16,10 +17,12 @@ public:
 
     std::wstring Category() const;
     // `Commands`: an array whose elements become the texts of the task commands, in index order; missing or empty: none.
-    void Constructor(const std::wstring& Text, long Id, long list, long DBType, const std::wstring& Category,
-                     const std::wstring& Description, const std::wstring& DragDrop, const std::wstring& SelectText,
-                     const std::wstring& InsertText, const std::wstring& UpdateText, const std::wstring& DeleteText,
-                     const std::wstring& ExecuteText, const Variant& Commands = Variant::Missing());
+    void Constructor(std::wstring Text, long Id, long list, long DBType, std::wstring Category, std::wstring Description,
+                     std::wstring DragDrop, std::wstring SelectText, std::wstring InsertText, std::wstring UpdateText,
+                     std::wstring DeleteText, std::wstring ExecuteText, const Variant& Commands = Variant::Missing());
+    // The same for the active item, whose texts may be as long as a schema is large: taken over, not copied.
+    void Constructor(long list, std::wstring SelectText, std::wstring InsertText, std::wstring UpdateText, std::wstring DeleteText,
+                     std::vector<std::wstring> Commands);
     long DBType() const;
     std::wstring DeleteText() const;
     std::wstring Description() const;

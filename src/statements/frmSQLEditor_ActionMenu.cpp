@@ -15,13 +15,13 @@ struct ItemTexts {
     std::wstring Insert;
     std::wstring Update;
     std::wstring Delete;
-    std::vector<Variant> Commands;
+    std::vector<std::wstring> Commands;
 };
 
 std::shared_ptr<const clsListItem> MakeItem(ItemTexts&& Texts) {
     auto Item = std::make_shared<clsListItem>();
-    Item->Constructor(L"", 0, 1, 0, L"", L"", L"", Texts.Select, Texts.Insert, Texts.Update, Texts.Delete, L"",
-                      Variant::ArrayOf(std::move(Texts.Commands)));
+    Item->Constructor(1, std::move(Texts.Select), std::move(Texts.Insert), std::move(Texts.Update), std::move(Texts.Delete),
+                      std::move(Texts.Commands));
     return Item;
 }
 
