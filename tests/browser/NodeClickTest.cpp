@@ -280,3 +280,34 @@ TEST_F(NodeClickTest, TheFirstPageDescribesItsNodeAgain) {
         EXPECT_EQ(L"", Calls());
     });
 }
+
+TEST_F(NodeClickTest, SelectionAndScrollPositionStayWhileABranchFills) {
+    Database.DictionaryMembers[L"Objects"] = [](const Arguments&) {
+        std::vector<Variant> names;
+        for (int at = 0; at < 300; ++at) names.push_back(Variant(L"T" + std::to_wstring(at)));
+        return Variant(MakeCollection(std::move(names)));
+    };
+    Inside([this] {
+        OpenTables();
+        EXPECT_EQ(Tree.At({0, 0}), Tree.Selected());  // the branch that was opened
+        const HTREEITEM table = Tree.At({0, 0, 150});
+        SendMessageW(Tree.Handle(), TVM_ENSUREVISIBLE, 0, reinterpret_cast<LPARAM>(table));
+        const HTREEITEM first = Tree.Next(TVGN_FIRSTVISIBLE, nullptr);
+        // Its columns are read and added below it, where they do not show yet.
+        Tree.Click(table);
+        EXPECT_EQ(L"ID|NAME", Tree.Children(Tree.Next(TVGN_CHILD, table)));
+        EXPECT_EQ(first, Tree.Next(TVGN_FIRSTVISIBLE, nullptr));
+        EXPECT_EQ(table, Tree.Selected());
+        // Opened and closed again, the table is still what is selected, and still in sight.
+        Tree.Key(VK_RIGHT);
+        EXPECT_EQ(table, Tree.Selected());
+        Tree.Key(VK_LEFT);
+        EXPECT_EQ(table, Tree.Selected());
+        POINT at{};
+        EXPECT_TRUE(Tree.Place(table, at));
+        RECT client;
+        GetClientRect(Tree.Handle(), &client);
+        EXPECT_TRUE(at.y >= client.top && at.y < client.bottom);
+    });
+    EXPECT_EQ(L"", Errors.Places());
+}
