@@ -3,6 +3,7 @@
 #include <ole2.h>
 
 #include <algorithm>
+#include <cstdlib>
 
 #include "automation/App.h"
 #include "automation/RuntimeError.h"
@@ -14,6 +15,8 @@
 namespace {
 
 constexpr const wchar_t* FormClass = L"brvSQLEditorForm";
+constexpr UINT LayOutLater = WM_APP;   // a message of our own
+constexpr double UsualPoints = 9;      // of the dialog font, as Windows comes
 
 HMODULE HoldModule() noexcept {
     HMODULE held = nullptr;
@@ -90,6 +93,37 @@ void Form::RenewFonts() {
     MakeFonts();
     FontsChanged();
     formerFont_.reset();
+    // Windows has the menu bar measured again when it tells of another font, Wine when it is asked.
+    DrawMenuBar();
+}
+
+float Form::FontScale() const noexcept {
+    LOGFONTW font{};
+    GetObjectW(messageFont_.get(), sizeof font, &font);
+    const double points = std::abs(font.lfHeight) * 72.0 / Dpi();
+    // A tenth more or less is the rounding to pixels, or another face.
+    return points < UsualPoints * 1.1 ? 1.0F : static_cast<float>(points / UsualPoints);
+}
+
+void Form::LayOutAgain() {
+    if (ready_) Form_Resize();
+}
+
+// What the system tells top-level windows only.
+void Form::TellControls(UINT message, WPARAM wParam, LPARAM lParam) const noexcept {
+    struct Message {
+        UINT Number;
+        WPARAM First;
+        LPARAM Second;
+    } told{message, wParam, lParam};
+    EnumChildWindows(
+        handle_,
+        [](HWND child, LPARAM parameter) WINAPI -> BOOL {
+            const auto& told = *reinterpret_cast<const Message*>(parameter);
+            SendMessageW(child, told.Number, told.First, told.Second);
+            return TRUE;
+        },
+        reinterpret_cast<LPARAM>(&told));
 }
 
 RECT Form::Bounds() const noexcept {
@@ -326,15 +360,27 @@ LRESULT Form::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
             const auto* suggested = reinterpret_cast<const RECT*>(lParam);
             SetWindowPos(handle_, nullptr, suggested->left, suggested->top, suggested->right - suggested->left,
                          suggested->bottom - suggested->top, SWP_NOZORDER | SWP_NOACTIVATE);
-            if (ready_) Form_Resize();
+            LayOutAgain();
             return 0;
         }
         case WM_SETTINGCHANGE:
-            if (wParam == SPI_SETNONCLIENTMETRICS) {
+            TellControls(message, wParam, lParam);
+            if (wParam == SPI_SETNONCLIENTMETRICS || wParam == SPI_SETHIGHCONTRAST) {
                 RenewFonts();
-                if (ready_) Form_Resize();
+                LayOutAgain();
             }
             break;
+        case WM_SYSCOLORCHANGE:
+            TellControls(message, wParam, lParam);
+            RedrawWindow(handle_, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_FRAME | RDW_ALLCHILDREN);
+            break;
+        case WM_THEMECHANGED:
+            // With another theme, or none, the bars have another height: once they have heard of it too.
+            PostMessageW(handle_, LayOutLater, 0, 0);
+            break;
+        case LayOutLater:
+            LayOutAgain();
+            return 0;
         default:
             break;
     }

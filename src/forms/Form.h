@@ -60,7 +60,7 @@ protected:
     // The least width and height in twips that the user can give the window; 0: no limit of the form's own.
     virtual float MinimumWidth() const { return 0; }
     virtual float MinimumHeight() const { return 0; }
-    // The fonts were made, or made anew because the dots per inch changed.
+    // The fonts were made, or made anew because the dots per inch or the user's choice changed.
     virtual void FontsChanged() = 0;
     // A key before it goes to the control that has the focus. True: it is swallowed.
     virtual bool KeyPreview(MSG& message);
@@ -69,6 +69,8 @@ protected:
     void DestroyForm() noexcept;
 
     HFONT MessageFont() const noexcept { return messageFont_.get(); }  // the system's dialog font
+    // How many times as large as by default the user has made that font; 1 when it is about as large, or smaller.
+    float FontScale() const noexcept;
     MenuBar Menus{100};
     void DrawMenuBar() const noexcept { ::DrawMenuBar(handle_); }
 
@@ -77,6 +79,8 @@ private:
     LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam);
     void MakeFonts();
     void RenewFonts();
+    void LayOutAgain();
+    void TellControls(UINT message, WPARAM wParam, LPARAM lParam) const noexcept;
     RECT Bounds() const noexcept;
     void SetBounds(int x, int y, int width, int height, UINT flags);
     void DisableOthers();
