@@ -2,6 +2,8 @@
 #include <commctrl.h>
 #include <oleacc.h>
 
+#include <algorithm>
+
 #include "automation/App.h"
 #include "editor/frmSQLEditor.h"
 #include "forms/Surroundings.h"
@@ -26,7 +28,8 @@ enum ControlId {
 };
 
 constexpr WORD ReturnIcon = 2;
-constexpr float FirstSplit = 2400;  // twips: the widest caption of a tab button, and half of the editor's width at first
+constexpr float LeastFirstSplit = 2400;  // twips
+constexpr float IconSize = 240;          // twips
 
 // A small arrow head in the middle of the box, pointing left or right.
 void PaintArrow(HDC Context, const RECT& Client, bool ToLeft) {
@@ -137,7 +140,11 @@ void frmSQLEditor::CreateMenus() {
 
 void frmSQLEditor::CreateImages() {
     const Surroundings surroundings;
-    const int Size = TwipsToPixels(240, Dpi());
+    // As large as the text beside it, where that is larger.
+    const int Size = std::max(TwipsToPixels(IconSize, Dpi()), TwipsToPixels(lblDescription.LineHeight(), Dpi()));
+    int Width = 0;
+    int Height = 0;
+    if (imlImages && ImageList_GetIconSize(imlImages.get(), &Width, &Height) && Height == Size) return;
     ImageListHandle Images(ImageList_Create(Size, Size, ILC_COLOR32, 1, 0));
     const auto Icon = static_cast<HICON>(
         LoadImageW(App::Module(), MAKEINTRESOURCEW(ReturnIcon), IMAGE_ICON, Size, Size, LR_DEFAULTCOLOR));
@@ -277,9 +284,15 @@ void frmSQLEditor::CreateControls() {
     lstAnsiSQL.SetMouseEdges(0, Edge);
     trvDatabaseSpecific.SetMouseEdges(0, Edge);
     lstKolvex.SetMouseEdges(0, Edge);
+}
 
-    imgSplitterV.Move(FirstSplit, 0, 0, 0);
-    picSplitterV.Move(FirstSplit, 0, 0, 0);
+// The splitter stands where the widest caption of a tab button fits, until it is moved.
+void frmSQLEditor::m_PlaceSplitterFirst() {
+    if (picSplitterV.Left() != firstSplit_) return;
+    firstSplit_ = LeastFirstSplit;
+    for (const CommandButton& Button : cmdLeft) firstSplit_ = std::max(firstSplit_, Button.LeastWidth());
+    imgSplitterV.SetLeft(firstSplit_);
+    picSplitterV.SetLeft(firstSplit_);
 }
 
 void frmSQLEditor::FontsChanged() {
@@ -292,5 +305,7 @@ void frmSQLEditor::FontsChanged() {
     lstKolvex.SetFont(Font);
     lblDescription.SetFont(Font);
     sbStatusBar.SetFont(Font);
-    if (imlImages) CreateImages();
+    rtbSQL.SetScale(FontScale());
+    CreateImages();
+    m_PlaceSplitterFirst();
 }

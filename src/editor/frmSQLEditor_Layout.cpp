@@ -59,16 +59,20 @@ void frmSQLEditor::m_SizeControls() try {
     if (sbStatusBar.Visible()) Bottom -= sbStatusBar.Arrange();
     const float PaneHeight = std::max(Bottom - Top, 0.0F);
 
+    // A button is higher only where the user's font needs it.
+    float ButtonHeight = TabHeight;
+    for (const CommandButton& Button : cmdLeft) ButtonHeight = std::max(ButtonHeight, Button.LeastHeight());
+
     // The description gets the lines that the longest one takes in the left pane at first, and less in a low window, where its tip
     // has the rest. The collapse button has the line under it.
     const float LabelHeight = std::min(LongestDescription * lblDescription.LineHeight() + CollapseHeight, PaneHeight * 0.3F);
-    const float PageHeight = std::max(PaneHeight - TabCount * TabHeight - (TabCount + 3) * Gap - LabelHeight, 0.0F);
+    const float PageHeight = std::max(PaneHeight - TabCount * ButtonHeight - (TabCount + 3) * Gap - LabelHeight, 0.0F);
 
     float Y = Top + Gap;
     for (int Index = 0; Index < TabCount; ++Index) {
         const auto At = static_cast<size_t>(Index);
-        cmdLeft[At].Move(Margin, Y, LeftWidth, TabHeight);
-        Y += TabHeight + Gap;
+        cmdLeft[At].Move(Margin, Y, LeftWidth, ButtonHeight);
+        Y += ButtonHeight + Gap;
         if (Index == activeView_) {
             for (PictureBox& Page : picLeft) Page.Move(Margin, Y, LeftWidth, PageHeight);
             Y += PageHeight + Gap;

@@ -3,6 +3,7 @@
 #include <richedit.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstring>
 #include <string_view>
 
@@ -123,6 +124,12 @@ void RichTextBox::SetEditorFont(const std::wstring& face, float points) {
     Send(EM_SETCHARFORMAT, SCF_ALL, reinterpret_cast<LPARAM>(&format));
 }
 
+void RichTextBox::SetScale(float scale) {
+    if (scale == scale_) return;
+    scale_ = scale;
+    Send(EM_SETZOOM, static_cast<WPARAM>(std::lround(scale * 100)), 100);
+}
+
 long RichTextBox::TextLength() const {
     GETTEXTLENGTHEX request{};
     request.flags = GTL_USECRLF | GTL_NUMCHARS | GTL_PRECISE;
@@ -162,11 +169,15 @@ void RichTextBox::Replace() {
     GetWindowRect(old, &place);
     MapWindowPoints(nullptr, container, reinterpret_cast<POINT*>(&place), 2);
     const HWND after = GetWindow(old, GW_HWNDPREV);
+    int zoom = 0;
+    int of = 0;
+    const bool zoomed = Send(EM_GETZOOM, reinterpret_cast<WPARAM>(&zoom), reinterpret_cast<LPARAM>(&of)) != 0;
     target_.Revoke();
     annotations_.Clear();
     MakeWindow(container, id);
     SetWindowPos(Handle(), after != nullptr ? after : HWND_TOP, place.left, place.top, place.right - place.left,
                  place.bottom - place.top, SWP_NOACTIVATE);
+    if (zoomed && zoom != 0) Send(EM_SETZOOM, static_cast<WPARAM>(zoom), of);
     if (!visible) SetVisible(false);
     if (focus) ::SetFocus(Handle());
     DestroyFormer(old);

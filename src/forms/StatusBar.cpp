@@ -2,13 +2,22 @@
 
 #include <commctrl.h>
 
+#include <algorithm>
+#include <numeric>
+
 #include "automation/RuntimeError.h"
+#include "forms/Surroundings.h"
 #include "forms/Twips.h"
+
+namespace {
+constexpr float PanelMargin = 180;  // twips, on both sides of a panel's text together
+}
 
 void StatusBar::Create(HWND container, int id, std::vector<float> widths) {
     CreateWindowOf(STATUSCLASSNAMEW, WS_VISIBLE | SBARS_SIZEGRIP | CCS_BOTTOM | WS_CLIPSIBLINGS, 0, container, id, L"");
     widths_ = std::move(widths);
     texts_.resize(widths_.size() + 1);
+    needed_.resize(widths_.size() + 1);
 }
 
 void StatusBar::SetPanelText(int panel, const std::wstring& text) {
@@ -17,6 +26,11 @@ void StatusBar::SetPanelText(int panel, const std::wstring& text) {
     if (kept == text) return;
     kept = text;
     Send(SB_SETTEXTW, static_cast<WPARAM>(panel - 1), reinterpret_cast<LPARAM>(text.c_str()));
+    int& needed = needed_[static_cast<size_t>(panel - 1)];
+    const int before = needed;
+    if (panel == 1) needed = 0;
+    Measure(static_cast<size_t>(panel - 1));
+    if (panel == 1 || needed > before) PlacePanels();
 }
 
 std::wstring StatusBar::PanelText(int panel) const {
@@ -24,24 +38,54 @@ std::wstring StatusBar::PanelText(int panel) const {
     return texts_[static_cast<size_t>(panel - 1)];
 }
 
-float StatusBar::Arrange() {
-    const UINT dpi = Dpi();
-    Send(WM_SIZE);  // the bar finds its own place and height
-    RECT bar;
-    GetWindowRect(Handle(), &bar);
-    const int width = bar.right - bar.left;
-    // In a narrow window the connection keeps at least half of the bar; the other panels share the rest from the left.
-    int others = 0;
-    for (const float panel : widths_) others += TwipsToPixels(panel, dpi);
-    const int grip = GetSystemMetrics(SM_CXVSCROLL);
-    int edge = width - others - grip;
-    if (edge < width / 2) edge = width / 2;
-    std::vector<int> edges{edge};
-    for (const float panel : widths_) {
-        edge += TwipsToPixels(panel, dpi);
-        edges.push_back(edge);
+void StatusBar::SetFont(HFONT font) {
+    font_ = font;
+    Control::SetFont(font);
+    tip_.SetFont(font);
+    for (size_t panel = 0; panel < texts_.size(); ++panel) {
+        needed_[panel] = 0;
+        Measure(panel);
     }
+}
+
+// A panel behind the first keeps the width of the widest text that it had: others move once, not with each digit that comes
+// and goes.
+void StatusBar::Measure(size_t panel) {
+    const std::wstring& text = texts_[panel];
+    SIZE size{};
+    const HDC context = GetDC(Handle());
+    const HGDIOBJ previous = font_ != nullptr ? SelectObject(context, font_) : nullptr;
+    GetTextExtentPoint32W(context, text.c_str(), static_cast<int>(text.size()), &size);
+    if (previous != nullptr) SelectObject(context, previous);
+    ReleaseDC(Handle(), context);
+    needed_[panel] = std::max(needed_[panel], static_cast<int>(size.cx) + TwipsToPixels(PanelMargin, Dpi()));
+}
+
+void StatusBar::PlacePanels() {
+    const UINT dpi = Dpi();
+    RECT bar;
+    GetClientRect(Handle(), &bar);
+    const int grip = SystemMetricFor(SM_CXVSCROLL, dpi);
+    const int width = static_cast<int>(bar.right);
+    std::vector<int> others;
+    const auto left = [&] { return width - grip - std::accumulate(others.begin(), others.end(), 0); };
+    for (size_t at = 0; at < widths_.size(); ++at) {
+        others.push_back(std::max(TwipsToPixels(widths_[at], dpi), needed_[at + 1]));
+    }
+    // In a narrow window the other panels have what their texts take, and the connection has at least half of the bar.
+    if (left() < std::max(width / 2, needed_[0])) others.assign(needed_.begin() + 1, needed_.end());
+    int edge = std::max(left(), width / 2);
+    tip_.SetText(Handle(), needed_[0] > edge ? texts_[0] : std::wstring());
+    std::vector<int> edges{edge};
+    for (const int other : others) edges.push_back(edge += other);
     if (edges.size() > 1) edges.back() = -1;
     Send(SB_SETPARTS, edges.size(), reinterpret_cast<LPARAM>(edges.data()));
-    return PixelsToTwips(bar.bottom - bar.top, dpi);
+}
+
+float StatusBar::Arrange() {
+    Send(WM_SIZE);  // the bar finds its own place and height
+    PlacePanels();
+    RECT bar;
+    GetWindowRect(Handle(), &bar);
+    return PixelsToTwips(bar.bottom - bar.top, Dpi());
 }

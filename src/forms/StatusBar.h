@@ -3,11 +3,12 @@
 #include <vector>
 
 #include "forms/Control.h"
+#include "forms/Tooltip.h"
 
-// A status bar with panels. The first panel takes the width that the others leave.
+// A status bar with panels. The first panel takes the width that the others leave; these grow with their texts.
 class StatusBar : public Control {
 public:
-    // `widths`: the widths in twips of the panels behind the first one.
+    // `widths`: the least widths in twips of the panels behind the first one, where there is room for them.
     void Create(HWND container, int id, std::vector<float> widths);
 
     // The text of a panel, counted from 1. An unknown panel is error 35600.
@@ -15,8 +16,14 @@ public:
     std::wstring PanelText(int panel) const;
     // Lets the bar take its place at the bottom of its container, and returns its height in twips.
     float Arrange();
+    void SetFont(HFONT font) override;
 
 private:
+    void Measure(size_t panel);
+    void PlacePanels();
     std::vector<float> widths_;
     std::vector<std::wstring> texts_;
+    std::vector<int> needed_;  // pixels that the widest text has taken in each panel
+    HFONT font_ = nullptr;
+    Tooltip tip_;  // the first panel's text, where it does not fit
 };

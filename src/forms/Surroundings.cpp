@@ -69,6 +69,12 @@ UINT DpiOf(HWND window) noexcept {
     return dpi > 0 ? static_cast<UINT>(dpi) : 96U;
 }
 
+int SystemMetricFor(int index, UINT dpi) noexcept {
+    static const auto forDpi = UserFunction<int(WINAPI*)(int, UINT)>("GetSystemMetricsForDpi");
+    if (forDpi != nullptr) return forDpi(index, dpi);
+    return MulDiv(GetSystemMetrics(index), static_cast<int>(dpi), static_cast<int>(DpiOf(nullptr)));
+}
+
 NONCLIENTMETRICSW MetricsFor(UINT dpi) noexcept {
     static const auto forDpi = UserFunction<BOOL(WINAPI*)(UINT, UINT, PVOID, UINT, UINT)>("SystemParametersInfoForDpi");
     NONCLIENTMETRICSW metrics{};

@@ -25,7 +25,27 @@ Toolbar::~Toolbar() {
     if (tips_ != nullptr) DestroyWindow(tips_);
 }
 
-void Toolbar::SetImageList(HIMAGELIST images) { Send(TB_SETIMAGELIST, 0, reinterpret_cast<LPARAM>(images)); }
+void Toolbar::SetFont(HFONT font) {
+    Control::SetFont(font);
+    SendMessageW(tips_, WM_SETFONT, reinterpret_cast<WPARAM>(font), FALSE);
+    MeasureButtons();
+}
+
+void Toolbar::SetImageList(HIMAGELIST images) {
+    Send(TB_SETIMAGELIST, 0, reinterpret_cast<LPARAM>(images));
+    MeasureButtons();
+}
+
+// A button keeps the width that it had with another font or image until its text is given again.
+void Toolbar::MeasureButtons() {
+    for (size_t at = 0; at < buttons_.size(); ++at) {
+        TBBUTTONINFOW info{};
+        info.cbSize = sizeof info;
+        info.dwMask = TBIF_TEXT;
+        info.pszText = buttons_[at].Caption.data();
+        Send(TB_SETBUTTONINFOW, static_cast<WPARAM>(FirstCommand) + at, reinterpret_cast<LPARAM>(&info));
+    }
+}
 
 void Toolbar::AddButton(const Button& button) {
     TBBUTTON made{};

@@ -25,6 +25,7 @@ public:
     void AddButton(const Button& button);
     // Lets the bar take its place at the top of its container, and returns its height in twips.
     float Arrange();
+    void SetFont(HFONT font) override;
 
     // A button was clicked, by mouse, keyboard or accessibility interface.
     std::function<void(const Button&)> ButtonClick;
@@ -34,6 +35,7 @@ protected:
     LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
 
 private:
+    void MeasureButtons();
     std::vector<Button> buttons_;
     HWND tips_ = nullptr;
 };

@@ -35,6 +35,12 @@ Tooltip::~Tooltip() {
     if (tip_ != nullptr) DestroyWindow(tip_);
 }
 
+// The one that it has by itself is for the dots per inch of the screen that the user signed in on.
+void Tooltip::SetFont(HFONT font) {
+    font_ = font;
+    if (tip_ != nullptr && font_ != nullptr) SendMessageW(tip_, WM_SETFONT, reinterpret_cast<WPARAM>(font_), FALSE);
+}
+
 void Tooltip::SetText(HWND control, const std::wstring& text) {
     if (tip_ != nullptr && control_ != nullptr) {
         TTTOOLINFOW old = ToolOf(control_);
@@ -44,6 +50,7 @@ void Tooltip::SetText(HWND control, const std::wstring& text) {
     if (text.empty()) return;
     if (tip_ == nullptr) tip_ = CreateTooltipWindow();
     if (tip_ == nullptr) return;
+    SetFont(font_);
     TTTOOLINFOW tool = ToolOf(control);
     std::wstring copy = text;
     tool.lpszText = copy.data();

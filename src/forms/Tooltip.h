@@ -15,10 +15,13 @@ public:
 
     // An empty text takes the tip away. The control's window must outlive the tip or be given again when it is made anew.
     void SetText(HWND control, const std::wstring& text);
+    // The tip does not own the font.
+    void SetFont(HFONT font);
 
 private:
     HWND tip_ = nullptr;
     HWND control_ = nullptr;
+    HFONT font_ = nullptr;
 };
 
 // An empty tooltip window of that kind, for controls that manage the tools of their tip themselves.
