@@ -19,6 +19,8 @@ void Label::SetCaption(const std::wstring& caption) {
 void Label::SetFont(HFONT font) {
     font_ = font;
     Control::SetFont(font);
+    tip_.SetFont(font);
+    UpdateTip();
 }
 
 float Label::LineHeight() const {
@@ -43,7 +45,19 @@ float Label::HeightFor(float width) const {
     return PixelsToTwips(area.bottom, dpi);
 }
 
-void Label::UpdateTip() { tip_.SetText(Handle(), HeightFor(Width()) > Height() ? caption_ : std::wstring()); }
+void Label::UpdateTip() {
+    tip_.SetText(Handle(), HeightFor(ScaleWidth()) > ScaleHeight() ? caption_ : std::wstring());
+}
+
+bool Label::OnReflected(UINT message, WPARAM wParam, LPARAM, LRESULT& result) {
+    if (message != WM_CTLCOLORSTATIC) return false;
+    // By itself it would have a window's text on a button's ground, which not every colour scheme lets one read.
+    const auto context = reinterpret_cast<HDC>(wParam);
+    SetTextColor(context, GetSysColor(COLOR_BTNTEXT));
+    SetBkColor(context, GetSysColor(COLOR_BTNFACE));
+    result = reinterpret_cast<LRESULT>(GetSysColorBrush(COLOR_BTNFACE));
+    return true;
+}
 
 LRESULT Label::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
     if (message == WM_SIZE) {
