@@ -36,7 +36,8 @@ void MeasurePaper(HDC context, RECT& page, RECT& text) {
     text.bottom = std::min(page.bottom - down - top, printableHeight);
 }
 
-// Draws a text as it stands, lines wrapped at the width: for controls that cannot print by themselves, as Wine's.
+// Draws a text as it stands, in black, lines wrapped at the width: for controls that cannot print by themselves, as Wine's,
+// or not in black.
 class PlainPages {
 public:
     PlainPages(HDC context, const std::wstring& face, float points, const RECT& area, std::wstring text)
@@ -151,7 +152,9 @@ bool RichTextBox::Print(Printer& printer, const std::wstring& name, PrintingNoti
     };
 
     printer.StartDocument(name);
-    const bool byControl = length == 0 || format(0, false) > 0;
+    // The control draws in the colour that text has in windows: white on paper in some schemes of high contrast.
+    const bool black = GetSysColor(COLOR_WINDOWTEXT) == RGB(0, 0, 0);
+    const bool byControl = length == 0 || (black && format(0, false) > 0);
     const PlainPages plain(printer.Context(), face_, points_, text, byControl ? std::wstring() : Text());
     int number = 0;
     for (int copy = 0; copy < printer.Copies(); ++copy) {
