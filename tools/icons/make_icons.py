@@ -109,4 +109,4 @@ def icon(draw, sizes):
 if __name__ == '__main__':
     folder = pathlib.Path(sys.argv[1])
     (folder / 'editor.ico').write_bytes(icon(editor, (16, 20, 24, 32, 48)))
-    (folder / 'return.ico').write_bytes(icon(back, (16, 20, 24, 32)))
+    (folder / 'return.ico').write_bytes(icon(back, (16, 20, 24, 32, 48)))
