@@ -260,7 +260,7 @@ start_display() {
     local number="" file tries=0
     mkdir -p "$BRV_LOGS"
     file=$(mktemp "$BRV_LOGS/display.XXXXXX")
-    Xvfb -displayfd 3 -screen 0 1280x1024x24 -nolisten tcp -noreset 3>"$file" >"$BRV_LOGS/xvfb.log" 2>&1 </dev/null 9>&- &
+    Xvfb -displayfd 3 -screen 0 "${BRV_SCREEN:-1280x1024}x24" -nolisten tcp -noreset 3>"$file" >"$BRV_LOGS/xvfb.log" 2>&1 </dev/null 9>&- &
     BRV_XVFB=$!
     while [ -z "$number" ] && [ $tries -lt 100 ] && kill -0 "$BRV_XVFB" 2>/dev/null; do
         sleep 0.1
