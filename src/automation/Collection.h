@@ -40,10 +40,7 @@ class Collection {
 public:
     // Appends. A key that is in use is error 457; an empty key is no key.
     void Add(T item, const std::wstring& key = {}) {
-        if (!key.empty()) {
-            if (keys_.count(UCase(key))) RaiseError(ErrorNumber::KeyInUse);
-            keys_[UCase(key)] = items_.size();
-        }
+        if (!key.empty() && !keys_.try_emplace(UCase(key), items_.size()).second) RaiseError(ErrorNumber::KeyInUse);
         items_.push_back(std::move(item));
     }
     long Count() const noexcept { return static_cast<long>(items_.size()); }

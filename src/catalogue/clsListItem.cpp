@@ -11,7 +11,7 @@ constexpr const wchar_t* Module = L"clsListItem";
 
 clsListItem::clsListItem() {
     try {
-        commands_ = std::make_unique<Collection<std::wstring>>();
+        commands_.emplace();
     } catch (...) {
         ReportError(Module, L"Class_Initialize");
     }
@@ -71,7 +71,7 @@ void clsListItem::Destructor() try {
 std::wstring clsListItem::GetCommand(short Index) const try {
     if (Index == 32767) RaiseError(ErrorNumber::Overflow);
     const long position = Index + 1;
-    if (commands_ == nullptr) RaiseError(ErrorNumber::ObjectNotSet);
+    if (!commands_) RaiseError(ErrorNumber::ObjectNotSet);
     return position <= commands_->Count() ? commands_->Item(position) : std::wstring();
 } catch (...) {
     ReportError(Module, L"GetCommand");

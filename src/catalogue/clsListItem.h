@@ -1,6 +1,6 @@
 #pragma once
 
-#include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -52,5 +52,5 @@ private:
     std::wstring updateText_;
     std::wstring deleteText_;
     std::wstring executeText_;
-    std::unique_ptr<Collection<std::wstring>> commands_;
+    std::optional<Collection<std::wstring>> commands_;
 };

@@ -10,10 +10,9 @@ namespace modLists {
 void CreateListItems();
 
 // Adds one entry to the catalogue; its Id, and in decimal its key, is the number of entries before it.
-void m_CreateListItem(const std::wstring& Text, long list, long DBType, const std::wstring& Category,
-                      const std::wstring& Description, const std::wstring& DragDrop, const std::wstring& SelectText,
-                      const std::wstring& InsertText, const std::wstring& UpdateText, const std::wstring& DeleteText,
-                      const std::wstring& ExecuteText);
+void m_CreateListItem(std::wstring Text, long list, long DBType, std::wstring Category, std::wstring Description,
+                      std::wstring DragDrop, std::wstring SelectText, std::wstring InsertText, std::wstring UpdateText,
+                      std::wstring DeleteText, std::wstring ExecuteText);
 
 // A value as it is shown: "null" for Null, else its ordinary text.
 std::wstring m_VntToStr(const Variant& Value);
