@@ -3,10 +3,10 @@
 #include <windows.h>
 #include <oleauto.h>
 
-#include <charconv>
 #include <cmath>
 
 #include "automation/RuntimeError.h"
+#include "automation/Variant.h"
 #include "forms/Handles.h"
 
 namespace {
@@ -65,9 +65,12 @@ float ToSingle(const std::wstring& text) {
     return value;
 }
 
+// The seven digits that a Single has.
 std::wstring FromSingle(float value) {
-    char digits[64];
-    const auto [end, error] = std::to_chars(std::begin(digits), std::end(digits), value, std::chars_format::fixed);
-    if (error != std::errc()) RaiseError(ErrorNumber::Overflow);
-    return std::wstring(std::begin(digits), end);
+    BSTR text = nullptr;
+    if (FAILED(VarBstrFromR4(value, LOCALE_INVARIANT, LOCALE_NOUSEROVERRIDE, &text))) RaiseError(ErrorNumber::Overflow);
+    Variant owned;
+    owned.vt = VT_BSTR;
+    owned.bstrVal = text;
+    return TextOf(text);
 }

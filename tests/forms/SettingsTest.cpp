@@ -72,6 +72,7 @@ TEST(SettingsNumbers, AreWrittenAndReadWithAPoint) {
     EXPECT_EQ(L"1000", FromSingle(1000));
     EXPECT_EQ(L"-1005", FromSingle(-1005));
     EXPECT_EQ(L"1000000", FromSingle(1000000));
+    EXPECT_EQ(L"6488.571", FromSingle(6488.5713F));
     EXPECT_FLOAT_EQ(-15.0F, ToSingle(L" -15 "));
     EXPECT_FLOAT_EQ(1000.0F, ToSingle(L"1e3"));
 }
