@@ -24,19 +24,21 @@ TEST(CatalogueBench, BuildingIt) {
                           item->list(), item->DBType()});
     }
     ASSERT_EQ(283U, source.size());
-    PrintRow("building the catalogue", source.size(), 3.0, [&] {
-        Round round;
-        // Ten times: one alone is over before the clock ticks twice.
-        round.Ours = Took([] {
-            for (int times = 0; times < 10; ++times) modGlobal::Main();
-        });
-        round.Raw = Took([&] {
-            for (int times = 0; times < 10; ++times) {
-                std::vector<PlainRecord> copy;
-                for (const PlainRecord& record : source) copy.push_back(record);
-                EXPECT_EQ(source.size(), copy.size());
-            }
-        });
-        return round;
-    });
+    // Ten times: one alone is over before the clock ticks twice.
+    constexpr int times = 10;
+    Compare({"building the catalogue", source.size(), 3.0},
+            [] {
+                return Took([] {
+                           for (int at = 0; at < times; ++at) modGlobal::Main();
+                       }) / times;
+            },
+            [&] {
+                return Took([&] {
+                           for (int at = 0; at < times; ++at) {
+                               std::vector<PlainRecord> copy;
+                               for (const PlainRecord& record : source) copy.push_back(record);
+                               EXPECT_EQ(source.size(), copy.size());
+                           }
+                       }) / times;
+            });
 }

@@ -27,7 +27,7 @@ TEST_F(StatementsBench, OfAFolderOfTables) {
             Tree.Open(Tree.At({0}));
             Tree.Open(Tree.At({0, 0}));
             Tree.Select(Tree.At({0, 0}));
-            PrintRow("all statements of a folder of tables", size, 1.5, [&] {
+            CompareRounds({{"all statements of a folder of tables", size, 1.5}}, [&] {
                 Round round;
                 round.Ours = Took([] { EditorWindow::Choose(L"Action", L"Create"); });
                 round.Raw = Took([&] {
@@ -39,7 +39,7 @@ TEST_F(StatementsBench, OfAFolderOfTables) {
                         }
                     }
                 });
-                return round;
+                return std::vector<Round>{round};
             });
         });
         editor.Call(L"Destructor");

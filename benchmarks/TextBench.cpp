@@ -47,7 +47,7 @@ TEST_F(TextBench, ASecondDisplayWithAnotherText) {
     for (const size_t size : Sizes({100 * 1024, 1024 * 1024}, 2000)) {
         const std::wstring sql = Sql(size);
         DisplayAndClose(editor, sql);
-        PrintRow("Display and back, against a new control", size, 1.5, [&] {
+        CompareRounds({{"Display and back, against a new control", size, 1.5}}, [&] {
             Round round;
             std::wstring back;
             DisplayAndClose(editor, L"x", [&] { round.Raw = Took([&] { back = ThroughRawControl(sql); }); });
@@ -67,7 +67,7 @@ TEST_F(TextBench, ASecondDisplayWithAnotherText) {
             EXPECT_EQ(size, text.size());
             round.Ours = static_cast<double>(returned.QuadPart - called.QuadPart - (closed.QuadPart - shown.QuadPart)) *
                          1000 / static_cast<double>(frequency.QuadPart);
-            return round;
+            return std::vector<Round>{round};
         });
     }
 }
