@@ -6,6 +6,8 @@
 #include <utility>
 #include <vector>
 
+struct IAccPropServices;
+
 // What programs that read the screen are told of windows whose class has no text of its own to go by. Where the system
 // has no such service (Wine), nothing is told and nothing fails. The windows are to live for as long as this object, or
 // up to Clear.
@@ -24,5 +26,9 @@ public:
 
 private:
     enum class Property { Name, Role };
+    // The system's service, or null. Asked for once, not for each of many windows.
+    IAccPropServices* Services() noexcept;
+    IAccPropServices* services_ = nullptr;
+    bool asked_ = false;
     std::vector<std::pair<HWND, Property>> told_;
 };
