@@ -60,6 +60,7 @@ bool Label::OnReflected(UINT message, WPARAM wParam, LPARAM, LRESULT& result) {
 }
 
 LRESULT Label::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message == WM_MOUSEMOVE) tip_.OnMouse(message, wParam, lParam);
     if (message == WM_SIZE) {
         const LRESULT result = Control::OnMessage(message, wParam, lParam);
         UpdateTip();

@@ -11,14 +11,30 @@ constexpr int FirstCommand = 0x7000;
 
 void Toolbar::Create(HWND container, int id) {
     CreateWindowOf(TOOLBARCLASSNAMEW,
-                   TBSTYLE_FLAT | TBSTYLE_LIST | TBSTYLE_TOOLTIPS | CCS_TOP | CCS_NODIVIDER | WS_VISIBLE |
-                       WS_CLIPSIBLINGS | WS_TABSTOP,
-                   0, container, id, L"");
+                   TBSTYLE_FLAT | TBSTYLE_LIST | CCS_TOP | CCS_NODIVIDER | WS_VISIBLE | WS_CLIPSIBLINGS | WS_TABSTOP, 0,
+                   container, id, L"");
     Send(TB_BUTTONSTRUCTSIZE, sizeof(TBBUTTON));
     Send(TB_SETEXTENDEDSTYLE, 0, TBSTYLE_EX_MIXEDBUTTONS | TBSTYLE_EX_DOUBLEBUFFER);
-    // Tips of our own making, since those that the toolbar makes are owned by the form (see Tooltip).
+}
+
+// Tips of our own making, since those that the toolbar makes are owned by the form, and not before the mouse comes (see
+// Tooltip). The toolbar makes tools of the buttons that are added behind its tips alone.
+void Toolbar::MakeTips() {
+    if (tips_ != nullptr) return;
     tips_ = CreateTooltipWindow();
+    if (tips_ == nullptr) return;
+    SendMessageW(tips_, WM_SETFONT, static_cast<WPARAM>(Send(WM_GETFONT)), FALSE);
     Send(TB_SETTOOLTIPS, reinterpret_cast<WPARAM>(tips_));
+    for (size_t at = 0; at < buttons_.size(); ++at) {
+        TTTOOLINFOW tool{};
+        tool.cbSize = TTTOOLINFOW_V2_SIZE;
+        tool.hwnd = Handle();
+        tool.uId = static_cast<UINT_PTR>(FirstCommand) + at;
+        tool.lpszText = LPSTR_TEXTCALLBACKW;
+        Send(TB_GETITEMRECT, at, reinterpret_cast<LPARAM>(&tool.rect));
+        SendMessageW(tips_, TTM_ADDTOOLW, 0, reinterpret_cast<LPARAM>(&tool));
+    }
+    Send(TB_SETSTYLE, 0, Send(TB_GETSTYLE) | TBSTYLE_TOOLTIPS);
 }
 
 Toolbar::~Toolbar() {
@@ -27,7 +43,7 @@ Toolbar::~Toolbar() {
 
 void Toolbar::SetFont(HFONT font) {
     Control::SetFont(font);
-    SendMessageW(tips_, WM_SETFONT, reinterpret_cast<WPARAM>(font), FALSE);
+    if (tips_ != nullptr) SendMessageW(tips_, WM_SETFONT, reinterpret_cast<WPARAM>(font), FALSE);
     MeasureButtons();
 }
 
@@ -74,6 +90,7 @@ bool Toolbar::OnReflected(UINT message, WPARAM wParam, LPARAM, LRESULT&) {
 }
 
 LRESULT Toolbar::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message == WM_MOUSEMOVE || message == TB_GETTOOLTIPS) MakeTips();
     // The tip window asks the toolbar's parent for the text; it is answered here already, where the texts are.
     if (message == WM_NOTIFY) {
         const auto* header = reinterpret_cast<const NMHDR*>(lParam);

@@ -36,6 +36,7 @@ protected:
 
 private:
     void MeasureButtons();
+    void MakeTips();
     std::vector<Button> buttons_;
     HWND tips_ = nullptr;
 };

@@ -42,20 +42,34 @@ void Tooltip::SetFont(HFONT font) {
 }
 
 void Tooltip::SetText(HWND control, const std::wstring& text) {
-    if (tip_ != nullptr && control_ != nullptr) {
+    if (tip_ != nullptr && !text_.empty()) {
         TTTOOLINFOW old = ToolOf(control_);
         SendMessageW(tip_, TTM_DELTOOLW, 0, reinterpret_cast<LPARAM>(&old));
-        control_ = nullptr;
     }
-    if (text.empty()) return;
-    if (tip_ == nullptr) tip_ = CreateTooltipWindow();
-    if (tip_ == nullptr) return;
-    SetFont(font_);
-    TTTOOLINFOW tool = ToolOf(control);
-    std::wstring copy = text;
-    tool.lpszText = copy.data();
-    SendMessageW(tip_, TTM_SETMAXTIPWIDTH, 0, TwipsToPixels(4500, DpiOf(control)));
+    control_ = control;
+    text_ = text;
+    if (tip_ != nullptr && !text_.empty()) AddTool();
+}
+
+void Tooltip::AddTool() {
+    TTTOOLINFOW tool = ToolOf(control_);
+    tool.lpszText = text_.data();
+    SendMessageW(tip_, TTM_SETMAXTIPWIDTH, 0, TwipsToPixels(4500, DpiOf(control_)));
     SendMessageW(tip_, TTM_SETDELAYTIME, TTDT_AUTOPOP, 20000);
     SendMessageW(tip_, TTM_ADDTOOLW, 0, reinterpret_cast<LPARAM>(&tool));
-    control_ = control;
+}
+
+void Tooltip::OnMouse(UINT message, WPARAM wParam, LPARAM lParam) {
+    if (tip_ != nullptr || text_.empty()) return;
+    tip_ = CreateTooltipWindow();
+    if (tip_ == nullptr) return;
+    SetFont(font_);
+    AddTool();
+    // From the next message on it listens itself.
+    MSG missed{};
+    missed.hwnd = control_;
+    missed.message = message;
+    missed.wParam = wParam;
+    missed.lParam = lParam;
+    SendMessageW(tip_, TTM_RELAYEVENT, 0, reinterpret_cast<LPARAM>(&missed));
 }

@@ -5,7 +5,8 @@
 #include <string>
 
 // The tip of one control. Its window belongs to no other window: one that is owned by the form can keep SetWindowPos from
-// making the form topmost under Wine. It is made with the first text.
+// making the form topmost under Wine. It is made when the mouse first comes over a control with a text: a window that few
+// users ever see would be a large part of what the form costs to show.
 class Tooltip {
 public:
     Tooltip() = default;
@@ -17,11 +18,15 @@ public:
     void SetText(HWND control, const std::wstring& text);
     // The tip does not own the font.
     void SetFont(HFONT font);
+    // To be called for each mouse message of the control.
+    void OnMouse(UINT message, WPARAM wParam, LPARAM lParam);
 
 private:
+    void AddTool();
     HWND tip_ = nullptr;
     HWND control_ = nullptr;
     HFONT font_ = nullptr;
+    std::wstring text_;
 };
 
 // An empty tooltip window of that kind, for controls that manage the tools of their tip themselves.

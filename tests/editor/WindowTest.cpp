@@ -1,6 +1,7 @@
 #include <windows.h>
 #include <commctrl.h>
 
+#include "EditorTree.h"
 #include "Fakes.h"
 
 namespace {
@@ -75,6 +76,63 @@ TEST_F(WindowTest, TheToolbarHasOneButtonThatSaysWhatItDoes) {
         tool.lpszText = tip;
         SendMessageW(tips, TTM_GETTEXTW, 0, reinterpret_cast<LPARAM>(&tool));
         EXPECT_STREQ(L"Close the editor and return the SQL to Kolvex", tip);
+    });
+}
+
+namespace {
+
+// What the tip of a control says; "<none>" while it has none.
+std::wstring TipOf(HWND control) {
+    struct Search {
+        HWND Control;
+        std::wstring Text;
+    } search{control, L"<none>"};
+    EnumThreadWindows(
+        GetCurrentThreadId(),
+        [](HWND window, LPARAM parameter) WINAPI -> BOOL {
+            auto& wanted = *reinterpret_cast<Search*>(parameter);
+            wchar_t name[50]{};
+            GetClassNameW(window, name, 50);
+            if (lstrcmpiW(name, TOOLTIPS_CLASSW) != 0) return TRUE;
+            wchar_t text[1000]{};
+            TTTOOLINFOW tool{};
+            tool.cbSize = TTTOOLINFOW_V2_SIZE;
+            tool.hwnd = wanted.Control;
+            tool.uId = reinterpret_cast<UINT_PTR>(wanted.Control);
+            tool.lpszText = text;
+            SendMessageW(window, TTM_GETTEXTW, 0, reinterpret_cast<LPARAM>(&tool));
+            if (text[0] != L'\0') wanted.Text = text;
+            return TRUE;
+        },
+        reinterpret_cast<LPARAM>(&search));
+    return search.Text;
+}
+
+}  // namespace
+
+TEST_F(WindowTest, ADescriptionThatDoesNotFitIsShownWholeWhenTheMouseComes) {
+    Inside([] {
+        SetWindowPos(EditorWindow::Find(), nullptr, 0, 0, 10, 10, SWP_NOMOVE | SWP_NOZORDER);
+        ShowPage(3);
+        const HWND label = GetDlgItem(EditorWindow::Find(), 1003);
+        const auto choose = [](WPARAM row) {
+            const HWND list = View(3);
+            SendMessageW(list, LB_SETCURSEL, row, 0);
+            SendMessageW(GetParent(list), WM_COMMAND, MAKEWPARAM(GetDlgCtrlID(list), LBN_SELCHANGE),
+                         reinterpret_cast<LPARAM>(list));
+        };
+        choose(1);
+        const std::wstring first = Description();
+        ASSERT_LT(60U, first.size());
+        EXPECT_EQ(L"<none>", TipOf(label));
+        SendMessageW(label, WM_MOUSEMOVE, 0, MAKELPARAM(3, 3));
+        EXPECT_EQ(first, TipOf(label));
+        // From then on it follows the text, and goes when there is room for it.
+        choose(4);
+        EXPECT_NE(first, Description());
+        EXPECT_EQ(Description(), TipOf(label));
+        SetWindowPos(EditorWindow::Find(), nullptr, 0, 0, 900, 900, SWP_NOMOVE | SWP_NOZORDER);
+        EXPECT_EQ(L"<none>", TipOf(label));
     });
 }
 
