@@ -98,6 +98,7 @@ protected:
     void FontsChanged() override;
 
     // ---- Lifecycle
+    const wchar_t* FirstCaption() const override { return L"SQL Editor"; }
     void Form_Load() override;
     void Form_Activate() override;
     void Form_Unload(bool& cancel) override;
@@ -123,6 +124,7 @@ private:
     // ---- Layout
     void m_SizeControls();
     void cmdLeft_Click(int Index);
+    void m_BringPageToFront(int Index);
     void imgSplitterV_MouseDown(int Button, int Shift, float X, float Y);
     void imgSplitterV_MouseMove(int Button, int Shift, float X, float Y);
     void imgSplitterV_MouseUp(int Button, int Shift, float X, float Y);

@@ -186,6 +186,8 @@ void frmSQLEditor::NameControls() {
 
 void frmSQLEditor::CreateControls() {
     const HWND Window = Handle();
+    // Display makes the window topmost. Under Wine that fails once the trees' tips, which it owns, stand above it.
+    SetWindowPos(Window, HWND_TOPMOST, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
     CreateMenus();
 
     // The order of creation is the order of the Tab key.
@@ -216,6 +218,7 @@ void frmSQLEditor::CreateControls() {
     imgSplitterV.Create(Window, IdSplitter);
     picSplitterV.Create(Window, IdSplitterBar, WS_CLIPSIBLINGS);
     sbStatusBar.Create(Window, IdStatusBar, {1500, 1400});
+    m_ShowFileFormat();  // a panel of a bar that shows is painted at once
     dlgCommonDialog.Filter = L"SQL Files (*.sql;*.txt)|*.sql;*.txt|Rich Text (*.rtf)|*.rtf|All Files (*.*)|*.*";
     dlgCommonDialog.DefaultExt = L"sql";
 
@@ -284,6 +287,11 @@ void frmSQLEditor::CreateControls() {
     lstAnsiSQL.SetMouseEdges(0, Edge);
     trvDatabaseSpecific.SetMouseEdges(0, Edge);
     lstKolvex.SetMouseEdges(0, Edge);
+
+    // As cmdLeft_Click leaves them, which finds nothing to change when the window is shown for the first time.
+    for (size_t At = 1; At < picLeft.size(); ++At) picLeft[At].SetEnabled(false);
+    cmdLeft[0].SetPressed(true);
+    m_BringPageToFront(activeView_);
 }
 
 // The splitter stands where the widest caption of a tab button fits, until it is moved.

@@ -103,10 +103,8 @@ void frmSQLEditor::cmdLeft_Click(int Index) try {
         // The pages behind are still visible; disabled, they keep the Tab key out.
         picLeft[At].SetEnabled(Other == Index);
         cmdLeft[At].SetPressed(Other == Index);
-        if (Other != Index) picLeft[At].SendToBack();
     }
-    // In front of the other pages, and behind its button for the Tab key.
-    picLeft[static_cast<size_t>(Index)].PlaceBehind(cmdLeft[static_cast<size_t>(Index)]);
+    if (Index != activeView_) m_BringPageToFront(Index);
     switch (Index) {
         case 0:
             lblDescription.SetCaption(L"");
@@ -131,6 +129,14 @@ void frmSQLEditor::cmdLeft_Click(int Index) try {
     m_SizeControls();
 } catch (...) {
     ReportError(Module, L"cmdLeft_Click");
+}
+
+// In front of the other pages, and behind its button for the Tab key.
+void frmSQLEditor::m_BringPageToFront(int Index) {
+    for (int Other = 0; Other < TabCount; ++Other) {
+        if (Other != Index) picLeft[static_cast<size_t>(Other)].SendToBack();
+    }
+    picLeft[static_cast<size_t>(Index)].PlaceBehind(cmdLeft[static_cast<size_t>(Index)]);
 }
 
 void frmSQLEditor::imgSplitterV_MouseDown(int Button, int, float, float) try {

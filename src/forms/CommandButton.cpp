@@ -13,7 +13,9 @@ void CommandButton::Create(HWND container, int id, const std::wstring& caption) 
                    caption.c_str());
 }
 
-void CommandButton::SetPressed(bool pressed) { Send(BM_SETSTATE, pressed); }
+void CommandButton::SetPressed(bool pressed) {
+    if (((Send(BM_GETSTATE) & BST_PUSHED) != 0) != pressed) Send(BM_SETSTATE, pressed);
+}
 
 void CommandButton::SetFont(HFONT font) {
     font_ = font;

@@ -78,7 +78,13 @@ void Control::Move(float left, float top, float width, float height) {
     // Both edges are rounded, not the size: neighbours in twips stay neighbours in pixels.
     const int x = TwipsToPixels(left_, dpi);
     const int y = TwipsToPixels(top_, dpi);
-    SetWindowPos(handle_, nullptr, x, y, TwipsToPixels(left_ + width_, dpi) - x, TwipsToPixels(top_ + height_, dpi) - y,
+    const RECT place{x, y, TwipsToPixels(left_ + width_, dpi), TwipsToPixels(top_ + height_, dpi)};
+    // A window is laid out more often than its controls move.
+    RECT now{};
+    GetWindowRect(handle_, &now);
+    MapWindowPoints(nullptr, GetParent(handle_), reinterpret_cast<POINT*>(&now), 2);
+    if (EqualRect(&place, &now)) return;
+    SetWindowPos(handle_, nullptr, x, y, place.right - x, place.bottom - y,
                  SWP_NOZORDER | SWP_NOACTIVATE | SWP_NOOWNERZORDER);
     Events::Rethrow();
 }

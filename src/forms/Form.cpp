@@ -58,8 +58,8 @@ void Form::Load() {
     ole_ = SUCCEEDED(OleInitialize(nullptr));
     RegisterWindowClass(FormClass, &Form::Procedure, 0);
     held_ = HoldModule();
-    const HWND window = CreateWindowExW(0, FormClass, L"", WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN, 0, 0, 0, 0, nullptr,
-                                        nullptr, App::Module(), this);
+    const HWND window = CreateWindowExW(0, FormClass, FirstCaption(), WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN, 0, 0, 0, 0,
+                                        nullptr, nullptr, App::Module(), this);
     if (window == nullptr) RaiseSystemError(ErrorNumber::OutOfMemory, GetLastError());
     MakeFonts();
     CreateControls();
@@ -183,6 +183,10 @@ Form::State Form::WindowState() const noexcept {
 }
 
 void Form::SetCaption(const std::wstring& caption) {
+    // Saying the same again would paint the title, and tell the taskbar, for nothing.
+    std::wstring shown(static_cast<size_t>(GetWindowTextLengthW(handle_)), L'\0');
+    GetWindowTextW(handle_, shown.data(), static_cast<int>(shown.size()) + 1);
+    if (shown == caption) return;
     SetWindowTextW(handle_, caption.c_str());
     Events::Rethrow();
 }

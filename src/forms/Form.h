@@ -57,6 +57,8 @@ protected:
     virtual void Form_Activate() = 0;
     virtual void Form_Resize() = 0;
     virtual void Form_Unload(bool& cancel) = 0;
+    // What the title says until SetCaption.
+    virtual const wchar_t* FirstCaption() const { return L""; }
     // The least width and height in twips that the user can give the window; 0: no limit of the form's own.
     virtual float MinimumWidth() const { return 0; }
     virtual float MinimumHeight() const { return 0; }

@@ -17,6 +17,10 @@ void StatusBar::Create(HWND container, int id, std::vector<float> widths) {
     CreateWindowOf(STATUSCLASSNAMEW, WS_VISIBLE | SBARS_SIZEGRIP | CCS_BOTTOM | WS_CLIPSIBLINGS, 0, container, id, L"");
     widths_ = std::move(widths);
     texts_.resize(widths_.size() + 1);
+    // The panels are there before their first text; Arrange gives them their places.
+    std::vector<int> edges(texts_.size(), 0);
+    edges.back() = -1;
+    Send(SB_SETPARTS, edges.size(), reinterpret_cast<LPARAM>(edges.data()));
     needed_.resize(widths_.size() + 1);
 }
 
