@@ -31,8 +31,8 @@ std::vector<size_t> Sizes(std::initializer_list<size_t> full, size_t small) {
 namespace {
 
 constexpr int FewestRounds = 7;
-constexpr int MostRounds = 31;     // of what is over quickly
-constexpr double LongEnough = 1500;  // milliseconds of one row
+constexpr int MostRounds = 31;       // of what is over quickly
+constexpr double LongEnough = 2500;  // milliseconds of one row
 
 int rows = 0;
 int missed = 0;
@@ -61,8 +61,8 @@ void PrintRow(const Row& row, const char* unit, double ours, double raw) {
     const bool holds = ratio <= row.Bar;
     if (!holds) ++missed;
     const std::string size = row.Size == 0 ? "" : std::to_string(row.Size);
-    std::printf("  %-62s %8s %10.3f %10.3f %-3s %6.2f %6.2f  %s\n", row.Operation.c_str(), size.c_str(), ours, raw, unit, ratio,
-                row.Bar, holds ? "holds" : "DOES NOT HOLD");
+    std::printf("  %-62s %8s %10.3f %10.3f %-3s %6.2f %6.2f  %s\n", row.Operation.c_str(), size.c_str(), ours, raw,
+                unit, ratio, row.Bar, holds ? "holds" : "DOES NOT HOLD");
     std::fflush(stdout);
 }
 
@@ -95,5 +95,6 @@ void CompareRounds(const std::vector<Row>& measured, const std::function<std::ve
             raw[row].push_back(times[row].Raw);
         }
     }
-    for (size_t row = 0; row < measured.size(); ++row) PrintRow(measured[row], "ms", Median(ours[row]), Median(raw[row]));
+    for (size_t row = 0; row < measured.size(); ++row)
+        PrintRow(measured[row], "ms", Median(ours[row]), Median(raw[row]));
 }

@@ -26,19 +26,22 @@ TEST(CatalogueBench, BuildingIt) {
     ASSERT_EQ(283U, source.size());
     // Ten times: one alone is over before the clock ticks twice.
     constexpr int times = 10;
-    Compare({"building the catalogue", source.size(), 3.0},
-            [] {
-                return Took([] {
-                           for (int at = 0; at < times; ++at) modGlobal::Main();
-                       }) / times;
-            },
-            [&] {
-                return Took([&] {
-                           for (int at = 0; at < times; ++at) {
-                               std::vector<PlainRecord> copy;
-                               for (const PlainRecord& record : source) copy.push_back(record);
-                               EXPECT_EQ(source.size(), copy.size());
-                           }
-                       }) / times;
-            });
+    Compare(
+        {"building the catalogue", source.size(), 3.0},
+        [] {
+            return Took([] {
+                       for (int at = 0; at < times; ++at) modGlobal::Main();
+                   }) /
+                   times;
+        },
+        [&] {
+            return Took([&] {
+                       for (int at = 0; at < times; ++at) {
+                           std::vector<PlainRecord> copy;
+                           for (const PlainRecord& record : source) copy.push_back(record);
+                           EXPECT_EQ(source.size(), copy.size());
+                       }
+                   }) /
+                   times;
+        });
 }

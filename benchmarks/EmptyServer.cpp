@@ -4,8 +4,8 @@
 
 #include <new>
 
-// The least that an in-process COM server is: a class factory and an object with nothing in it. The component's loading is
-// measured against it.
+// The least that an in-process COM server is: a class factory and an object with nothing in it. The component's loading
+// is measured against it.
 namespace {
 
 constexpr CLSID EmptyClass{0x6b0e9a52, 0x3c1d, 0x4f7e, {0x9a, 0x41, 0x52, 0x0d, 0x8e, 0x17, 0xb3, 0xc4}};
@@ -32,7 +32,9 @@ public:
         return S_OK;
     }
     HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override { return DISP_E_UNKNOWNNAME; }
+    HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override {
+        return DISP_E_UNKNOWNNAME;
+    }
     HRESULT STDMETHODCALLTYPE Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*, UINT*) override {
         return DISP_E_MEMBERNOTFOUND;
     }

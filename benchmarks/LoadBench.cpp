@@ -8,8 +8,8 @@
 
 #include "Bench.h"
 
-// From nothing in the process to an object that can be called, against a server that has nothing in it. Both DLLs leave the
-// process between two rounds.
+// From nothing in the process to an object that can be called, against a server that has nothing in it. Both DLLs leave
+// the process between two rounds.
 namespace {
 
 std::wstring BesideProgram(const wchar_t* name) {
@@ -26,8 +26,8 @@ std::vector<std::string> ImportsOf(HMODULE module) {
     const auto& headers = *reinterpret_cast<const IMAGE_NT_HEADERS*>(base + dos.e_lfanew);
     const IMAGE_DATA_DIRECTORY& directory = headers.OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT];
     std::vector<std::string> names;
-    for (const auto* entry = reinterpret_cast<const IMAGE_IMPORT_DESCRIPTOR*>(base + directory.VirtualAddress); entry->Name != 0;
-         ++entry) {
+    for (const auto* entry = reinterpret_cast<const IMAGE_IMPORT_DESCRIPTOR*>(base + directory.VirtualAddress);
+         entry->Name != 0; ++entry) {
         names.emplace_back(reinterpret_cast<const char*>(base + entry->Name));
     }
     return names;
@@ -56,9 +56,11 @@ struct ServerFile {
     const wchar_t* Manifest;
     CLSID Class;
 };
-const ServerFile Ours{L"brvSQLEditor.dll", L"brvSQLEditor.X.manifest",
+const ServerFile Ours{L"brvSQLEditor.dll",
+                      L"brvSQLEditor.X.manifest",
                       {0x23E4F85E, 0x641E, 0x4BBE, {0x9A, 0xB0, 0xB9, 0x86, 0xE6, 0x59, 0x22, 0xEA}}};
-const ServerFile Empty{L"EmptyServer.dll", L"EmptyServer.X.manifest",
+const ServerFile Empty{L"EmptyServer.dll",
+                       L"EmptyServer.X.manifest",
                        {0x6B0E9A52, 0x3C1D, 0x4F7E, {0x9A, 0x41, 0x52, 0x0D, 0x8E, 0x17, 0xB3, 0xC4}}};
 
 using GetClass = HRESULT(WINAPI*)(REFCLSID, REFIID, void**);
@@ -118,14 +120,17 @@ double LoadByCom(const ServerFile& server) {
 
 TEST(LoadBench, ToAUsableObject) {
     const HostLibraries libraries;
-    Compare({"load to a usable object (DllGetClassObject)", 0, 2.0}, [] { return LoadByExports(Ours); },
-            [] { return LoadByExports(Empty); });
-    Compare({"load to a usable object (CoCreateInstance)", 0, 2.0}, [] { return LoadByCom(Ours); },
-            [] { return LoadByCom(Empty); });
+    Compare(
+        {"load to a usable object (DllGetClassObject)", 0, 2.0}, [] { return LoadByExports(Ours); },
+        [] { return LoadByExports(Empty); });
+    Compare(
+        {"load to a usable object (CoCreateInstance)", 0, 2.0}, [] { return LoadByCom(Ours); },
+        [] { return LoadByCom(Empty); });
 }
 
 // In a process that has none of the system's libraries yet: what the component needs is loaded with it.
 TEST(LoadBench, ToAUsableObjectInABareProcess) {
-    Compare({"load to a usable object, with the system's libraries", 0, 2.0}, [] { return LoadByExports(Ours); },
-            [] { return LoadByExports(Empty); });
+    Compare(
+        {"load to a usable object, with the system's libraries", 0, 2.0}, [] { return LoadByExports(Ours); },
+        [] { return LoadByExports(Empty); });
 }

@@ -1,0 +1,40 @@
+#include "Shown.h"
+
+#include <cstdio>
+
+namespace {
+WhenWaiting* waiting = nullptr;
+constexpr UINT Wake = WM_APP + 0x0B57;
+constexpr UINT Limit = 120000;  // milliseconds
+}  // namespace
+
+HWND ShownEditor() { return FindWindowW(L"brvSQLEditorForm", nullptr); }
+
+WhenWaiting::WhenWaiting(std::function<void()> step)
+    : step_(std::move(step)),
+      hook_(SetWindowsHookExW(WH_GETMESSAGE, &WhenWaiting::Hook, nullptr, GetCurrentThreadId())) {
+    waiting = this;
+    PostThreadMessageW(GetCurrentThreadId(), Wake, 0, 0);
+    watchdog_ = SetTimer(nullptr, 0, Limit, [](HWND, UINT, UINT_PTR, DWORD) WINAPI {
+        std::puts("the watchdog ends a measurement whose window nobody closes");
+        std::fflush(stdout);
+        TerminateProcess(GetCurrentProcess(), 99);
+    });
+}
+
+WhenWaiting::~WhenWaiting() {
+    KillTimer(nullptr, watchdog_);
+    UnhookWindowsHookEx(hook_);
+    waiting = nullptr;
+    EXPECT_TRUE(ran_);
+}
+
+LRESULT CALLBACK WhenWaiting::Hook(int code, WPARAM wParam, LPARAM lParam) {
+    const auto& message = *reinterpret_cast<const MSG*>(lParam);
+    if (code == HC_ACTION && wParam == PM_REMOVE && message.hwnd == nullptr && message.message == Wake &&
+        waiting != nullptr && !waiting->ran_) {
+        waiting->ran_ = true;
+        waiting->step_();
+    }
+    return CallNextHookEx(nullptr, code, wParam, lParam);
+}
