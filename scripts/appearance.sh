@@ -62,6 +62,7 @@ set_appearance() {
         printf 'REGEDIT4\n\n'
         # Where Wine keeps what a program has changed for the time being, which counts for more.
         printf '[-HKEY_CURRENT_USER\\Software\\Wine\\Temporary System Parameters\\Control Panel]\n'
+        printf '[-HKEY_CURRENT_USER\\Software\\Wine\\Fonts\\Replacements]\n'
         printf '[HKEY_CURRENT_USER\\Control Panel\\Desktop]\n"LogPixels"=dword:%08x\n' "$1"
         appearance_fonts "${2:-11}"
         printf '[HKEY_CURRENT_USER\\Software\\Microsoft\\Windows\\CurrentVersion\\ThemeManager]\n"ThemeActive"="%d"\n' \
