@@ -230,10 +230,10 @@ TEST_F(AppearanceTest, ACaptionThatANarrowPaneCutsOffHasATip) {
 }
 
 TEST_F(AppearanceTest, AConnectionThatIsCutOffHasATip) {
-    Database.Members[L"DBTypeName"] = [](const Arguments&) { return Variant(std::wstring(60, L'M')); };
+    Database.Members[L"DBTypeName"] = [](const Arguments&) { return Variant(std::wstring(40, L'M')); };
     Inside([] {
         EXPECT_TRUE(HasTip(StatusBar()));
-        SetWindowPos(EditorWindow::Find(), nullptr, 0, 0, 3 * Context(StatusBar()).Width(std::wstring(60, L'M')),
+        SetWindowPos(EditorWindow::Find(), nullptr, 0, 0, 2 * Context(StatusBar()).Width(std::wstring(40, L'M')),
                      Pixels(6500), SWP_NOMOVE | SWP_NOZORDER);
         EXPECT_FALSE(HasTip(StatusBar()));
     });
