@@ -140,8 +140,14 @@ void frmSQLEditor::CreateMenus() {
 
 void frmSQLEditor::CreateImages() {
     const Surroundings surroundings;
-    // As large as the text beside it, where that is larger.
-    const int Size = std::max(TwipsToPixels(IconSize, Dpi()), TwipsToPixels(lblDescription.LineHeight(), Dpi()));
+    int Size = TwipsToPixels(IconSize * FontScale(), Dpi());
+    // The sizes that the icon is drawn in: one that is scaled is blurred.
+    for (const int Drawn : {48, 32, 24, 20, 16}) {
+        if (Drawn <= Size) {
+            if (Size < 64) Size = Drawn;
+            break;
+        }
+    }
     int Width = 0;
     int Height = 0;
     if (imlImages && ImageList_GetIconSize(imlImages.get(), &Width, &Height) && Height == Size) return;

@@ -52,6 +52,7 @@ void CommandButton::UpdateTip() {
 }
 
 LRESULT CommandButton::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message == WM_MOUSEMOVE) tip_.OnMouse(message, wParam, lParam);
     const LRESULT result = Control::OnMessage(message, wParam, lParam);
     if (message == WM_SIZE) UpdateTip();
     return result;

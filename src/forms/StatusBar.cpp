@@ -86,6 +86,11 @@ void StatusBar::PlacePanels() {
     Send(SB_SETPARTS, edges.size(), reinterpret_cast<LPARAM>(edges.data()));
 }
 
+LRESULT StatusBar::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message == WM_MOUSEMOVE) tip_.OnMouse(message, wParam, lParam);
+    return Control::OnMessage(message, wParam, lParam);
+}
+
 float StatusBar::Arrange() {
     Send(WM_SIZE);  // the bar finds its own place and height
     PlacePanels();

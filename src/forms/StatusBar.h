@@ -18,6 +18,9 @@ public:
     float Arrange();
     void SetFont(HFONT font) override;
 
+protected:
+    LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
+
 private:
     void Measure(size_t panel);
     void PlacePanels();

@@ -4,6 +4,7 @@
 #include <uxtheme.h>
 
 #include <cstdlib>
+#include <set>
 
 namespace {
 
@@ -14,8 +15,9 @@ protected:
         const char* value = std::getenv(name);
         return value != nullptr ? std::atoi(value) : -1;
     }
-    // Whether one of the tips of this thread belongs to the window.
+    // Whether one of the tips of this thread belongs to the window, once the mouse has come over it.
     static bool HasTip(HWND window) {
+        SendMessageW(window, WM_MOUSEMOVE, 0, MAKELPARAM(3, 3));
         struct Search {
             HWND Window;
             bool Found;
@@ -108,9 +110,12 @@ void AppearanceFixture::ExpectThatTheToolbarFits() {
     int imageWidth = 0, imageHeight = 0;
     const auto images = reinterpret_cast<HIMAGELIST>(SendMessageW(Toolbar(), TB_GETIMAGELIST, 0, 0));
     ASSERT_TRUE(ImageList_GetIconSize(images, &imageWidth, &imageHeight));
-    // As large as the text beside it, and no smaller than 16 pixels of a screen with 96 dots per inch.
-    EXPECT_EQ(std::max(Pixels(240), context.Height()), imageHeight);
     EXPECT_EQ(imageWidth, imageHeight);
+    // One of the sizes that it is drawn in, about as high as the text beside it.
+    EXPECT_TRUE(std::set<int>({16, 20, 24, 32, 48}).contains(imageHeight)) << imageHeight;
+    EXPECT_GE(imageHeight, Pixels(240) * 3 / 4);
+    EXPECT_GE(imageHeight, context.Height() * 2 / 3);
+    EXPECT_LE(imageHeight, context.Height() * 3 / 2);
     EXPECT_GE(button.right - button.left, imageWidth + context.Width(L"Return SQL to Kolvex"));
     EXPECT_GE(button.bottom - button.top, std::max(imageHeight, context.Height()));
     RECT client;
