@@ -91,8 +91,7 @@ void frmSQLEditor::m_ChangeCase(DWORD Mapping) {
     Mapped.resize(static_cast<size_t>(Length));
     rtbSQL.SetSelText(Mapped);
     // Still selected, so that the other case is one more step away.
-    rtbSQL.SetSelStart(Start);
-    rtbSQL.SetSelLength(static_cast<long>(Mapped.size()));
+    rtbSQL.Select(Start, static_cast<long>(Mapped.size()));
 }
 
 void frmSQLEditor::mnuEditMakeLowerCase_Click() try { m_ChangeCase(LCMAP_LOWERCASE); } catch (...) {
@@ -108,7 +107,7 @@ void frmSQLEditor::mnuEditPaste_Click() try {
     const std::wstring Text = Clipboard::GetText(Handle());
     if (Text.empty()) return;
     // Behind the selection: the selected text is kept, as with everything that is inserted.
-    rtbSQL.SetSelStart(rtbSQL.SelStart() + rtbSQL.SelLength());
+    rtbSQL.Select(rtbSQL.SelStart() + rtbSQL.SelLength(), 0);
     rtbSQL.SetSelText(Text);
     rtbSQL.ScrollCaret();
 } catch (...) {
@@ -116,8 +115,7 @@ void frmSQLEditor::mnuEditPaste_Click() try {
 }
 
 void frmSQLEditor::mnuEditSelectAll_Click() try {
-    rtbSQL.SetSelStart(0);
-    rtbSQL.SetSelLength(rtbSQL.TextLength());
+    rtbSQL.Select(0, rtbSQL.TextLength());
 } catch (...) {
     ReportError(Module, L"mnuEditSelectAll_Click");
 }

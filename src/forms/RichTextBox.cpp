@@ -270,6 +270,17 @@ void RichTextBox::SetSelLength(long length) {
     Send(EM_EXSETSEL, 0, reinterpret_cast<LPARAM>(&range));
 }
 
+void RichTextBox::Select(long start, long length) {
+    if (start < 0 || length < 0) RaiseError(ErrorNumber::InvalidPropertyValue);
+    CHARRANGE now{};
+    CHARRANGE range{};
+    range.cpMin = range.cpMax = ToControl(start);
+    if (length > 0) range.cpMax = ToControl(FromControl(range.cpMin) + length);
+    Send(EM_EXGETSEL, 0, reinterpret_cast<LPARAM>(&now));
+    if (now.cpMin == range.cpMin && now.cpMax == range.cpMax) return;
+    Send(EM_EXSETSEL, 0, reinterpret_cast<LPARAM>(&range));
+}
+
 void RichTextBox::SetSelText(const std::wstring& text) {
     if (text.find(L'\0') != std::wstring::npos) {
         StreamIn(text, SFF_SELECTION);  // the message would end at the NUL character

@@ -31,6 +31,8 @@ public:
     // A position behind the end means the end. SetSelStart leaves nothing selected, SetSelLength keeps the start.
     void SetSelStart(long start);
     void SetSelLength(long length);
+    // Both at once: the selection is painted, and SelChange raised, a single time, and not at all when it is that already.
+    void Select(long start, long length);
     // Replaces the selection, as one step of undo, and leaves the caret behind it.
     void SetSelText(const std::wstring& text);
     // Where the caret is: line and column, both from 1; the column counts characters.

@@ -218,15 +218,13 @@ void frmSQLEditor::mnuActionTask_Click(short Index) try {
 void frmSQLEditor::m_InsertSQL(const std::wstring& SQL) try {
     const long LeadingBreak = SQL.compare(0, 2, LineBreak) == 0 ? 2 : 0;
     // Behind the selection: the selected text is kept, never replaced.
-    rtbSQL.SetSelStart(rtbSQL.SelStart() + rtbSQL.SelLength());
-    const long Position = rtbSQL.SelStart();
-    rtbSQL.SetSelLength(0);
+    const long Position = rtbSQL.SelStart() + rtbSQL.SelLength();
+    rtbSQL.Select(Position, 0);
     rtbSQL.SetSelText(SQL);
     // Up to where the caret is now: the control makes CR LF of every line end, so that the text may be longer than what
     // was given.
     const long Inserted = rtbSQL.SelStart() - Position;
-    rtbSQL.SetSelStart(Position + LeadingBreak);
-    rtbSQL.SetSelLength(Inserted - LeadingBreak);
+    rtbSQL.Select(Position + LeadingBreak, Inserted - LeadingBreak);
     rtbSQL.ScrollCaret();
 } catch (...) {
     ReportError(Module, L"m_InsertSQL");
