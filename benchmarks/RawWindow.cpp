@@ -140,6 +140,9 @@ WindowPlan WindowPlan::OfEditor() {
         const auto font = reinterpret_cast<HFONT>(SendMessageW(child, WM_GETFONT, 0, 0));
         part.Font = font != nullptr && !IsRichEdit(part.Class);
         if (part.Font) GetObjectW(font, sizeof plan.Font, &plan.Font);
+        // A bar that is not needed now is taken out of the style meanwhile.
+        if (IsRichEdit(part.Class)) part.Style |= WS_HSCROLL | WS_VSCROLL;
+        if (IsClass(part.Class, L"ListBox")) part.Style |= WS_VSCROLL;
         if (IsRichEdit(part.Class)) {
             plan.EditorFont.cbSize = sizeof plan.EditorFont;
             SendMessageW(child, EM_GETCHARFORMAT, SCF_DEFAULT, reinterpret_cast<LPARAM>(&plan.EditorFont));
@@ -404,6 +407,7 @@ HWND RawWindow::MakeEditor(const WindowPlan::Part& part, HWND parent) const {
     EXPECT_NE(nullptr, made);
     SendMessageW(made, EM_EXLIMITTEXT, 0, 0x7FFFFFFE);
     SendMessageW(made, EM_SETTARGETDEVICE, 0, 1);
+    SendMessageW(made, EM_SETCHARFORMAT, SCF_DEFAULT, reinterpret_cast<LPARAM>(&plan_.EditorFont));
     SendMessageW(made, EM_SETCHARFORMAT, SCF_ALL, reinterpret_cast<LPARAM>(&plan_.EditorFont));
     return made;
 }

@@ -2,72 +2,173 @@
 #include <commctrl.h>
 #include <richedit.h>
 
-#include "Bench.h"
-#include "Fakes.h"
-#include "forms/RichText.h"
+#include <optional>
 
-// The way of the SQL through the editor, against a rich edit control that is made for it and gets the text the fastest
-// way.
+#include "Bench.h"
+#include "EditorTree.h"
+#include "Fakes.h"
+#include "RawWindow.h"
+#include "Shown.h"
+
+// The way of the SQL through the editor, against a rich edit control of the same styles in a window that shows the
+// same, which gets and gives the text the fastest way.
 namespace {
 
-// SQL of long lines: what Wine's control takes for a text grows with the square of its lines.
-std::wstring Sql(size_t characters) {
+// What Wine's control takes for a text grows with the square of its lines: they are long in the long texts.
+constexpr size_t LongLines = 2000;
+constexpr size_t UsualLines = 80;
+
+std::wstring Sql(size_t characters, size_t line = LongLines, wchar_t filler = L'x') {
     std::wstring text;
     while (text.size() < characters) {
-        text += L"SELECT " + std::wstring(2000, L'x') + L"\r\n";
+        text += L"SELECT " + std::wstring(line - 9, filler) + L"\r\n";
     }
     text.resize(characters);
     return text;
 }
 
-std::wstring ThroughRawControl(const std::wstring& text) {
-    const HWND control = CreateWindowExW(0, RichEditClass(), L"", ES_MULTILINE | WS_CHILD | WS_VISIBLE, 0, 0, 300, 300,
-                                         EditorWindow::Find(), nullptr, nullptr, nullptr);
-    SendMessageW(control, EM_EXLIMITTEXT, 0, 0x7FFFFFFE);
+void PutText(HWND control, const std::wstring& text) {
     SETTEXTEX set{ST_DEFAULT, 1200};
     SendMessageW(control, EM_SETTEXTEX, reinterpret_cast<WPARAM>(&set), reinterpret_cast<LPARAM>(text.c_str()));
-    std::wstring back(text.size() + 1, L'\0');
+    SendMessageW(control, EM_SETSEL, 0, 0);
+}
+
+std::wstring GetText(HWND control, size_t length) {
+    std::wstring back(length + 1, L'\0');
     GETTEXTEX get{};
     get.cb = static_cast<DWORD>(back.size() * sizeof(wchar_t));
     get.flags = GT_USECRLF;
     get.codepage = 1200;
     back.resize(static_cast<size_t>(
         SendMessageW(control, EM_GETTEXTEX, reinterpret_cast<WPARAM>(&get), reinterpret_cast<LPARAM>(back.data()))));
-    DestroyWindow(control);
     return back;
 }
 
-class TextBench : public ComponentFixture {};
+// The id of an entry of the editor's menu bar, by the place of its menu and its text.
+UINT CommandOf(int menu, const wchar_t* entry) {
+    const HMENU popup = GetSubMenu(GetMenu(ShownEditor()), menu);
+    for (int at = 0; at < GetMenuItemCount(popup); ++at) {
+        wchar_t text[100]{};
+        GetMenuStringW(popup, static_cast<UINT>(at), text, 100, MF_BYPOSITION);
+        if (lstrcmpW(text, entry) == 0) return GetMenuItemID(popup, at);
+    }
+    ADD_FAILURE() << "no such entry";
+    return 0;
+}
+
+class TextBench : public ComponentFixture {
+protected:
+    TextBench() : editor_(Dll.Create()) {
+        editor_.Call(L"Constructor", Variant::Nothing());
+        DisplayAndClose(editor_, L"", [this] { plan_ = WindowPlan::OfEditor(); });
+        raw_.emplace(plan_);
+    }
+    ~TextBench() override {
+        raw_.reset();
+        editor_.Call(L"Destructor");
+    }
+
+    // Display with the text: in, painted, closed and out again. Milliseconds.
+    double Ours(const std::wstring& sql) const {
+        std::wstring text = sql;
+        const WhenWaiting step([] {
+            const HWND window = ShownEditor();
+            PaintNow(window);
+            SendMessageW(window, WM_CLOSE, 0, 0);
+        });
+        const double time = Took([&] { editor_.Call(L"Display", ByRef(text)); });
+        EXPECT_EQ(sql, text);
+        return time;
+    }
+    double Raw(const std::wstring& sql, bool newControl) {
+        std::wstring back;
+        const double time = Took([&] {
+            if (newControl) raw_->RenewEditor();
+            PutText(raw_->Editor(), sql);
+            raw_->Show();
+            raw_->Hide();
+            back = GetText(raw_->Editor(), sql.size());
+        });
+        EXPECT_EQ(sql, back);
+        return time;
+    }
+    void InAndOut(const char* operation, size_t size, size_t line) {
+        const std::wstring sql = Sql(size, line);
+        Compare(
+            {operation, size, 1.15},
+            [&] {
+                const double time = Ours(sql);
+                Ours(L"");
+                return time;
+            },
+            [&] {
+                const double time = Raw(sql, false);
+                raw_->RenewEditor();
+                return time;
+            });
+    }
+
+    Object editor_;
+    WindowPlan plan_;
+    std::optional<RawWindow> raw_;
+};
 
 }  // namespace
 
+TEST_F(TextBench, InAndOut) {
+    for (const size_t size : Sizes({100 * 1024, 1024 * 1024}, 2000)) {
+        InAndOut("SQL into Display and out again", size, LongLines);
+    }
+    if (FullSizes()) InAndOut("SQL into Display and out again, lines of 80", 100 * 1024, UsualLines);
+}
+
 TEST_F(TextBench, ASecondDisplayWithAnotherText) {
-    const Object editor = Dll.Create();
-    editor.Call(L"Constructor", Variant::Nothing());
+    for (const size_t size : Sizes({100 * 1024, 1024 * 1024}, 2000)) {
+        const std::wstring texts[] = {Sql(size, LongLines, L'x'), Sql(size, LongLines, L'y')};
+        size_t ours = 0, raw = 0;
+        Compare(
+            {"second Display with another text, against a new control", size, 1.5},
+            [&] { return Ours(texts[++ours % 2]); }, [&] { return Raw(texts[++raw % 2], true); });
+    }
+}
+
+// From the menu entry, with everything that belongs to it: the statement is looked up, put on a line of its own,
+// selected and scrolled into view.
+TEST_F(TextBench, AStatementAtTheEnd) {
     for (const size_t size : Sizes({100 * 1024, 1024 * 1024}, 2000)) {
         const std::wstring sql = Sql(size);
-        DisplayAndClose(editor, sql);
-        CompareRounds({{"Display and back, against a new control", size, 1.5}}, [&] {
-            Round round;
-            std::wstring back;
-            DisplayAndClose(editor, L"x", [&] { round.Raw = Took([&] { back = ThroughRawControl(sql); }); });
-            EXPECT_EQ(size, back.size());
-            // From the call to the moment when the window is up, and from the closing to the return.
-            LARGE_INTEGER frequency, called, shown, closed, returned;
-            QueryPerformanceFrequency(&frequency);
-            const WhenShown close([&] {
-                QueryPerformanceCounter(&shown);
-                QueryPerformanceCounter(&closed);
-                EditorWindow::Close();
-            });
-            std::wstring text = sql;
-            QueryPerformanceCounter(&called);
-            editor.Call(L"Display", ByRef(text));
-            QueryPerformanceCounter(&returned);
-            EXPECT_EQ(size, text.size());
-            round.Ours = static_cast<double>(returned.QuadPart - called.QuadPart - (closed.QuadPart - shown.QuadPart)) *
-                         1000 / static_cast<double>(frequency.QuadPart);
-            return std::vector<Round>{round};
+        DisplayAndClose(editor_, sql, [&] {
+            const HWND window = ShownEditor();
+            ShowPage(1);
+            const UINT command = CommandOf(2, L"&Execute");
+            const HWND control = EditorWindow::Editor();
+            SetFocus(control);
+            const auto toTheEnd = [](HWND text) {
+                CHARRANGE end{-1, -1};
+                SendMessageW(text, EM_EXSETSEL, 0, reinterpret_cast<LPARAM>(&end));
+                SendMessageW(text, EM_SCROLLCARET, 0, 0);
+            };
+            toTheEnd(control);
+            PaintNow(window);
+            PutText(raw_->Editor(), sql);
+            raw_->Show();
+            toTheEnd(raw_->Editor());
+            const auto insert = [&] {
+                SendMessageW(window, WM_COMMAND, command, 0);
+                PaintNow(window);
+            };
+            insert();
+            const std::wstring inserted = GetText(control, size + 1000).substr(size);
+            EXPECT_LT(4U, inserted.size());
+            Compare(
+                {"a statement inserted at the end, against EM_REPLACESEL", size, 1.5}, [&] { return Took(insert); },
+                [&] {
+                    return Took([&] {
+                        SendMessageW(raw_->Editor(), EM_REPLACESEL, TRUE, reinterpret_cast<LPARAM>(inserted.c_str()));
+                        PaintNow(raw_->Handle());
+                    });
+                });
+            raw_->Hide();
         });
     }
 }
