@@ -1,5 +1,3 @@
-#include <algorithm>
-
 #include "editor/frmSQLEditor.h"
 #include "errors/modErrorHandler.h"
 #include "forms/MsgBox.h"
@@ -7,12 +5,6 @@
 namespace {
 
 constexpr const wchar_t* Module = L"frmSQLEditor";
-
-RichTextBox::FileKind KindOf(const std::wstring& FileName) {
-    std::wstring Ending = FileName.substr(FileName.size() - std::min<size_t>(3, FileName.size()));
-    if (!Ending.empty()) CharLowerBuffW(Ending.data(), static_cast<DWORD>(Ending.size()));
-    return Ending == L"rtf" ? RichTextBox::FileKind::RichText : RichTextBox::FileKind::Text;
-}
 
 // A step whose errors are ignored. What would look done must not follow one that was not: false when it failed.
 template <class Step>
@@ -44,7 +36,7 @@ bool frmSQLEditor::m_MayDiscard(const wchar_t* Question) {
 }
 
 void frmSQLEditor::m_ShowFileFormat() try {
-    const bool Rich = KindOf(rtbSQL.FileName) == RichTextBox::FileKind::RichText;
+    const bool Rich = RichTextBox::KindOf(rtbSQL.FileName) == RichTextBox::FileKind::RichText;
     sbStatusBar.SetPanelText(3, Rich ? L"Rich text" : Described(rtbSQL.FileFormat));
 } catch (...) {
     ReportError(Module, L"m_ShowFileFormat");
@@ -70,7 +62,7 @@ void frmSQLEditor::mnuFileOpen_Click() try {
     }
     // From here on errors are ignored, a cancelled dialog among them.
     if (!Succeeds([this] { dlgCommonDialog.ShowOpen(Handle()); })) return;
-    if (!Succeeds([this] { rtbSQL.LoadFile(dlgCommonDialog.FileName, KindOf(dlgCommonDialog.FileName)); })) return;
+    if (!Succeeds([this] { rtbSQL.LoadFile(dlgCommonDialog.FileName, RichTextBox::KindOf(dlgCommonDialog.FileName)); })) return;
     m_FormTitle(dlgCommonDialog.FileTitle());
     rtbSQL.DataChanged = false;
     m_ShowFileFormat();
@@ -80,7 +72,7 @@ void frmSQLEditor::mnuFileOpen_Click() try {
 
 void frmSQLEditor::mnuFileSave_Click() try {
     if (rtbSQL.FileName.empty()) return mnuFileSaveAs_Click();
-    rtbSQL.SaveFile(rtbSQL.FileName, KindOf(rtbSQL.FileName));
+    rtbSQL.SaveFile(rtbSQL.FileName, RichTextBox::KindOf(rtbSQL.FileName));
     rtbSQL.DataChanged = false;
     m_ShowFileFormat();
 } catch (...) {
@@ -91,7 +83,7 @@ void frmSQLEditor::mnuFileSaveAs_Click() try {
     dlgCommonDialog.FileName = rtbSQL.FileName;
     // From here on errors are ignored, a cancelled dialog among them.
     if (!Succeeds([this] { dlgCommonDialog.ShowSave(Handle()); })) return;
-    if (!Succeeds([this] { rtbSQL.SaveFile(dlgCommonDialog.FileName, KindOf(dlgCommonDialog.FileName)); })) return;
+    if (!Succeeds([this] { rtbSQL.SaveFile(dlgCommonDialog.FileName, RichTextBox::KindOf(dlgCommonDialog.FileName)); })) return;
     m_FormTitle(dlgCommonDialog.FileTitle());
     rtbSQL.DataChanged = false;
     m_ShowFileFormat();

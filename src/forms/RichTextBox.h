@@ -73,6 +73,8 @@ public:
     // Files (forms/RichTextBox_Files.cpp). A failure is a run-time error and leaves the text, these three values and the file
     // as they were.
     enum class FileKind { RichText, Text };
+    // A name that ends in "rtf", in capitals or not, is one of rich text.
+    static FileKind KindOf(const std::wstring& fileName);
     // In bytes. Far beyond any SQL that is written by hand; the control takes many times as much of the host's
     // memory, and under Wine takes minutes for more.
     static constexpr uint64_t FileLimit = 4 * 1024 * 1024;

@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "automation/RuntimeError.h"
+#include "automation/Text.h"
 #include "forms/RichText.h"
 #include "forms/RichTextBox.h"
 
@@ -61,6 +62,11 @@ std::wstring WithoutLastLineEnd(std::wstring text) {
 }
 
 }  // namespace
+
+RichTextBox::FileKind RichTextBox::KindOf(const std::wstring& fileName) {
+    const std::wstring_view name(fileName);
+    return name.size() >= 3 && SameName(name.substr(name.size() - 3), L"rtf") ? FileKind::RichText : FileKind::Text;
+}
 
 void RichTextBox::LoadFile(const std::wstring& path, FileKind kind) {
     if (kind == FileKind::RichText) {

@@ -1,5 +1,4 @@
 #include "automation/App.h"
-#include "automation/Text.h"
 #include "browser/modLists.h"
 #include "catalogue/clsListItem.h"
 #include "component/modGlobal.h"
@@ -67,8 +66,7 @@ bool MayInsert(HWND Owner, const std::wstring& File) {
 std::wstring TextOfFile(const std::wstring& File) {
     const std::string Bytes = TextFile::ReadBytes(File, RichTextBox::FileLimit);
     if (Bytes.empty()) return {};
-    const bool Rich = File.size() >= 3 && SameName(File.substr(File.size() - 3), L"rtf");
-    return Rich ? PlainTextOf(Bytes) : TextFile::Decode(Bytes).Text;
+    return RichTextBox::KindOf(File) == RichTextBox::FileKind::RichText ? PlainTextOf(Bytes) : TextFile::Decode(Bytes).Text;
 }
 
 }  // namespace

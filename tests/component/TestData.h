@@ -10,6 +10,8 @@
 // What a program that drops has in its hand: bytes by clipboard format.
 class TestData final : public IDataObject {
 public:
+    std::vector<CLIPFORMAT> Asked;  // formats that were asked for, in their order
+
     TestData& Add(CLIPFORMAT format, std::string bytes) {
         contents_[format] = std::move(bytes);
         return *this;
@@ -29,7 +31,7 @@ public:
     HRESULT STDMETHODCALLTYPE GetData(FORMATETC* format, STGMEDIUM* medium) noexcept override;
     HRESULT STDMETHODCALLTYPE GetDataHere(FORMATETC*, STGMEDIUM*) noexcept override { return E_NOTIMPL; }
     HRESULT STDMETHODCALLTYPE QueryGetData(FORMATETC* format) noexcept override {
-        asked_.push_back(format->cfFormat);
+        Asked.push_back(format->cfFormat);
         return contents_.count(format->cfFormat) != 0 ? S_OK : DV_E_FORMATETC;
     }
     HRESULT STDMETHODCALLTYPE GetCanonicalFormatEtc(FORMATETC*, FORMATETC*) noexcept override { return E_NOTIMPL; }
@@ -41,7 +43,6 @@ public:
 
 private:
     std::map<CLIPFORMAT, std::string> contents_;
-    std::vector<CLIPFORMAT> asked_;
 };
 
 // The drop target that the editor has registered with OLE; AddRef'd.

@@ -100,6 +100,19 @@ TEST_F(OleDropTest, PicturesAndWhatIsNotKnownAreRefused) {
     EXPECT_EQ(L"", Errors.Places());
 }
 
+TEST_F(OleDropTest, FormatsAreAskedForInTheirOrder) {
+    Inside([] {
+        TestData nothing;
+        DropOnEditor(nothing, PlaceOf(0));
+        const auto rich = static_cast<CLIPFORMAT>(RegisterClipboardFormatW(L"Rich Text Format"));
+        ASSERT_GE(nothing.Asked.size(), 4U);
+        EXPECT_EQ(rich, nothing.Asked[0]);
+        EXPECT_EQ(CF_UNICODETEXT, nothing.Asked[1]);
+        EXPECT_EQ(CF_TEXT, nothing.Asked[2]);
+        EXPECT_EQ(CF_HDROP, nothing.Asked[3]);
+    });
+}
+
 TEST_F(OleDropTest, ADragThatLeavesPutsTheSelectionBack) {
     Inside(
         [] {
