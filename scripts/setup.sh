@@ -3,14 +3,24 @@
 
 BRV_ROOT=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 BRV_BUILD=$BRV_ROOT/build
-BRV_PRESET=${BRV_PRESET:-win32}
-BRV_BIN=$BRV_BUILD/$BRV_PRESET/bin
 BRV_LOGS=$BRV_BUILD/logs
 
+# use_preset NAME: what is built and run from here on, win32 (32-bit) or win64. Programs that are started inherit it.
+use_preset() {
+    case $1 in
+        win32*) BRV_WIDTH=32 ;;
+        win64*) BRV_WIDTH=64 ;;
+        *) die "there is no preset $1" ;;
+    esac
+    export BRV_PRESET=$1
+    BRV_BIN=$BRV_BUILD/$1/bin
+}
+
+# What ./run needs; the other commands add theirs.
 BRV_PACKAGES=(g++-mingw-w64-i686 mingw-w64-tools cmake ninja-build googletest
     wine wine32:i386 xvfb openbox xdotool imagemagick x11-utils
-    libodbc2:i386 libsqliteodbc:i386 odbc-postgresql:i386 sqlite3 postgresql
-    cups cups-filters libcups2:i386 poppler-utils fonts-liberation fonts-dejavu-core)
+    libodbc2:i386 libsqliteodbc:i386 odbc-postgresql:i386 sqlite3 fonts-liberation fonts-dejavu-core)
+BRV_WIN64_PACKAGES=(g++-mingw-w64-x86-64 wine64 libodbc2 libsqliteodbc odbc-postgresql)
 
 # The in-process servers that are registered, by file name; one that is not built (yet) is passed over.
 BRV_SERVERS=(brvSQLEditor.dll brvError.dll brvADO.dll)
@@ -20,6 +30,8 @@ die() {
     say "$(basename "$0"): $*"
     exit 1
 }
+
+use_preset "${BRV_PRESET:-win32}"
 
 # log_tail FILE: what a failed step said last.
 log_tail() {
@@ -119,12 +131,23 @@ build_project() {
 # Environment for every Windows program: a prefix of this project, quiet, with ODBC of this project. WINEPREFIX of the
 # user is not looked at: that is where the user's own programs live.
 wine_environment() {
-    export WINEPREFIX=${BRV_PREFIX:-$BRV_BUILD/wine32-test}
-    export WINEARCH=win32
-    export WINEDEBUG=${WINEDEBUG:--all}
+    export WINEPREFIX=${BRV_PREFIX:-$BRV_BUILD/wine$BRV_WIDTH-test}
+    export WINEARCH=win$BRV_WIDTH
+    # Where both are installed "wine" is the 32-bit loader, which takes a program without a path from the 32-bit system folder.
+    local folder=$BRV_BUILD/wine64-loader
+    PATH=${PATH//"$folder:"/}
+    unset WINELOADER
+    if [ "$BRV_WIDTH" = 64 ] && [ -x /usr/lib/wine/wine64 ]; then
+        export WINELOADER=/usr/lib/wine/wine64
+        if [ ! -x "$folder/wine" ]; then
+            mkdir -p "$folder"
+            printf '#!/bin/sh\nexec "$WINELOADER" "$@"\n' >"$folder/wine.$$" && chmod +x "$folder/wine.$$" && mv "$folder/wine.$$" "$folder/wine"
+        fi
+        PATH=$folder:$PATH
+    fi
     # No questions about Mono and Gecko, no entries in the desktop's menus.
     export WINEDLLOVERRIDES=${WINEDLLOVERRIDES:-mscoree,mshtml=;winemenubuilder.exe=d}
-    export ODBCSYSINI=$BRV_BUILD/odbc ODBCINI=$BRV_BUILD/odbc/odbc.ini
+    export ODBCSYSINI=$BRV_BUILD/odbc$BRV_WIDTH ODBCINI=$BRV_BUILD/odbc$BRV_WIDTH/odbc.ini
     export BRV_SHOP_DB=$BRV_BUILD/shop.db  # for tests that read the sample database
     # Arguments and file names are UTF-8, also where the locale is "C".
     [ "$(locale charmap 2>/dev/null)" = UTF-8 ] || export LC_ALL=C.UTF-8
@@ -137,12 +160,13 @@ windows_path() {
     printf 'Z:%s' "${path//\//\\}"
 }
 
-# The drivers that a program under Wine finds: it sees the 32-bit driver manager and drivers of this machine.
+# The drivers that a program under Wine finds: it sees the driver manager and drivers of its own width on this machine.
 make_odbc() {
-    local folder=$BRV_BUILD/odbc sqlite postgresql
+    local folder=$BRV_BUILD/odbc$BRV_WIDTH architecture=i386 sqlite postgresql
+    [ "$BRV_WIDTH" = 32 ] || architecture=$(dpkg --print-architecture)
     [ -f "$folder/odbcinst.ini" ] && [ -f "$folder/odbc.ini" ] && return 0
-    sqlite=$(dpkg -L libsqliteodbc:i386 2>/dev/null | grep '/libsqlite3odbc\.so$')
-    postgresql=$(dpkg -L odbc-postgresql:i386 2>/dev/null | grep '/psqlodbcw\.so$')
+    sqlite=$(dpkg -L "libsqliteodbc:$architecture" 2>/dev/null | grep '/libsqlite3odbc\.so$')
+    postgresql=$(dpkg -L "odbc-postgresql:$architecture" 2>/dev/null | grep '/psqlodbcw\.so$')
     mkdir -p "$folder"
     : >"$folder/odbc.ini"
     {

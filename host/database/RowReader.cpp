@@ -1,6 +1,9 @@
 #include "host/database/RowReader.h"
 
+#include <charconv>
 #include <climits>
+#include <string>
+#include <system_error>
 
 namespace {
 
@@ -19,9 +22,13 @@ bool ReadDecimal(std::wstring text, Variant& value) {
     return true;
 }
 
-bool ReadDouble(std::wstring text, Variant& value) {
+// Not by VarR8FromStr, which need not find the nearest number.
+bool ReadDouble(const std::wstring& text, Variant& value) {
+    if (!IsPlainNumber(text)) return false;
+    const std::string digits(text.begin() + (text.front() == L'+' ? 1 : 0), text.end());
     double number = 0;
-    if (!IsPlainNumber(text) || FAILED(VarR8FromStr(text.data(), LOCALE_INVARIANT, 0, &number))) return false;
+    const auto [end, failure] = std::from_chars(digits.data(), digits.data() + digits.size(), number);
+    if (failure != std::errc() || end != digits.data() + digits.size()) return false;
     value = Variant(number);
     return true;
 }
