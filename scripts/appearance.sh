@@ -2,7 +2,7 @@
 # scripts/setup.sh. Programs that start later see a change; no restart of anything is needed.
 
 # The prefix has these settings for itself: nothing else may run in it.
-BRV_APPEARANCE_PREFIX=wine32-appearance
+BRV_APPEARANCE_PREFIX=wine$BRV_WIDTH-appearance
 
 # Lines of a .reg file.
 appearance_fonts() { # HEIGHT in pixels at 96 dots per inch

@@ -134,10 +134,10 @@ TEST_F(ColoursTest, TextAndGroundBelongTogether) {
         }
         for (const int tree : {0, 2}) {
             for (const UINT message : {TVM_GETBKCOLOR, TVM_GETTEXTCOLOR}) {
-                const LRESULT colour = SendMessageW(View(tree), message, 0, 0);
+                const auto colour = static_cast<COLORREF>(SendMessageW(View(tree), message, 0, 0));
                 const int index = message == TVM_GETBKCOLOR ? COLOR_WINDOW : COLOR_WINDOWTEXT;
-                // -1: whatever the system has.
-                EXPECT_TRUE(colour == -1 || static_cast<COLORREF>(colour) == GetSysColor(index));
+                // No colour of its own: whatever the system has.
+                EXPECT_TRUE(colour == CLR_NONE || colour == GetSysColor(index));
             }
         }
         CHARFORMAT2W format{};
