@@ -4,10 +4,16 @@
 #include "forms/Events.h"
 #include "forms/TreeView.h"
 
-struct Node::Item : std::enable_shared_from_this<Node::Item> {
+namespace {
+const std::wstring Nothing;
+}
+
+// A tree may hold tens of thousands: what most of them have in common, or not at all, is kept elsewhere.
+struct Node::Item {
+    long Uses = 0;
     std::wstring Text;
-    std::wstring Tag;
-    std::wstring Key;
+    const std::wstring* Tag = &Nothing;  // in the owner's tags_
+    const std::wstring* Key = &Nothing;  // in the owner's keys_
     Nodes* Owner = nullptr;  // null once the node was removed
     Item* Parent = nullptr;
     Item* First = nullptr;
@@ -28,7 +34,15 @@ Node::Item& Node::Living() const {
     return *item_;
 }
 
-Node Node::Of(Item* item) noexcept { return item != nullptr ? Node(item->shared_from_this()) : Node(); }
+void Node::Reference::Hold(Item* item) noexcept {
+    if (item != nullptr) ++item->Uses;
+}
+
+void Node::Reference::Release(Item* item) noexcept {
+    if (item != nullptr && --item->Uses == 0) delete item;
+}
+
+Node Node::Of(Item* item) noexcept { return Node(Reference(item)); }
 
 const std::wstring& Node::Text() const { return Living().Text; }
 
@@ -42,11 +56,14 @@ void Node::SetText(const std::wstring& text) const {
     item.Owner->tree_.Send(TVM_SETITEMW, 0, reinterpret_cast<LPARAM>(&change));
 }
 
-const std::wstring& Node::Tag() const { return Living().Tag; }
+const std::wstring& Node::Tag() const { return *Living().Tag; }
 
-void Node::SetTag(std::wstring tag) const { Living().Tag = std::move(tag); }
+void Node::SetTag(std::wstring tag) const {
+    Item& item = Living();
+    item.Tag = &*item.Owner->tags_.insert(std::move(tag)).first;
+}
 
-const std::wstring& Node::Key() const { return Living().Key; }
+const std::wstring& Node::Key() const { return *Living().Key; }
 
 short Node::Index() const {
     const Item& item = Living();
@@ -92,7 +109,7 @@ void Node::EnsureVisible() const {
 Nodes::~Nodes() {
     // References to nodes may be held beyond the tree.
     for (const Slot& slot : slots_) {
-        if (slot != nullptr) slot->Owner = nullptr;
+        if (!(slot == nullptr)) slot->Owner = nullptr;
     }
 }
 
@@ -139,10 +156,10 @@ HTREEITEM Nodes::Mirror(const Node::Item& item, HTREEITEM after) {
 }
 
 Node Nodes::Add(const Variant& relative, const Variant& relationship, const Variant& key, const std::wstring& text) {
-    auto made = std::make_shared<Node::Item>();
+    const Slot made(new Node::Item);
     made->Text = text;
-    if (!key.IsMissing() && !key.IsEmpty()) made->Key = key.ToText();
-    if (!made->Key.empty() && keys_.count(made->Key) != 0) RaiseError(ErrorNumber::KeyNotUnique);
+    const std::wstring keyText = key.IsMissing() || key.IsEmpty() ? std::wstring() : key.ToText();
+    if (!keyText.empty() && keys_.count(keyText) != 0) RaiseError(ErrorNumber::KeyNotUnique);
 
     Node::Item* other = Relative(relative);
     const long relation =
@@ -190,7 +207,7 @@ Node Nodes::Add(const Variant& relative, const Variant& relationship, const Vari
     const size_t at = slots_.size();
     sums_.push_back(static_cast<int>(1 + IndexOf(at - 2) - IndexOf(at - (at & (~at + 1)) - 1)));
     ++living_;
-    if (!made->Key.empty()) keys_[made->Key] = made.get();
+    if (!keyText.empty()) made->Key = &keys_.emplace(keyText, made.get()).first->first;
     return Node(made);
 }
 
@@ -230,11 +247,15 @@ void Nodes::Forget(Node::Item& item) {
         Node::Item* current = going.back();
         going.pop_back();
         for (Node::Item* child = current->First; child != nullptr; child = child->Next) going.push_back(child);
-        if (!current->Key.empty()) keys_.erase(current->Key);
+        if (!current->Key->empty()) {
+            const auto key = keys_.find(*current->Key);
+            current->Key = &Nothing;
+            keys_.erase(key);
+        }
         current->Owner = nullptr;
         Adjust(current->Slot, -1);
         --living_;
-        slots_[current->Slot].reset();  // `current` may be gone after this
+        slots_[current->Slot] = {};  // `current` may be gone after this
     }
     if (slots_.size() > 64 && slots_.size() > static_cast<size_t>(living_) * 2) Compact();
 }

@@ -4,8 +4,10 @@
 #include <commctrl.h>
 
 #include <map>
-#include <memory>
+#include <cstddef>
+#include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "automation/Variant.h"
@@ -58,10 +60,34 @@ private:
     friend class Nodes;
     friend class TreeView;
     struct Item;
-    explicit Node(std::shared_ptr<Item> item) noexcept : item_(std::move(item)) {}
+    // Counted in the item itself and without the bus: nodes live on the window's thread alone, and a loop over a large
+    // folder makes and drops one a step.
+    class Reference {
+    public:
+        Reference() noexcept = default;
+        explicit Reference(Item* item) noexcept : item_(item) { Hold(item_); }
+        Reference(const Reference& other) noexcept : Reference(other.item_) {}
+        Reference(Reference&& other) noexcept : item_(std::exchange(other.item_, nullptr)) {}
+        Reference& operator=(Reference other) noexcept {
+            std::swap(item_, other.item_);
+            return *this;
+        }
+        ~Reference() { Release(item_); }
+        Item* get() const noexcept { return item_; }
+        Item& operator*() const noexcept { return *item_; }
+        Item* operator->() const noexcept { return item_; }
+        bool operator==(const Reference& other) const noexcept { return item_ == other.item_; }
+        bool operator==(std::nullptr_t) const noexcept { return item_ == nullptr; }
+
+    private:
+        static void Hold(Item* item) noexcept;
+        static void Release(Item* item) noexcept;
+        Item* item_ = nullptr;
+    };
+    explicit Node(Reference item) noexcept : item_(std::move(item)) {}
     Item& Living() const;
     static Node Of(Item* item) noexcept;
-    std::shared_ptr<Item> item_;
+    Reference item_;
 };
 
 // The nodes of a tree: the model. The control's window mirrors it and is never asked for structure or text, since it checks
@@ -90,7 +116,7 @@ public:
 private:
     friend class Node;
     friend class TreeView;
-    using Slot = std::shared_ptr<Node::Item>;
+    using Slot = Node::Reference;
 
     Node::Item* Relative(const Variant& relative) const;
     void Detach(Node::Item& item) noexcept;
@@ -107,6 +133,7 @@ private:
     std::vector<int> sums_;
     long living_ = 0;
     std::map<std::wstring, Node::Item*> keys_;
+    std::set<std::wstring> tags_;  // each once, however many nodes have it
     Node::Item* firstRoot_ = nullptr;
     Node::Item* lastRoot_ = nullptr;
 };
