@@ -168,8 +168,9 @@ struct Object::State {
 
     // The id of a member, asked for once.
     DISPID IdOf(const wchar_t* name) {
+        const std::wstring_view wanted = name;  // its length is told first
         for (const Member& member : Members) {
-            if (member.Name == name) return member.Id;
+            if (wanted == member.Name) return member.Id;
         }
         DISPID id = DISPID_UNKNOWN;
         const HRESULT result = LookUp(name, id);
@@ -269,6 +270,43 @@ Variant Object::Invoke(const wchar_t* member, WORD flags, Argument* arguments, s
     if (state_ == nullptr) RaiseError(ErrorNumber::ObjectNotSet);
     const Object held(*this);  // what is called may clear the variable that this is
     return held.InvokeId(held.state_->IdOf(member), flags, arguments, count);
+}
+
+TextFunction::~TextFunction() {
+    for (const BSTR text : passed_) SysFreeString(text);
+}
+
+void TextFunction::AppendTo(std::wstring& to, std::wstring_view argument) {
+    if (!object_) RaiseError(ErrorNumber::ObjectNotSet);
+    Object::State& state = *object_.state_;
+    if (state.KindOf() != Object::State::Kind::Plain) {
+        std::wstring text(argument);
+        to += object_.Get(member_, ByRef(text)).ToText();
+        return;
+    }
+    if (id_ == DISPID_UNKNOWN) id_ = state.IdOf(member_);
+    BSTR& passed = passed_[argument.size() < passed_.size() ? argument.size() : 0];
+    // Whatever the callee has made of it the last time.
+    if (passed != nullptr && SysStringLen(passed) == argument.size()) {
+        std::memcpy(passed, argument.data(), argument.size() * sizeof(wchar_t));
+    } else if (!SysReAllocStringLen(&passed, argument.data(), static_cast<UINT>(argument.size()))) {
+        RaiseError(ErrorNumber::OutOfMemory);
+    }
+    VARIANTARG reference;
+    reference.vt = VT_BYREF | VT_BSTR;
+    reference.pbstrVal = &passed;
+    DISPPARAMS parameters{&reference, nullptr, 1, 0};
+    VARIANT raw;
+    VariantInit(&raw);
+    EXCEPINFO exception{};
+    const HRESULT result = state.Invoke(id_, DISPATCH_METHOD | DISPATCH_PROPERTYGET, parameters, &raw, exception);
+    if (FAILED(result)) throw ErrorFromHresult(result, &exception);
+    const Variant answer = Variant::Attach(raw);
+    if (answer.vt == VT_BSTR) {
+        to.append(answer.bstrVal, SysStringLen(answer.bstrVal));
+    } else {
+        to += answer.ToText();
+    }
 }
 
 Variant Object::Value() const {

@@ -3,8 +3,10 @@
 #include <windows.h>
 #include <oaidl.h>
 
+#include <array>
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "automation/Variant.h"
 
@@ -90,8 +92,30 @@ public:
     bool Has(const wchar_t* member) const noexcept;
 
 private:
+    friend class TextFunction;
     struct State;
     std::shared_ptr<State> state_;
     Variant Invoke(const wchar_t* member, WORD flags, Argument* arguments, size_t count) const;
     Variant InvokeId(DISPID id, WORD flags, Argument* arguments, size_t count) const;
+};
+
+// A member that is called with one text by reference and answers with a text, again and again: what Get(member, ByRef(text))
+// gives, without its copies, for loops over thousands of names. What the callee leaves in its argument is dropped. Holds the
+// object; `member` must outlive it.
+class TextFunction {
+public:
+    TextFunction(const Object& object, const wchar_t* member) noexcept : object_(object), member_(member) {}
+    ~TextFunction();
+    TextFunction(const TextFunction&) = delete;
+    TextFunction& operator=(const TextFunction&) = delete;
+
+    // Puts the answer behind `to`, which is unchanged when the call fails.
+    void AppendTo(std::wstring& to, std::wstring_view argument);
+
+private:
+    const Object object_;
+    const wchar_t* const member_;
+    // One string for each length that has occurred, the first for all that are longer: most calls need no memory.
+    std::array<BSTR, 48> passed_{};
+    DISPID id_ = DISPID_UNKNOWN;
 };

@@ -15,7 +15,6 @@ constexpr const wchar_t* Module = L"frmSQLEditor";
 constexpr const wchar_t* LineBreak = L"\r\n";
 constexpr const wchar_t* Separator = L";\r\n";  // between two statements
 constexpr size_t SeparatorLength = 3;
-constexpr size_t UsualStatement = 48;  // characters, of one statement for a table
 
 // The host's type codes whose statements differ; what products they stand for is the host's affair.
 bool WritesSchema(long Type) { return Type == 4 || Type == 8 || Type == 13 || Type == 26 || Type == 27 || Type == 40; }
@@ -29,16 +28,35 @@ std::wstring Concatenated(std::initializer_list<std::wstring_view> Parts) {
     return Text;
 }
 
-// The name as the host writes it, behind a schema and a point when one is given. The text is taken out of the answer with one
-// allocation: a folder may have thousands of tables.
-std::wstring FormatName(std::wstring Name, std::wstring_view Schema = {}) {
-    const Variant Written = HostDatabase.Get(L"FormatName", ByRef(Name));
-    if (Written.vt != VT_BSTR) {
-        const std::wstring Text = Written.ToText();
-        return Schema.empty() ? Text : Concatenated({Schema, L".", Text});
+// The name as the host writes it.
+std::wstring FormatName(const std::wstring& Name) {
+    std::wstring Written;
+    TextFunction(HostDatabase, L"FormatName").AppendTo(Written, Name);
+    return Written;
+}
+
+// What a table's name is written behind: its schema, as it stands, since the host quotes names of tables and columns alone.
+std::wstring QualifierFor(const std::wstring& Schema) {
+    const bool Qualified = WritesSchema(DBType) && !SameName(Schema, OwnerName) && !SameName(Schema, L"current schema");
+    return Qualified && !Schema.empty() ? Schema + L"." : std::wstring();
+}
+
+// What stands before and behind a table's name in the statement for its first rows.
+struct Frame {
+    std::wstring_view Before;
+    std::wstring_view Behind;
+};
+
+Frame FrameOfSampleRows() {
+    switch (DBType) {
+        case 2:
+        case 28: return {L"SELECT first 100 * FROM ", L""};
+        case 4: return {L"SELECT * FROM ", L" WHERE rownum <= 100"};
+        case 13: return {L"SELECT * FROM ", L"  fetch first 100 rows only"};  // two blanks: kept
+        case 17:
+        case 27: return {L"SELECT * FROM ", L" LIMIT 100"};
+        default: return {L"SELECT top 100 * FROM ", L""};
     }
-    const std::wstring_view Text(Written.bstrVal, SysStringLen(Written.bstrVal));
-    return Schema.empty() ? std::wstring(Text) : Concatenated({Schema, L".", Text});
 }
 
 bool IsFolder(const std::wstring& Kind) {
@@ -54,8 +72,9 @@ const std::wstring& SchemaOfTable(const Node& Table) { return Table.Parent().Par
 // Calls `step` with each object of a folder in their order. A placeholder is none.
 template <class Step>
 void ForEachObject(const Node& Folder, Step&& step) {
+    constexpr std::wstring_view Placeholder = modLists::NodeKind::Undefined;
     for (Node Object = Folder.Child(); Object; Object = Object.Next()) {
-        if (Object.Tag() != modLists::NodeKind::Undefined) step(Object);
+        if (Object.Tag() != Placeholder) step(Object);
     }
 }
 
@@ -72,17 +91,37 @@ void ForEachColumn(const Node& Table, Step&& step) {
     for (Node Column = Table.Child().Child().FirstSibling(); Column; Column = Column.Next()) step(Column);
 }
 
-// One statement for each object of a folder: `append` puts it behind what is there.
+// One statement for each object of a folder: `Start`, what `append` puts behind it for the object's name, and `Behind`.
 template <class Append>
-std::wstring JoinStatements(const Node& Folder, Append&& append) {
+std::wstring JoinStatements(const Node& Folder, const std::wstring& Start, std::wstring_view Behind, Append&& append) {
+    // What ends one statement and begins the next goes in at once.
+    const std::wstring Between = Concatenated({Behind, Separator, Start});
+    const auto Count = static_cast<size_t>(Folder.Children());
     std::wstring Joined;
-    Joined.reserve(static_cast<size_t>(Folder.Children()) * UsualStatement);
     ForEachObject(Folder, [&](const Node& Object) {
+        const bool First = Joined.empty();
+        Joined.append(First ? Start : Between);
         append(Joined, Object.Text());
-        Joined.append(Separator);
+        // The others will hardly be twice as long. What is not used is never touched.
+        if (First) Joined.reserve(Count * (Joined.size() + Joined.size() / 2 + Between.size() - Start.size()));
     });
-    if (!Joined.empty()) Joined.resize(Joined.size() - SeparatorLength);
+    if (!Joined.empty()) Joined.append(Behind);
     return Joined;
+}
+
+// The statement of one table, what m_BuildTable gives between two texts, for each object of a folder.
+std::wstring JoinTables(const Node& Folder, const Frame& Frame) {
+    const std::wstring Qualifier = QualifierFor(Folder.Parent().Text());
+    TextFunction Formatted(HostDatabase, L"FormatName");
+    return JoinStatements(Folder, Concatenated({Frame.Before, Qualifier}), Frame.Behind,
+                          [&](std::wstring& Joined, const std::wstring& Name) {
+                              try {
+                                  Formatted.AppendTo(Joined, Name);
+                              } catch (...) {
+                                  Joined.resize(Joined.size() - Qualifier.size());
+                                  ReportError(Module, L"m_BuildTable");
+                              }
+                          });
 }
 
 // The schema that DESCRIBE writes: every one but the default, the connected user's own too. The test minds the case,
@@ -98,25 +137,15 @@ void AppendDescribe(std::wstring& Joined, const std::wstring& Prefix, const std:
 }  // namespace
 
 std::wstring frmSQLEditor::m_BuildTable(const std::wstring& Schema, const std::wstring& Table) try {
-    // The schema is written as it stands: the host quotes names of tables and columns alone.
-    const bool Qualified = WritesSchema(DBType) && !SameName(Schema, OwnerName) && !SameName(Schema, L"current schema");
-    return FormatName(Table, Qualified ? std::wstring_view(Schema) : std::wstring_view());
+    return QualifierFor(Schema) + FormatName(Table);
 } catch (...) {
     ReportError(Module, L"m_BuildTable");
     return {};
 }
 
 std::wstring frmSQLEditor::m_BuildStmtSampleRows(const std::wstring& Schema, const std::wstring& Table) try {
-    const std::wstring Reference = m_BuildTable(Schema, Table);
-    switch (DBType) {
-        case 2:
-        case 28: return Concatenated({L"SELECT first 100 * FROM ", Reference});
-        case 4: return Concatenated({L"SELECT * FROM ", Reference, L" WHERE rownum <= 100"});
-        case 13: return Concatenated({L"SELECT * FROM ", Reference, L"  fetch first 100 rows only"});  // two blanks: kept
-        case 17:
-        case 27: return Concatenated({L"SELECT * FROM ", Reference, L" LIMIT 100"});
-        default: return Concatenated({L"SELECT top 100 * FROM ", Reference});
-    }
+    const Frame Frame = FrameOfSampleRows();
+    return Concatenated({Frame.Before, m_BuildTable(Schema, Table), Frame.Behind});
 } catch (...) {
     ReportError(Module, L"m_BuildStmtSampleRows");
     return {};
@@ -126,10 +155,7 @@ std::wstring frmSQLEditor::m_GetStmtCountRows(const Node& Node) try {
     const std::wstring& Kind = Node.Tag();
     if (IsTableOrView(Kind)) return L"SELECT COUNT(*) FROM " + m_BuildTable(SchemaOfTable(Node), Node.Text());
     if (!IsFolder(Kind)) return {};
-    const std::wstring Schema = Node.Parent().Text();
-    return JoinStatements(Node, [&](std::wstring& Joined, const std::wstring& Name) {
-        Joined.append(L"SELECT COUNT(*) FROM ").append(m_BuildTable(Schema, Name));
-    });
+    return JoinTables(Node, {L"SELECT COUNT(*) FROM ", L""});
 } catch (...) {
     ReportError(Module, L"m_GetStmtCountRows");
     return {};
@@ -139,9 +165,8 @@ std::wstring frmSQLEditor::m_GetStmtDescribe(const Node& Node) try {
     const std::wstring& Kind = Node.Tag();
     if (IsTableOrView(Kind)) return L"DESCRIBE " + DescribePrefix(SchemaOfTable(Node)) + Node.Text();
     if (IsFolder(Kind)) {
-        const std::wstring Prefix = DescribePrefix(Node.Parent().Text());
-        return JoinStatements(Node,
-                              [&](std::wstring& Joined, const std::wstring& Name) { AppendDescribe(Joined, Prefix, Name); });
+        return JoinStatements(Node, L"DESCRIBE " + DescribePrefix(Node.Parent().Text()), L"",
+                              [](std::wstring& Joined, const std::wstring& Name) { Joined.append(Name); });
     }
     if (Kind != modLists::NodeKind::Schema) return {};
     const std::wstring Prefix = DescribePrefix(Node.Text());
@@ -163,10 +188,7 @@ std::wstring frmSQLEditor::m_GetStmtSampleRows(const Node& Node) try {
     const std::wstring& Kind = Node.Tag();
     if (IsTableOrView(Kind)) return m_BuildStmtSampleRows(SchemaOfTable(Node), Node.Text());
     if (!IsFolder(Kind)) return {};
-    const std::wstring Schema = Node.Parent().Text();
-    return JoinStatements(Node, [&](std::wstring& Joined, const std::wstring& Name) {
-        Joined.append(m_BuildStmtSampleRows(Schema, Name));
-    });
+    return JoinTables(Node, FrameOfSampleRows());
 } catch (...) {
     ReportError(Module, L"m_GetStmtSampleRows");
     return {};
@@ -176,12 +198,7 @@ std::wstring frmSQLEditor::m_GetStmtSelectTable(const Node& Node) try {
     // Before the kind of node is looked at, so that it holds for a folder's first object too: kept.
     if (!Node.Child() || !Node.Child().Child()) return {};
     const std::wstring& Kind = Node.Tag();
-    if (IsFolder(Kind)) {
-        const std::wstring Schema = Node.Parent().Text();
-        return JoinStatements(Node, [&](std::wstring& Joined, const std::wstring& Name) {
-            Joined.append(L"SELECT * FROM ").append(m_BuildTable(Schema, Name));
-        });
-    }
+    if (IsFolder(Kind)) return JoinTables(Node, {L"SELECT * FROM ", L""});
     if (!IsTableOrView(Kind) || !HasColumns(Node)) return {};
     std::wstring Statement;
     ForEachColumn(Node, [&](const ::Node& Column) {

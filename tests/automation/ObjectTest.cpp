@@ -372,3 +372,71 @@ TEST(ObjectTest, ARealObjectIsReadAndWritten) {
     EXPECT_EQ(1, fresh.Get(L"CompareMode").ToLong());
     EXPECT_EQ(438, NumberOf([&fresh] { fresh.Get(L"NoSuchMember"); }));
 }
+
+TEST(TextFunctionTest, AppendsTheAnswersToATextByReference) {
+    FakeDispatch fake;
+    std::vector<std::wstring> heard;
+    fake.OnInvoke = [&](DISPID, WORD flags, DISPPARAMS& parameters, VARIANT* result, EXCEPINFO*) {
+        EXPECT_EQ(DISPATCH_METHOD | DISPATCH_PROPERTYGET, flags);
+        EXPECT_EQ(1U, parameters.cArgs);
+        EXPECT_EQ(VT_BYREF | VT_BSTR, parameters.rgvarg[0].vt);
+        BSTR& text = *parameters.rgvarg[0].pbstrVal;
+        heard.emplace_back(text, SysStringLen(text));
+        result->vt = VT_BSTR;
+        result->bstrVal = SysAllocString((L"[" + heard.back() + L"]").c_str());
+        // What it does with its argument is its own affair.
+        switch (heard.size() % 4) {
+            case 0: text[0] = L'?'; break;
+            case 1: SysReAllocString(&text, L"another text, which is longer"); break;
+            case 2:
+                SysFreeString(text);
+                text = nullptr;
+                break;
+            default: break;
+        }
+        return S_OK;
+    };
+    std::wstring to = L"begin ", wanted = L"begin ";
+    {
+        TextFunction function(Object(&fake), L"Member");
+        for (const size_t length : {3U, 3U, 3U, 3U, 0U, 0U, 1U, 200U, 3U, 200U, 200U, 47U, 48U, 49U, 3U}) {
+            const std::wstring text(length, L'a');
+            function.AppendTo(to, text);
+            EXPECT_EQ(text, heard.back());
+            wanted += L"[" + text + L"]";
+        }
+    }
+    EXPECT_EQ(wanted, to);
+    EXPECT_EQ(1, fake.LookUps);
+}
+
+TEST(TextFunctionTest, AFailureLeavesTheTextAsItWas) {
+    FakeDispatch fake;
+    int calls = 0;
+    fake.OnInvoke = [&](DISPID, WORD, DISPPARAMS&, VARIANT* result, EXCEPINFO*) -> HRESULT {
+        switch (++calls) {
+            case 1: return DISP_E_TYPEMISMATCH;
+            case 2:
+                result->vt = VT_NULL;  // no text
+                return S_OK;
+            default:
+                result->vt = VT_I4;
+                result->lVal = 12;
+                return S_OK;
+        }
+    };
+    std::wstring to = L"x";
+    {
+        TextFunction function(Object(&fake), L"Member");
+        EXPECT_EQ(ErrorNumber::TypeMismatch, NumberOf([&] { function.AppendTo(to, L"a"); }));
+        EXPECT_EQ(ErrorNumber::InvalidUseOfNull, NumberOf([&] { function.AppendTo(to, L"a"); }));
+        EXPECT_EQ(L"x", to);
+        function.AppendTo(to, L"a");
+        EXPECT_EQ(L"x12", to);
+        TextFunction unknown(Object(&fake), L"Unknown");
+        EXPECT_NE(0, NumberOf([&] { unknown.AppendTo(to, L"a"); }));
+        TextFunction nothing(Object(), L"Member");
+        EXPECT_EQ(ErrorNumber::ObjectNotSet, NumberOf([&] { nothing.AppendTo(to, L"a"); }));
+    }
+    EXPECT_EQ(L"x12", to);
+}
