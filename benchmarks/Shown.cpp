@@ -10,6 +10,17 @@ constexpr UINT Limit = 120000;  // milliseconds
 
 HWND ShownEditor() { return FindWindowW(L"brvSQLEditorForm", nullptr); }
 
+UINT CommandOf(int menu, const wchar_t* entry) {
+    const HMENU popup = GetSubMenu(GetMenu(ShownEditor()), menu);
+    for (int at = 0; at < GetMenuItemCount(popup); ++at) {
+        wchar_t text[100]{};
+        GetMenuStringW(popup, static_cast<UINT>(at), text, 100, MF_BYPOSITION);
+        if (lstrcmpW(text, entry) == 0) return GetMenuItemID(popup, at);
+    }
+    ADD_FAILURE() << "no such entry";
+    return 0;
+}
+
 WhenWaiting::WhenWaiting(std::function<void()> step)
     : step_(std::move(step)),
       hook_(SetWindowsHookExW(WH_GETMESSAGE, &WhenWaiting::Hook, nullptr, GetCurrentThreadId())) {

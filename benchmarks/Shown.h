@@ -25,3 +25,5 @@ private:
 
 // The window of the editor, which must be shown.
 HWND ShownEditor();
+// The id of an entry of its menu bar, by the place of the menu and the entry's text.
+UINT CommandOf(int menu, const wchar_t* entry);

@@ -44,18 +44,6 @@ std::wstring GetText(HWND control, size_t length) {
     return back;
 }
 
-// The id of an entry of the editor's menu bar, by the place of its menu and its text.
-UINT CommandOf(int menu, const wchar_t* entry) {
-    const HMENU popup = GetSubMenu(GetMenu(ShownEditor()), menu);
-    for (int at = 0; at < GetMenuItemCount(popup); ++at) {
-        wchar_t text[100]{};
-        GetMenuStringW(popup, static_cast<UINT>(at), text, 100, MF_BYPOSITION);
-        if (lstrcmpW(text, entry) == 0) return GetMenuItemID(popup, at);
-    }
-    ADD_FAILURE() << "no such entry";
-    return 0;
-}
-
 class TextBench : public ComponentFixture {
 protected:
     TextBench() : editor_(Dll.Create()) {

@@ -22,6 +22,7 @@ public:
                                       TVS_SHOWSELALWAYS | TVS_DISABLEDRAGDROP | WS_CLIPSIBLINGS,
                                   0, 0, place.right, place.bottom, GetParent(ours), nullptr, nullptr, nullptr);
         SetWindowPos(window_, HWND_TOP, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE);
+        SendMessageW(window_, WM_SETFONT, static_cast<WPARAM>(SendMessageW(ours, WM_GETFONT, 0, 0)), FALSE);
         // As deep as the editor's, since a branch that opens below others scrolls them away.
         const HTREEITEM schemas = Insert(TVI_ROOT, L"Schemas");
         const HTREEITEM schema = Insert(schemas, L"HR");
