@@ -77,6 +77,8 @@ function(brv_add_com_server name)
     brv_resource_inputs(${arg_RC})
     target_include_directories(${name} PRIVATE ${CMAKE_CURRENT_SOURCE_DIR})
     target_link_libraries(${name} PRIVATE ${arg_LIBRARIES})
+    # Sections that begin at whole pages of the file are mapped, not read, when the server is loaded.
+    target_link_options(${name} PRIVATE -Wl,--file-alignment,4096)
 endfunction()
 
 # brv_add_program(<name> [WINDOWED] SOURCES ... [RC x.rc] LIBRARIES ...)
