@@ -3,7 +3,8 @@
 #include <objbase.h>
 #include <oaidl.h>
 
-#include <set>
+#include <cstdio>
+#include <string>
 #include <vector>
 
 #include "Bench.h"
@@ -128,9 +129,27 @@ TEST(LoadBench, ToAUsableObject) {
         [] { return LoadByCom(Empty); });
 }
 
-// In a process that has none of the system's libraries yet: what the component needs is loaded with it.
-TEST(LoadBench, ToAUsableObjectInABareProcess) {
-    Compare(
-        {"load to a usable object, with the system's libraries", 0, 2.0}, [] { return LoadByExports(Ours); },
-        [] { return LoadByExports(Empty); });
+// What stands on the user's disk: the file as it is built and stripped, and nothing beside it but Windows.
+TEST(LoadBench, TheFile) {
+    const std::wstring path = BesideProgram(Ours.File);
+    WIN32_FILE_ATTRIBUTE_DATA file{};
+    ASSERT_TRUE(GetFileAttributesExW(path.c_str(), GetFileExInfoStandard, &file));
+    constexpr double megabyte = 1024 * 1024;
+    PrintRow({"size of the DLL, against the most that it may have", 0, 1.0}, "MB", file.nFileSizeLow / megabyte, 1.5);
+
+    const HMODULE component = LoadLibraryW(path.c_str());
+    ASSERT_NE(nullptr, component);
+    wchar_t windows[MAX_PATH];
+    const UINT length = GetSystemWindowsDirectoryW(windows, MAX_PATH);
+    int libraries = 0, beside = 0;
+    for (const std::string& name : ImportsOf(component)) {
+        wchar_t from[MAX_PATH]{};
+        GetModuleFileNameW(GetModuleHandleA(name.c_str()), from, MAX_PATH);
+        ++libraries;
+        if (_wcsnicmp(from, windows, length) != 0) ++beside;
+        EXPECT_EQ(0, _wcsnicmp(from, windows, length)) << name << " is not of the system";
+    }
+    FreeLibrary(component);
+    EXPECT_LT(5, libraries);
+    std::printf("  the DLL needs %d libraries; %d of them do not come with Windows\n", libraries, beside);
 }

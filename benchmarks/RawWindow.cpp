@@ -254,10 +254,12 @@ WindowPlan WindowPlan::Read(const std::wstring& path) {
 
 namespace {
 
-// The icons of the component, out of its file.
-HMODULE Resources() {
-    static const HMODULE file = LoadLibraryExW(Component::Path().c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE);
-    return file;
+// An icon of the component, copied out of its file, which must not stay loaded.
+HICON IconOf(WORD resource, int size) {
+    const HMODULE file = LoadLibraryExW(Component::Path().c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE);
+    const auto icon = static_cast<HICON>(LoadImageW(file, MAKEINTRESOURCEW(resource), IMAGE_ICON, size, size, 0));
+    FreeLibrary(file);
+    return icon;
 }
 
 void RegisterClasses() {
@@ -270,7 +272,7 @@ void RegisterClasses() {
     frame.hInstance = GetModuleHandleW(nullptr);
     frame.hCursor = LoadCursorW(nullptr, IDC_ARROW);
     frame.hbrBackground = reinterpret_cast<HBRUSH>(static_cast<INT_PTR>(COLOR_BTNFACE + 1));
-    frame.hIcon = LoadIconW(Resources(), MAKEINTRESOURCEW(1));
+    frame.hIcon = IconOf(1, GetSystemMetrics(SM_CXICON));
     frame.lpszClassName = FrameClass;
     RegisterClassExW(&frame);
     frame.lpszClassName = BoxClass;
@@ -328,9 +330,8 @@ HIMAGELIST FillToolbar(HWND bar, const WindowPlan::Part& part) {
     SendMessageW(bar, TB_BUTTONSTRUCTSIZE, sizeof(TBBUTTON), 0);
     SendMessageW(bar, TB_SETEXTENDEDSTYLE, 0, TBSTYLE_EX_MIXEDBUTTONS | TBSTYLE_EX_DOUBLEBUFFER);
     const HIMAGELIST images = ImageList_Create(16, 16, ILC_COLOR32, 1, 0);
-    const auto icon = static_cast<HICON>(LoadImageW(Resources(), MAKEINTRESOURCEW(2), IMAGE_ICON, 16, 16, 0));
+    static const HICON icon = IconOf(2, 16);
     ImageList_ReplaceIcon(images, -1, icon);
-    DestroyIcon(icon);
     SendMessageW(bar, TB_SETIMAGELIST, 0, reinterpret_cast<LPARAM>(images));
     for (const WindowPlan::Row& row : part.Rows) {
         TBBUTTON button{};
