@@ -62,7 +62,10 @@ void PrintRow(const Row& row, const char* unit, double ours, double raw) {
     if (!holds) ++missed;
     const std::string size = row.Size == 0 ? "" : std::to_string(row.Size);
     std::printf("  %-62s %8s %10.3f %10.3f %-3s %6.2f %6.2f  %s\n", row.Operation.c_str(), size.c_str(), ours, raw,
-                unit, ratio, row.Bar, holds ? "holds" : "DOES NOT HOLD");
+                unit, ratio, row.Bar,
+                !FullSizes() ? "-"
+                : holds      ? "holds"
+                             : "DOES NOT HOLD");
     std::fflush(stdout);
 }
 
