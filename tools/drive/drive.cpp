@@ -37,6 +37,7 @@ constexpr char Help[] =
     "  list [N]                  lists list box N; * says selected\n"
     "  node N TEXT | row N ROW | tab N | character POSITION\n"
     "                            prints where it is on the screen: x y (rows and positions from 1)\n"
+    "  expand N                  expands the first node of tree control N that shows and is not expanded yet\n"
     "  selection                 prints the editor's selection: from to, characters as the control counts them\n"
     "  dialog TEXT [BUTTON [ID=VALUE...]]\n"
     "                            waits for a dialog or message box that contains TEXT, prints its texts, fills the\n"
@@ -343,6 +344,19 @@ void NodePlace(const Arguments& arguments) {
     throw Failure(NotFound, "no such node shows");
 }
 
+// Whether a node was not open and is now. Nodes without children stay.
+void ExpandNode(const Arguments& arguments) {
+    HWND tree = DescendantOfClass(WaitForEditor(), WC_TREEVIEWW, NumberAt(arguments, 1));
+    for (LRESULT item = Send(tree, TVM_GETNEXTITEM, TVGN_ROOT); item;
+         item = Send(tree, TVM_GETNEXTITEM, TVGN_NEXTVISIBLE, item)) {
+        const auto handle = static_cast<WPARAM>(item);
+        if ((Send(tree, TVM_GETITEMSTATE, handle, TVIS_EXPANDED) & TVIS_EXPANDED) != 0) continue;
+        Send(tree, TVM_EXPAND, TVE_EXPAND, item);
+        if ((Send(tree, TVM_GETITEMSTATE, handle, TVIS_EXPANDED) & TVIS_EXPANDED) != 0) return;
+    }
+    throw Failure(NotFound, "there is no node to expand");
+}
+
 void TabPlace(const Arguments& arguments) {
     HWND button = DescendantOfClass(WaitForEditor(), L"BUTTON", NumberAt(arguments, 1));
     RECT rect;
@@ -479,6 +493,7 @@ const std::map<std::wstring, void (*)(const Arguments&)> Commands = {
     {L"list", ListItems},
     {L"node", NodePlace},
     {L"row", RowPlace},
+    {L"expand", ExpandNode},
     {L"tab", TabPlace},
     {L"character", CharacterPlace},
     {L"selection", PrintSelection},
