@@ -32,7 +32,7 @@ namespace {
 
 constexpr int FewestRounds = 7;
 constexpr int MostRounds = 31;       // of what is over quickly
-constexpr double LongEnough = 2500;  // milliseconds of one row
+constexpr double LongEnough = 4000;  // milliseconds of one row
 
 int rows = 0;
 int missed = 0;

@@ -29,7 +29,9 @@ public:
         for (const wchar_t* other : {L"Current Schema", L"Current Schema", L"Sales & Co"}) Insert(schemas, other);
         root_ = Insert(schema, L"Tables");
         Insert(Insert(schema, L"Views"), L"(undefined)");
-        for (const HTREEITEM above : {schemas, schema}) SendMessageW(window_, TVM_EXPAND, TVE_EXPAND, reinterpret_cast<LPARAM>(above));
+        for (const HTREEITEM above : {schemas, schema}) {
+            SendMessageW(window_, TVM_EXPAND, TVE_EXPAND, reinterpret_cast<LPARAM>(above));
+        }
     }
     ~RawTree() { DestroyWindow(window_); }
     RawTree(const RawTree&) = delete;
