@@ -4,8 +4,8 @@
 //   #import "brvSQLEditor.dll" no_namespace
 //   _clsSQLEditorPtr editor(__uuidof(clsSQLEditor));
 //   editor->Constructor(&database); editor->Display(&sql); editor->Destructor();
-// Other compilers have no such instruction. Here the library tells at run time where a member stands in the interface's table of
-// functions, and DispCallFunc calls it there.
+// Other compilers have no such instruction. Here the library tells at run time where a member stands in the interface's
+// table of functions, and DispCallFunc calls it there.
 
 #include <windows.h>
 #include <ole2.h>
@@ -71,7 +71,8 @@ bool Read(const wchar_t* name, Interface& read) {
 }
 
 // Calls a member in the table, with one argument (a pointer) or none.
-HRESULT Call(IUnknown* object, const Interface& type, const wchar_t* name, VARTYPE kind = VT_EMPTY, void* argument = nullptr) {
+HRESULT Call(IUnknown* object, const Interface& type, const wchar_t* name, VARTYPE kind = VT_EMPTY,
+             void* argument = nullptr) {
     MEMBERID id = 0;
     auto* text = const_cast<OLECHAR*>(name);
     HRESULT result = type.Functions->GetIDsOfNames(&text, 1, &id);
@@ -108,9 +109,9 @@ int wmain(int count, wchar_t** arguments) {
     OleInitialize(nullptr);  // a single-threaded apartment
     Interface type;
     IUnknown* editor = nullptr;
-    HRESULT result = Read(L"clsSQLEditor", type)
-                         ? CoCreateInstance(type.Class, nullptr, CLSCTX_INPROC_SERVER, type.Id, reinterpret_cast<void**>(&editor))
-                         : TYPE_E_CANTLOADLIBRARY;
+    HRESULT result = Read(L"clsSQLEditor", type) ? CoCreateInstance(type.Class, nullptr, CLSCTX_INPROC_SERVER, type.Id,
+                                                                    reinterpret_cast<void**>(&editor))
+                                                 : TYPE_E_CANTLOADLIBRARY;
     if (FAILED(result)) {
         std::fwprintf(stderr, L"brvSQLEditor is not registered for programs of this width (0x%08lX)\n",
                       static_cast<unsigned long>(result));

@@ -25,7 +25,8 @@ IDispatch* Create(const wchar_t* name) {
     IDispatch* object = nullptr;
     if (SUCCEEDED(CLSIDFromProgID(name, &id)))
         CoCreateInstance(id, nullptr, CLSCTX_INPROC_SERVER, IID_IDispatch, reinterpret_cast<void**>(&object));
-    if (object == nullptr) std::fwprintf(stderr, L"%ls cannot be made: is it registered for programs of this width?\n", name);
+    if (object == nullptr)
+        std::fwprintf(stderr, L"%ls cannot be made: is it registered for programs of this width?\n", name);
     return object;
 }
 

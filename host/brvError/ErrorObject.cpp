@@ -115,7 +115,7 @@ void ErrorMessage(const State& state, const Arguments& arguments) {
 Object MakeErrorComponent() {
     const auto state = std::make_shared<State>();
     auto* made = new DynamicObject;
-    const Object held = Object::Attach(made);
+    Object held = Object::Attach(made);
     made->Define(L"Constructor", [state](const Arguments& arguments) {
         const std::wstring title = TextFrom(arguments[0]);
         if (!title.empty()) state->Title = title;

@@ -56,7 +56,7 @@ Object NamesObject(const std::vector<std::wstring>& names) {
 
 Object MakeDictionaryObject(const std::shared_ptr<State>& state) {
     auto* object = new DynamicObject;
-    const Object reference = Object::Attach(object);
+    Object reference = Object::Attach(object);
     object->Define(L"Schemas", [state](const Arguments& arguments) -> Variant {
         NeedArguments(arguments, 0, 2);
         const Dictionary dictionary(state->Connected());
@@ -96,7 +96,7 @@ Object MakeDictionaryObject(const std::shared_ptr<State>& state) {
 
 Object MakeRowsObject(std::shared_ptr<RowReader> rows) {
     auto* object = new DynamicObject;
-    const Object reference = Object::Attach(object);
+    Object reference = Object::Attach(object);
     object->Define(L"FieldCount",
                    [rows](const Arguments&) -> Variant { return static_cast<long>(rows->Fields().size()); });
     const auto field = [rows](const Arguments& arguments) -> const Odbc::ColumnInfo& {
@@ -206,7 +206,7 @@ HRESULT CreateDatabaseObject(REFIID iid, void** object) {
     try {
         const auto state = std::make_shared<State>();
         auto* database = new DynamicObject;
-        const Object reference = Object::Attach(database);
+        Object reference = Object::Attach(database);
         DefineFacts(*database, state);
         DefineActions(*database, state);
         return database->QueryInterface(iid, object);

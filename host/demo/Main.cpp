@@ -191,6 +191,7 @@ private:
         const std::wstring path = NumberedPath(options_.Csv, ++files_);
         CsvFile file(path);
         std::vector<std::optional<std::wstring>> heading;
+        heading.reserve(columns.size());
         for (const TablePrinter::Column& column : columns) heading.emplace_back(column.Name);
         bool good = file.Write(heading);
         long written = 0;

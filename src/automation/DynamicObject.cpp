@@ -266,7 +266,7 @@ HRESULT DynamicObject::Answer(DISPID id, WORD flags, DISPPARAMS& parameters, VAR
 
 Object MakeCollection(std::vector<Variant> items) {
     auto* made = new DynamicObject;
-    const Object held = Object::Attach(made);
+    Object held = Object::Attach(made);
     const auto shared = std::make_shared<const std::vector<Variant>>(std::move(items));
     const auto item = [shared](const Arguments& arguments) {
         const long position = arguments[0].ToLong();

@@ -99,9 +99,9 @@ private:
     Variant InvokeId(DISPID id, WORD flags, Argument* arguments, size_t count) const;
 };
 
-// A member that is called with one text by reference and answers with a text, again and again: what Get(member, ByRef(text))
-// gives, without its copies, for loops over thousands of names. What the callee leaves in its argument is dropped. Holds the
-// object; `member` must outlive it.
+// A member that is called with one text by reference and answers with a text, again and again: what Get(member,
+// ByRef(text)) gives, without its copies, for loops over thousands of names. What the callee leaves in its argument is
+// dropped. Holds the object; `member` must outlive it.
 class TextFunction {
 public:
     TextFunction(const Object& object, const wchar_t* member) noexcept : object_(object), member_(member) {}

@@ -221,7 +221,7 @@ Variant Variant::ArrayOf(std::vector<Variant>&& items, long lowerBound) {
     Check(SafeArrayAccessData(made.parray, &data));
     auto* element = static_cast<VARIANT*>(data);
     for (Variant& item : items) {
-        *element++ = item;     // the array owns it from here on
+        *element++ = item;  // the array owns it from here on
         VariantInit(&item);
     }
     SafeArrayUnaccessData(made.parray);

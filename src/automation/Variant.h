@@ -43,7 +43,7 @@ public:
     static Variant Nothing() noexcept;               // an object variable that holds no object
     static Variant Attach(VARIANT& other) noexcept;  // takes the contents over and leaves `other` Empty
     static Variant ArrayOf(const std::vector<Variant>& items, long lowerBound = 0);  // a SAFEARRAY of variants
-    static Variant ArrayOf(std::vector<Variant>&& items, long lowerBound = 0);       // the same, which leaves them Empty
+    static Variant ArrayOf(std::vector<Variant>&& items, long lowerBound = 0);  // the same, which leaves them Empty
 
     bool IsEmpty() const noexcept;
     bool IsNull() const noexcept;

@@ -25,14 +25,16 @@ inline constexpr const wchar_t* Undefined = L"undefined";
 // Raised by m_AddNode, source the application title, when the tree holds as many nodes as it can.
 inline constexpr long NodeLimitError = -2147221502;  // ObjectErrorBase + 2
 
-// Adds a node and sets its tag. The node that fills the tree up to its limit is added, and then NodeLimitError is raised.
-// Any other failure is reported and gives nothing.
-Node m_AddNode(Nodes& Nodes, const std::wstring& Text, const std::wstring& Tag, const Variant& Relative = Variant::Missing(),
-               const Variant& Relationship = Variant::Missing(), const Variant& Key = Variant::Missing());
+// Adds a node and sets its tag. The node that fills the tree up to its limit is added, and then NodeLimitError is
+// raised. Any other failure is reported and gives nothing.
+Node m_AddNode(Nodes& Nodes, const std::wstring& Text, const std::wstring& Tag,
+               const Variant& Relative = Variant::Missing(), const Variant& Relationship = Variant::Missing(),
+               const Variant& Key = Variant::Missing());
 // Removes all children of a node, with what is below them.
 void m_ClearNode(Nodes& Nodes, const Node& Node);
 
-// Put a node back into its unfilled state: a "table" or "view", a "schema", a "tables" or "views" node. NodeLimitError goes up.
+// Put a node back into its unfilled state: a "table" or "view", a "schema", a "tables" or "views" node. NodeLimitError
+// goes up.
 void AddDefaultDBObjectItems(Nodes& Nodes, const Node& Node);
 void AddDefaultSchemaItems(Nodes& Nodes, const Node& Node);
 void AddDefaultTablesViewsItems(Nodes& Nodes, const Node& Node);
@@ -40,9 +42,9 @@ void AddDefaultTablesViewsItems(Nodes& Nodes, const Node& Node);
 // Empties the tree of the editor window and creates its root with a placeholder, when a dictionary is connected.
 void PopulateDBObjects();
 
-// Each replaces all children of a node by what the dictionary says. NodeLimitError goes up; other failures are reported, or told
-// to the user where the dictionary itself says what it cannot do, and leave the tree as far as it was built.
-// The schemas of the root; one "Current Schema" when the database has no list of schemas.
+// Each replaces all children of a node by what the dictionary says. NodeLimitError goes up; other failures are
+// reported, or told to the user where the dictionary itself says what it cannot do, and leave the tree as far as it was
+// built. The schemas of the root; one "Current Schema" when the database has no list of schemas.
 void PopulateDBObjSchemas(Nodes& Nodes, const Node& Node);
 // The tables (`ObjectType` 1) of a "tables" node, or the views (2) of a "views" node.
 void PopulateDBObjTablesViews(long ObjectType, Nodes& Nodes, const Node& Node, bool IncludeSys);

@@ -13,7 +13,8 @@ constexpr const wchar_t* Module = L"modLists";
 
 // A placeholder gives an unfilled node its expand button.
 Node AddPlaceholder(Nodes& Nodes, const Node& Parent) {
-    return modLists::m_AddNode(Nodes, L"(undefined)", modLists::NodeKind::Undefined, Parent.Index(), TreeRelationship::Child);
+    return modLists::m_AddNode(Nodes, L"(undefined)", modLists::NodeKind::Undefined, Parent.Index(),
+                               TreeRelationship::Child);
 }
 
 // The trap of the procedures that reset a branch: the node limit goes up, so that the user sees one message.
@@ -26,7 +27,7 @@ void ReportUnlessOwn(const wchar_t* Routine) {
 
 Node modLists::m_AddNode(::Nodes& Nodes, const std::wstring& Text, const std::wstring& Tag, const Variant& Relative,
                          const Variant& Relationship, const Variant& Key) try {
-    const ::Node Node = Nodes.Add(Relative, Relationship, Key, Text);
+    ::Node Node = Nodes.Add(Relative, Relationship, Key, Text);
     Node.SetTag(Tag);
     const short Index = Node.Index();
     const short Count = Nodes.Count();
@@ -43,7 +44,8 @@ void modLists::m_ClearNode(::Nodes& Nodes, const ::Node& Node) try {
 } catch (...) {
     std::wstring Debug;
     try {
-        Debug = L"index=[" + std::to_wstring(Node.Child().Index()) + L"] count=[" + std::to_wstring(Nodes.Count()) + L"]";
+        Debug =
+            L"index=[" + std::to_wstring(Node.Child().Index()) + L"] count=[" + std::to_wstring(Nodes.Count()) + L"]";
     } catch (...) {
         // The node itself is gone: the report says what can still be said.
         Debug = L"index=[] count=[" + std::to_wstring(Nodes.Count()) + L"]";

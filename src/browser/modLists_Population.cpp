@@ -23,9 +23,7 @@ std::shared_ptr<clsDictionary> Adapter() {
     return Dictionary;
 }
 
-Variant SchemaArgument(const std::wstring& Text) {
-    return Text == CurrentSchema ? Variant::Null() : Variant(Text);
-}
+Variant SchemaArgument(const std::wstring& Text) { return Text == CurrentSchema ? Variant::Null() : Variant(Text); }
 
 void ReportUnlessOwn(const wchar_t* Routine) {
     if (IsOwnError(CurrentError())) throw;
@@ -35,7 +33,8 @@ void ReportUnlessOwn(const wchar_t* Routine) {
 void TellThatThereIsNoDictionary() {
     const std::wstring Text =
         DBType == ActiveDirectory
-            ? L"Active directory does not support this feature. Use the LDAP path as table name. For example: select * from "
+            ? L"Active directory does not support this feature. Use the LDAP path as table name. For example: select * "
+              L"from "
               L"'LDAP://DC=example,DC=com'."
             : L"No database dictionary information could be found. You may want to try a different driver / provider.";
     MsgBox(EditorForm->Handle(), Text, MB_OK | MB_ICONINFORMATION);
@@ -78,8 +77,8 @@ void modLists::PopulateDBObjSchemas(::Nodes& Nodes, const ::Node& Node) try {
     const HostCollection Schemas = Adapter()->Schemas(L"", true);
     m_ClearNode(Nodes, Node);
     const auto AddSchema = [&](const std::wstring& Text) {
-        const ::Node Schema = m_AddNode(Nodes, Text.empty() ? std::wstring(CurrentSchema) : Text, NodeKind::Schema, Node.Index(),
-                                        TreeRelationship::Child);
+        const ::Node Schema = m_AddNode(Nodes, Text.empty() ? std::wstring(CurrentSchema) : Text, NodeKind::Schema,
+                                        Node.Index(), TreeRelationship::Child);
         AddDefaultSchemaItems(Nodes, Schema);
     };
     if (!Schemas) {
@@ -100,8 +99,8 @@ void modLists::PopulateDBObjTablesViews(long ObjectType, ::Nodes& Nodes, const :
     m_ClearNode(Nodes, Node);
     const HostCollection Objects = Adapter()->Objects(ObjectType, SchemaName, L"", IncludeSys);
     Objects.ForEach([&](const Variant& Name) {
-        const ::Node Object = m_AddNode(Nodes, Name.ToText(), ObjectType == 1 ? NodeKind::Table : NodeKind::View, Node.Index(),
-                                        TreeRelationship::Child);
+        const ::Node Object = m_AddNode(Nodes, Name.ToText(), ObjectType == 1 ? NodeKind::Table : NodeKind::View,
+                                        Node.Index(), TreeRelationship::Child);
         AddDefaultDBObjectItems(Nodes, Object);
         return true;
     });

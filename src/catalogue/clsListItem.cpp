@@ -31,9 +31,9 @@ clsListItem::~clsListItem() {
 }
 
 void clsListItem::Constructor(std::wstring Text, long Id, long list, long DBType, std::wstring Category,
-                              std::wstring Description, std::wstring DragDrop, std::wstring SelectText, std::wstring InsertText,
-                              std::wstring UpdateText, std::wstring DeleteText, std::wstring ExecuteText,
-                              const Variant& Commands) try {
+                              std::wstring Description, std::wstring DragDrop, std::wstring SelectText,
+                              std::wstring InsertText, std::wstring UpdateText, std::wstring DeleteText,
+                              std::wstring ExecuteText, const Variant& Commands) try {
     text_ = std::move(Text);
     id_ = Id;
     list_ = list;
@@ -62,9 +62,7 @@ void clsListItem::Constructor(long list, std::wstring SelectText, std::wstring I
     ReportError(Module, L"Constructor");
 }
 
-void clsListItem::Destructor() try {
-    commands_.reset();
-} catch (...) {
+void clsListItem::Destructor() try { commands_.reset(); } catch (...) {
     ReportError(Module, L"Destructor");
 }
 
@@ -78,86 +76,62 @@ std::wstring clsListItem::GetCommand(short Index) const try {
     return {};
 }
 
-std::wstring clsListItem::Category() const try {
-    return category_;
-} catch (...) {
+std::wstring clsListItem::Category() const try { return category_; } catch (...) {
     ReportError(Module, L"Get Category");
     return {};
 }
 
-long clsListItem::DBType() const try {
-    return dbType_;
-} catch (...) {
+long clsListItem::DBType() const try { return dbType_; } catch (...) {
     ReportError(Module, L"Get DBType");
     return 0;
 }
 
-std::wstring clsListItem::DeleteText() const try {
-    return deleteText_;
-} catch (...) {
+std::wstring clsListItem::DeleteText() const try { return deleteText_; } catch (...) {
     ReportError(Module, L"Get DeleteText");
     return {};
 }
 
-std::wstring clsListItem::Description() const try {
-    return description_;
-} catch (...) {
+std::wstring clsListItem::Description() const try { return description_; } catch (...) {
     ReportError(Module, L"Get Description");
     return {};
 }
 
-std::wstring clsListItem::DragDrop() const try {
-    return dragDrop_;
-} catch (...) {
+std::wstring clsListItem::DragDrop() const try { return dragDrop_; } catch (...) {
     ReportError(Module, L"Get DragDrop");
     return {};
 }
 
-std::wstring clsListItem::ExecuteText() const try {
-    return executeText_;
-} catch (...) {
+std::wstring clsListItem::ExecuteText() const try { return executeText_; } catch (...) {
     ReportError(Module, L"Get ExecuteText");
     return {};
 }
 
-long clsListItem::Id() const try {
-    return id_;
-} catch (...) {
+long clsListItem::Id() const try { return id_; } catch (...) {
     ReportError(Module, L"Get Id");
     return 0;
 }
 
-std::wstring clsListItem::InsertText() const try {
-    return insertText_;
-} catch (...) {
+std::wstring clsListItem::InsertText() const try { return insertText_; } catch (...) {
     ReportError(Module, L"Get InsertText");
     return {};
 }
 
-long clsListItem::list() const try {
-    return list_;
-} catch (...) {
+long clsListItem::list() const try { return list_; } catch (...) {
     ReportError(Module, L"Get list");
     return 0;
 }
 
-std::wstring clsListItem::SelectText() const try {
-    return selectText_;
-} catch (...) {
+std::wstring clsListItem::SelectText() const try { return selectText_; } catch (...) {
     ReportError(Module, L"Get SelectText");
     return {};
 }
 
-std::wstring clsListItem::Text() const try {
-    return text_;
-} catch (...) {
+std::wstring clsListItem::Text() const try { return text_; } catch (...) {
     ReportError(Module, L"Get Text");
     return {};
 }
 
-std::wstring clsListItem::UpdateText() const try {
-    return updateText_;
-} catch (...) {
+std::wstring clsListItem::UpdateText() const try { return updateText_; } catch (...) {
     ReportError(Module, L"Get UpdateText");
     return {};
 }

@@ -6,8 +6,8 @@
 
 #include "automation/Collection.h"
 
-// One entry of the reference, or the record of the active item of the object browser. Filled once by Constructor and only
-// read afterwards. A getter that fails reports and returns an empty text or 0.
+// One entry of the reference, or the record of the active item of the object browser. Filled once by Constructor and
+// only read afterwards. A getter that fails reports and returns an empty text or 0.
 class clsListItem {
 public:
     clsListItem();
@@ -16,21 +16,23 @@ public:
     clsListItem& operator=(const clsListItem&) = delete;
 
     std::wstring Category() const;
-    // `Commands`: an array whose elements become the texts of the task commands, in index order; missing or empty: none.
-    void Constructor(std::wstring Text, long Id, long list, long DBType, std::wstring Category, std::wstring Description,
-                     std::wstring DragDrop, std::wstring SelectText, std::wstring InsertText, std::wstring UpdateText,
-                     std::wstring DeleteText, std::wstring ExecuteText, const Variant& Commands = Variant::Missing());
+    // `Commands`: an array whose elements become the texts of the task commands, in index order; missing or empty:
+    // none.
+    void Constructor(std::wstring Text, long Id, long list, long DBType, std::wstring Category,
+                     std::wstring Description, std::wstring DragDrop, std::wstring SelectText, std::wstring InsertText,
+                     std::wstring UpdateText, std::wstring DeleteText, std::wstring ExecuteText,
+                     const Variant& Commands = Variant::Missing());
     // The same for the active item, whose texts may be as long as a schema is large: taken over, not copied.
-    void Constructor(long list, std::wstring SelectText, std::wstring InsertText, std::wstring UpdateText, std::wstring DeleteText,
-                     std::vector<std::wstring> Commands);
+    void Constructor(long list, std::wstring SelectText, std::wstring InsertText, std::wstring UpdateText,
+                     std::wstring DeleteText, std::vector<std::wstring> Commands);
     long DBType() const;
     std::wstring DeleteText() const;
     std::wstring Description() const;
     void Destructor();
     std::wstring DragDrop() const;
     std::wstring ExecuteText() const;
-    // The command at a position counted from 0; empty beyond the last one. A negative position is an error of the collection,
-    // 32767 an overflow: both are reported and give the empty text.
+    // The command at a position counted from 0; empty beyond the last one. A negative position is an error of the
+    // collection, 32767 an overflow: both are reported and give the empty text.
     std::wstring GetCommand(short Index) const;
     long Id() const;
     std::wstring InsertText() const;

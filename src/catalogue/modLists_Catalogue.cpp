@@ -15,8 +15,8 @@ void modLists::CreateListItems() try {
         for (const CatalogueEntry& Entry : Section.Entries) {
             CatalogueTexts Texts = ExpandTexts(Section, Entry);
             m_CreateListItem(std::wstring(Entry.Text), Section.list, Section.DBType, std::wstring(Section.Category),
-                             std::move(Texts.Description), std::move(Texts.DragDrop), std::move(Texts.SelectText), L"", L"",
-                             L"", std::move(Texts.ExecuteText));
+                             std::move(Texts.Description), std::move(Texts.DragDrop), std::move(Texts.SelectText), L"",
+                             L"", L"", std::move(Texts.ExecuteText));
         }
     }
 } catch (...) {
@@ -24,14 +24,15 @@ void modLists::CreateListItems() try {
 }
 
 // The texts are moved all the way: copying them was nearly half of what the building took.
-void modLists::m_CreateListItem(std::wstring Text, long list, long DBType, std::wstring Category, std::wstring Description,
-                                std::wstring DragDrop, std::wstring SelectText, std::wstring InsertText, std::wstring UpdateText,
-                                std::wstring DeleteText, std::wstring ExecuteText) try {
+void modLists::m_CreateListItem(std::wstring Text, long list, long DBType, std::wstring Category,
+                                std::wstring Description, std::wstring DragDrop, std::wstring SelectText,
+                                std::wstring InsertText, std::wstring UpdateText, std::wstring DeleteText,
+                                std::wstring ExecuteText) try {
     const long Id = modGlobal::Catalogue().Count();
     const auto Item = std::make_shared<clsListItem>();
-    Item->Constructor(std::move(Text), Id, list, DBType, std::move(Category), std::move(Description), std::move(DragDrop),
-                      std::move(SelectText), std::move(InsertText), std::move(UpdateText), std::move(DeleteText),
-                      std::move(ExecuteText));
+    Item->Constructor(std::move(Text), Id, list, DBType, std::move(Category), std::move(Description),
+                      std::move(DragDrop), std::move(SelectText), std::move(InsertText), std::move(UpdateText),
+                      std::move(DeleteText), std::move(ExecuteText));
     ListItems->Add(Item, std::to_wstring(Id));
 } catch (...) {
     ReportError(Module, L"m_CreateListItem");

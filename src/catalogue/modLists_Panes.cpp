@@ -24,15 +24,11 @@ void FillList(ListBox& List, long Number) {
 
 }  // namespace
 
-void modLists::PopulateAnsiSQLCommands() try {
-    FillList(EditorForm->lstAnsiSQL, 1);
-} catch (...) {
+void modLists::PopulateAnsiSQLCommands() try { FillList(EditorForm->lstAnsiSQL, 1); } catch (...) {
     ReportError(Module, L"PopulateAnsiSQLCommands");
 }
 
-void modLists::PopulateKolvexCommands() try {
-    FillList(EditorForm->lstKolvex, 3);
-} catch (...) {
+void modLists::PopulateKolvexCommands() try { FillList(EditorForm->lstKolvex, 3); } catch (...) {
     ReportError(Module, L"PopulateKolvexCommands");
 }
 

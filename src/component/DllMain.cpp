@@ -29,23 +29,20 @@ STDAPI DllGetClassObject(REFCLSID id, REFIID iid, void** object) {
 
 STDAPI DllCanUnloadNow() {
     if (!Server::CanUnload()) return S_FALSE;
-    // This is the last that the module hears before it goes. What it holds of the host and of the error component is given
-    // back now: in DllMain it would be too late.
+    // This is the last that the module hears before it goes. What it holds of the host and of the error component is
+    // given back now: in DllMain it would be too late.
     modGlobal::Forget();
     return Server::CanUnload() ? S_OK : S_FALSE;
 }
 
-STDAPI DllRegisterServer() {
-    return Server::Register(&SQLEditorClass, 1, Server::Scope::Machine, true);
-}
+STDAPI DllRegisterServer() { return Server::Register(&SQLEditorClass, 1, Server::Scope::Machine, true); }
 
-STDAPI DllUnregisterServer() {
-    return Server::Unregister(&SQLEditorClass, 1, Server::Scope::Machine, true);
-}
+STDAPI DllUnregisterServer() { return Server::Unregister(&SQLEditorClass, 1, Server::Scope::Machine, true); }
 
 // regsvr32 /i:user registers for the user alone, without administrator rights; regsvr32 /i without it for everybody.
 STDAPI DllInstall(BOOL install, LPCWSTR commandLine) {
     const bool user = commandLine != nullptr && lstrcmpiW(commandLine, L"user") == 0;
     const Server::Scope scope = user ? Server::Scope::User : Server::Scope::Machine;
-    return install ? Server::Register(&SQLEditorClass, 1, scope, true) : Server::Unregister(&SQLEditorClass, 1, scope, true);
+    return install ? Server::Register(&SQLEditorClass, 1, scope, true)
+                   : Server::Unregister(&SQLEditorClass, 1, scope, true);
 }

@@ -8,14 +8,14 @@
 #include <ocidl.h>
 
 #include "brvSQLEditor_h.h"
-#include "brvSQLEditor_i.c"
+#include "brvSQLEditor_i.c"  // NOLINT(bugprone-suspicious-include): the identifiers, made once
 #include "component/clsSQLEditor.h"
 #include "component/modGlobal.h"
 #include "errors/modErrorHandler.h"
 #include "forms/Surroundings.h"
 
-// The door: clsSQLEditor as a COM object with a dual interface. Invoke is written by hand, since Display takes its text in
-// three ways and a type library marshaller refuses the one that every script engine uses (VT_BYREF | VT_VARIANT).
+// The door: clsSQLEditor as a COM object with a dual interface. Invoke is written by hand, since Display takes its text
+// in three ways and a type library marshaller refuses the one that every script engine uses (VT_BYREF | VT_VARIANT).
 
 namespace {
 
@@ -35,8 +35,8 @@ constexpr MemberName Members[] = {
     {L"Destructor", IdDestructor, nullptr},
 };
 
-// The object in an argument, however it was passed. What a language writes for "no object" is nothing: Nothing, and the null
-// and undefined of languages that have no Nothing.
+// The object in an argument, however it was passed. What a language writes for "no object" is nothing: Nothing, and the
+// null and undefined of languages that have no Nothing.
 Object ObjectArgument(const VARIANT& argument) {
     const Variant value(argument);
     if (value.IsNull() || value.IsEmpty() || value.IsMissing()) return Object();
@@ -73,9 +73,7 @@ public:
         AddRef();
         return S_OK;
     }
-    ULONG STDMETHODCALLTYPE AddRef() override {
-        return static_cast<ULONG>(InterlockedIncrement(&references_));
-    }
+    ULONG STDMETHODCALLTYPE AddRef() override { return static_cast<ULONG>(InterlockedIncrement(&references_)); }
     ULONG STDMETHODCALLTYPE Release() override {
         const LONG left = InterlockedDecrement(&references_);
         if (left == 0) {
@@ -126,7 +124,8 @@ public:
         if (parameters == nullptr) return E_POINTER;
         const UINT expected = id == IdDestructor ? 0 : 1;
         if (parameters->cArgs != expected) return DISP_E_BADPARAMCOUNT;
-        if (parameters->cNamedArgs > 0 && (parameters->rgdispidNamedArgs == nullptr || *parameters->rgdispidNamedArgs != 0)) {
+        if (parameters->cNamedArgs > 0 &&
+            (parameters->rgdispidNamedArgs == nullptr || *parameters->rgdispidNamedArgs != 0)) {
             if (argumentError != nullptr) *argumentError = 0;
             return DISP_E_PARAMNOTFOUND;
         }
@@ -232,7 +231,8 @@ private:
         if (!Converted(L"Display", [&] { sql = Variant(*variable).ToText(); })) return;
         const std::wstring before = sql;
         editor_.Display(sql);
-        // By value there is no variable to write to; one that held another type becomes a text when the text was edited.
+        // By value there is no variable to write to; one that held another type becomes a text when the text was
+        // edited.
         if (variable == &argument || sql == before) return;
         Variant written(sql);
         VariantClear(variable);

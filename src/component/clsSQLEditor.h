@@ -5,9 +5,9 @@
 #include "automation/Object.h"
 #include "automation/Server.h"
 
-// The three things that a host asks for. The class holds no state: all that it does lands in the values of modGlobal, so two
-// objects in a process share one window and one connection, and the later Constructor wins. Errors are reported, none reaches
-// the host.
+// The three things that a host asks for. The class holds no state: all that it does lands in the values of modGlobal,
+// so two objects in a process share one window and one connection, and the later Constructor wins. Errors are reported,
+// none reaches the host.
 class clsSQLEditor {
 public:
     clsSQLEditor();

@@ -11,16 +11,17 @@ class clsErrorHandler;
 class clsListItem;
 class frmSQLEditor;
 
-// What the whole component shares: one set a loaded component, not one a clsSQLEditor object. They are never destroyed by the
-// end of the module: at the end of a process the objects that they hold may be gone before it.
+// What the whole component shares: one set a loaded component, not one a clsSQLEditor object. They are never destroyed
+// by the end of the module: at the end of a process the objects that they hold may be gone before it.
 
-extern std::shared_ptr<frmSQLEditor>& EditorForm;      // the one window; nothing before the first Display
-extern Object& HostDatabase;                           // the host's database, only while it is connected
-extern std::wstring& OwnerName;                        // the connection's default schema; empty without a connection
-extern long DBType;                                    // the host's database type code; 0 until a connection was given
-extern std::wstring& SchemaTermPlural;                 // text of the object browser's root
-extern std::shared_ptr<clsDictionary>& Dictionary;     // adapter over the host's dictionary, or nothing
-extern std::shared_ptr<Collection<std::shared_ptr<const clsListItem>>>& ListItems;  // the catalogue, keyed by the Id's text
+extern std::shared_ptr<frmSQLEditor>& EditorForm;   // the one window; nothing before the first Display
+extern Object& HostDatabase;                        // the host's database, only while it is connected
+extern std::wstring& OwnerName;                     // the connection's default schema; empty without a connection
+extern long DBType;                                 // the host's database type code; 0 until a connection was given
+extern std::wstring& SchemaTermPlural;              // text of the object browser's root
+extern std::shared_ptr<clsDictionary>& Dictionary;  // adapter over the host's dictionary, or nothing
+extern std::shared_ptr<Collection<std::shared_ptr<const clsListItem>>>&
+    ListItems;                                          // the catalogue, keyed by the Id's text
 extern std::shared_ptr<clsErrorHandler>& ErrorHandler;  // made with the first report
 
 namespace modGlobal {

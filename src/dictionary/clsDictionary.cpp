@@ -11,9 +11,7 @@ constexpr const wchar_t* Module = L"clsDictionary";
 clsDictionary::clsDictionary() = default;
 
 // No trap here: nothing that it does can fail.
-clsDictionary::~clsDictionary() {
-    Destructor();
-}
+clsDictionary::~clsDictionary() { Destructor(); }
 
 void clsDictionary::Constructor(const Object& Dictionary) try {
     dictionary_ = Dictionary;
@@ -22,9 +20,7 @@ void clsDictionary::Constructor(const Object& Dictionary) try {
     ReportError(Module, L"Constructor");
 }
 
-bool clsDictionary::Connected() const try {
-    return connected_;
-} catch (...) {
+bool clsDictionary::Connected() const try { return connected_; } catch (...) {
     ReportError(Module, L"Get Connected");
     return false;
 }
@@ -65,8 +61,6 @@ std::wstring clsDictionary::DataTypeDesc(long DataType, long FieldAttribute) con
     return {};
 }
 
-void clsDictionary::Destructor() try {
-    dictionary_.Clear();
-} catch (...) {
+void clsDictionary::Destructor() try { dictionary_.Clear(); } catch (...) {
     ReportError(Module, L"Destructor");
 }

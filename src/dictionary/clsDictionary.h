@@ -4,8 +4,8 @@
 
 #include "automation/Collection.h"
 
-// Adapter over the dictionary object of the host's database component: forwards by name, gives the arguments their defaults,
-// and decides which errors of the host go to the caller and which are reported.
+// Adapter over the dictionary object of the host's database component: forwards by name, gives the arguments their
+// defaults, and decides which errors of the host go to the caller and which are reported.
 class clsDictionary {
 public:
     clsDictionary();
@@ -20,7 +20,8 @@ public:
 
     // A getter that fails reports and returns nothing (an empty text).
     HostCollection Schemas(const Variant& SchemaName, bool IncludeSystem = false) const;
-    // Passes the error "no dictionary" (ObjectErrorBase + 1 of "brvADO") to its caller, with the application title as source.
+    // Passes the error "no dictionary" (ObjectErrorBase + 1 of "brvADO") to its caller, with the application title as
+    // source.
     HostCollection Objects(long ObjectType, const Variant& SchemaName = Variant::Missing(),
                            const Variant& ObjectName = Variant::Missing(),
                            const Variant& IncludeSys = Variant::Missing()) const;

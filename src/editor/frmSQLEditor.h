@@ -20,8 +20,8 @@
 
 class clsListItem;
 
-// The editor window: modal while Display runs, hidden between, never unloaded while the component holds it. One class, whose
-// subjects are defined in the files that the banners name.
+// The editor window: modal while Display runs, hidden between, never unloaded while the component holds it. One class,
+// whose subjects are defined in the files that the banners name.
 class frmSQLEditor : public Form, public std::enable_shared_from_this<frmSQLEditor> {
 public:
     frmSQLEditor();
@@ -31,8 +31,8 @@ public:
 
     // Selects the owner's schema in the object browser, which loads the window when there is an owner.
     void Constructor();
-    // Shows the window on `SQL` and returns when it was closed, the editor's text in `SQL`. When it fails before the window
-    // was shown, `SQL` is unchanged.
+    // Shows the window on `SQL` and returns when it was closed, the editor's text in `SQL`. When it fails before the
+    // window was shown, `SQL` is unchanged.
     void Display(std::wstring& SQL);
 
     // ---- Controls (made and wired in editor/frmSQLEditor_Controls.cpp). Public, since modLists fills them.
@@ -200,8 +200,9 @@ private:
     // The context-menu key in one of the three views; `At` in screen pixels.
     void m_ReferenceContextMenu(const POINT& At);
 
-    // ---- Statements for a node of the object browser (statements/frmSQLEditor_Builders.cpp). Lines end in CR LF, several
-    // statements are joined by ";" CR LF; empty where there is nothing to build. A failure is reported and gives nothing.
+    // ---- Statements for a node of the object browser (statements/frmSQLEditor_Builders.cpp). Lines end in CR LF,
+    // several statements are joined by ";" CR LF; empty where there is nothing to build. A failure is reported and
+    // gives nothing.
     std::wstring m_BuildTable(const std::wstring& Schema, const std::wstring& Table);
     std::wstring m_BuildStmtSampleRows(const std::wstring& Schema, const std::wstring& Table);
     std::wstring m_GetStmtCountRows(const Node& Node);
@@ -222,8 +223,8 @@ private:
     void m_SelectFromListBox(const ListBox& List);
     void m_SelectFromTreeView(const TreeView& Tree);
     void m_InsertStatement(const std::wstring& Statement);
-    // Inserts the text behind the editor's selection, which stays in the text, and selects what was inserted, a leading line
-    // break left out.
+    // Inserts the text behind the editor's selection, which stays in the text, and selects what was inserted, a leading
+    // line break left out.
     void m_InsertSQL(const std::wstring& SQL);
     void mnuAction_Click();
     void mnuActionSelect_Click();
@@ -242,9 +243,9 @@ private:
     std::wstring m_DragText(Control& Source);
     bool m_CanDrop(Control& Source);
 
-    bool moving_ = false;       // the splitter is being dragged
-    short activeView_ = 0;      // 0 object browser, 1 ANSI SQL list, 2 database-specific tree, 3 host command list
-    float firstSplit_ = 0;      // where the splitter stands until it is moved, twips
-    long savedSplit_ = 0;       // split position, twips, from before the left pane was collapsed
-    std::wstring findText_;     // what Find Next looks for
+    bool moving_ = false;    // the splitter is being dragged
+    short activeView_ = 0;   // 0 object browser, 1 ANSI SQL list, 2 database-specific tree, 3 host command list
+    float firstSplit_ = 0;   // where the splitter stands until it is moved, twips
+    long savedSplit_ = 0;    // split position, twips, from before the left pane was collapsed
+    std::wstring findText_;  // what Find Next looks for
 };

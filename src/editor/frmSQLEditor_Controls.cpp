@@ -162,8 +162,8 @@ void frmSQLEditor::CreateImages() {
     imlImages = std::move(Images);
 }
 
-// Names for programs that read the screen. The text of these windows is nowhere shown; both the text and the annotation are
-// given, since a tree's or a list's name comes from the text in one interface and from the annotation in the other.
+// Names for programs that read the screen. The text of these windows is nowhere shown; both the text and the annotation
+// are given, since a tree's or a list's name comes from the text in one interface and from the annotation in the other.
 void frmSQLEditor::NameControls() {
     const auto Name = [this](Control& Named, const std::wstring& Text) {
         Named.SetWindowCaption(Text);
@@ -199,7 +199,8 @@ void frmSQLEditor::CreateControls() {
     // The order of creation is the order of the Tab key.
     tlbToolbar.Create(Window, IdToolbar);
     for (int Index = 0; Index < 4; ++Index) {
-        static constexpr const wchar_t* Captions[] = {L"Database Objects", L"ANSI SQL", L"Database Specific", L"Kolvex"};
+        static constexpr const wchar_t* Captions[] = {L"Database Objects", L"ANSI SQL", L"Database Specific",
+                                                      L"Kolvex"};
         const auto At = static_cast<size_t>(Index);
         cmdLeft[At].Create(Window, IdLeftButton + Index, Captions[Index]);
         cmdLeft[At].Click = [this, Index] { cmdLeft_Click(Index); };
@@ -251,8 +252,12 @@ void frmSQLEditor::CreateControls() {
     lstKolvex.MouseUp = [this](int B, int S, float X, float Y) { lstKolvex_MouseUp(B, S, X, Y); };
     trvDatabaseSpecific.NodeClick = [this](const Node& Node) { trvDatabaseSpecific_NodeClick(Node); };
     trvDatabaseSpecific.SelChange = [this](const Node& Node) { trvDatabaseSpecific_NodeClick(Node); };
-    trvDatabaseSpecific.MouseDown = [this](int B, int S, float X, float Y) { trvDatabaseSpecific_MouseDown(B, S, X, Y); };
-    trvDatabaseSpecific.MouseMove = [this](int B, int S, float X, float Y) { trvDatabaseSpecific_MouseMove(B, S, X, Y); };
+    trvDatabaseSpecific.MouseDown = [this](int B, int S, float X, float Y) {
+        trvDatabaseSpecific_MouseDown(B, S, X, Y);
+    };
+    trvDatabaseSpecific.MouseMove = [this](int B, int S, float X, float Y) {
+        trvDatabaseSpecific_MouseMove(B, S, X, Y);
+    };
     trvDatabaseSpecific.MouseUp = [this](int B, int S, float X, float Y) { trvDatabaseSpecific_MouseUp(B, S, X, Y); };
     for (Control* View : {static_cast<Control*>(&lstAnsiSQL), static_cast<Control*>(&lstKolvex),
                           static_cast<Control*>(&trvDatabaseSpecific)}) {
@@ -263,7 +268,9 @@ void frmSQLEditor::CreateControls() {
     rtbSQL.PasteRequested = [this] { mnuEditPaste_Click(); };
     rtbSQL.Change = [this] { rtbSQL_Change(); };
     rtbSQL.SelChange = [this] { rtbSQL_SelChange(); };
-    rtbSQL.DragOver = [this](Control& Source, float X, float Y, DragState State) { rtbSQL_DragOver(Source, X, Y, State); };
+    rtbSQL.DragOver = [this](Control& Source, float X, float Y, DragState State) {
+        rtbSQL_DragOver(Source, X, Y, State);
+    };
     rtbSQL.DragDrop = [this](Control& Source, float X, float Y) { rtbSQL_DragDrop(Source, X, Y); };
     rtbSQL.AcceptsDrag = [this](Control& Source) { return m_CanDrop(Source); };
     rtbSQL.OLEDragDrop = [this](const DroppedData& Data) { rtbSQL_OLEDragDrop(Data); };

@@ -114,9 +114,7 @@ void frmSQLEditor::mnuEditPaste_Click() try {
     ReportError(Module, L"mnuEditPaste_Click");
 }
 
-void frmSQLEditor::mnuEditSelectAll_Click() try {
-    rtbSQL.Select(0, rtbSQL.TextLength());
-} catch (...) {
+void frmSQLEditor::mnuEditSelectAll_Click() try { rtbSQL.Select(0, rtbSQL.TextLength()); } catch (...) {
     ReportError(Module, L"mnuEditSelectAll_Click");
 }
 

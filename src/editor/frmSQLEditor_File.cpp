@@ -62,7 +62,8 @@ void frmSQLEditor::mnuFileOpen_Click() try {
     }
     // From here on errors are ignored, a cancelled dialog among them.
     if (!Succeeds([this] { dlgCommonDialog.ShowOpen(Handle()); })) return;
-    if (!Succeeds([this] { rtbSQL.LoadFile(dlgCommonDialog.FileName, RichTextBox::KindOf(dlgCommonDialog.FileName)); })) return;
+    if (!Succeeds([this] { rtbSQL.LoadFile(dlgCommonDialog.FileName, RichTextBox::KindOf(dlgCommonDialog.FileName)); }))
+        return;
     m_FormTitle(dlgCommonDialog.FileTitle());
     rtbSQL.DataChanged = false;
     m_ShowFileFormat();
@@ -83,7 +84,8 @@ void frmSQLEditor::mnuFileSaveAs_Click() try {
     dlgCommonDialog.FileName = rtbSQL.FileName;
     // From here on errors are ignored, a cancelled dialog among them.
     if (!Succeeds([this] { dlgCommonDialog.ShowSave(Handle()); })) return;
-    if (!Succeeds([this] { rtbSQL.SaveFile(dlgCommonDialog.FileName, RichTextBox::KindOf(dlgCommonDialog.FileName)); })) return;
+    if (!Succeeds([this] { rtbSQL.SaveFile(dlgCommonDialog.FileName, RichTextBox::KindOf(dlgCommonDialog.FileName)); }))
+        return;
     m_FormTitle(dlgCommonDialog.FileTitle());
     rtbSQL.DataChanged = false;
     m_ShowFileFormat();

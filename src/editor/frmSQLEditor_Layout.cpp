@@ -11,12 +11,12 @@ constexpr const wchar_t* Module = L"frmSQLEditor";
 
 constexpr float LeastWidth = 3000;
 constexpr float LeastHeight = 4000;
-constexpr float SplitLimit = 500;       // how near to either side the splitter can be dragged
-constexpr float CollapsedSplit = 20;    // the split position that stands for a collapsed left pane
-constexpr float CollapsedBelow = 100;   // a left pane that is no wider counts as collapsed
-constexpr float NarrowestPane = 1500;   // of either pane, when there is room for both
-constexpr float Margin = 50;            // from the window's sides
-constexpr float SplitterWidth = 40;     // between the panes
+constexpr float SplitLimit = 500;      // how near to either side the splitter can be dragged
+constexpr float CollapsedSplit = 20;   // the split position that stands for a collapsed left pane
+constexpr float CollapsedBelow = 100;  // a left pane that is no wider counts as collapsed
+constexpr float NarrowestPane = 1500;  // of either pane, when there is room for both
+constexpr float Margin = 50;           // from the window's sides
+constexpr float SplitterWidth = 40;    // between the panes
 constexpr float TabHeight = 300;
 constexpr float Gap = 20;
 constexpr float CollapseHeight = 200;
@@ -25,13 +25,9 @@ constexpr int TabCount = 4;
 
 }  // namespace
 
-float frmSQLEditor::MinimumWidth() const {
-    return LeastWidth;
-}
+float frmSQLEditor::MinimumWidth() const { return LeastWidth; }
 
-float frmSQLEditor::MinimumHeight() const {
-    return LeastHeight;
-}
+float frmSQLEditor::MinimumHeight() const { return LeastHeight; }
 
 void frmSQLEditor::Form_Resize() try {
     if (WindowState() == State::Minimized) return;
@@ -63,9 +59,10 @@ void frmSQLEditor::m_SizeControls() try {
     float ButtonHeight = TabHeight;
     for (const CommandButton& Button : cmdLeft) ButtonHeight = std::max(ButtonHeight, Button.LeastHeight());
 
-    // The description gets the lines that the longest one takes in the left pane at first, and less in a low window, where its tip
-    // has the rest. The collapse button has the line under it.
-    const float LabelHeight = std::min(LongestDescription * lblDescription.LineHeight() + CollapseHeight, PaneHeight * 0.3F);
+    // The description gets the lines that the longest one takes in the left pane at first, and less in a low window,
+    // where its tip has the rest. The collapse button has the line under it.
+    const float LabelHeight =
+        std::min(LongestDescription * lblDescription.LineHeight() + CollapseHeight, PaneHeight * 0.3F);
     const float PageHeight = std::max(PaneHeight - TabCount * ButtonHeight - (TabCount + 3) * Gap - LabelHeight, 0.0F);
 
     float Y = Top + Gap;
@@ -83,8 +80,9 @@ void frmSQLEditor::m_SizeControls() try {
     for (PictureBox& Page : picLeft) Page.SetVisible(Shown);
     lblDescription.SetVisible(Shown);
 
-    // The grip lies under the panes and shows in the gap between them; their borders let the mouse through to it. It keeps the split position; the bar keeps what was
-    // asked for, so that a window that grows again gives the left pane back what it had.
+    // The grip lies under the panes and shows in the gap between them; their borders let the mouse through to it. It
+    // keeps the split position; the bar keeps what was asked for, so that a window that grows again gives the left pane
+    // back what it had.
     imgSplitterV.Move(LeftWidth, Top, Margin + SplitterWidth + Margin, PaneHeight);
     picHide.Move(Margin + LeftWidth - TabHeight, Bottom - CollapseHeight, TabHeight, CollapseHeight - Gap);
     picHide.SetVisible(Shown);

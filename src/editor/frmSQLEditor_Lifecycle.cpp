@@ -24,18 +24,14 @@ void SavePlacement(const wchar_t* Key, float Value) {
 
 }  // namespace
 
-frmSQLEditor::frmSQLEditor() {
-    Form_Initialize();
-}
+frmSQLEditor::frmSQLEditor() { Form_Initialize(); }
 
 frmSQLEditor::~frmSQLEditor() {
     accAnnotations.Clear();
     DestroyForm();
 }
 
-void frmSQLEditor::Form_Initialize() try {
-    moving_ = false;
-} catch (...) {
+void frmSQLEditor::Form_Initialize() try { moving_ = false; } catch (...) {
     ReportError(Module, L"Form_Initialize");
 }
 

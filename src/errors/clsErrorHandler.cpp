@@ -7,27 +7,19 @@ clsErrorHandler::clsErrorHandler() : error_(Object::Create(L"brvError.clsError")
     error_.Call(L"Constructor", App::Title, App::Major, App::Minor, App::Revision);
 }
 
-clsErrorHandler::~clsErrorHandler() {
-    Destructor();
-}
+clsErrorHandler::~clsErrorHandler() { Destructor(); }
 
 void clsErrorHandler::Alert(const std::wstring& Message, const Variant& Title) {
     error_.Call(L"Alert", Message, Title);
 }
 
-void clsErrorHandler::LogEvent(const std::wstring& Message) {
-    error_.Call(L"LogEvent", Message);
-}
+void clsErrorHandler::LogEvent(const std::wstring& Message) { error_.Call(L"LogEvent", Message); }
 
 void clsErrorHandler::Destructor() noexcept {}
 
-bool clsErrorHandler::DisplayAlerts() const {
-    return error_.Get(L"DisplayAlerts").ToBoolean();
-}
+bool clsErrorHandler::DisplayAlerts() const { return error_.Get(L"DisplayAlerts").ToBoolean(); }
 
-void clsErrorHandler::SetDisplayAlerts(bool NewValue) {
-    error_.Let(L"DisplayAlerts", NewValue);
-}
+void clsErrorHandler::SetDisplayAlerts(bool NewValue) { error_.Let(L"DisplayAlerts", NewValue); }
 
 void clsErrorHandler::ErrorMessage(const std::wstring& Module, const std::wstring& Routine, const Object& VBError,
                                    long ErrorLine, const Variant& DebugMessage) {
@@ -36,7 +28,7 @@ void clsErrorHandler::ErrorMessage(const std::wstring& Module, const std::wstrin
 
 Object MakeErrorObject(const RuntimeError& error) {
     auto* made = new DynamicObject;
-    const Object held = Object::Attach(made);
+    Object held = Object::Attach(made);
     made->DefineDefault([number = error.Number](const Arguments&) { return Variant(number); });
     made->Define(L"Number", [number = error.Number](const Arguments&) { return Variant(number); });
     made->Define(L"Source", [source = error.Source](const Arguments&) { return Variant(source); });

@@ -5,9 +5,9 @@
 #include "automation/Object.h"
 #include "automation/RuntimeError.h"
 
-// Wrapper over the error and logging component "brvError.clsError": every member forwards by name to its namesake, with the
-// arguments in the same order; what was left out is passed on as missing. Nothing here traps errors: what fails goes to the
-// caller.
+// Wrapper over the error and logging component "brvError.clsError": every member forwards by name to its namesake, with
+// the arguments in the same order; what was left out is passed on as missing. Nothing here traps errors: what fails
+// goes to the caller.
 class clsErrorHandler {
 public:
     // Creates the component and hands it the application title and version; error 429 when it is not registered.

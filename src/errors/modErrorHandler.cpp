@@ -28,6 +28,4 @@ bool IsNotComponentError(long Number) {
     return !(difference > 0 && difference < 65535);
 }
 
-bool IsOwnError(const RuntimeError& error) {
-    return error.Source == App::Title && !IsNotComponentError(error.Number);
-}
+bool IsOwnError(const RuntimeError& error) { return error.Source == App::Title && !IsNotComponentError(error.Number); }

@@ -3,8 +3,8 @@
 #include "forms/Control.h"
 #include "forms/Tooltip.h"
 
-// A push button. Click is raised by mouse and keyboard alike. A caption that is wider than the button is shown whole as a
-// tooltip.
+// A push button. Click is raised by mouse and keyboard alike. A caption that is wider than the button is shown whole as
+// a tooltip.
 class CommandButton : public Control {
 public:
     void Create(HWND container, int id, const std::wstring& caption);

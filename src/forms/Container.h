@@ -6,7 +6,8 @@
 class PictureBox : public Control {
 public:
     // `id` is the window's control id; tab order follows the order of creation.
-    void Create(HWND container, int id, DWORD style = WS_VISIBLE | WS_CLIPCHILDREN | WS_CLIPSIBLINGS, DWORD exStyle = 0);
+    void Create(HWND container, int id, DWORD style = WS_VISIBLE | WS_CLIPCHILDREN | WS_CLIPSIBLINGS,
+                DWORD exStyle = 0);
 
     // The system colour of the background, COLOR_BTNFACE unless set.
     void SetBackColor(int systemColor) noexcept;

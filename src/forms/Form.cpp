@@ -15,8 +15,8 @@
 namespace {
 
 constexpr const wchar_t* FormClass = L"brvSQLEditorForm";
-constexpr UINT LayOutLater = WM_APP;   // a message of our own
-constexpr double UsualPoints = 9;      // of the dialog font, as Windows comes
+constexpr UINT LayOutLater = WM_APP;  // a message of our own
+constexpr double UsualPoints = 9;     // of the dialog font, as Windows comes
 
 HMODULE HoldModule() noexcept {
     HMODULE held = nullptr;
@@ -61,9 +61,10 @@ void Form::Load() {
     const HWND window = CreateWindowExW(0, FormClass, FirstCaption(), WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN, 0, 0, 0, 0,
                                         nullptr, nullptr, App::Module(), this);
     if (window == nullptr) RaiseSystemError(ErrorNumber::OutOfMemory, GetLastError());
-    // Windows without an owner are mirrored in a host that asks for it, for a language that is written from the right. What
-    // stands here runs from the left. The controls do as their window does.
-    SetWindowLongPtrW(window, GWL_EXSTYLE, GetWindowLongPtrW(window, GWL_EXSTYLE) & ~static_cast<LONG_PTR>(WS_EX_LAYOUTRTL));
+    // Windows without an owner are mirrored in a host that asks for it, for a language that is written from the right.
+    // What stands here runs from the left. The controls do as their window does.
+    SetWindowLongPtrW(window, GWL_EXSTYLE,
+                      GetWindowLongPtrW(window, GWL_EXSTYLE) & ~static_cast<LONG_PTR>(WS_EX_LAYOUTRTL));
     MakeFonts();
     CreateControls();
     FontsChanged();

@@ -10,8 +10,8 @@
 #include "forms/Handles.h"
 #include "forms/Menu.h"
 
-// A top-level window that is loaded late, shown modally without an owner, and hidden rather than closed. Positions and sizes
-// are in twips of the window's own dots per inch. Lives on one thread.
+// A top-level window that is loaded late, shown modally without an owner, and hidden rather than closed. Positions and
+// sizes are in twips of the window's own dots per inch. Lives on one thread.
 class Form {
 public:
     enum class State { Normal, Minimized, Maximized };
@@ -21,8 +21,8 @@ public:
     Form(const Form&) = delete;
     Form& operator=(const Form&) = delete;
 
-    // Makes the window and its controls and raises Form_Load, the first time that it is called; lays out and does nothing else
-    // afterwards. Every public member that touches the window or a control begins with it.
+    // Makes the window and its controls and raises Form_Load, the first time that it is called; lays out and does
+    // nothing else afterwards. Every public member that touches the window or a control begins with it.
     void Load();
     bool Loaded() const noexcept { return loaded_; }
     HWND Handle() const noexcept { return handle_; }
@@ -41,8 +41,8 @@ public:
     State WindowState() const noexcept;
 
     void SetCaption(const std::wstring& caption);
-    // Shows the window, raises Form_Activate, and runs a message loop until the window is hidden. The thread's other windows
-    // are disabled meanwhile and enabled again whatever happens. Error 400 when it is shown already.
+    // Shows the window, raises Form_Activate, and runs a message loop until the window is hidden. The thread's other
+    // windows are disabled meanwhile and enabled again whatever happens. Error 400 when it is shown already.
     void ShowModal();
     bool Visible() const noexcept { return shown_; }
     // Ends ShowModal.

@@ -45,9 +45,7 @@ float Label::HeightFor(float width) const {
     return PixelsToTwips(area.bottom, dpi);
 }
 
-void Label::UpdateTip() {
-    tip_.SetText(Handle(), HeightFor(ScaleWidth()) > ScaleHeight() ? caption_ : std::wstring());
-}
+void Label::UpdateTip() { tip_.SetText(Handle(), HeightFor(ScaleWidth()) > ScaleHeight() ? caption_ : std::wstring()); }
 
 bool Label::OnReflected(UINT message, WPARAM wParam, LPARAM, LRESULT& result) {
     if (message != WM_CTLCOLORSTATIC) return false;

@@ -40,7 +40,8 @@ public:
     // An entry was chosen; for a menu: it is about to open.
     std::function<void()> Click;
 
-    // Shows the menu at the mouse position, or at `at` (screen pixels) when it is given, for the window that has the menu bar.
+    // Shows the menu at the mouse position, or at `at` (screen pixels) when it is given, for the window that has the
+    // menu bar.
     void PopUp(const POINT* at = nullptr);
 
 private:

@@ -14,7 +14,7 @@ struct Node::Item {
     std::wstring Text;
     const std::wstring* Tag = &Nothing;  // in the owner's tags_
     const std::wstring* Key = &Nothing;  // in the owner's keys_
-    Nodes* Owner = nullptr;  // null once the node was removed
+    Nodes* Owner = nullptr;              // null once the node was removed
     Item* Parent = nullptr;
     Item* First = nullptr;
     Item* Last = nullptr;
@@ -139,6 +139,7 @@ void Nodes::Compact() {
 
 Node::Item* Nodes::Relative(const Variant& relative) const {
     if (relative.IsMissing() || relative.IsEmpty()) return nullptr;
+    // NOLINTNEXTLINE(clang-analyzer-cplusplus.NewDelete): this collection holds each of its nodes too
     return relative.vt == VT_BSTR ? Item(relative.ToText()).item_.get() : Item(relative.ToLong()).item_.get();
 }
 
@@ -149,7 +150,8 @@ HTREEITEM Nodes::Mirror(const Node::Item& item, HTREEITEM after) {
     insert.item.mask = TVIF_TEXT | TVIF_PARAM;
     insert.item.pszText = const_cast<wchar_t*>(item.Text.c_str());
     insert.item.lParam = reinterpret_cast<LPARAM>(&item);
-    // Straight to the control: on the way through the message queue's hooks and our own procedure there is nobody to be told.
+    // Straight to the control: on the way through the message queue's hooks and our own procedure there is nobody to be
+    // told.
     const LRESULT made = tree_.Original(TVM_INSERTITEMW, 0, reinterpret_cast<LPARAM>(&insert));
     Events::Rethrow();
     return reinterpret_cast<HTREEITEM>(made);

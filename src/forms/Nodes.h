@@ -24,8 +24,8 @@ inline constexpr long Previous = 3;
 inline constexpr long Child = 4;
 }  // namespace TreeRelationship
 
-// A reference to a node of a tree, or to nothing. It stays safe after the node was removed: every use of a removed node is
-// error 35601, every use of nothing is error 91.
+// A reference to a node of a tree, or to nothing. It stays safe after the node was removed: every use of a removed node
+// is error 35601, every use of nothing is error 91.
 class Node {
 public:
     Node() noexcept = default;
@@ -90,8 +90,8 @@ private:
     Reference item_;
 };
 
-// The nodes of a tree: the model. The control's window mirrors it and is never asked for structure or text, since it checks
-// every handle that it is given by a search through all its items.
+// The nodes of a tree: the model. The control's window mirrors it and is never asked for structure or text, since it
+// checks every handle that it is given by a search through all its items.
 class Nodes {
 public:
     // The largest collection that a 16-bit Index can address.
@@ -102,8 +102,8 @@ public:
     Nodes(const Nodes&) = delete;
     Nodes& operator=(const Nodes&) = delete;
 
-    // `relative`: the index or the key of the relative, Missing for a root. `relationship`: a TreeRelationship, Missing means
-    // Next. Errors: 35601 no such relative, 35602 the key is in use, 7 the control refused.
+    // `relative`: the index or the key of the relative, Missing for a root. `relationship`: a TreeRelationship, Missing
+    // means Next. Errors: 35601 no such relative, 35602 the key is in use, 7 the control refused.
     Node Add(const Variant& relative, const Variant& relationship, const Variant& key, const std::wstring& text);
     short Count() const noexcept { return static_cast<short>(living_); }
     // Error 35600 for an index outside 1 to Count, 35601 for a key that is not there.
@@ -127,8 +127,8 @@ private:
     HTREEITEM Mirror(const Node::Item& item, HTREEITEM after);
 
     TreeView& tree_;
-    // Slots in the order of adding; a removed node leaves a hole. The sums of a Fenwick tree over them turn a slot into a
-    // position number and back, so that nothing is renumbered when a node goes.
+    // Slots in the order of adding; a removed node leaves a hole. The sums of a Fenwick tree over them turn a slot into
+    // a position number and back, so that nothing is renumbered when a node goes.
     std::vector<Slot> slots_;
     std::vector<int> sums_;
     long living_ = 0;

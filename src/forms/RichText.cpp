@@ -90,7 +90,8 @@ bool ReadPlainText(const std::wstring& plain, std::wstring& text) {
     for (const wchar_t unit : plain) {
         if (unit != L'\n' || lines.empty() || lines.back() != L'\r') lines += unit;
     }
-    return Through({reinterpret_cast<const char*>(lines.data()), lines.size() * sizeof(wchar_t)}, SF_TEXT | SF_UNICODE, text);
+    return Through({reinterpret_cast<const char*>(lines.data()), lines.size() * sizeof(wchar_t)}, SF_TEXT | SF_UNICODE,
+                   text);
 }
 
 bool IsRichText(std::string_view bytes) noexcept {
@@ -105,12 +106,15 @@ bool IsRichText(std::string_view bytes) noexcept {
             if (--depth == 0) return bytes.find_first_not_of(std::string_view(" \t\r\n\0", 5), at + 1) == bytes.npos;
         } else if (bytes[at] == '\\') {
             constexpr std::string_view binary = "bin";
-            const auto digit = [&](size_t where) { return where < bytes.size() && bytes[where] >= '0' && bytes[where] <= '9'; };
+            const auto digit = [&](size_t where) {
+                return where < bytes.size() && bytes[where] >= '0' && bytes[where] <= '9';
+            };
             ++at;  // an escaped brace or backslash, or the first letter of a word
             if (bytes.substr(std::min(at, bytes.size()), binary.size()) == binary && digit(at + binary.size())) {
                 size_t length = 0;
                 at += binary.size();
-                for (; digit(at) && length <= bytes.size(); ++at) length = length * 10 + static_cast<size_t>(bytes[at] - '0');
+                for (; digit(at) && length <= bytes.size(); ++at)
+                    length = length * 10 + static_cast<size_t>(bytes[at] - '0');
                 if (length > bytes.size() - std::min(at, bytes.size())) return false;
                 // The bytes that follow mean nothing here; a blank between them and the number is not one of them.
                 at += length - (at < bytes.size() && bytes[at] == ' ' ? 0 : 1);

@@ -11,8 +11,8 @@ const wchar_t* RichEditClass();
 // What rich text says, lines ended by CR LF; empty when it cannot be read.
 std::wstring PlainTextOf(std::string_view rtf);
 
-// Whether rich text is whole: begun, every group ended, and nothing behind the last one. The control takes the first half of
-// a file without a word, and nothing at all of what is no rich text.
+// Whether rich text is whole: begun, every group ended, and nothing behind the last one. The control takes the first
+// half of a file without a word, and nothing at all of what is no rich text.
 bool IsRichText(std::string_view bytes) noexcept;
 
 // What the control makes of rich text or of a plain text, lines ended by CR LF. False: it could not read it.

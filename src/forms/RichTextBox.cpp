@@ -299,7 +299,8 @@ long RichTextBox::CharFromPos(int x, int y) const {
     // Just behind the end of a line Wine answers with the beginning of the next one.
     POINTL found{};
     Send(EM_POSFROMCHAR, reinterpret_cast<WPARAM>(&found), position);
-    if (position > 0 && found.y > y && Send(EM_LINEINDEX, static_cast<WPARAM>(Send(EM_EXLINEFROMCHAR, 0, position))) == position) {
+    if (position > 0 && found.y > y &&
+        Send(EM_LINEINDEX, static_cast<WPARAM>(Send(EM_EXLINEFROMCHAR, 0, position))) == position) {
         --position;
     }
     return FromControl(position);
@@ -353,7 +354,9 @@ LRESULT RichTextBox::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
             target_.Revoke();  // while OLE still knows the window
             annotations_.Clear();
             break;
-        case WM_RBUTTONDOWN: SetFocus(); break;
+        case WM_RBUTTONDOWN:
+            SetFocus();
+            break;
         case WM_PASTE:
             if (PasteRequested) PasteRequested();
             return 0;
@@ -373,7 +376,8 @@ LRESULT RichTextBox::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
         case WM_CHAR:
             if (wParam == 0x16) return 0;  // Ctrl+V again, as a character
             break;
-        default: break;
+        default:
+            break;
     }
     return Control::OnMessage(message, wParam, lParam);
 }

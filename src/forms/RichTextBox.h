@@ -12,8 +12,8 @@
 class Printer;
 class PrintingNotice;
 
-// A Unicode rich edit control that is used for plain text, lines not wrapped. Positions and lengths count UTF-16 units, with a
-// line end as the two characters CR LF that go in and come out; the control itself keeps one for it.
+// A Unicode rich edit control that is used for plain text, lines not wrapped. Positions and lengths count UTF-16 units,
+// with a line end as the two characters CR LF that go in and come out; the control itself keeps one for it.
 class RichTextBox : public Control {
 public:
     void Create(HWND container, int id);
@@ -31,7 +31,8 @@ public:
     // A position behind the end means the end. SetSelStart leaves nothing selected, SetSelLength keeps the start.
     void SetSelStart(long start);
     void SetSelLength(long length);
-    // Both at once: the selection is painted, and SelChange raised, a single time, and not at all when it is that already.
+    // Both at once: the selection is painted, and SelChange raised, a single time, and not at all when it is that
+    // already.
     void Select(long start, long length);
     // Replaces the selection, as one step of undo, and leaves the caret behind it.
     void SetSelText(const std::wstring& text);
@@ -41,8 +42,8 @@ public:
     void SetFont(HFONT font) override;  // ignored: the editor has a font of its own
     // The fixed-pitch font of the text.
     void SetEditorFont(const std::wstring& face, float points);
-    // Shows the text so many times as large; a file or a printer has it as it is. The user's own zoom (the wheel with the
-    // Ctrl key) lasts until another scale is set.
+    // Shows the text so many times as large; a file or a printer has it as it is. The user's own zoom (the wheel with
+    // the Ctrl key) lasts until another scale is set.
     void SetScale(float scale);
     // What programs that read the screen call the control; its window's text is what it holds.
     void SetAccessibleName(const std::wstring& name);
@@ -51,8 +52,8 @@ public:
     long CharFromPos(int x, int y) const;
     void ScrollCaret();
 
-    // Selects the next occurrence of the text behind the selection, else the first one in the whole text, upper and lower case
-    // being the same, and scrolls to it. False, and nothing changed: there is none.
+    // Selects the next occurrence of the text behind the selection, else the first one in the whole text, upper and
+    // lower case being the same, and scrolls to it. False, and nothing changed: there is none.
     bool Find(const std::wstring& text);
 
     // Keys or other programs ask for a paste: only what the event does is pasted.
@@ -64,28 +65,29 @@ public:
     Event Change;
     Event SelChange;
 
-    // Kept with the text: whether it was changed since it was last replaced or saved, and the file it belongs to, with how
-    // that file writes down its text.
+    // Kept with the text: whether it was changed since it was last replaced or saved, and the file it belongs to, with
+    // how that file writes down its text.
     bool DataChanged = false;
     std::wstring FileName;
     TextFile::Format FileFormat;
 
-    // Files (forms/RichTextBox_Files.cpp). A failure is a run-time error and leaves the text, these three values and the file
-    // as they were.
+    // Files (forms/RichTextBox_Files.cpp). A failure is a run-time error and leaves the text, these three values and
+    // the file as they were.
     enum class FileKind { RichText, Text };
     // A name that ends in "rtf", in capitals or not, is one of rich text.
     static FileKind KindOf(const std::wstring& fileName);
     // In bytes. Far beyond any SQL that is written by hand; the control takes many times as much of the host's
     // memory, and under Wine takes minutes for more.
     static constexpr uint64_t FileLimit = 4 * 1024 * 1024;
-    // Replaces the text by that of a file, as SetText does, and keeps the file's format. Error 7: larger than FileLimit; 321:
-    // no rich text, or not all of it; a text with characters that the control does not keep; else as TextFile::Read.
+    // Replaces the text by that of a file, as SetText does, and keeps the file's format. Error 7: larger than
+    // FileLimit; 321: no rich text, or not all of it; a text with characters that the control does not keep; else as
+    // TextFile::Read.
     void LoadFile(const std::wstring& path, FileKind kind);
     // Writes the text to a file: as rich text, or in FileFormat, which changes when it cannot hold a character.
     void SaveFile(const std::wstring& path, FileKind kind);
 
-    // Prints the whole text as one document (forms/RichTextBox_Print.cpp), lines wrapped at the margins. False: the user has
-    // stopped it, and nothing is printed. Error 482: the printer refused.
+    // Prints the whole text as one document (forms/RichTextBox_Print.cpp), lines wrapped at the margins. False: the
+    // user has stopped it, and nothing is printed. Error 482: the printer refused.
     bool Print(Printer& printer, const std::wstring& name, PrintingNotice& notice);
 
 protected:

@@ -36,8 +36,8 @@ void MeasurePaper(HDC context, RECT& page, RECT& text) {
     text.bottom = std::min(page.bottom - down - top, printableHeight);
 }
 
-// Draws a text as it stands, in black, lines wrapped at the width: for controls that cannot print by themselves, as Wine's,
-// or not in black.
+// Draws a text as it stands, in black, lines wrapped at the width: for controls that cannot print by themselves, as
+// Wine's, or not in black.
 class PlainPages {
 public:
     PlainPages(HDC context, const std::wstring& face, float points, const RECT& area, std::wstring text)

@@ -52,8 +52,8 @@ void StatusBar::SetFont(HFONT font) {
     }
 }
 
-// A panel behind the first keeps the width of the widest text that it had: others move once, not with each digit that comes
-// and goes.
+// A panel behind the first keeps the width of the widest text that it had: others move once, not with each digit that
+// comes and goes.
 void StatusBar::Measure(size_t panel) {
     const std::wstring& text = texts_[panel];
     SIZE size{};

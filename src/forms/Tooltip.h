@@ -4,9 +4,9 @@
 
 #include <string>
 
-// The tip of one control. Its window belongs to no other window: one that is owned by the form can keep SetWindowPos from
-// making the form topmost under Wine. It is made when the mouse first comes over a control with a text: a window that few
-// users ever see would be a large part of what the form costs to show.
+// The tip of one control. Its window belongs to no other window: one that is owned by the form can keep SetWindowPos
+// from making the form topmost under Wine. It is made when the mouse first comes over a control with a text: a window
+// that few users ever see would be a large part of what the form costs to show.
 class Tooltip {
 public:
     Tooltip() = default;
@@ -14,7 +14,8 @@ public:
     Tooltip(const Tooltip&) = delete;
     Tooltip& operator=(const Tooltip&) = delete;
 
-    // An empty text takes the tip away. The control's window must outlive the tip or be given again when it is made anew.
+    // An empty text takes the tip away. The control's window must outlive the tip or be given again when it is made
+    // anew.
     void SetText(HWND control, const std::wstring& text);
     // The tip does not own the font.
     void SetFont(HFONT font);

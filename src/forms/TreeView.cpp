@@ -97,7 +97,8 @@ POINT TreeView::MenuPoint() const {
     if (!selected) return Control::MenuPoint();
     RECT row{};
     const HTREEITEM item = MirrorOf(selected);
-    std::memcpy(&row, &item, sizeof item);  // the message takes the item in the place of the rectangle's first bytes
+    std::memcpy(&row, &item,
+                sizeof(HTREEITEM));  // the message takes the item in the place of the rectangle's first bytes
     if (!Send(TVM_GETITEMRECT, TRUE, reinterpret_cast<LPARAM>(&row))) return Control::MenuPoint();
     RECT client;
     GetClientRect(Handle(), &client);

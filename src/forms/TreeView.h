@@ -25,8 +25,8 @@ public:
     // clicked. The node is selected when the button goes down and clicked when it comes up, unless it was dragged
     // meanwhile.
     NodeEvent NodeClick;
-    // A node was selected without a click: by another program, such as a screen reader, or since the Tab key came to a tree
-    // without a selection.
+    // A node was selected without a click: by another program, such as a screen reader, or since the Tab key came to a
+    // tree without a selection.
     NodeEvent SelChange;
 
     // Selects nothing, where the control by itself would select its first node with the focus that comes to it.
@@ -63,5 +63,5 @@ private:
     Node clicked_;
     bool stopExpanding_ = false;
     bool focusing_ = false;  // the focus comes from the program
-    bool quiet_ = false;  // a change of our own is under way: its notifications are not events
+    bool quiet_ = false;     // a change of our own is under way: its notifications are not events
 };

@@ -20,8 +20,8 @@ struct ItemTexts {
 
 std::shared_ptr<const clsListItem> MakeItem(ItemTexts&& Texts) {
     auto Item = std::make_shared<clsListItem>();
-    Item->Constructor(1, std::move(Texts.Select), std::move(Texts.Insert), std::move(Texts.Update), std::move(Texts.Delete),
-                      std::move(Texts.Commands));
+    Item->Constructor(1, std::move(Texts.Select), std::move(Texts.Insert), std::move(Texts.Update),
+                      std::move(Texts.Delete), std::move(Texts.Commands));
     return Item;
 }
 

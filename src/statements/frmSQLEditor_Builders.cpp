@@ -35,7 +35,8 @@ std::wstring FormatName(const std::wstring& Name) {
     return Written;
 }
 
-// What a table's name is written behind: its schema, as it stands, since the host quotes names of tables and columns alone.
+// What a table's name is written behind: its schema, as it stands, since the host quotes names of tables and columns
+// alone.
 std::wstring QualifierFor(const std::wstring& Schema) {
     const bool Qualified = WritesSchema(DBType) && !SameName(Schema, OwnerName) && !SameName(Schema, L"current schema");
     return Qualified && !Schema.empty() ? Schema + L"." : std::wstring();
@@ -50,12 +51,17 @@ struct Frame {
 Frame FrameOfSampleRows() {
     switch (DBType) {
         case 2:
-        case 28: return {L"SELECT first 100 * FROM ", L""};
-        case 4: return {L"SELECT * FROM ", L" WHERE rownum <= 100"};
-        case 13: return {L"SELECT * FROM ", L"  fetch first 100 rows only"};  // two blanks: kept
+        case 28:
+            return {L"SELECT first 100 * FROM ", L""};
+        case 4:
+            return {L"SELECT * FROM ", L" WHERE rownum <= 100"};
+        case 13:
+            return {L"SELECT * FROM ", L"  fetch first 100 rows only"};  // two blanks: kept
         case 17:
-        case 27: return {L"SELECT * FROM ", L" LIMIT 100"};
-        default: return {L"SELECT top 100 * FROM ", L""};
+        case 27:
+            return {L"SELECT * FROM ", L" LIMIT 100"};
+        default:
+            return {L"SELECT top 100 * FROM ", L""};
     }
 }
 

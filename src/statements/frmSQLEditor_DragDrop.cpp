@@ -39,9 +39,7 @@ std::wstring NodeText(const Node& Node) {
 // Above this size the control takes noticeable time for a text; beyond RichTextBox::FileLimit it is refused.
 constexpr uint64_t AskBeyond = 1024 * 1024;  // bytes
 
-std::wstring InMegabytes(uint64_t Bytes) {
-    return std::to_wstring((Bytes + 512 * 1024) / (1024 * 1024)) + L" MB";
-}
+std::wstring InMegabytes(uint64_t Bytes) { return std::to_wstring((Bytes + 512 * 1024) / (1024 * 1024)) + L" MB"; }
 
 // Asks before a large file; raises error 75 for a folder and 7 for a file that the editor does not take.
 bool MayInsert(HWND Owner, const std::wstring& File) {
@@ -56,17 +54,18 @@ bool MayInsert(HWND Owner, const std::wstring& File) {
                    L"With " + InMegabytes(Size) + L" the file is too large for the editor, which takes up to " +
                        InMegabytes(RichTextBox::FileLimit) + L".");
     }
-    return Size <= AskBeyond ||
-           MsgBox(Owner,
-                  File + L"\r\nis " + InMegabytes(Size) + L" large, which takes the editor a while. Do you want to insert it?",
-                  MB_OKCANCEL | MB_ICONQUESTION) == IDOK;
+    return Size <= AskBeyond || MsgBox(Owner,
+                                       File + L"\r\nis " + InMegabytes(Size) +
+                                           L" large, which takes the editor a while. Do you want to insert it?",
+                                       MB_OKCANCEL | MB_ICONQUESTION) == IDOK;
 }
 
 // By the rule of File Open: the ending decides whether it is rich text.
 std::wstring TextOfFile(const std::wstring& File) {
     const std::string Bytes = TextFile::ReadBytes(File, RichTextBox::FileLimit);
     if (Bytes.empty()) return {};
-    return RichTextBox::KindOf(File) == RichTextBox::FileKind::RichText ? PlainTextOf(Bytes) : TextFile::Decode(Bytes).Text;
+    return RichTextBox::KindOf(File) == RichTextBox::FileKind::RichText ? PlainTextOf(Bytes)
+                                                                        : TextFile::Decode(Bytes).Text;
 }
 
 }  // namespace
@@ -121,8 +120,8 @@ void frmSQLEditor::rtbSQL_DragDrop(Control& Source, float, float) try {
     ReportError(Module, L"rtbSQL_DragDrop");
 }
 
-// Without a trap of its own: what fails goes back to the program that drops. Rich text and text are asked for first, so that a
-// program that offers files or pictures beside them gives its text; pictures insert nothing.
+// Without a trap of its own: what fails goes back to the program that drops. Rich text and text are asked for first, so
+// that a program that offers files or pictures beside them gives its text; pictures insert nothing.
 void frmSQLEditor::rtbSQL_OLEDragDrop(const DroppedData& Data) {
     using Format = DroppedData::Format;
     for (const Format Kind : {Format::RichText, Format::Text}) {

@@ -386,13 +386,18 @@ TEST(TextFunctionTest, AppendsTheAnswersToATextByReference) {
         result->bstrVal = SysAllocString((L"[" + heard.back() + L"]").c_str());
         // What it does with its argument is its own affair.
         switch (heard.size() % 4) {
-            case 0: text[0] = L'?'; break;
-            case 1: SysReAllocString(&text, L"another text, which is longer"); break;
+            case 0:
+                text[0] = L'?';
+                break;
+            case 1:
+                SysReAllocString(&text, L"another text, which is longer");
+                break;
             case 2:
                 SysFreeString(text);
                 text = nullptr;
                 break;
-            default: break;
+            default:
+                break;
         }
         return S_OK;
     };
@@ -415,7 +420,8 @@ TEST(TextFunctionTest, AFailureLeavesTheTextAsItWas) {
     int calls = 0;
     fake.OnInvoke = [&](DISPID, WORD, DISPPARAMS&, VARIANT* result, EXCEPINFO*) -> HRESULT {
         switch (++calls) {
-            case 1: return DISP_E_TYPEMISMATCH;
+            case 1:
+                return DISP_E_TYPEMISMATCH;
             case 2:
                 result->vt = VT_NULL;  // no text
                 return S_OK;

@@ -30,8 +30,10 @@ Variant Pack(Kind kind, std::vector<Variant> items) {
             });
             return Variant(held);
         }
-        case Kind::VariantArray: return Variant::ArrayOf(items);
-        default: return Variant::ArrayOf(items, 5);
+        case Kind::VariantArray:
+            return Variant::ArrayOf(items);
+        default:
+            return Variant::ArrayOf(items, 5);
     }
 }
 
@@ -41,7 +43,9 @@ class CollectionsTest : public BrowsedFixture, public testing::WithParamInterfac
 
 TEST_P(CollectionsTest, EveryLevelIsReadFromEveryKind) {
     const Kind kind = GetParam();
-    Database.DictionaryMembers[L"Schemas"] = [kind](const Arguments&) { return Pack(kind, {Variant(L"A"), Variant(L"B")}); };
+    Database.DictionaryMembers[L"Schemas"] = [kind](const Arguments&) {
+        return Pack(kind, {Variant(L"A"), Variant(L"B")});
+    };
     Database.DictionaryMembers[L"Objects"] = [kind](const Arguments&) {
         return Pack(kind, {Variant(L"T1"), Variant(L"T2"), Variant(L"T3")});
     };
@@ -49,7 +53,8 @@ TEST_P(CollectionsTest, EveryLevelIsReadFromEveryKind) {
         std::vector<Variant> columns;
         long lower = -1;
         for (const wchar_t* name : {L"C1", L"C2", L"C3", L"C4"}) {
-            columns.push_back(Pack(kind, {Property(L"COLUMN_NAME", name, Variant(), lower), Property(L"DATA_TYPE", 12L, 1L, lower)}));
+            columns.push_back(
+                Pack(kind, {Property(L"COLUMN_NAME", name, Variant(), lower), Property(L"DATA_TYPE", 12L, 1L, lower)}));
             lower = lower == 1 ? 5 : lower + 1;  // -1, 0, 1, 5
         }
         return Pack(kind, columns);
@@ -93,8 +98,9 @@ TEST_F(BrowsedFixture, ValuesOfAllTypesAreShown) {
         date.date = 46023.0;  // a day of 2026, without a time
         return Variant(MakeCollection({Variant(MakeCollection(
             {Property(L"COLUMN_NAME", L"C"), Property(L"NULL", Variant::Null()), Property(L"EMPTY", Variant()),
-             Property(L"LONG", -5L), Property(L"BOOL", true), Property(L"DATE", date), Property(7L, L"number for a name"),
-             Property(L"DATA_TYPE", Variant::Null()), Property(L"DATA_TYPE", L"varchar"), Property(L"DATA_TYPE", L"12", 3L)}))}));
+             Property(L"LONG", -5L), Property(L"BOOL", true), Property(L"DATE", date),
+             Property(7L, L"number for a name"), Property(L"DATA_TYPE", Variant::Null()),
+             Property(L"DATA_TYPE", L"varchar"), Property(L"DATA_TYPE", L"12", 3L)}))}));
     };
     Variant date;
     date.vt = VT_DATE;

@@ -53,7 +53,8 @@ TEST_F(ListItemTest, GivesItsCommandsByPosition) {
 
 TEST_F(ListItemTest, ACommandThatIsNoTextIsReported) {
     clsListItem item;
-    item.Constructor(L"kept", 0, 1, 0, L"", L"", L"", L"", L"", L"", L"", L"", Variant::ArrayOf({Variant(L"a"), Variant::Null()}));
+    item.Constructor(L"kept", 0, 1, 0, L"", L"", L"", L"", L"", L"", L"", L"",
+                     Variant::ArrayOf({Variant(L"a"), Variant::Null()}));
     EXPECT_EQ(L"clsListItem.Constructor 94", Errors.Places());
     EXPECT_EQ(L"kept", item.Text());
     EXPECT_EQ(L"a", item.GetCommand(0));

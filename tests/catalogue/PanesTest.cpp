@@ -7,7 +7,8 @@
 #include "catalogue/Catalogue.h"
 #include "catalogue/CatalogueEntry.h"
 
-// The reference as the running window shows it: every entry of every pane, its description, and what the Action menu does with it.
+// The reference as the running window shows it: every entry of every pane, its description, and what the Action menu
+// does with it.
 namespace {
 
 // An entry as it has to come out of the window.
@@ -24,8 +25,8 @@ std::map<long, Expected> AllEntries() {
     for (const CatalogueSection& section : CatalogueSections()) {
         long id = section.FirstId;
         for (const CatalogueEntry& entry : section.Entries) {
-            all[id++] = {std::wstring(entry.Text), std::wstring(section.Category), ExpandTexts(section, entry), section.list,
-                         section.DBType};
+            all[id++] = {std::wstring(entry.Text), std::wstring(section.Category), ExpandTexts(section, entry),
+                         section.list, section.DBType};
         }
     }
     return all;

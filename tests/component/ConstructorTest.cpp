@@ -96,7 +96,8 @@ TEST_F(ConstructorTest, ADisconnectedDatabaseAfterAConnectionDisconnects) {
 }
 
 TEST_F(ConstructorTest, AMissingMemberIsReportedAndWhatWasSetStays) {
-    for (const wchar_t* member : {L"Connected", L"CurrentCatalog", L"UserName", L"DBType", L"SchemaTerm", L"Dictionary"}) {
+    for (const wchar_t* member :
+         {L"Connected", L"CurrentCatalog", L"UserName", L"DBType", L"SchemaTerm", L"Dictionary"}) {
         FakeDatabase database;
         database.Members.erase(member);
         Errors.Reports.clear();
@@ -107,7 +108,8 @@ TEST_F(ConstructorTest, AMissingMemberIsReportedAndWhatWasSetStays) {
 }
 
 TEST_F(ConstructorTest, AFailingMemberIsReportedWithItsOwnError) {
-    for (const wchar_t* member : {L"Connected", L"CurrentCatalog", L"UserName", L"DBType", L"SchemaTerm", L"Dictionary"}) {
+    for (const wchar_t* member :
+         {L"Connected", L"CurrentCatalog", L"UserName", L"DBType", L"SchemaTerm", L"Dictionary"}) {
         FakeDatabase database;
         database.Members[member] = [](const Arguments&) -> Variant {
             RaiseError(ObjectErrorBase + 5, L"brvADO", L"the line is cut");

@@ -21,7 +21,10 @@ protected:
             Asked.clear();
             for (size_t at = 0; at < a.Count(); ++at) {
                 const Variant given = a[at];
-                Asked += given.IsMissing() ? L"<missing>" : given.IsNull() ? L"<null>" : given.IsEmpty() ? L"<empty>" : given.ToText();
+                Asked += given.IsMissing() ? L"<missing>"
+                         : given.IsNull()  ? L"<null>"
+                         : given.IsEmpty() ? L"<empty>"
+                                           : given.ToText();
                 Asked += L":" + std::to_wstring(given.vt) + L" ";
             }
             return value;
@@ -52,9 +55,10 @@ TEST_F(DictionaryTest, WithoutADictionaryItIsNotConnectedAndItsGettersReport) {
     EXPECT_FALSE(dictionary.Objects(1));
     EXPECT_FALSE(dictionary.Columns(L"", L""));
     EXPECT_EQ(L"", dictionary.DataTypeDesc(3));
-    EXPECT_EQ(L"clsDictionary.Get Schemas 91|clsDictionary.Get Objects 91|clsDictionary.Get Columns 91|"
-              L"clsDictionary.Get DataTypeDesc 91",
-              Errors.Places());
+    EXPECT_EQ(
+        L"clsDictionary.Get Schemas 91|clsDictionary.Get Objects 91|clsDictionary.Get Columns 91|"
+        L"clsDictionary.Get DataTypeDesc 91",
+        Errors.Places());
 }
 
 TEST_F(DictionaryTest, ForwardsInOrderWithItsDefaults) {
@@ -152,7 +156,8 @@ TEST_F(DictionaryTest, ObjectsReportsEveryOtherError) {
         long Number;
         const wchar_t* Source;
     };
-    for (const Reported& one : {Reported{-2147221503, L"other"}, Reported{-2147221502, L"brvADO"}, Reported{7, L"brvADO"}}) {
+    for (const Reported& one :
+         {Reported{-2147221503, L"other"}, Reported{-2147221502, L"brvADO"}, Reported{7, L"brvADO"}}) {
         Fail(L"Objects", one.Number, one.Source);
         dictionary.Constructor(Host.MakeDictionary());
         Errors.Reports.clear();
@@ -177,7 +182,8 @@ TEST(ErrorHandlerTest, ForwardsEveryMember) {
     handler.Alert(L"careful");
     handler.Alert(L"careful", L"Title");
     handler.LogEvent(L"started");
-    EXPECT_EQ((std::vector<std::wstring>{L"Alert,careful,<missing>", L"Alert,careful,Title", L"LogEvent,started"}), errors.Told);
+    EXPECT_EQ((std::vector<std::wstring>{L"Alert,careful,<missing>", L"Alert,careful,Title", L"LogEvent,started"}),
+              errors.Told);
     EXPECT_TRUE(handler.DisplayAlerts());  // any number but 0
     handler.SetDisplayAlerts(false);
     EXPECT_FALSE(errors.DisplayAlerts);

@@ -22,7 +22,8 @@ protected:
         shownText_ = L"<not shown>";
         EXCEPINFO exception{};
         UINT argumentError = 0;
-        return editor.Dispatch()->Invoke(2, IID_NULL, 0, DISPATCH_METHOD, &parameters, nullptr, &exception, &argumentError);
+        return editor.Dispatch()->Invoke(2, IID_NULL, 0, DISPATCH_METHOD, &parameters, nullptr, &exception,
+                                         &argumentError);
     }
     std::wstring shownText_;
 };
@@ -49,8 +50,9 @@ TEST_F(DisplayTest, TheEditedTextComesBackWhicheverWayTheWindowIsClosed) {
 TEST_F(DisplayTest, TextComesBackAsItWentIn) {
     using namespace std::string_literals;
     const Object editor = Editor();
-    for (const std::wstring& text : {L""s, L"select 1"s, L"a\r\nb\r\n"s, L"{\\rtf1 not {\\b rich}}"s, L"x\xD800y\xDC00"s,
-                                     L"a\0b"s, L"\xD83D\xDE00 \x4E2D\x6587 \x05D0"s, L"\t\ttabs\t"s, std::wstring(100000, L'x')}) {
+    for (const std::wstring& text :
+         {L""s, L"select 1"s, L"a\r\nb\r\n"s, L"{\\rtf1 not {\\b rich}}"s, L"x\xD800y\xDC00"s, L"a\0b"s,
+          L"\xD83D\xDE00 \x4E2D\x6587 \x05D0"s, L"\t\ttabs\t"s, std::wstring(100000, L'x')}) {
         EXPECT_EQ(text, DisplayAndClose(editor, text));
     }
     EXPECT_EQ(L"", Errors.Places());
@@ -59,7 +61,8 @@ TEST_F(DisplayTest, TextComesBackAsItWentIn) {
 TEST_F(DisplayTest, AMegabyteGoesThroughWhole) {
     // Of long lines: what the control takes under Wine grows with the square of their number.
     std::wstring text;
-    for (int line = 0; text.size() < 1024 * 1024; ++line) text += std::wstring(2000, static_cast<wchar_t>(L'a' + line % 26)) + L"\r\n";
+    for (int line = 0; text.size() < 1024 * 1024; ++line)
+        text += std::wstring(2000, static_cast<wchar_t>(L'a' + line % 26)) + L"\r\n";
     EXPECT_EQ(text, DisplayAndClose(Editor(), text));
     EXPECT_EQ(L"", Errors.Places());
 }
@@ -118,9 +121,10 @@ TEST_F(DisplayTest, ReportsWhatIsNoTextAndShowsNothing) {
         Variant Value;
         long Number;
     };
-    for (const Case& one : {Case{Variant::Null(), ErrorNumber::InvalidUseOfNull}, Case{Variant::Missing(), ErrorNumber::TypeMismatch},
-                            Case{Variant::Nothing(), ErrorNumber::ObjectNotSet},
-                            Case{Variant::ArrayOf({Variant(1L)}), ErrorNumber::TypeMismatch}}) {
+    for (const Case& one :
+         {Case{Variant::Null(), ErrorNumber::InvalidUseOfNull}, Case{Variant::Missing(), ErrorNumber::TypeMismatch},
+          Case{Variant::Nothing(), ErrorNumber::ObjectNotSet},
+          Case{Variant::ArrayOf({Variant(1L)}), ErrorNumber::TypeMismatch}}) {
         for (const bool byReference : {false, true}) {
             Errors.Reports.clear();
             Variant value = one.Value;

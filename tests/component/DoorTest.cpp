@@ -15,7 +15,8 @@ TEST_F(DoorTest, IsMadeByItsProgId) {
     ASSERT_EQ(S_OK, CLSIDFromProgID(L"brvSQLEditor.clsSQLEditor", &id));
     EXPECT_EQ(CLSID_clsSQLEditor, id);
     IDispatch* made = nullptr;
-    ASSERT_EQ(S_OK, CoCreateInstance(id, nullptr, CLSCTX_INPROC_SERVER, IID_IDispatch, reinterpret_cast<void**>(&made)));
+    ASSERT_EQ(S_OK,
+              CoCreateInstance(id, nullptr, CLSCTX_INPROC_SERVER, IID_IDispatch, reinterpret_cast<void**>(&made)));
     made->Release();
 }
 
@@ -75,7 +76,8 @@ TEST_F(DoorTest, KnowsItsNamesInAnyCase) {
         std::vector<LPOLESTR> list;
         for (const wchar_t* name : names) list.push_back(const_cast<LPOLESTR>(name));
         std::vector<DISPID> ids(list.size(), 99);
-        EXPECT_EQ(expected, editor.Dispatch()->GetIDsOfNames(IID_NULL, list.data(), static_cast<UINT>(list.size()), 0, ids.data()));
+        EXPECT_EQ(expected, editor.Dispatch()->GetIDsOfNames(IID_NULL, list.data(), static_cast<UINT>(list.size()), 0,
+                                                             ids.data()));
         return ids;
     };
     EXPECT_EQ(1, id({L"Constructor"}, S_OK)[0]);
@@ -99,8 +101,10 @@ TEST_F(DoorTest, RefusesCallsThatCannotBeMeant) {
     EXPECT_EQ(DISP_E_BADPARAMCOUNT, raw->Invoke(3, IID_NULL, 0, DISPATCH_METHOD, &one, nullptr, nullptr, nullptr));
     EXPECT_EQ(DISP_E_MEMBERNOTFOUND, raw->Invoke(4, IID_NULL, 0, DISPATCH_METHOD, &none, nullptr, nullptr, nullptr));
     EXPECT_EQ(DISP_E_MEMBERNOTFOUND, raw->Invoke(0, IID_NULL, 0, DISPATCH_METHOD, &none, nullptr, nullptr, nullptr));
-    EXPECT_EQ(DISP_E_MEMBERNOTFOUND, raw->Invoke(2, IID_NULL, 0, DISPATCH_PROPERTYPUT, &one, nullptr, nullptr, nullptr));
-    EXPECT_EQ(DISP_E_UNKNOWNINTERFACE, raw->Invoke(3, IID_IDispatch, 0, DISPATCH_METHOD, &none, nullptr, nullptr, nullptr));
+    EXPECT_EQ(DISP_E_MEMBERNOTFOUND,
+              raw->Invoke(2, IID_NULL, 0, DISPATCH_PROPERTYPUT, &one, nullptr, nullptr, nullptr));
+    EXPECT_EQ(DISP_E_UNKNOWNINTERFACE,
+              raw->Invoke(3, IID_IDispatch, 0, DISPATCH_METHOD, &none, nullptr, nullptr, nullptr));
     EXPECT_EQ(L"", Errors.Places());
 }
 
@@ -116,7 +120,8 @@ TEST_F(DoorTest, TakesANamedArgument) {
             seen = EditorWindow::Text();
             EditorWindow::Close();
         });
-        EXPECT_EQ(S_OK, editor.Dispatch()->Invoke(2, IID_NULL, 0, DISPATCH_METHOD, &parameters, nullptr, nullptr, nullptr));
+        EXPECT_EQ(S_OK,
+                  editor.Dispatch()->Invoke(2, IID_NULL, 0, DISPATCH_METHOD, &parameters, nullptr, nullptr, nullptr));
     }
     EXPECT_EQ(L"by name", seen);
 }
@@ -228,8 +233,8 @@ TEST_F(DoorTest, IsMadeByItsManifestWithoutRegistration) {
     EXPECT_EQ(S_OK, CLSIDFromProgID(L"brvSQLEditor.clsSQLEditor", &id));
     // An id of the activation context's own, which stands for the class while the context is active.
     IDispatch* made = nullptr;
-    EXPECT_EQ(S_OK, CoCreateInstance(id, nullptr, CLSCTX_INPROC_SERVER, IID_IDispatch,
-                                     reinterpret_cast<void**>(&made)));
+    EXPECT_EQ(S_OK,
+              CoCreateInstance(id, nullptr, CLSCTX_INPROC_SERVER, IID_IDispatch, reinterpret_cast<void**>(&made)));
     DeactivateActCtx(0, cookie);
     EXPECT_NE(nullptr, GetModuleHandleW(dll.c_str()));
     if (made != nullptr) {

@@ -15,13 +15,15 @@ Object MakeRecorder() {
     auto* made = new DynamicObject;
     const Object held = Object::Attach(made);
     made->Define(L"Constructor", [](const Arguments& a) {
-        currentErrors->Constructed.push_back(a[0].ToText() + L"," + a[1].ToText() + L"," + a[2].ToText() + L"," + a[3].ToText());
+        currentErrors->Constructed.push_back(a[0].ToText() + L"," + a[1].ToText() + L"," + a[2].ToText() + L"," +
+                                             a[3].ToText());
         return Variant();
     });
     const auto told = [](const wchar_t* name) {
         return [name](const Arguments& a) {
             std::wstring entry = name;
-            for (size_t at = 0; at < a.Count(); ++at) entry += L"," + (a.Has(at) ? a[at].ToText() : std::wstring(L"<missing>"));
+            for (size_t at = 0; at < a.Count(); ++at)
+                entry += L"," + (a.Has(at) ? a[at].ToText() : std::wstring(L"<missing>"));
             currentErrors->Told.push_back(entry);
             return Variant();
         };
@@ -163,9 +165,7 @@ std::wstring Component::Path() {
     return folder.substr(0, folder.find_last_of(L'\\') + 1) + L"brvSQLEditor.dll";
 }
 
-Component::Component() : module_(LoadLibraryW(Path().c_str())) {
-    EXPECT_NE(nullptr, module_);
-}
+Component::Component() : module_(LoadLibraryW(Path().c_str())) { EXPECT_NE(nullptr, module_); }
 
 Component::~Component() {
     EXPECT_EQ(S_OK, CanUnload());
@@ -201,7 +201,8 @@ HWND EditorWindow::Find() {
             GetWindowThreadProcessId(window, &process);
             wchar_t caption[100]{};
             GetWindowTextW(window, caption, 100);
-            if (process != GetCurrentProcessId() || !IsWindowVisible(window) || wcsncmp(caption, L"SQL Editor", 10) != 0) {
+            if (process != GetCurrentProcessId() || !IsWindowVisible(window) ||
+                wcsncmp(caption, L"SQL Editor", 10) != 0) {
                 return TRUE;
             }
             *reinterpret_cast<HWND*>(result) = window;
@@ -301,9 +302,7 @@ void EditorWindow::PressReturn() {
     SendMessageW(Find(), WM_COMMAND, static_cast<WPARAM>(button.idCommand), reinterpret_cast<LPARAM>(bar));
 }
 
-void EditorWindow::Close() {
-    SendMessageW(Find(), WM_CLOSE, 0, 0);
-}
+void EditorWindow::Close() { SendMessageW(Find(), WM_CLOSE, 0, 0); }
 
 WhenShown::WhenShown(std::function<void()> step) : step_(std::move(step)) {
     static std::map<UINT_PTR, WhenShown*> all;
@@ -330,10 +329,8 @@ WhenShown::~WhenShown() {
 }
 
 namespace {
-std::wstring SettingsRoot() {
-    return std::wstring(L"Software\\VB and VBA Program Settings\\") + App::Title;
-}
-}
+std::wstring SettingsRoot() { return std::wstring(L"Software\\VB and VBA Program Settings\\") + App::Title; }
+}  // namespace
 
 void Settings::Clear() {
     RegDeleteTreeW(HKEY_CURRENT_USER, SettingsRoot().c_str());
@@ -352,20 +349,16 @@ std::wstring Settings::Get(const wchar_t* key) {
 
 void Settings::Put(const wchar_t* key, const wchar_t* value) {
     HKEY opened = nullptr;
-    RegCreateKeyExW(HKEY_CURRENT_USER, (SettingsRoot() + L"\\Settings").c_str(), 0, nullptr, 0, KEY_SET_VALUE,
-                    nullptr, &opened, nullptr);
+    RegCreateKeyExW(HKEY_CURRENT_USER, (SettingsRoot() + L"\\Settings").c_str(), 0, nullptr, 0, KEY_SET_VALUE, nullptr,
+                    &opened, nullptr);
     RegSetValueExW(opened, key, 0, REG_SZ, reinterpret_cast<const BYTE*>(value),
                    static_cast<DWORD>((wcslen(value) + 1) * sizeof(wchar_t)));
     RegCloseKey(opened);
 }
 
-ComponentFixture::ComponentFixture() {
-    Settings::Clear();
-}
+ComponentFixture::ComponentFixture() { Settings::Clear(); }
 
-ComponentFixture::~ComponentFixture() {
-    Settings::Clear();
-}
+ComponentFixture::~ComponentFixture() { Settings::Clear(); }
 
 std::wstring ComponentFixture::DisplayAndClose(const Object& editor, const std::wstring& sql,
                                                const std::function<void()>& inside) {

@@ -13,8 +13,8 @@
 #include "automation/Object.h"
 #include "automation/RuntimeError.h"
 
-// What the component is given in these tests: a host and an error component of our own, which keep a log of what is asked of
-// them. The component itself is the built DLL, reached through COM alone.
+// What the component is given in these tests: a host and an error component of our own, which keep a log of what is
+// asked of them. The component itself is the built DLL, reached through COM alone.
 
 // A report as the error component gets it.
 struct Report {
@@ -39,7 +39,7 @@ public:
 
     std::vector<Report> Reports;
     std::vector<std::wstring> Constructed;  // the arguments of Constructor, joined
-    std::vector<std::wstring> Told;  // Alert and LogEvent, with their arguments
+    std::vector<std::wstring> Told;         // Alert and LogEvent, with their arguments
     bool DisplayAlerts = true;
     bool CannotBeCreated = false;
     bool ErrorMessageFails = false;
@@ -84,7 +84,7 @@ private:
 
 // The editor's window, found from outside.
 namespace EditorWindow {
-HWND Find();  // null when none is shown
+HWND Find();                                               // null when none is shown
 HWND Child(const wchar_t* windowClass, int position = 0);  // in creation order, however deep
 HWND Editor();
 std::wstring Text();
@@ -127,7 +127,8 @@ protected:
     ComponentFixture();
     ~ComponentFixture() override;
     // Constructor with a database, Display with the text, closing it at once; returns what came back.
-    std::wstring DisplayAndClose(const Object& editor, const std::wstring& sql, const std::function<void()>& inside = {});
+    std::wstring DisplayAndClose(const Object& editor, const std::wstring& sql,
+                                 const std::function<void()>& inside = {});
 
     FakeErrors Errors;
     FakeDatabase Database;

@@ -71,8 +71,8 @@ TEST_F(ReportTest, AnErrorOfTheErrorComponentTravelsUpThroughTheTraps) {
 }
 
 TEST_F(ReportTest, AnEventThatCannotBeReportedEndsTheWindowAndFreesTheHost) {
-    const HWND host = CreateWindowExW(0, L"Static", L"host", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 0, 0, 99, 99, nullptr, nullptr,
-                                      nullptr, nullptr);
+    const HWND host = CreateWindowExW(0, L"Static", L"host", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 0, 0, 99, 99, nullptr,
+                                      nullptr, nullptr, nullptr);
     const Object editor = Dll.Create();
     editor.Call(L"Constructor", Object());
     std::wstring sql = L"x";

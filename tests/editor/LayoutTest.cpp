@@ -27,7 +27,8 @@ protected:
         RECT bounds;
         GetWindowRect(window, &bounds);
         MapWindowPoints(nullptr, EditorWindow::Find(), reinterpret_cast<POINT*>(&bounds), 2);
-        return {Twips(bounds.left), Twips(bounds.top), Twips(bounds.right - bounds.left), Twips(bounds.bottom - bounds.top)};
+        return {Twips(bounds.left), Twips(bounds.top), Twips(bounds.right - bounds.left),
+                Twips(bounds.bottom - bounds.top)};
     }
     static HWND Control(int id) { return GetDlgItem(EditorWindow::Find(), id); }
     static HWND Tab(int index) { return Control(1010 + index); }
@@ -44,11 +45,13 @@ protected:
     static void Resize(float width, float height) {
         SetWindowPos(EditorWindow::Find(), nullptr, 0, 0, Pixels(width), Pixels(height), SWP_NOMOVE | SWP_NOZORDER);
     }
-    // Drags the splitter so that the mouse is `distance` twips from where it took the grip; `middle` runs before it lets go.
+    // Drags the splitter so that the mouse is `distance` twips from where it took the grip; `middle` runs before it
+    // lets go.
     static void Drag(float distance, const std::function<void()>& middle = {}) {
         const HWND grip = Grip();
         SendMessageW(grip, WM_LBUTTONDOWN, MK_LBUTTON, 0);
-        SendMessageW(grip, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(static_cast<WORD>(static_cast<short>(Pixels(distance + 100000) - Pixels(100000))), 5));
+        SendMessageW(grip, WM_MOUSEMOVE, MK_LBUTTON,
+                     MAKELPARAM(static_cast<WORD>(static_cast<short>(Pixels(distance + 100000) - Pixels(100000))), 5));
         if (middle) middle();
         SendMessageW(grip, WM_LBUTTONUP, 0, 0);
     }
@@ -195,12 +198,23 @@ TEST_F(LayoutTest, ARealMouseDragsTheSplitterByTheEdgeOfAPane) {
                 SendInput(1, &input, sizeof input);
             };
             switch (step++) {
-                case 0: move(grip.x); break;
-                case 1: button(MOUSEEVENTF_LEFTDOWN); break;
-                case 2: move(grip.x + 30); break;
-                case 3: move(grip.x + 60); break;
-                case 4: button(MOUSEEVENTF_LEFTUP); break;
-                case 5: break;
+                case 0:
+                    move(grip.x);
+                    break;
+                case 1:
+                    button(MOUSEEVENTF_LEFTDOWN);
+                    break;
+                case 2:
+                    move(grip.x + 30);
+                    break;
+                case 3:
+                    move(grip.x + 60);
+                    break;
+                case 4:
+                    button(MOUSEEVENTF_LEFTUP);
+                    break;
+                case 5:
+                    break;
                 default:
                     KillTimer(nullptr, id);
                     after = Of(Tab(0)).Width;

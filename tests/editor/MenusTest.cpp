@@ -37,9 +37,10 @@ TEST_F(MenusTest, HaveTheirEntriesInOrder) {
     Inside([] {
         EXPECT_EQ(L"&File|&Edit|&Action|&View|", Texts(GetMenu(EditorWindow::Find())));
         EXPECT_EQ(L"&New|&Open...|&Save|Save &As...|&Print...|&Close|", Texts(Menu(0)));
-        EXPECT_EQ(L"Cu&t|&Copy|&Paste|&Delete|Make &Lower Case|Make &Upper Case|&Find...|Find &Next|&Replace...|&Goto...|"
-                  L"Select &All|Time/&Date|",
-                  Texts(Menu(1)));
+        EXPECT_EQ(
+            L"Cu&t|&Copy|&Paste|&Delete|Make &Lower Case|Make &Upper Case|&Find...|Find &Next|&Replace...|&Goto...|"
+            L"Select &All|Time/&Date|",
+            Texts(Menu(1)));
         EXPECT_EQ(L"&Select|&Insert|&Update|&Delete|&Execute|&Create|&Tasks|", Texts(Menu(2)));
         EXPECT_EQ(L"undefined|undefined|undefined|", Texts(GetSubMenu(Menu(2), 6)));
         EXPECT_EQ(L"&StatusBar|&Object Browser|System Tables&Views|", Texts(Menu(3)));

@@ -4,7 +4,8 @@
 #include "editor/frmSQLEditor.h"
 #include "errors/clsErrorHandler.h"
 
-// The window itself, made from the component's parts, with schemas in its tree: the next window of a host that has filled them.
+// The window itself, made from the component's parts, with schemas in its tree: the next window of a host that has
+// filled them.
 namespace {
 
 class OwnerTest : public testing::Test {
@@ -60,9 +61,10 @@ TEST_F(OwnerTest, AWindowWithoutItsCatalogueReportsAndLives) {
     ListItems.reset();
     EditorForm = std::make_shared<frmSQLEditor>();
     EditorForm->Load();
-    EXPECT_EQ(L"modLists.PopulateAnsiSQLCommands 91|modLists.PopulateDatabaseSpecificCommands 91|"
-              L"modLists.PopulateKolvexCommands 91",
-              Errors.Places());
+    EXPECT_EQ(
+        L"modLists.PopulateAnsiSQLCommands 91|modLists.PopulateDatabaseSpecificCommands 91|"
+        L"modLists.PopulateKolvexCommands 91",
+        Errors.Places());
 }
 
 TEST_F(OwnerTest, WithoutAnOwnerNothingIsLookedFor) {

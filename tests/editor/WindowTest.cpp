@@ -146,8 +146,8 @@ TEST_F(WindowTest, TheRootFollowsTheConnection) {
 }
 
 TEST_F(WindowTest, TheHostsWindowsAreDisabledMeanwhile) {
-    const HWND host = CreateWindowExW(0, L"Static", L"host", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 0, 0, 99, 99, nullptr, nullptr,
-                                      nullptr, nullptr);
+    const HWND host = CreateWindowExW(0, L"Static", L"host", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 0, 0, 99, 99, nullptr,
+                                      nullptr, nullptr, nullptr);
     Inside([&] { EXPECT_FALSE(IsWindowEnabled(host)); });
     EXPECT_TRUE(IsWindowEnabled(host));
     DestroyWindow(host);

@@ -52,9 +52,9 @@ TEST(Events, ReachTheControlWhenAnotherProcedureLiesOverIts) {
     page.Button.Click = [&] { ++clicks; };
     static WNDPROC below;
     below = reinterpret_cast<WNDPROC>(SetWindowLongPtrW(
-        page.Button.Handle(), GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(+[](HWND w, UINT m, WPARAM a, LPARAM b) WINAPI -> LRESULT {
-            return CallWindowProcW(below, w, m, a, b);
-        })));
+        page.Button.Handle(), GWLP_WNDPROC,
+        reinterpret_cast<LONG_PTR>(+[](HWND w, UINT m, WPARAM a, LPARAM b)
+                                        WINAPI -> LRESULT { return CallWindowProcW(below, w, m, a, b); })));
     page.Button.Send(BM_CLICK);
     EXPECT_EQ(1, clicks);
 }

@@ -20,8 +20,8 @@ long NumberOf(Work&& work) {
 class TopWindow {
 public:
     TopWindow()
-        : top_(CreateWindowExW(0, L"Static", L"top", WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN, 0, 0, 600, 500, nullptr, nullptr,
-                               GetModuleHandleW(nullptr), nullptr)) {
+        : top_(CreateWindowExW(0, L"Static", L"top", WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN, 0, 0, 600, 500, nullptr,
+                               nullptr, GetModuleHandleW(nullptr), nullptr)) {
         container_.Create(top_, 1);
         container_.Move(0, 0, 9000, 7000);
     }

@@ -61,6 +61,7 @@ TEST(Label, KeepsAnAmpersandAndWraps) {
     EXPECT_EQ(L"R&D: a table", label.WindowCaption());
     const float line = label.HeightFor(100000);
     EXPECT_GT(line, 0);
-    label.SetCaption(L"R&D: a basic unit of data storage in the SALES schema. Open to view the column definition of this table.");
+    label.SetCaption(
+        L"R&D: a basic unit of data storage in the SALES schema. Open to view the column definition of this table.");
     EXPECT_GE(label.HeightFor(1500), 3 * line);
 }

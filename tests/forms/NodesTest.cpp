@@ -64,7 +64,8 @@ TEST(Nodes, RelationshipsOtherThanChild) {
     // The control shows the same order.
     std::wstring shown;
     for (auto item = reinterpret_cast<HTREEITEM>(tree.View.Send(TVM_GETNEXTITEM, TVGN_ROOT)); item != nullptr;
-         item = reinterpret_cast<HTREEITEM>(tree.View.Send(TVM_GETNEXTITEM, TVGN_NEXT, reinterpret_cast<LPARAM>(item)))) {
+         item =
+             reinterpret_cast<HTREEITEM>(tree.View.Send(TVM_GETNEXTITEM, TVGN_NEXT, reinterpret_cast<LPARAM>(item)))) {
         wchar_t text[50];
         TVITEMW read{};
         read.mask = TVIF_TEXT;

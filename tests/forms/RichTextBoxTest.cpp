@@ -24,7 +24,8 @@ struct Editor {
 
 std::wstring Statements(int count) {
     std::wstring text;
-    for (int at = 0; at < count; ++at) text += L"select column_" + std::to_wstring(at) + L" from table_name where x = 'abc'\r\n";
+    for (int at = 0; at < count; ++at)
+        text += L"select column_" + std::to_wstring(at) + L" from table_name where x = 'abc'\r\n";
     return text;
 }
 
@@ -34,9 +35,9 @@ TEST(RichTextBox, TextComesOutAsItWentIn) {
     Editor editor;
     using namespace std::string_literals;
     for (const std::wstring& text :
-         {L""s, L"select 1\r\nfrom dual"s, L"a\r\n"s, L"\r\n\r\n"s, L"\t x \t"s, L"{\\rtf1 hello {\\b bold}}"s, L"{\\urtf1 x}"s,
-          L"a\0b\r\nc\0\0d"s, L"x\xD800y\xDC00z"s, L"x\xD83D\xDE00z"s, L"\xFEFFx"s, L"\x05E9\x05DC\x05D5\x05DD abc"s,
-          L"e\x0301"s, L"x\x2028y\x2029z"s}) {
+         {L""s, L"select 1\r\nfrom dual"s, L"a\r\n"s, L"\r\n\r\n"s, L"\t x \t"s, L"{\\rtf1 hello {\\b bold}}"s,
+          L"{\\urtf1 x}"s, L"a\0b\r\nc\0\0d"s, L"x\xD800y\xDC00z"s, L"x\xD83D\xDE00z"s, L"\xFEFFx"s,
+          L"\x05E9\x05DC\x05D5\x05DD abc"s, L"e\x0301"s, L"x\x2028y\x2029z"s}) {
         EXPECT_EQ(text, editor.Through(text));
         EXPECT_EQ(static_cast<long>(text.size()), editor.Box.TextLength());
     }

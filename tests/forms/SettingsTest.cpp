@@ -12,11 +12,14 @@ class SettingsTest : public testing::Test {
 protected:
     void SetUp() override { Clear(); }
     void TearDown() override { Clear(); }
-    static void Clear() { RegDeleteTreeW(HKEY_CURRENT_USER, Root); RegDeleteKeyW(HKEY_CURRENT_USER, Root); }
+    static void Clear() {
+        RegDeleteTreeW(HKEY_CURRENT_USER, Root);
+        RegDeleteKeyW(HKEY_CURRENT_USER, Root);
+    }
     static void Put(DWORD type, const void* data, DWORD bytes) {
         HKEY key;
-        ASSERT_EQ(ERROR_SUCCESS, RegCreateKeyExW(HKEY_CURRENT_USER, (std::wstring(Root) + L"\\Settings").c_str(), 0, nullptr, 0,
-                                                 KEY_SET_VALUE, nullptr, &key, nullptr));
+        ASSERT_EQ(ERROR_SUCCESS, RegCreateKeyExW(HKEY_CURRENT_USER, (std::wstring(Root) + L"\\Settings").c_str(), 0,
+                                                 nullptr, 0, KEY_SET_VALUE, nullptr, &key, nullptr));
         RegSetValueExW(key, L"Key", 0, type, static_cast<const BYTE*>(data), bytes);
         RegCloseKey(key);
     }
@@ -51,8 +54,8 @@ TEST_F(SettingsTest, AValueWithoutItsEndingNulAndOneOfAnotherType) {
 TEST_F(SettingsTest, AStoreThatRefusesIsAnError) {
     // Below a volatile key no lasting one can be made.
     HKEY key;
-    ASSERT_EQ(ERROR_SUCCESS, RegCreateKeyExW(HKEY_CURRENT_USER, Root, 0, nullptr, REG_OPTION_VOLATILE, KEY_ALL_ACCESS, nullptr,
-                                             &key, nullptr));
+    ASSERT_EQ(ERROR_SUCCESS, RegCreateKeyExW(HKEY_CURRENT_USER, Root, 0, nullptr, REG_OPTION_VOLATILE, KEY_ALL_ACCESS,
+                                             nullptr, &key, nullptr));
     RegCloseKey(key);
     try {
         SaveSetting(L"FormsTest", L"Settings", L"Key", L"x");

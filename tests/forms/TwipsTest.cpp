@@ -16,7 +16,8 @@ TEST(Twips, RoundToTheNearestPixelHalvesToEven) {
 
 TEST(Twips, PixelsComeBackExactly) {
     for (const UINT dpi : {96U, 120U, 144U, 168U, 192U}) {
-        for (int pixels = -3000; pixels < 5000; pixels += 7) EXPECT_EQ(pixels, TwipsToPixels(PixelsToTwips(pixels, dpi), dpi));
+        for (int pixels = -3000; pixels < 5000; pixels += 7)
+            EXPECT_EQ(pixels, TwipsToPixels(PixelsToTwips(pixels, dpi), dpi));
     }
     EXPECT_FLOAT_EQ(1005, PixelsToTwips(67, 96));
     EXPECT_FLOAT_EQ(10, PixelsToTwips(1, 144));

@@ -5,8 +5,8 @@
 #include <cstdio>
 #include <cwchar>
 
-// Makes the component by its name where nothing is registered: the manifest beside this program tells where it is. Prints the file that
-// was loaded. Exit code 1 when a step fails.
+// Makes the component by its name where nothing is registered: the manifest beside this program tells where it is.
+// Prints the file that was loaded. Exit code 1 when a step fails.
 int wmain() {
     CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
     CLSID id;

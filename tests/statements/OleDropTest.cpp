@@ -198,17 +198,23 @@ protected:
 }  // namespace
 
 TEST_F(FileDropTest, EachFileComesWithALineBreakBehindIt) {
-    EXPECT_EQ(L"select 1\r\nselect 2\r\nfrom t\r\n", Drop({File(L"one.sql", "select 1"), File(L"empty.sql", ""),
-                                                            File(L"two.txt", "select 2\r\nfrom t")}));
+    EXPECT_EQ(L"select 1\r\nselect 2\r\nfrom t\r\n",
+              Drop({File(L"one.sql", "select 1"), File(L"empty.sql", ""), File(L"two.txt", "select 2\r\nfrom t")}));
     EXPECT_EQ(L"", Errors.Places());
 }
 
 TEST_F(FileDropTest, EveryEncodingIsRead) {
-    const std::string little("\xff\xfe" "a\0\x2d\x4e", 6);
-    const std::string big("\xfe\xff" "\0b\x4e\x2d", 6);
+    const std::string little(
+        "\xff\xfe"
+        "a\0\x2d\x4e",
+        6);
+    const std::string big(
+        "\xfe\xff"
+        "\0b\x4e\x2d",
+        6);
     EXPECT_EQ(L"\u00eb\u4e2d\r\nZ\u00eb\r\na\u4e2d\r\nb\u4e2d\r\n\u00e9!\r\n",
-              Drop({File(L"utf8.sql", "\xc3\xab\xe4\xb8\xad"), File(L"mark.sql", "\xef\xbb\xbfZ\xc3\xab"), File(L"le.sql", little),
-                    File(L"be.sql", big), File(L"ansi.sql", "\xe9!")}));
+              Drop({File(L"utf8.sql", "\xc3\xab\xe4\xb8\xad"), File(L"mark.sql", "\xef\xbb\xbfZ\xc3\xab"),
+                    File(L"le.sql", little), File(L"be.sql", big), File(L"ansi.sql", "\xe9!")}));
     EXPECT_EQ(L"", Errors.Places());
 }
 

@@ -317,7 +317,8 @@ void PrintPlace(HWND window, POINT point) {
     PrintLine(std::to_wstring(point.x) + L" " + std::to_wstring(point.y));
 }
 
-// The beginning of the text of the first node that shows, or would if the tree were higher, and has the text. Scrolls there.
+// The beginning of the text of the first node that shows, or would if the tree were higher, and has the text. Scrolls
+// there.
 void NodePlace(const Arguments& arguments) {
     HWND tree = DescendantOfClass(WaitForEditor(), WC_TREEVIEWW, NumberAt(arguments, 1));
     const std::wstring wanted = arguments.size() > 2 ? arguments[2] : std::wstring();
@@ -331,7 +332,8 @@ void NodePlace(const Arguments& arguments) {
         request.pszText = reinterpret_cast<wchar_t*>(memory.Address(sizeof(TVITEMW)));
         request.cchTextMax = Capacity;
         memory.Write(&request, sizeof request);
-        if (!Send(tree, TVM_GETITEMW, 0, memory.Address()) || memory.ReadText(Capacity, sizeof(TVITEMW)) != wanted) continue;
+        if (!Send(tree, TVM_GETITEMW, 0, memory.Address()) || memory.ReadText(Capacity, sizeof(TVITEMW)) != wanted)
+            continue;
         Send(tree, TVM_ENSUREVISIBLE, 0, item);
         RECT rect = {};
         memory.Write(&rect, sizeof rect);
@@ -376,7 +378,8 @@ void RowPlace(const Arguments& arguments) {
 void CharacterPlace(const Arguments& arguments) {
     HWND editor = Editor(WaitForEditor());
     RemoteMemory memory(editor, sizeof(POINTL));
-    Send(editor, EM_POSFROMCHAR, static_cast<WPARAM>(memory.Address()), static_cast<LPARAM>(NumberAt(arguments, 1)) - 1);
+    Send(editor, EM_POSFROMCHAR, static_cast<WPARAM>(memory.Address()),
+         static_cast<LPARAM>(NumberAt(arguments, 1)) - 1);
     POINTL point;
     memory.Read(&point, sizeof point);
     PrintPlace(editor, {point.x + 1, point.y + 5});
