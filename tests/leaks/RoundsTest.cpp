@@ -16,7 +16,7 @@ namespace {
 int Rounds() {
     const char* wanted = std::getenv("BRV_ROUNDS");
     const int rounds = wanted != nullptr ? std::atoi(wanted) : 0;
-    return rounds > 20 ? rounds : 40;
+    return rounds > 20 ? rounds : 30;
 }
 
 // What a process has of the system.
