@@ -1,0 +1,6 @@
+Dim Editor, SQL
+Set Editor = CreateObject("brvSQLEditor.clsSQLEditor")
+Editor.Constructor Nothing
+SQL = "select 1"
+Editor.Display SQL
+WScript.Echo SQL
