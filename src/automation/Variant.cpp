@@ -58,6 +58,9 @@ UINT ElementSize(VARTYPE type) noexcept {
     }
 }
 
+// The parts of a decimal leave room for what is none; Wine's conversion to a text writes behind its buffer then.
+bool IsDecimal(const DECIMAL& number) noexcept { return number.scale <= 28 && (number.sign & ~DECIMAL_NEG) == 0; }
+
 // Whether an array holds what its variant says. Elements that own something are marked in the array itself.
 bool HoldsElements(SAFEARRAY* array, VARTYPE type) noexcept {
     const UINT size = ElementSize(type);
@@ -256,9 +259,10 @@ bool Variant::IsNumeric() const noexcept {
         case VT_R4:
         case VT_R8:
         case VT_CY:
-        case VT_DECIMAL:
         case VT_BOOL:
             return true;
+        case VT_DECIMAL:
+            return IsDecimal(decVal);
         case VT_BSTR: {
             double number = 0;
             return SUCCEEDED(VarR8FromStr(bstrVal != nullptr ? bstrVal : const_cast<OLECHAR*>(L""), LOCALE_USER_DEFAULT,
@@ -282,6 +286,7 @@ Variant Variant::ChangedTo(VARTYPE type) const {
     if (IsNull()) RaiseError(ErrorNumber::InvalidUseOfNull);
     if (IsNothing()) RaiseError(ErrorNumber::ObjectNotSet);
     if (IsArray() || IsMissing()) RaiseError(ErrorNumber::TypeMismatch);
+    if (vt == VT_DECIMAL && !IsDecimal(decVal)) RaiseError(ErrorNumber::InvalidProcedureCall);
     Variant changed;
     // Booleans read as words, as the hosts' own conversion writes them.
     Check(VariantChangeTypeEx(&changed, Mutable(this), LOCALE_USER_DEFAULT, VARIANT_ALPHABOOL, type));

@@ -307,3 +307,18 @@ TEST(VariantTest, AnArrayThatLiesAboutItsElementsIsATypeMismatch) {
     EXPECT_EQ(13, NumberOf([&unread] { unread.ToArray(); }));
     unread.vt = VT_ARRAY | VT_I4;
 }
+
+TEST(Variant, ADecimalThatIsNoneIsNoNumber) {
+    for (const auto& [scale, sign] : {std::pair{29, 0}, {200, 0}, {0, 1}, {28, 0x81}}) {
+        Variant value;
+        value.decVal.Lo64 = 0xFFFF;
+        value.decVal.Hi32 = 0;
+        value.decVal.scale = static_cast<BYTE>(scale);
+        value.decVal.sign = static_cast<BYTE>(sign);
+        value.vt = VT_DECIMAL;
+        EXPECT_FALSE(value.IsNumeric());
+        EXPECT_EQ(ErrorNumber::InvalidProcedureCall, NumberOf([&] { value.ToText(); }));
+        EXPECT_EQ(ErrorNumber::InvalidProcedureCall, NumberOf([&] { value.ToLong(); }));
+        EXPECT_EQ(ErrorNumber::InvalidProcedureCall, NumberOf([&] { value.ToDouble(); }));
+    }
+}
