@@ -212,23 +212,25 @@ private:
     }
 
     void Show(VARIANT& argument) {
-        if (argument.vt == (VT_BYREF | VT_BSTR)) {
-            if (argument.pbstrVal != nullptr) ShowBstr(*argument.pbstrVal);
-            return;
-        }
         VARIANT* variable = &argument;
-        // By reference to a variant, which may refer to another one.
-        while (variable->vt == (VT_BYREF | VT_VARIANT) && variable->pvarVal != nullptr) variable = variable->pvarVal;
-        if (variable != &argument && variable->vt == VT_BSTR) {
-            ShowBstr(variable->bstrVal);
-            return;
-        }
+        // By reference to a variant, which may refer to another one, and a wrong one to itself.
+        for (int depth = 0; variable->vt == (VT_BYREF | VT_VARIANT) && variable->pvarVal != nullptr && depth < 8;
+             ++depth)
+            variable = variable->pvarVal;
         if (variable->vt == (VT_BYREF | VT_BSTR) && variable->pbstrVal != nullptr) {
             ShowBstr(*variable->pbstrVal);
             return;
         }
+        if (variable != &argument && variable->vt == VT_BSTR) {
+            ShowBstr(variable->bstrVal);
+            return;
+        }
         std::wstring sql;
-        if (!Converted(L"Display", [&] { sql = Variant(*variable).ToText(); })) return;
+        const bool converted = Converted(L"Display", [&] {
+            if (variable->vt == (VT_BYREF | VT_VARIANT)) RaiseError(ErrorNumber::TypeMismatch);
+            sql = Variant(*variable).ToText();
+        });
+        if (!converted) return;
         const std::wstring before = sql;
         editor_.Display(sql);
         // By value there is no variable to write to; one that held another type becomes a text when the text was

@@ -141,6 +141,23 @@ TEST_F(DisplayTest, ReportsWhatIsNoTextAndShowsNothing) {
     }
 }
 
+TEST_F(DisplayTest, AReferenceThatEndsNowhereIsReported) {
+    const Object editor = Editor();
+    VARIANT itself;
+    itself.vt = VT_BYREF | VT_VARIANT;
+    itself.pvarVal = &itself;
+    VARIANT none;
+    none.vt = VT_BYREF | VT_BSTR;
+    none.pbstrVal = nullptr;
+    for (VARIANT* argument : {&itself, &none}) {
+        Errors.Reports.clear();
+        EXPECT_EQ(S_OK, Invoke(editor, *argument, nullptr));
+        EXPECT_EQ(L"<not shown>", shownText_);
+        EXPECT_EQ(L"clsSQLEditor.Display 13", Errors.Places());
+    }
+    EXPECT_EQ(&itself, itself.pvarVal);
+}
+
 TEST_F(DisplayTest, AFailingTypeNameIsReportedAndNothingIsShown) {
     Database.Members[L"DBTypeName"] = [](const Arguments&) -> Variant { RaiseError(1234, L"brvADO", L"gone"); };
     const Object editor = Dll.Create();
