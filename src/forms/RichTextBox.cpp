@@ -282,10 +282,9 @@ void RichTextBox::Select(long start, long length) {
 }
 
 void RichTextBox::SetSelText(const std::wstring& text) {
+    if (text.find(L"\r\r") != std::wstring::npos) return SetSelText(WithCrLf(text));
     if (text.find(L'\0') != std::wstring::npos) {
         StreamIn(text, SFF_SELECTION);  // the message would end at the NUL character
-    } else if (text.find(L"\r\r") != std::wstring::npos) {
-        Send(EM_REPLACESEL, TRUE, reinterpret_cast<LPARAM>(WithCrLf(text).c_str()));
     } else {
         Send(EM_REPLACESEL, TRUE, reinterpret_cast<LPARAM>(text.c_str()));
     }

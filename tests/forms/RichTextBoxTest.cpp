@@ -4,6 +4,8 @@
 
 #include "Expect.h"
 
+using namespace std::string_literals;
+
 namespace {
 
 struct Editor {
@@ -117,6 +119,16 @@ TEST(RichTextBox, ASelectionIsReplacedByPlainTextInOneStep) {
     EXPECT_EQ(13, editor.Box.SelStart());
     editor.Box.Send(EM_UNDO);
     EXPECT_EQ(L"ab\r\ncd", editor.Box.Text());
+}
+
+TEST(RichTextBox, ADoubledCarriageReturnIsTwoLineEndsBesideANulToo) {
+    Editor editor;
+    for (const auto& [inserted, text] : {std::pair{L"a\r\r\nb"s, L"a\r\n\r\nb"s}, {L"a\0\r\r\nb"s, L"a\0\r\n\r\nb"s}}) {
+        editor.Box.SetText(L"");
+        editor.Box.SetSelText(inserted);
+        EXPECT_EQ(text, editor.Box.Text());
+        EXPECT_EQ(static_cast<long>(text.size()), editor.Box.SelStart());
+    }
 }
 
 TEST(RichTextBox, TakesMoreThanTheControlsFirstLimit) {
