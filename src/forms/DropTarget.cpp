@@ -1,8 +1,11 @@
 #include "forms/DropTarget.h"
 
-#include <shellapi.h>
+#include <shlobj.h>
 
+#include <algorithm>
+#include <cstring>
 #include <new>
+#include <string_view>
 
 #include "automation/Server.h"
 #include "forms/RichText.h"
@@ -81,16 +84,27 @@ std::wstring DroppedData::Text(Format format) const {
     return PlainTextOf(bytes.substr(0, bytes.find('\0')));
 }
 
+// Read here and not by DragQueryFile, which believes whatever the block says of itself and reads on behind its end.
 std::vector<std::wstring> DroppedData::Files() const {
-    FORMATETC request = Request(CF_HDROP, TYMED_HGLOBAL);
-    Medium medium;
-    if (data_->GetData(&request, &medium) != S_OK || medium.tymed != TYMED_HGLOBAL) return {};
-    const auto drop = static_cast<HDROP>(medium.hGlobal);
-    std::vector<std::wstring> files(DragQueryFileW(drop, 0xFFFFFFFF, nullptr, 0));
-    for (UINT at = 0; at < files.size(); ++at) {
-        std::wstring& file = files[at];
-        file.resize(DragQueryFileW(drop, at, nullptr, 0) + size_t{1});
-        file.resize(DragQueryFileW(drop, at, file.data(), static_cast<UINT>(file.size())));
+    const std::string bytes = Bytes(CF_HDROP);
+    DROPFILES header;
+    if (bytes.size() < sizeof header) return {};
+    std::memcpy(&header, bytes.data(), sizeof header);
+    if (header.pFiles < sizeof header || header.pFiles > bytes.size()) return {};
+    const std::string_view rest = std::string_view(bytes).substr(header.pFiles);
+    std::wstring names;
+    if (header.fWide) {
+        names.resize(rest.size() / sizeof(wchar_t));
+        std::memcpy(names.data(), rest.data(), names.size() * sizeof(wchar_t));
+    } else {
+        names = FromCodePage(std::string(rest));
+    }
+    // One after the other, each with a NUL behind it; an empty one, or the end of the block, is the end of the list.
+    std::vector<std::wstring> files;
+    for (size_t at = 0; at < names.size() && names[at] != L'\0';) {
+        const size_t end = std::min(names.find(L'\0', at), names.size());
+        files.push_back(names.substr(at, end - at));
+        at = end + 1;
     }
     return files;
 }

@@ -253,6 +253,35 @@ TEST_F(FileDropTest, ALargeFileIsAskedFor) {
     EXPECT_NE(std::wstring::npos, box.Text.find(L"is 3 MB large"));
 }
 
+// The block is another program's: what it says of itself need not be true.
+TEST_F(FileDropTest, ADamagedListIsReadWithinItsBlock) {
+    struct Header {
+        DWORD Names;
+        POINT Point;
+        BOOL NonClient;
+        BOOL Wide;
+    };
+    const std::wstring path = File(L"x.sql", "x");
+    const std::string name(reinterpret_cast<const char*>(path.data()), path.size() * sizeof(wchar_t));
+    const auto dropped = [&](DWORD names, const std::string& rest) {
+        const Header header{names, {}, FALSE, TRUE};
+        TestData data;
+        data.Add(CF_HDROP, std::string(reinterpret_cast<const char*>(&header), sizeof header) + rest);
+        return Inside([&] { DropOnEditor(data, PlaceOf(0)); }, L"");
+    };
+    EXPECT_EQ(L"x\r\n", dropped(sizeof(Header), name));                         // no end at all
+    EXPECT_EQ(L"x\r\n", dropped(sizeof(Header), name + std::string(2, '\0')));  // none of the list
+    EXPECT_EQ(L"x\r\nx\r\n", dropped(sizeof(Header), name + std::string(2, '\0') + name + std::string(3, '\0')));
+    EXPECT_EQ(L"", dropped(sizeof(Header), ""));
+    for (const DWORD outside :
+         {DWORD{0}, DWORD{sizeof(Header) - 1}, DWORD{0x1000}, DWORD{0x7FFFFFFF}, DWORD{0xFFFFFFFF}})
+        EXPECT_EQ(L"", dropped(outside, name + std::string(4, '\0')));
+    TestData shorter;
+    shorter.Add(CF_HDROP, std::string(sizeof(Header) - 1, '\x14'));
+    EXPECT_EQ(L"", Inside([&] { DropOnEditor(shorter, PlaceOf(0)); }, L""));
+    EXPECT_EQ(L"", Errors.Places());
+}
+
 TEST_F(FileDropTest, BinaryBytesDoNotCutTheText) {
     const std::wstring text = Drop({File(L"binary.sql", std::string("a\0b", 3))});
     EXPECT_EQ(std::wstring(L"a\0b\r\n", 5), text);
