@@ -8,6 +8,11 @@
 // The window class of the platform's Unicode rich edit control; its library is loaded once and stays.
 const wchar_t* RichEditClass();
 
+// Rich text as it is handed to the control: without pictures, data of objects and other binary data, none of which it
+// keeps as the editor uses it. False: its groups are deeper, or its words and names longer, than any writer makes them,
+// so that no reader need be ready for them.
+bool ForControl(std::string_view rtf, std::string& cleaned);
+
 // What rich text says, lines ended by CR LF; empty when it cannot be read.
 std::wstring PlainTextOf(std::string_view rtf);
 

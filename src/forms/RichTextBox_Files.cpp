@@ -105,12 +105,13 @@ void RichTextBox::SetRichText(std::string_view rtf) {
     if (rtf.empty()) return SetText({});
     // Whatever is wrong with it is found out where nothing can be lost.
     std::wstring text;
-    if (!IsRichText(rtf) || !ReadRichText(rtf, text)) RaiseError(InvalidFileFormat);
+    std::string cleaned;
+    if (!IsRichText(rtf) || !ForControl(rtf, cleaned) || !ReadRichText(rtf, text)) RaiseError(InvalidFileFormat);
     bool counts = true;
     {
         const Filling filling(filling_);
         Replace();
-        std::string_view rest = rtf;
+        std::string_view rest = cleaned;
         EDITSTREAM stream{};
         stream.dwCookie = reinterpret_cast<DWORD_PTR>(&rest);
         stream.pfnCallback = &ReadBytes;

@@ -98,6 +98,45 @@ TEST(RichTextBox, AFileThatCannotBeLoadedChangesNothing) {
     EXPECT_EQ(editor.Path, editor.Box.FileName);
 }
 
+// Readers keep groups in a stack and words and names in buffers: the one of Wine writes behind theirs.
+TEST(RichTextBox, ARichTextBeyondAllMeasureIsRefused) {
+    Editor editor;
+    editor.Load("one\n", Plain);
+    const auto repeated = [](size_t times, const char* what) {
+        std::string all;
+        while (times-- > 0) all += what;
+        return all;
+    };
+    for (const std::string& broken :
+         {"{\\rtf1 "s + repeated(100, "{") + "x" + repeated(100, "}") + "}",
+          "{\\rtf1 \\"s + repeated(5000, "a") + " x}", "{\\rtf1 \\b"s + repeated(5000, "1") + " x}",
+          "{\\rtf1{\\fonttbl{\\f0 "s + repeated(3000, "n") + ";}}x}",
+          "{\\rtf1{\\stylesheet{\\s1 "s + repeated(1000, "\\'6e") + ";}}x}"}) {
+        EXPECT_EQ(321, NumberOf([&] { editor.Load(broken, Rich); })) << broken.substr(0, 40);
+        EXPECT_EQ(L"one\r\n", editor.Box.Text());
+        EXPECT_EQ(L"", PlainTextOf(broken));
+    }
+    for (const std::string& usual : {"{\\rtf1 "s + repeated(29, "{") + "x" + repeated(29, "}") + "}",
+                                     "{\\rtf1 \\"s + repeated(32, "a") + "-1234567890 x}",
+                                     "{\\rtf1{\\fonttbl{\\f0 "s + repeated(31, "\\'6e") + ";}}x}",
+                                     "{\\rtf1{\\info{\\title "s + repeated(3000, "n") + "}}x}"}) {
+        editor.Load(usual, Rich);
+        EXPECT_EQ(L"x", editor.Box.Text());
+    }
+}
+
+// Pictures have no place in SQL, and one that is cut off brings the reader of Wine down.
+TEST(RichTextBox, PicturesAndBinaryDataAreLeftOut) {
+    Editor editor;
+    for (const std::string& picture :
+         {"{\\pict\\wmetafile8\\picw100\\pich100 010009000003}"s, "{\\*\\shppict{\\pict\\pngblip 00}}"s,
+          "{\\pict\\wmetafile8\\bin5 }}}}}}"s, "{\\p\\bin0 ict\\wmetafile8 010009000003}"s, "\\bin3 {{{"s,
+          "{\\object\\objemb{\\*\\objdata 0105000002{}}}"s}) {
+        editor.Load("{\\rtf1 a" + picture + "b}", Rich);
+        EXPECT_EQ(picture.find("ict\\w") == 9 ? L"aict010009000003b" : L"ab", editor.Box.Text()) << picture;
+    }
+}
+
 TEST(RichTextBox, SavesWhatRichTextCannotHoldAsPlainTextOnly) {
     Editor editor;
     editor.Box.SetText(L"a\0b"s);
