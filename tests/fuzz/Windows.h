@@ -1,0 +1,15 @@
+#pragma once
+
+#include <windows.h>
+#include <commctrl.h>
+
+#include <string>
+
+// The editor's window read without a limit, and past NUL.
+std::wstring EditorText();              // the rich edit control's, line ends as CR LF
+std::wstring NodeText(HTREEITEM item);  // as the tree of the object browser shows it
+std::wstring LabelText();               // the description
+
+// Puts a text into the editor, and selects from one of its characters (as the control counts) to another.
+void PutText(const std::wstring& text);
+void SelectText(long from, long to);
