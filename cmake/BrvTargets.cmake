@@ -7,6 +7,28 @@ add_compile_definitions(UNICODE _UNICODE WINVER=0x0A00 _WIN32_WINNT=0x0A00)
 add_compile_options($<$<COMPILE_LANGUAGE:CXX>:-Wall> $<$<COMPILE_LANGUAGE:CXX>:-Wextra>
     $<$<COMPILE_LANGUAGE:CXX>:-ffunction-sections> $<$<COMPILE_LANGUAGE:CXX>:-fdata-sections>)
 
+# A build whose every program and DLL ends at the first undefined behaviour, wrong index or damaged block of the heap, for scripts/test-traps.
+# MinGW brings no run-time library for the sanitizers, so a check that fails is an instruction that the processor does not have.
+option(BRV_TRAPS "End at undefined behaviour and at damage to the heap" OFF)
+if(BRV_TRAPS)
+    # All that GCC counts as undefined but vptr, which it drops by itself where there is no run-time library. What it counts apart:
+    # conversions that do not fit and indices behind the end of what closes a structure. Division of floating-point numbers by zero is
+    # left out: it has a result, which the conversion to an integer is then caught at.
+    set(brv_traps -fsanitize=undefined,float-cast-overflow,bounds-strict -fsanitize-undefined-trap-on-error -fstack-protector-strong)
+    # Off in a Release build; -O1 and no common tail, so that a trap tells the line that it is for.
+    add_compile_options($<$<COMPILE_LANGUAGE:C,CXX>:-O1> $<$<COMPILE_LANGUAGE:C,CXX>:-g> $<$<COMPILE_LANGUAGE:C,CXX>:-fno-crossjumping>
+        $<$<COMPILE_LANGUAGE:C,CXX>:-fno-omit-frame-pointer>)
+    foreach(option IN LISTS brv_traps)
+        add_compile_options($<$<COMPILE_LANGUAGE:C,CXX>:${option}>)
+    endforeach()
+    add_link_options(-fstack-protector-strong)
+    add_compile_definitions($<$<COMPILE_LANGUAGE:CXX>:_GLIBCXX_ASSERTIONS>)
+    # Takes the place of new and delete in each program and DLL from here on.
+    add_library(brv_checked_heap OBJECT ${CMAKE_SOURCE_DIR}/tests/traps/CheckedHeap.cpp)
+    link_libraries(brv_checked_heap)
+    set(brv_heap_sweep ${CMAKE_SOURCE_DIR}/tests/traps/HeapSweep.cpp)
+endif()
+
 # No run-time library beside a DLL or program; loaded at a random address; data not executable.
 # The reading of a type library and the .def files need names without the @bytes of stdcall.
 add_link_options(-static -static-libgcc -static-libstdc++
@@ -125,7 +147,7 @@ function(brv_add_test name)
         return()
     endif()
     cmake_parse_arguments(PARSE_ARGV 1 arg "" "TIMEOUT" "SOURCES;RC;LIBRARIES;LABELS;ARGUMENTS")
-    add_executable(${name} ${arg_SOURCES} ${arg_RC})
+    add_executable(${name} ${arg_SOURCES} ${brv_heap_sweep} ${arg_RC})
     brv_resource_inputs(${arg_RC})
     target_include_directories(${name} PRIVATE ${CMAKE_CURRENT_SOURCE_DIR})
     target_link_libraries(${name} PRIVATE ${arg_LIBRARIES} gtest_main gtest)
@@ -133,6 +155,9 @@ function(brv_add_test name)
     add_test(NAME ${name} COMMAND ${name} ${arg_ARGUMENTS})
     if(NOT arg_TIMEOUT)
         set(arg_TIMEOUT 120)
+    endif()
+    if(BRV_TRAPS)
+        math(EXPR arg_TIMEOUT "3 * ${arg_TIMEOUT}")
     endif()
     if(NOT arg_LABELS)
         get_filename_component(arg_LABELS ${CMAKE_CURRENT_SOURCE_DIR} NAME)

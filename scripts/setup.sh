@@ -238,6 +238,14 @@ leave_prefix() {
     exec 9>&-
 }
 
+# check_heaps: from here on the heaps of all programs of the prefix fill what is freed and what lies behind a block (FLG_HEAP_ENABLE_TAIL_CHECK,
+# FLG_HEAP_ENABLE_FREE_CHECK, FLG_HEAP_VALIDATE_PARAMETERS, as gflags sets them for the whole system). Windows looks at it when a block is
+# freed, Wine only when HeapValidate asks: the tests do so after each of them (tests/traps/HeapSweep.cpp).
+check_heaps() {
+    run_wine reg add 'HKLM\System\CurrentControlSet\Control\Session Manager' /v GlobalFlag /t REG_DWORD /d 0x70 /f >/dev/null 2>&1 ||
+        die "the checking of the heap could not be set"
+}
+
 # run_wine PROGRAM ARGUMENTS...: a Windows program that gets neither our locks nor a terminal, which would make Wine draw
 # a console of its own on it.
 run_wine() { wine "$@" </dev/null 9>&-; }
