@@ -172,8 +172,9 @@ struct CloseFile {
 };
 using FileHandle = std::unique_ptr<HANDLE, CloseFile>;
 
-FileHandle Open(const std::wstring& path, DWORD access, DWORD share, DWORD disposition) {
-    const HANDLE file = CreateFileW(path.c_str(), access, share, nullptr, disposition, FILE_ATTRIBUTE_NORMAL, nullptr);
+FileHandle Open(const std::wstring& path, DWORD access, DWORD share, DWORD disposition, DWORD flags = 0) {
+    const HANDLE file =
+        CreateFileW(path.c_str(), access, share, nullptr, disposition, FILE_ATTRIBUTE_NORMAL | flags, nullptr);
     return FileHandle(file == INVALID_HANDLE_VALUE ? nullptr : file);
 }
 
@@ -242,14 +243,16 @@ wchar_t DriveOf(const std::wstring& path) noexcept {
 // The file beside the one that is written. It goes away unless it took the other's place.
 class Temporary {
 public:
-    explicit Temporary(const std::wstring& target) {
-        GUID random;
-        if (FAILED(CoCreateGuid(&random))) RaiseError(ErrorNumber::OutOfMemory);
-        wchar_t name[40]{};
-        StringFromGUID2(random, name, 40);
-        path_ = target.substr(0, target.find_last_of(L'\\') + 1) + L"~" + name + L".tmp";
-        file_ = Open(path_, GENERIC_WRITE, 0, CREATE_NEW);
-        if (!file_) RaiseFileError(GetLastError());
+    Temporary(const std::wstring& target, const std::function<std::wstring()>& name) : name_(name) {
+        const std::wstring folder = FolderOf(target);
+        for (int attempt = 0; !file_; ++attempt) {
+            path_ = folder + name();
+            // By itself CREATE_NEW goes through a link that leads to nothing, and makes the file that it names.
+            file_ = Open(path_, GENERIC_WRITE, 0, CREATE_NEW, FILE_FLAG_OPEN_REPARSE_POINT);
+            const DWORD error = file_ ? ERROR_SUCCESS : GetLastError();
+            const bool taken = error == ERROR_FILE_EXISTS || error == ERROR_ALREADY_EXISTS;
+            if (!file_ && (!taken || attempt >= 5)) RaiseFileError(error);
+        }
     }
     ~Temporary() {
         file_.reset();
@@ -274,22 +277,30 @@ public:
         kept_ = true;
     }
     void Replace(const std::wstring& target) {
+        // The old file is put aside until the new one has its name: so ReplaceFile loses neither when it fails halfway.
+        // Wine would use a file of its own for that, and leave it there after a failure.
+        const std::wstring aside = FolderOf(target) + name_();
         DWORD flags = 0;
         // ReplaceFile does this by itself, but not under Wine, and what stands in for it below does not either.
         constexpr DWORD kept = FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM | FILE_ATTRIBUTE_NOT_CONTENT_INDEXED;
         const DWORD attributes = GetFileAttributesW(target.c_str());
+        if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0) {
+            RaiseFileError(ERROR_ACCESS_DENIED);  // Wine would put a folder aside too
+        }
         if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & kept) != 0) {
             SetFileAttributesW(path_.c_str(), (attributes & kept) | FILE_ATTRIBUTE_ARCHIVE);
         }
         // A scanner that looks at the new file may hold it for a moment.
         for (int attempt = 0;; ++attempt) {
-            if (ReplaceFileW(target.c_str(), path_.c_str(), nullptr, flags, nullptr, nullptr)) break;
+            if (ReplaceFileW(target.c_str(), path_.c_str(), aside.c_str(), flags, nullptr, nullptr)) break;
             const DWORD error = GetLastError();
             if (GetFileAttributesW(target.c_str()) == INVALID_FILE_ATTRIBUTES &&
                 GetLastError() == ERROR_FILE_NOT_FOUND) {
-                // It got as far as removing the old file: what is here now is the only copy.
-                kept_ = true;
-                return Become(target);
+                // It got as far as putting the old file aside, or somebody else removed it.
+                if (MoveFileExW(path_.c_str(), target.c_str(), MOVEFILE_WRITE_THROUGH)) break;
+                const DWORD reason = GetLastError();
+                MoveFileExW(aside.c_str(), target.c_str(), MOVEFILE_WRITE_THROUGH);
+                RaiseFileError(reason);
             }
             if (error == ERROR_ACCESS_DENIED && flags == 0) {
                 // Who may write the file need not have the right to give the new one its access list.
@@ -309,9 +320,15 @@ public:
             Sleep(20);
         }
         kept_ = true;
+        DeleteFileW(aside.c_str());
     }
 
 private:
+    static std::wstring FolderOf(const std::wstring& target) {
+        return target.substr(0, target.find_last_of(L'\\') + 1);
+    }
+
+    const std::function<std::wstring()>& name_;
     std::wstring path_;
     FileHandle file_;
     bool kept_ = false;
@@ -392,7 +409,15 @@ std::string ReadBytes(const std::wstring& path, uint64_t limit) {
 
 Contents Read(const std::wstring& path, uint64_t limit) { return Decode(ReadBytes(path, limit)); }
 
-void Write(const std::wstring& path, std::string_view bytes) {
+std::wstring UnknownName() {
+    GUID random;
+    if (FAILED(CoCreateGuid(&random))) RaiseError(ErrorNumber::OutOfMemory);
+    wchar_t text[40]{};
+    StringFromGUID2(random, text, 40);
+    return std::wstring(L"~") + text + L".tmp";
+}
+
+void Write(const std::wstring& path, std::string_view bytes, const std::function<std::wstring()>& name) {
     std::wstring target = FullPath(path);
     bool exists = false;
     {
@@ -416,7 +441,7 @@ void Write(const std::wstring& path, std::string_view bytes) {
             if (link || DriveOf(behind) == DriveOf(target)) target = behind;
         }
     }
-    Temporary temporary(target);
+    Temporary temporary(target, name);
     temporary.Write(bytes);
     if (exists) {
         temporary.Replace(target);

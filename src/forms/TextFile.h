@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -46,9 +47,14 @@ inline constexpr uint64_t DefaultLimit = 16 * 1024 * 1024;  // bytes
 std::string ReadBytes(const std::wstring& path, uint64_t limit = DefaultLimit);
 Contents Read(const std::wstring& path, uint64_t limit = DefaultLimit);
 
+// A name for a file that nobody can know before: who may write to the folder could have put something there.
+std::wstring UnknownName();
+
 // Makes the file hold these bytes, or fails and leaves everything as it was: they are written to a new file beside it,
 // which then takes its place and its attributes, times and access rights. Where the path is a symbolic link, the file
-// behind it is replaced. A file that is only reached by another hard link too is parted from it.
-void Write(const std::wstring& path, std::string_view bytes);
+// behind it is replaced. A file that is only reached by another hard link too is parted from it. `name` tells what the
+// new file is called, and then what the old one is while they change places; what has the new file's name already, be
+// it a link to nothing, is left alone and the next name is asked for.
+void Write(const std::wstring& path, std::string_view bytes, const std::function<std::wstring()>& name = UnknownName);
 
 }  // namespace TextFile
