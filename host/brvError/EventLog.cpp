@@ -31,7 +31,7 @@ std::wstring SafeName(std::wstring title) {
 
 // The control characters, with those that end a line or turn the direction of writing in some editors.
 bool IsControl(wchar_t unit) noexcept {
-    return unit < L' ' || (unit >= 0x7F && unit < 0xA0) || unit == 0x200E || unit == 0x200F ||
+    return unit < L' ' || (unit >= 0x7F && unit < 0xA0) || unit == 0x061C || unit == 0x200E || unit == 0x200F ||
            (unit >= 0x2028 && unit <= 0x202E) || (unit >= 0x2066 && unit <= 0x2069) || unit == 0xFEFF;
 }
 

@@ -38,6 +38,64 @@ bool HasFormOf(const std::wstring& text, const std::wstring& form) {
     return true;
 }
 
+// What ends a line, or the text, or hides, moves or turns what stands beside it, in some program that shows the log.
+const std::wstring Breaks[] = {
+    L"\r",     L"\n",     L"\r\n",           L"\n\r",   L"\t",     L"\v",     L"\f",     std::wstring(1, L'\0'),
+    L"\x1a",   L"\b",     L"\x1b[2K\x1b[1A", L"\x1c",   L"\x1e",   L"\x7f",   L"\x84",   L"\x85",
+    L"\x9b",   L"\x2028", L"\x2029",         L"\x061c", L"\x200e", L"\x200f", L"\x202a", L"\x202b",
+    L"\x202c", L"\x202d", L"\x202e",         L"\x2066", L"\x2067", L"\x2068", L"\x2069", L"\xfeff"};
+
+// The text that a field of the log stands for.
+std::wstring Meant(const std::wstring& field) {
+    std::wstring text;
+    for (size_t at = 0; at < field.size(); ++at) {
+        if (field[at] != L'\\' || at + 1 == field.size()) {
+            text += field[at];
+            continue;
+        }
+        switch (const wchar_t kind = field[++at]) {
+            case L'r':
+                text += L'\r';
+                break;
+            case L'n':
+                text += L'\n';
+                break;
+            case L't':
+                text += L'\t';
+                break;
+            case L'u':
+                text += static_cast<wchar_t>(std::stoul(field.substr(at + 1, 4), nullptr, 16));
+                at += 4;
+                break;
+            default:
+                text += kind;
+        }
+    }
+    return text;
+}
+
+// Of what the file holds, the units that stand neither in a field nor between two of them nor at the end of a line.
+size_t StrayUnits(const std::wstring& file) {
+    std::wstring text;
+    const std::string bytes = BytesOf(file);
+    text.resize(bytes.size());
+    text.resize(static_cast<size_t>(MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, bytes.data(),
+                                                        static_cast<int>(bytes.size()), text.data(),
+                                                        static_cast<int>(text.size()))));
+    size_t stray = 0;
+    for (size_t at = 0; at < text.size(); ++at) {
+        if (text[at] == L'\t') continue;
+        if (text[at] == L'\r' && at + 1 < text.size() && text[at + 1] == L'\n') {
+            ++at;
+            continue;
+        }
+        for (const std::wstring& sequence : Breaks)
+            stray += sequence.find(text[at]) != std::wstring::npos && text[at] > L'~';
+        stray += text[at] < L' ';
+    }
+    return stray;
+}
+
 constexpr int EntriesEach = 100;
 
 DWORD WINAPI WriteMany(void*) {
@@ -105,6 +163,80 @@ TEST_F(BrvErrorLog, CannotBeMadeToShowAnEntryThatWasNone) {
               L"\\\\n is no line end; \\u0001\\u001B\\u007F\\u0085\\u2028\\u2029\\u202E\\uFEFF");
     const std::string bytes = BytesOf(Log.File());
     EXPECT_EQ(static_cast<size_t>(std::count(bytes.begin(), bytes.end(), '\n')), 3u);
+}
+
+TEST_F(BrvErrorLog, NoFieldHoldsALineThatWasNone) {
+    const Object component = Component::MakeConstructed();
+    component.Call(L"ErrorMessage", L"frmMain", L"Form_Load", MakeError(11, L"brvX", L"It failed"), 120L, L"more");
+    const std::string bytes = BytesOf(Log.File());
+    const std::wstring whole(bytes.begin(), bytes.end());  // a line of the log as it is, with its end
+    ASSERT_EQ(L"\r\n", whole.substr(whole.size() - 2));
+    size_t count = 1;
+    for (const std::wstring& sequence : Breaks) {
+        const std::wstring forged = L"before" + sequence + whole + sequence + L"after";
+        for (int field = Module; field <= HelpContext; ++field) {
+            std::vector<std::wstring> values(HelpContext + 1, L"plain");
+            values[static_cast<size_t>(field)] = forged;
+            auto* error = new DynamicObject;
+            const Object held = Object::Attach(error);
+            const auto give = [&](const wchar_t* name, Field from) {
+                error->Define(name, [value = values[from]](const Arguments&) { return Variant(value); });
+            };
+            give(L"Number", Number);
+            give(L"Source", Source);
+            give(L"Description", Description);
+            give(L"LastDllError", LastDllError);
+            give(L"HelpFile", HelpFile);
+            give(L"HelpContext", HelpContext);
+            component.Call(L"ErrorMessage", values[Module], values[Routine], held, values[Line], values[DebugText]);
+            const auto entries = Entries();
+            ASSERT_EQ(++count, entries.size()) << "field " << field;
+            const auto& entry = entries.back();
+            ASSERT_EQ(static_cast<size_t>(HelpContext) + 1, entry.size()) << "field " << field;
+            EXPECT_EQ(L"Test Program 4.5.6", entry[Program]);
+            for (int at = Module; at <= HelpContext; ++at) {
+                EXPECT_EQ(values[static_cast<size_t>(at)], Meant(entry[static_cast<size_t>(at)])) << "field " << at;
+            }
+        }
+        const Object other = Component::Make();
+        other.Call(L"Constructor", forged, forged, forged, forged);
+        other.Call(L"LogEvent", forged);
+        other.Call(L"Alert", forged, forged);
+        const auto entries = Entries();
+        ASSERT_EQ(count + 2, entries.size());
+        for (; count < entries.size(); ++count) {
+            ASSERT_EQ(7U, entries[count].size());
+            EXPECT_EQ(forged + L" " + forged + L"." + forged + L"." + forged, Meant(entries[count][Program]));
+            EXPECT_EQ(forged, Meant(entries[count][Description]));
+        }
+        EXPECT_EQ(0U, StrayUnits(Log.File()));
+        // Before it is so long that it is put aside.
+        DeleteFileW(Log.File().c_str());
+        count = 0;
+    }
+}
+
+TEST_F(BrvErrorLog, ALongTextIsCutWithoutLettingALineEndThrough) {
+    const Object component = Component::MakeConstructed();
+    for (const std::wstring& sequence : Breaks) {
+        for (size_t before = 32768 - 3; before <= 32768 + 1; ++before) {
+            const std::wstring text = std::wstring(before, L'y') + sequence + L"2001-01-01T00:00:00.000\tforged\r\n";
+            component.Call(L"ErrorMessage", L"m", L"r", MakeError(1, L"s", text.c_str()), 0L, text);
+            const auto entries = Entries();
+            ASSERT_EQ(1U, entries.size());
+            ASSERT_EQ(12U, entries[0].size());
+            EXPECT_EQ(text.substr(0, 32768) + L"...", Meant(entries[0][DebugText]));
+            EXPECT_EQ(0U, StrayUnits(Log.File()));
+            DeleteFileW(Log.File().c_str());
+        }
+    }
+    // Nothing but line ends, each of which becomes several characters.
+    component.Call(L"LogEvent", std::wstring(100000, L'\x2028'));
+    component.Call(L"LogEvent", std::wstring(100000, L'\n'));
+    const auto entries = Entries();
+    ASSERT_EQ(2U, entries.size());
+    EXPECT_EQ(std::wstring(32768, L'\x2028') + L"...", Meant(entries[0].at(Description)));
+    EXPECT_EQ(std::wstring(32768, L'\n') + L"...", Meant(entries[1].at(Description)));
 }
 
 TEST_F(BrvErrorLog, IsUtf8) {
