@@ -15,7 +15,7 @@ if(BRV_TRAPS)
     # conversions that do not fit and indices behind the end of what closes a structure. Division of floating-point numbers by zero is
     # left out: it has a result, which the conversion to an integer is then caught at.
     set(brv_traps -fsanitize=undefined,float-cast-overflow,bounds-strict -fsanitize-undefined-trap-on-error -fstack-protector-strong)
-    # Off in a Release build; -O1 and no common tail, so that a trap tells the line that it is for.
+    # -O1 and no common tails, so that a trap tells the line that it is for.
     add_compile_options($<$<COMPILE_LANGUAGE:C,CXX>:-O1> $<$<COMPILE_LANGUAGE:C,CXX>:-g> $<$<COMPILE_LANGUAGE:C,CXX>:-fno-crossjumping>
         $<$<COMPILE_LANGUAGE:C,CXX>:-fno-omit-frame-pointer>)
     foreach(option IN LISTS brv_traps)

@@ -105,6 +105,29 @@ public:
     SmallDisk(const SmallDisk&) = delete;
     SmallDisk& operator=(const SmallDisk&) = delete;
     std::wstring operator/(const wchar_t* name) const { return path_ + name; }
+    // From here on nothing can be made or written in it; false where that cannot be had.
+    bool TakeRights() {
+        RunBelow(L"Z:\\bin\\mount -o remount,ro " + below_);
+        for (int wait = 0; wait < 50; ++wait) {
+            const HANDLE file = CreateFileW((path_ + L"rights").c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW,
+                                            FILE_FLAG_DELETE_ON_CLOSE, nullptr);
+            if (file == INVALID_HANDLE_VALUE) return true;
+            CloseHandle(file);
+            Sleep(50);
+        }
+        return false;
+    }
+    std::wstring Names() const {
+        std::wstring names;
+        WIN32_FIND_DATAW found{};
+        const HANDLE search = FindFirstFileW((path_ + L"*").c_str(), &found);
+        if (search == INVALID_HANDLE_VALUE) return L"?";
+        do {
+            if (found.cFileName[0] != L'.') names += found.cFileName + std::wstring(L"|");
+        } while (FindNextFileW(search, &found));
+        FindClose(search);
+        return names;
+    }
     bool Mounted = false;
 
 private:
@@ -199,6 +222,31 @@ TEST_F(FileFailuresTest, AFullDiskLosesNothing) {
         Save();
         EXPECT_EQ("small", BytesOf(disk / L"a.sql"));
     });
+    EXPECT_EQ(L"", Errors.Places());
+}
+
+TEST_F(FileFailuresTest, AFolderWithoutRightsIsToldAndStaysAsItWas) {
+    SmallDisk disk;
+    if (!disk.Mounted) GTEST_SKIP() << "no file system can be had here whose rights can be taken";
+    PutBytes(disk / L"a.sql", "old");
+    Inside(L"", [&] {
+        Load(disk / L"a.sql");
+        Type(L" new");
+        ASSERT_TRUE(disk.TakeRights());
+        CannotSave(disk / L"a.sql", "old", 75);
+        CannotSaveAs(disk / L"a.sql", true);
+        CannotSaveAs(disk / L"new.sql", false);
+        EXPECT_EQ(L"a.sql|", disk.Names());
+        // Elsewhere it can be saved.
+        {
+            Dialogs dialogs;
+            dialogs.File(Here / L"b.sql");
+            SaveAs();
+        }
+        EXPECT_FALSE(Modified());
+    });
+    EXPECT_EQ("old new", BytesOf(Here / L"b.sql"));
+    EXPECT_EQ(L"b.sql|", Here.Names());
     EXPECT_EQ(L"", Errors.Places());
 }
 
