@@ -300,3 +300,17 @@ TEST(SavingTest, ThroughASymbolicLinkTheFileBehindItIsReplacedInItsOwnFolder) {
     EXPECT_TRUE(RemoveDirectoryW((folder / L"real").c_str())) << "something was left in it";
     if (!link.Made) GTEST_SKIP() << "no links can be made here";
 }
+
+TEST(SavingTest, ALinkToNothingIsNotFollowed) {
+    const Folder folder;
+    ASSERT_TRUE(CreateDirectoryW((folder / L"real").c_str(), nullptr));
+    const Link link(folder, L"link.sql", L"real\\new.sql");
+    if (link.Made) {
+        // Windows refuses it, since something has the name; Wine does not see the link, and puts the file in its place.
+        const long number = NumberOf([&] { TextFile::Write(folder / L"link.sql", "new"); });
+        EXPECT_TRUE(number == 58 || (number == 0 && BytesOf(folder / L"link.sql") == "new")) << number;
+        for (const std::wstring& name : folder.Names()) EXPECT_TRUE(name == L"real" || name == L"link.sql") << name;
+    }
+    EXPECT_TRUE(RemoveDirectoryW((folder / L"real").c_str())) << "something was made behind the link";
+    if (!link.Made) GTEST_SKIP() << "no links can be made here";
+}
