@@ -82,16 +82,19 @@ size_t StrayUnits(const std::wstring& file) {
     text.resize(static_cast<size_t>(MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, bytes.data(),
                                                         static_cast<int>(bytes.size()), text.data(),
                                                         static_cast<int>(text.size()))));
+    std::wstring breaking;
+    for (const std::wstring& sequence : Breaks) {
+        for (const wchar_t unit : sequence) breaking += unit < L' ' || unit > L'~' ? std::wstring(1, unit) : L"";
+    }
+    breaking.erase(std::remove(breaking.begin(), breaking.end(), L'\t'), breaking.end());
     size_t stray = 0;
-    for (size_t at = 0; at < text.size(); ++at) {
-        if (text[at] == L'\t') continue;
+    for (size_t at = text.find_first_of(breaking); at != std::wstring::npos;
+         at = text.find_first_of(breaking, at + 1)) {
         if (text[at] == L'\r' && at + 1 < text.size() && text[at + 1] == L'\n') {
             ++at;
-            continue;
+        } else {
+            ++stray;
         }
-        for (const std::wstring& sequence : Breaks)
-            stray += sequence.find(text[at]) != std::wstring::npos && text[at] > L'~';
-        stray += text[at] < L' ';
     }
     return stray;
 }
@@ -219,13 +222,13 @@ TEST_F(BrvErrorLog, NoFieldHoldsALineThatWasNone) {
 TEST_F(BrvErrorLog, ALongTextIsCutWithoutLettingALineEndThrough) {
     const Object component = Component::MakeConstructed();
     for (const std::wstring& sequence : Breaks) {
-        for (size_t before = 32768 - 3; before <= 32768 + 1; ++before) {
+        for (const size_t before : {32768 - 2, 32768 - 1, 32768}) {
             const std::wstring text = std::wstring(before, L'y') + sequence + L"2001-01-01T00:00:00.000\tforged\r\n";
-            component.Call(L"ErrorMessage", L"m", L"r", MakeError(1, L"s", text.c_str()), 0L, text);
+            component.Call(L"LogEvent", text);
             const auto entries = Entries();
             ASSERT_EQ(1U, entries.size());
-            ASSERT_EQ(12U, entries[0].size());
-            EXPECT_EQ(text.substr(0, 32768) + L"...", Meant(entries[0][DebugText]));
+            ASSERT_EQ(7U, entries[0].size());
+            EXPECT_EQ(text.substr(0, 32768) + L"...", Meant(entries[0][Description]));
             EXPECT_EQ(0U, StrayUnits(Log.File()));
             DeleteFileW(Log.File().c_str());
         }

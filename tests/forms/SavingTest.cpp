@@ -37,9 +37,9 @@ public:
     Watch(const Watch&) = delete;
     Watch& operator=(const Watch&) = delete;
 
-    // All since the beginning.
-    const std::set<std::wstring>& Made() {
-        while (WaitForSingleObject(event_, 500) == WAIT_OBJECT_0) {
+    // All since the beginning, when nothing more came for so many milliseconds.
+    const std::set<std::wstring>& Made(DWORD patience = 500) {
+        while (WaitForSingleObject(event_, patience) == WAIT_OBJECT_0) {
             DWORD size = 0;
             EXPECT_TRUE(GetOverlappedResult(folder_, &asked_, &size, FALSE));
             EXPECT_NE(0U, size) << "there was more than the buffer holds";
@@ -158,7 +158,7 @@ TEST(SavingTest, NobodyKnowsTheNameOfTheFileBesideBefore) {
     constexpr size_t Saves = 8;
     for (size_t at = 0; at < Saves; ++at) {
         TextFile::Write(folder / L"kept.sql", std::to_string(at));
-        watch.Made();
+        watch.Made(20);
     }
     std::set<std::wstring> names = watch.Made();
     names.erase(L"kept.sql");
