@@ -81,7 +81,7 @@ void modLists::AddDefaultTablesViewsItems(::Nodes& Nodes, const ::Node& Node) tr
 }
 
 void modLists::PopulateDBObjects() try {
-    Nodes& Nodes = EditorForm->trvDBObjects.Items();
+    Nodes& Nodes = modGlobal::Window().trvDBObjects.Items();
     Nodes.Clear();
     if (Dictionary == nullptr) return;
     if (!Dictionary->Connected()) return;

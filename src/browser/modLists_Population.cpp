@@ -30,6 +30,9 @@ void ReportUnlessOwn(const wchar_t* Routine) {
     ReportError(Module, Routine);
 }
 
+// What a message belongs to: none when the host has let go of the window while it was asked.
+HWND MessageOwner() { return EditorForm != nullptr ? EditorForm->Handle() : nullptr; }
+
 void TellThatThereIsNoDictionary() {
     const std::wstring Text =
         DBType == ActiveDirectory
@@ -37,7 +40,7 @@ void TellThatThereIsNoDictionary() {
               L"from "
               L"'LDAP://DC=example,DC=com'."
             : L"No database dictionary information could be found. You may want to try a different driver / provider.";
-    MsgBox(EditorForm->Handle(), Text, MB_OK | MB_ICONINFORMATION);
+    MsgBox(MessageOwner(), Text, MB_OK | MB_ICONINFORMATION);
 }
 
 // Runs a step; when the host's component says that columns cannot be read, the user is told and the next step follows.
@@ -47,7 +50,7 @@ void ResumingAfterColumnErrors(Step&& step) {
         step();
     } catch (const RuntimeError& error) {
         if (error.Source != HostDatabaseError::Source || error.Number != HostDatabaseError::NoColumns) throw;
-        MsgBox(EditorForm->Handle(), error.Description, MB_OK | MB_ICONEXCLAMATION, L"SQL Editor");
+        MsgBox(MessageOwner(), error.Description, MB_OK | MB_ICONEXCLAMATION, L"SQL Editor");
     }
 }
 

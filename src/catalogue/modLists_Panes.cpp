@@ -24,16 +24,16 @@ void FillList(ListBox& List, long Number) {
 
 }  // namespace
 
-void modLists::PopulateAnsiSQLCommands() try { FillList(EditorForm->lstAnsiSQL, 1); } catch (...) {
+void modLists::PopulateAnsiSQLCommands() try { FillList(modGlobal::Window().lstAnsiSQL, 1); } catch (...) {
     ReportError(Module, L"PopulateAnsiSQLCommands");
 }
 
-void modLists::PopulateKolvexCommands() try { FillList(EditorForm->lstKolvex, 3); } catch (...) {
+void modLists::PopulateKolvexCommands() try { FillList(modGlobal::Window().lstKolvex, 3); } catch (...) {
     ReportError(Module, L"PopulateKolvexCommands");
 }
 
 void modLists::PopulateDatabaseSpecificCommands() try {
-    TreeView& Tree = EditorForm->trvDatabaseSpecific;
+    TreeView& Tree = modGlobal::Window().trvDatabaseSpecific;
     Nodes& Nodes = Tree.Items();
     Nodes.Clear();
     if (Dictionary == nullptr) return;

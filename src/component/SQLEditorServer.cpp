@@ -201,22 +201,36 @@ private:
         return false;
     }
 
-    void ShowBstr(BSTR& text) {
-        std::wstring sql = TextOf(text);
+    // Shows the text; `write` gets what it has become when it was edited. Also when the showing fails in the end: the
+    // user's work goes back to the host whatever became of the window.
+    template <class Write>
+    void ShowText(std::wstring sql, Write&& write) {
         const std::wstring before = sql;
-        editor_.Display(sql);
-        if (sql == before) return;  // what the host's string holds is left alone, down to its address
-        BSTR written = NewBstr(sql);
-        std::swap(text, written);
-        SysFreeString(written);
+        try {
+            editor_.Display(sql);
+        } catch (...) {
+            if (sql != before) write(sql);
+            throw;
+        }
+        if (sql != before) write(sql);  // else what the host's string holds is left alone, down to its address
+    }
+
+    void ShowBstr(BSTR& text) {
+        ShowText(TextOf(text), [&text](const std::wstring& sql) {
+            BSTR written = NewBstr(sql);
+            std::swap(text, written);
+            SysFreeString(written);
+        });
     }
 
     void Show(VARIANT& argument) {
         VARIANT* variable = &argument;
         // By reference to a variant, which may refer to another one, and a wrong one to itself.
-        for (int depth = 0; variable->vt == (VT_BYREF | VT_VARIANT) && variable->pvarVal != nullptr && depth < 8;
-             ++depth)
+        constexpr int Deepest = 8;
+        for (int depth = 0; depth < Deepest && variable->vt == (VT_BYREF | VT_VARIANT) && variable->pvarVal != nullptr;
+             ++depth) {
             variable = variable->pvarVal;
+        }
         if (variable->vt == (VT_BYREF | VT_BSTR) && variable->pbstrVal != nullptr) {
             ShowBstr(*variable->pbstrVal);
             return;
@@ -231,15 +245,14 @@ private:
             sql = Variant(*variable).ToText();
         });
         if (!converted) return;
-        const std::wstring before = sql;
-        editor_.Display(sql);
-        // By value there is no variable to write to; one that held another type becomes a text when the text was
-        // edited.
-        if (variable == &argument || sql == before) return;
-        Variant written(sql);
-        VariantClear(variable);
-        std::memcpy(variable, static_cast<VARIANT*>(&written), sizeof(VARIANT));
-        static_cast<VARIANT&>(written).vt = VT_EMPTY;
+        ShowText(std::move(sql), [&](const std::wstring& edited) {
+            // By value there is no variable to write to; one that held another type becomes a text.
+            if (variable == &argument) return;
+            Variant written(edited);
+            VariantClear(variable);
+            std::memcpy(variable, static_cast<VARIANT*>(&written), sizeof(VARIANT));
+            static_cast<VARIANT&>(written).vt = VT_EMPTY;
+        });
     }
 
     ~SQLEditorObject() = default;

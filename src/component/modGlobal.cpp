@@ -45,6 +45,11 @@ const Collection<std::shared_ptr<const clsListItem>>& modGlobal::Catalogue() {
     return *ListItems;
 }
 
+frmSQLEditor& modGlobal::Window() {
+    if (EditorForm == nullptr) RaiseError(ErrorNumber::ObjectNotSet);
+    return *EditorForm;
+}
+
 void modGlobal::Forget() noexcept {
     EditorForm.reset();
     Dictionary.reset();

@@ -27,6 +27,8 @@ extern std::shared_ptr<clsErrorHandler>& ErrorHandler;  // made with the first r
 namespace modGlobal {
 // The catalogue; error 91 when start-up could not make it.
 const Collection<std::shared_ptr<const clsListItem>>& Catalogue();
+// The one window; error 91 when there is none. The host may let go of it in the middle of any call that is made to it.
+frmSQLEditor& Window();
 // Start-up: runs once, before the first object is served.
 void Main();
 // The module is about to go: gives back what it holds of others, as if it had just been loaded. The catalogue stays.

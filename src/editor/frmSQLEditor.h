@@ -243,9 +243,10 @@ private:
     std::wstring m_DragText(Control& Source);
     bool m_CanDrop(Control& Source);
 
-    bool moving_ = false;    // the splitter is being dragged
-    short activeView_ = 0;   // 0 object browser, 1 ANSI SQL list, 2 database-specific tree, 3 host command list
-    float firstSplit_ = 0;   // where the splitter stands until it is moved, twips
-    long savedSplit_ = 0;    // split position, twips, from before the left pane was collapsed
-    std::wstring findText_;  // what Find Next looks for
+    bool displaying_ = false;  // a Display is under way
+    bool moving_ = false;      // the splitter is being dragged
+    short activeView_ = 0;     // 0 object browser, 1 ANSI SQL list, 2 database-specific tree, 3 host command list
+    float firstSplit_ = 0;     // where the splitter stands until it is moved, twips
+    long savedSplit_ = 0;      // split position, twips, from before the left pane was collapsed
+    std::wstring findText_;    // what Find Next looks for
 };

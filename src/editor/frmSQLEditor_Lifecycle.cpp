@@ -18,6 +18,18 @@ float Placement(const wchar_t* Key, const wchar_t* Default) {
     return ToSingle(GetSetting(App::Title, SettingsSection, Key, Default));
 }
 
+// Sets a flag for the time that it lives.
+class Flagged {
+public:
+    explicit Flagged(bool& flag) noexcept : flag_(flag) { flag_ = true; }
+    ~Flagged() { flag_ = false; }
+    Flagged(const Flagged&) = delete;
+    Flagged& operator=(const Flagged&) = delete;
+
+private:
+    bool& flag_;
+};
+
 void SavePlacement(const wchar_t* Key, float Value) {
     SaveSetting(App::Title, SettingsSection, Key, FromSingle(Value));
 }
@@ -51,9 +63,11 @@ void frmSQLEditor::Constructor() try {
 }
 
 void frmSQLEditor::Display(std::wstring& SQL) try {
-    // Asked first, so that a call from inside the modal loop leaves the text that is being edited alone.
-    if (Visible()) RaiseError(ErrorNumber::FormAlreadyShown);
+    // Asked first, so that a call from inside leaves the text that is being edited alone; and not of the window, which
+    // does not show yet while the host is asked for its type's name.
+    if (displaying_) RaiseError(ErrorNumber::FormAlreadyShown);
     const auto held = shared_from_this();  // the host may let go of the window while it is shown
+    const Flagged displaying(displaying_);
     Load();
     rtbSQL.SetText(SQL);
     rtbSQL.DataChanged = false;
@@ -61,7 +75,13 @@ void frmSQLEditor::Display(std::wstring& SQL) try {
     sbStatusBar.SetPanelText(1, Connected ? HostDatabase.Get(L"DBTypeName", ByRef(DBType)).ToText()
                                           : std::wstring(L"Not connected to a database"));
     modWinAPI::SetWindowTopMost(*this);
-    ShowModal();
+    try {
+        ShowModal();
+    } catch (...) {
+        // An event that could not even report its error has ended the window. What was written in it is not lost.
+        SQL = rtbSQL.Text();
+        throw;
+    }
     SQL = rtbSQL.Text();
 } catch (...) {
     ReportError(Module, L"Display");

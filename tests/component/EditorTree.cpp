@@ -45,8 +45,9 @@ std::wstring EditorTree::Text(HTREEITEM item) const {
 
 std::wstring EditorTree::Children(HTREEITEM item) const {
     std::wstring texts;
-    for (HTREEITEM child = Next(TVGN_CHILD, item); child != nullptr; child = Next(TVGN_NEXT, child)) {
-        texts += (texts.empty() ? L"" : L"|") + Text(child);
+    const HTREEITEM first = Next(TVGN_CHILD, item);
+    for (HTREEITEM child = first; child != nullptr; child = Next(TVGN_NEXT, child)) {
+        texts += (child == first ? L"" : L"|") + Text(child);
     }
     return texts;
 }
@@ -150,6 +151,7 @@ BoxAnswerer::BoxAnswerer(int button) : Button(button) {
         answerer->Title = text;
         GetDlgItemTextW(box, 0xFFFF, text, 1000);
         answerer->Text = text;
+        answerer->All.push_back(answerer->Title + L": " + answerer->Text);
         ++answerer->Boxes;
         SendMessageW(box, WM_COMMAND, static_cast<WPARAM>(answerer->Button), 0);
     });

@@ -5,6 +5,7 @@
 
 #include <initializer_list>
 #include <string>
+#include <vector>
 
 // The trees and lists of the editor's left pane as they are shown, worked by the messages of the mouse and the
 // keyboard. A node is named by the child positions on the way to it from the first root.
@@ -58,6 +59,7 @@ public:
     int Boxes = 0;
     std::wstring Text;
     std::wstring Title;
+    std::vector<std::wstring> All;  // "title: text" of each
     int Button;
 
 private:

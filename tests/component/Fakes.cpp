@@ -65,8 +65,11 @@ public:
     HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown*, REFIID iid, void** object) override {
         *object = nullptr;
         if (currentErrors->CannotBeCreated) return E_ACCESSDENIED;
+        if (currentErrors->CreateFailures > 0 && currentErrors->CreateFailures-- > 0) return E_ACCESSDENIED;
         ++currentErrors->Created;
-        return MakeRecorder().Dispatch()->QueryInterface(iid, object);
+        Object made = MakeRecorder();
+        if (currentErrors->Wrap) made = currentErrors->Wrap(made);
+        return made.Dispatch()->QueryInterface(iid, object);
     }
     HRESULT STDMETHODCALLTYPE LockServer(BOOL) override { return S_OK; }
 };

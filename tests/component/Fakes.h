@@ -42,8 +42,11 @@ public:
     std::vector<std::wstring> Told;         // Alert and LogEvent, with their arguments
     bool DisplayAlerts = true;
     bool CannotBeCreated = false;
+    int CreateFailures = 0;  // how many attempts fail, when not all do
     bool ErrorMessageFails = false;
     int Created = 0;
+    // Every error component that is made is given to it, and what it gives back is handed out.
+    std::function<Object(const Object&)> Wrap;
 
     std::wstring Places() const;  // "module.routine number|..."
 

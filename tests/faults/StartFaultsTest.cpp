@@ -1,0 +1,94 @@
+#include <windows.h>
+
+#include <cstdio>
+#include <string>
+#include <vector>
+
+#include "FaultyHost.h"
+
+// The part of the matrix that comes before the window: Constructor and the first Display, each case in a component that
+// knows nothing yet.
+
+namespace {
+
+class StartFaultsTest : public FaultyHostFixture {
+protected:
+    struct Seen {
+        std::wstring Left = L"<not shown>";
+        std::wstring Sql = L"-- mine";
+    };
+
+    // Constructor, and Display of a window that is closed at once.
+    Seen Start(std::optional<Case> wanted) {
+        Wanted.Arm(std::move(wanted));
+        editor_.Call(L"Constructor", MakeHost());
+        Seen seen;
+        {
+            const WhenShown shown([&] {
+                seen.Left = EditorWindow::Status() + L"/" + EditorWindow::Root();
+                EditorWindow::Close();
+            });
+            editor_.Call(L"Display", ByRef(seen.Sql));
+        }
+        Wanted.Disarm();
+        return seen;
+    }
+
+    void DoInside(Fault fault) {
+        if (fault == Fault::Reenters) {
+            Pump();
+            std::wstring other = L"another text";
+            // Before the window is shown a second Display is the first one.
+            const WhenShown shown([] { EditorWindow::Close(); });
+            editor_.Call(L"Display", ByRef(other));
+            EXPECT_EQ(L"another text", other);
+        } else if (fault == Fault::Forgets) {
+            editor_.Call(L"Constructor", Object());
+        } else if (EndsWindow(fault)) {
+            editor_.Call(L"Destructor");
+        }
+    }
+
+    Object editor_;
+};
+
+}  // namespace
+
+TEST_F(StartFaultsTest, ConstructorAndDisplay) {
+    Wanted.Inside = [this](Fault fault) { DoInside(fault); };
+    Model well({});
+    const Outcome right = well.Start();
+    int cases = 0;
+    for (const std::wstring& member : right.Calls) {
+        for (const Fault fault : AllFaults) {
+            if (fault == Fault::Closes) continue;  // there is no window yet
+            if (IsSpecialNumber(fault) && !EveryCase()) continue;
+            ++cases;
+            const Case wanted{member, 1, fault};
+            const std::string name = std::string(member.begin(), member.end()) + ", " + NameOf(fault);
+            SCOPED_TRACE(name);
+            Dog.Begin(name);
+            ASSERT_EQ(S_OK, Dll.CanUnload());
+            editor_ = Dll.Create();
+            Model model(wanted);
+            const Outcome expected = model.Start();
+            BoxAnswerer boxes;
+            const Seen seen = Start(wanted);
+            EXPECT_LE(1, Wanted.Injected()) << "the call was not made";
+            Compare(expected, boxes.All);
+            EXPECT_EQ(expected.Left, seen.Left);
+            EXPECT_EQ(L"-- mine", seen.Sql);
+            // The next call works: in a window of its own, since this one is as far as it was built.
+            editor_.Call(L"Destructor");
+            if (EveryCase() || !IsWrongValue(fault)) {
+                const Seen again = Start({});
+                Compare(right, boxes.All);
+                EXPECT_EQ(right.Left, again.Left);
+                EXPECT_EQ(right.Calls, Wanted.Calls());
+                editor_.Call(L"Destructor");
+            }
+            editor_ = Object();
+        }
+    }
+    std::printf("fault matrix, start: %d cases\n", cases);
+}
