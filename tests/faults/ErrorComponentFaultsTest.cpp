@@ -206,6 +206,9 @@ TEST_F(ErrorComponentFaultsTest, AnywhereOnceAndForGood) {
             const std::wstring member = way.Member;
             // What is asked for in this place.
             if (member == (place == Place::Alert ? L"Errors.ErrorMessage" : L"Errors.Alert")) continue;
+            // A clipboard that is locked is tried for a while: that takes time.
+            if (place == Place::Alert && way.How != Fault::ObjectError && ExceptionOf(way.How) && !EveryCase())
+                continue;
             const bool window = place == Place::Event || place == Place::Alert;
             if ((EndsWindow(way.How) || way.How == Fault::Reenters) && !window) continue;
             ++cases;
