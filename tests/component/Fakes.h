@@ -115,6 +115,7 @@ private:
     UINT_PTR timer_;
     UINT_PTR watchdog_;
     bool ran_ = false;
+    bool finished_ = false;
 };
 
 // The user's saved placement, set aside for the time of a test.
