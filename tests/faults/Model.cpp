@@ -1,5 +1,7 @@
 #include "Model.h"
 
+#include <utility>
+
 namespace {
 
 // Error numbers of the language.
@@ -183,8 +185,14 @@ void Model::Display() {
     displaying_ = false;
 }
 
-Outcome Model::Start() {
+Outcome Model::Start(bool connected) {
     starting_ = true;
+    if (connected) {
+        const auto wanted = std::exchange(case_, std::nullopt);
+        Constructor();
+        outcome_ = {};
+        case_ = wanted;
+    }
     Constructor();
     Display();
     return Done(shown_ ? status_ + L"/" + root_ : L"<not shown>");

@@ -28,8 +28,9 @@ class Model {
 public:
     explicit Model(std::optional<Case> wanted) : case_(std::move(wanted)) {}
 
-    // Constructor and the first Display. Left: status text and root, "<not shown>" without a window.
-    Outcome Start();
+    // Constructor and the first Display, with a Constructor before it in which all is well when `connected`. Left:
+    // status text and root, "<not shown>" without a window.
+    Outcome Start(bool connected = false);
     // Branches of the tree. Left: the texts of the branch joined by "|", columns with their properties in brackets.
     Outcome Schemas();
     Outcome Objects(int folders);  // one folder, or the tables and then the views
