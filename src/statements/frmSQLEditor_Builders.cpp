@@ -244,9 +244,12 @@ std::wstring frmSQLEditor::m_GetStmtUpdateTable(const Node& Node) try {
     std::wstring SetList;
     std::wstring WhereList;
     ForEachColumn(Node, [&](const ::Node& Column) {
-        const std::wstring Assigned = FormatName(Column.Text()) + L" = value";
-        SetList.append(SetList.empty() ? L"SET " : L", ").append(Assigned).append(LineBreak);
-        WhereList.append(WhereList.empty() ? L"WHERE " : L" AND ").append(Assigned);
+        // Asked for each of the two lists: what the host writes is its affair.
+        SetList.append(SetList.empty() ? L"SET " : L", ").append(FormatName(Column.Text())).append(L" = value");
+        SetList.append(LineBreak);
+        WhereList.append(WhereList.empty() ? L"WHERE " : L" AND ")
+            .append(FormatName(Column.Text()))
+            .append(L" = value");
         if (Column.Next()) WhereList.append(LineBreak);
     });
     return Head + SetList + WhereList;

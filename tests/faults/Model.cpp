@@ -198,6 +198,12 @@ Outcome Model::Start(bool connected) {
     return Done(shown_ ? status_ + L"/" + root_ : L"<not shown>");
 }
 
+Outcome Model::StartTwice() {
+    Start();
+    Display();
+    return Done(shown_ ? status_ + L"/" + root_ : L"<not shown>");
+}
+
 // ---- collections
 
 bool Model::IsCollection(Got got, const std::wstring& name) {
@@ -397,9 +403,8 @@ Outcome Model::OfTable(const std::wstring& entry) {
         std::wstring set;
         std::wstring where;
         for (size_t at = 0; at <= last; ++at) {
-            const std::wstring column = Format(columns[at]) + L" = value";  // asked once for both lists
-            set += (at == 0 ? L"SET " : L", ") + column + CrLf;
-            where += (at == 0 ? L"WHERE " : L" AND ") + column + (at < last ? CrLf : L"");
+            set += (at == 0 ? L"SET " : L", ") + Format(columns[at]) + L" = value" + CrLf;
+            where += (at == 0 ? L"WHERE " : L" AND ") + Format(columns[at]) + L" = value" + (at < last ? CrLf : L"");
         }
         return head + set + where;
     });

@@ -31,6 +31,8 @@ public:
     // Constructor and the first Display, with a Constructor before it in which all is well when `connected`. Left:
     // status text and root, "<not shown>" without a window.
     Outcome Start(bool connected = false);
+    // The same, and a second Display of the same window; what it leaves.
+    Outcome StartTwice();
     // Branches of the tree. Left: the texts of the branch joined by "|", columns with their properties in brackets.
     Outcome Schemas();
     Outcome Objects(int folders);  // one folder, or the tables and then the views

@@ -22,6 +22,12 @@ protected:
     Seen Start(std::optional<Case> wanted) {
         Wanted.Arm(std::move(wanted));
         editor_.Call(L"Constructor", MakeHost());
+        const Seen seen = Show();
+        Wanted.Disarm();
+        return seen;
+    }
+
+    Seen Show() {
         Seen seen;
         {
             const WhenShown shown([&] {
@@ -30,7 +36,6 @@ protected:
             });
             editor_.Call(L"Display", ByRef(seen.Sql));
         }
-        Wanted.Disarm();
         return seen;
     }
 
@@ -99,4 +104,39 @@ TEST_F(StartFaultsTest, ConstructorAndDisplay) {
         }
     }
     std::printf("fault matrix, start: %d cases\n", cases);
+}
+
+TEST_F(StartFaultsTest, TheSecondDisplay) {
+    Wanted.Inside = [this](Fault fault) { DoInside(fault); };
+    Model well({});
+    const Outcome right = well.StartTwice();
+    int cases = 0;
+    for (const Fault fault : AllFaults) {
+        // What does not depend on which time it is.
+        if (fault == Fault::UnknownName || fault == Fault::Closes || (IsSpecialNumber(fault) && !EveryCase())) continue;
+        ++cases;
+        const Case wanted{L"DBTypeName", 2, fault};
+        SCOPED_TRACE(NameOf(fault));
+        Dog.Begin("the second Display, " + NameOf(fault));
+        editor_ = Dll.Create();
+        Model model(wanted);
+        const Outcome expected = model.StartTwice();
+        BoxAnswerer boxes;
+        Wanted.Arm(wanted);
+        editor_.Call(L"Constructor", MakeHost());
+        EXPECT_EQ(right.Left, Show().Left);
+        const Seen seen = Show();
+        EXPECT_EQ(1, Wanted.Injected());
+        Compare(expected, boxes.All);
+        EXPECT_EQ(expected.Left, seen.Left);
+        EXPECT_EQ(L"-- mine", seen.Sql);
+        // The third shows the window as it was, unless the host has let go of it or of the connection.
+        Wanted.Disarm();
+        if (fault != Fault::Forgets) {
+            EXPECT_EQ(right.Left, Show().Left);
+            Compare({}, boxes.All);
+        }
+        editor_ = Object();
+    }
+    std::printf("fault matrix, second Display: %d cases\n", cases);
 }

@@ -212,17 +212,17 @@ TEST_F(BuildersTest, AColumnIsWrittenAsItStands) {
     EXPECT_EQ(L"", Errors.Places());
 }
 
-TEST_F(BuildersTest, TheHostIsAskedForNamesAloneAndOnceANamePerStatement) {
+TEST_F(BuildersTest, TheHostIsAskedForNamesAloneAndOnceForEachPlace) {
     Type(4);
     Inside([this] {
         OpenAll(0);
         Tree.Click(Tree.At({0, 0, 0}));
         Database.Log.clear();
         EXPECT_EQ(L"SELECT COUNT(*) FROM SALES.ORDERS", Written(L"Count rows"));
-        // The item has all its statements: SELECT, INSERT, UPDATE, DELETE of two columns and a table, COUNT and sample
-        // rows.
+        // The item has all its statements: SELECT, INSERT, UPDATE, DELETE of two columns and a table, each column twice
+        // in an UPDATE, COUNT and sample rows.
         for (const std::wstring& call : Database.Log) EXPECT_EQ(L"FormatName", call);
-        EXPECT_EQ(4U * 3 + 2, Database.Log.size());
+        EXPECT_EQ(4U * 3 + 2 + 2, Database.Log.size());
     });
     EXPECT_EQ(L"", Errors.Places());
 }
