@@ -190,14 +190,18 @@ make_prefix() {
         [ -f "$WINEPREFIX/.made" ] && exit 0
         log=$BRV_LOGS/wine-prefix.log
         say "Making the Wine prefix $(basename "$WINEPREFIX") ..."
-        rm -rf "$WINEPREFIX"
-        # Without a display: setting up a prefix draws nothing, and a window that asks something would never be answered.
-        if ! env -u DISPLAY timeout 240 wine wineboot -i >"$log" 2>&1 </dev/null 7>&-; then
-            log_tail "$log"
+        # Twice: on a machine that has much to do the first attempt was seen to fail in Wine's own start.
+        for attempt in 1 2; do
+            rm -rf "$WINEPREFIX"
+            # Without a display: setting up a prefix draws nothing, and a window that asks something would never be answered.
+            env -u DISPLAY timeout 240 wine wineboot -i >"$log" 2>&1 </dev/null 7>&- && break
             timeout 20 wineserver -k 7>&-
-            say "Wine could not make its prefix $WINEPREFIX"
-            exit 1
-        fi
+            if [ $attempt = 2 ]; then
+                log_tail "$log"
+                say "Wine could not make its prefix $WINEPREFIX"
+                exit 1
+            fi
+        done
         timeout 60 wineserver -w 7>&- || timeout 20 wineserver -k 7>&-
         find "$WINEPREFIX/drive_c/users" -type l | while IFS= read -r link; do
             rm "$link" && mkdir "$link"
