@@ -136,6 +136,10 @@ bool EndsWindow(Fault fault) {
 
 bool EveryCase() { return std::getenv("BRV_ALL") != nullptr; }
 
+bool IsFollowedUp(Fault fault) {
+    return EveryCase() || fault == Fault::ObjectError || fault == Fault::Reenters || fault == Fault::Forgets;
+}
+
 bool IsSpecialNumber(Fault fault) {
     return fault == Fault::NoDictionary || fault == Fault::NoColumns || fault == Fault::LanguageError ||
            fault == Fault::OwnNoDictionary || fault == Fault::EndsNoDictionary || fault == Fault::EndsNoColumns;

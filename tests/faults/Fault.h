@@ -57,6 +57,8 @@ bool EndsWindow(Fault fault);
 // Whether BRV_ALL in the environment asks for cases that differ from others in what does not matter where they are. A
 // test run has time for those that stand for them.
 bool EveryCase();
+// Whether the next call is worth a look: after the faults that others are like.
+bool IsFollowedUp(Fault fault);
 // Exceptions that are like ObjectError or OwnError wherever their numbers mean nothing.
 bool IsSpecialNumber(Fault fault);
 

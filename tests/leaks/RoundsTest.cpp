@@ -17,7 +17,7 @@ namespace {
 int Rounds() {
     const char* wanted = std::getenv("BRV_ROUNDS");
     const int rounds = wanted != nullptr ? std::atoi(wanted) : 0;
-    return rounds > 30 ? rounds : 36;
+    return rounds > 28 ? rounds : 28;
 }
 
 // What a process has of the system.
