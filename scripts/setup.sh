@@ -22,7 +22,7 @@ BRV_PACKAGES=(g++-mingw-w64-i686 mingw-w64-tools cmake ninja-build googletest
     libodbc2:i386 libsqliteodbc:i386 odbc-postgresql:i386 sqlite3 fonts-liberation fonts-dejavu-core)
 BRV_WIN64_PACKAGES=(g++-mingw-w64-x86-64 wine64 libodbc2 libsqliteodbc odbc-postgresql)
 
-# The in-process servers that are registered, by file name; one that is not built (yet) is passed over.
+# The in-process servers that are registered, by file name.
 BRV_SERVERS=(brvSQLEditor.dll brvError.dll brvADO.dll)
 
 say() { printf '%s\n' "$*" >&2; }
@@ -260,12 +260,12 @@ register_servers() {
     [ -f "$stamp" ] && [ "$(cat "$stamp")" = "$BRV_BIN" ] || due=1
     for server in "${BRV_SERVERS[@]}"; do
         file=$BRV_BIN/$server
-        [ ! -f "$file" ] || [ "$stamp" -nt "$file" ] || due=1
+        [ "$stamp" -nt "$file" ] || due=1
     done
     [ -n "$due" ] || return 0
     for server in "${BRV_SERVERS[@]}"; do
         file=$BRV_BIN/$server
-        [ -f "$file" ] || continue
+        [ -f "$file" ] || die "the build made no $server"
         timeout -k 5 60 wine regsvr32 /s "$(windows_path "$file")" </dev/null >/dev/null 2>&1 9>&- ||
             die "regsvr32 could not register $server (result $?)"
     done
@@ -275,7 +275,6 @@ register_servers() {
 # The sample database, made again when its script is newer.
 make_sample() {
     local script=$BRV_ROOT/host/demo/shop.sql file=$BRV_BUILD/shop.db log=$BRV_LOGS/shop.log
-    [ -f "$script" ] || return 0
     [ "$file" -nt "$script" ] && return 0
     mkdir -p "$BRV_LOGS"
     rm -f "$file.new"
