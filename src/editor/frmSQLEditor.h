@@ -112,6 +112,7 @@ private:
     // ---- Lifecycle
     void Form_Initialize();
     void m_FormTitle(const std::wstring& Title);
+    void m_RestorePlacement();
     void mnuFileClose_Click();
     void tlbToolbar_ButtonClick(const Toolbar::Button& Button);
 

@@ -14,7 +14,7 @@ namespace {
 constexpr const wchar_t* Module = L"frmSQLEditor";
 constexpr const wchar_t* SettingsSection = L"Settings";
 
-float Placement(const wchar_t* Key, const wchar_t* Default) {
+float SavedPlacement(const wchar_t* Key, const wchar_t* Default) {
     return ToSingle(GetSetting(App::Title, SettingsSection, Key, Default));
 }
 
@@ -89,16 +89,28 @@ void frmSQLEditor::Display(std::wstring& SQL) try {
 
 void frmSQLEditor::Form_Load() try {
     EditorForm = shared_from_this();
-    SetLeft(Placement(L"MainLeft", L"1000"));
-    SetTop(Placement(L"MainTop", L"1000"));
-    SetWidth(Placement(L"MainWidth", L"6500"));
-    SetHeight(Placement(L"MainHeight", L"6500"));
+    m_RestorePlacement();
     modLists::PopulateDBObjects();
     modLists::PopulateAnsiSQLCommands();
     modLists::PopulateDatabaseSpecificCommands();
     modLists::PopulateKolvexCommands();
 } catch (...) {
     ReportError(Module, L"Form_Load");
+}
+
+// Each value is looked at when it is read: what stands before a wrong one is applied.
+void frmSQLEditor::m_RestorePlacement() {
+    Placement Restored = Place();
+    try {
+        Restored.SetLeft(SavedPlacement(L"MainLeft", L"1000"));
+        Restored.SetTop(SavedPlacement(L"MainTop", L"1000"));
+        Restored.SetWidth(SavedPlacement(L"MainWidth", L"6500"));
+        Restored.SetHeight(SavedPlacement(L"MainHeight", L"6500"));
+    } catch (...) {
+        MoveTo(Restored);
+        throw;
+    }
+    MoveTo(Restored);
 }
 
 void frmSQLEditor::Form_Activate() try {

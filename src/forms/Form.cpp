@@ -141,9 +141,36 @@ void Form::SetBounds(int x, int y, int width, int height, UINT flags) {
     Events::Rethrow();
 }
 
-float Form::Left() const { return PixelsToTwips(Bounds().left, Dpi()); }
+// On the way to a monitor of other dots per inch Windows suggests a size that is scaled from the one that the window
+// had; here it has its new one already. Whether the size that was asked for outlasts that message is not documented: it
+// is set once more.
+void Form::SetBounds(const RECT& place) {
+    const int width = place.right - place.left;
+    const int height = place.bottom - place.top;
+    placing_ = true;
+    dpiChanged_ = false;
+    SetWindowPos(handle_, nullptr, place.left, place.top, width, height, SWP_NOZORDER | SWP_NOACTIVATE);
+    if (dpiChanged_) {
+        SetWindowPos(handle_, nullptr, place.left, place.top, width, height, SWP_NOZORDER | SWP_NOACTIVATE);
+    }
+    placing_ = false;
+    Events::Rethrow();
+}
 
-float Form::Top() const { return PixelsToTwips(Bounds().top, Dpi()); }
+Placement Form::Place() const { return Placement(GetDesktop(), Bounds()); }
+
+void Form::MoveTo(const Placement& place) { SetBounds(place.Pixels()); }
+
+// The screen that the window stood on may be unplugged, or was another one when the place was stored.
+void Form::BringIntoView() {
+    const RECT place = Bounds();
+    const RECT seen = BroughtIntoView(place, GetDesktop());
+    if (!EqualRect(&place, &seen)) SetBounds(seen);
+}
+
+float Form::Left() const { return PixelsToTwips(Bounds().left, CornerDpi); }
+
+float Form::Top() const { return PixelsToTwips(Bounds().top, CornerDpi); }
 
 float Form::Width() const {
     const RECT bounds = Bounds();
@@ -154,10 +181,6 @@ float Form::Height() const {
     const RECT bounds = Bounds();
     return PixelsToTwips(bounds.bottom - bounds.top, Dpi());
 }
-
-void Form::SetLeft(float left) { SetBounds(TwipsToPixels(left, Dpi()), Bounds().top, 0, 0, SWP_NOSIZE); }
-
-void Form::SetTop(float top) { SetBounds(Bounds().left, TwipsToPixels(top, Dpi()), 0, 0, SWP_NOSIZE); }
 
 void Form::SetWidth(float width) {
     const RECT bounds = Bounds();
@@ -234,8 +257,11 @@ void Form::ShowModal() {
     DisableOthers();
     // A window that was minimised when it was closed would come back as a button in the taskbar, with the host disabled
     // behind it: it is restored.
-    const int command = IsIconic(handle_) ? SW_RESTORE : SW_SHOW;
+    const bool minimised = IsIconic(handle_) != FALSE;
+    const int command = minimised ? SW_RESTORE : SW_SHOW;
+    if (!minimised) BringIntoView();
     ShowWindow(handle_, command);
+    if (minimised) BringIntoView();
     // A process that was started hidden has its first ShowWindow turned into hiding.
     if (!IsWindowVisible(handle_)) ShowWindow(handle_, command);
     SetForegroundWindow(handle_);
@@ -365,6 +391,11 @@ LRESULT Form::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
             return 0;
         case WM_DPICHANGED: {
             RenewFonts();
+            if (placing_) {
+                dpiChanged_ = true;
+                LayOutAgain();
+                return 0;
+            }
             const auto* suggested = reinterpret_cast<const RECT*>(lParam);
             SetWindowPos(handle_, nullptr, suggested->left, suggested->top, suggested->right - suggested->left,
                          suggested->bottom - suggested->top, SWP_NOZORDER | SWP_NOACTIVATE);

@@ -9,9 +9,11 @@
 #include "forms/Control.h"
 #include "forms/Handles.h"
 #include "forms/Menu.h"
+#include "forms/Placement.h"
 
-// A top-level window that is loaded late, shown modally without an owner, and hidden rather than closed. Positions and
-// sizes are in twips of the window's own dots per inch. Lives on one thread.
+// A top-level window that is loaded late, shown modally without an owner, and hidden rather than closed. Its corner is
+// in twips of one unit for all monitors (see Placement), sizes are in twips of the window's own dots per inch. Lives on
+// one thread.
 class Form {
 public:
     enum class State { Normal, Minimized, Maximized };
@@ -32,13 +34,15 @@ public:
     float Top() const;
     float Width() const;
     float Height() const;
-    void SetLeft(float left);
-    void SetTop(float top);
     void SetWidth(float width);
     void SetHeight(float height);
     float ScaleWidth() const;   // inside the borders
     float ScaleHeight() const;  // below the menu bar
     State WindowState() const noexcept;
+    // Where the window stands, to be changed and given to MoveTo.
+    Placement Place() const;
+    // Moves and sizes the window in one step. It may go where no monitor is: what is shown is brought into view.
+    void MoveTo(const Placement& place);
 
     void SetCaption(const std::wstring& caption);
     // Shows the window, raises Form_Activate, and runs a message loop until the window is hidden. The thread's other
@@ -85,6 +89,8 @@ private:
     void TellControls(UINT message, WPARAM wParam, LPARAM lParam) const noexcept;
     RECT Bounds() const noexcept;
     void SetBounds(int x, int y, int width, int height, UINT flags);
+    void SetBounds(const RECT& place);
+    void BringIntoView();
     void DisableOthers();
     void EnableOthers() noexcept;
     void RunLoop();
@@ -101,5 +107,7 @@ private:
     bool loaded_ = false;
     bool ready_ = false;  // Form_Load is over: sizes are laid out from here on
     bool shown_ = false;
+    bool placing_ = false;     // SetBounds is under way: the size is the one that it sets
+    bool dpiChanged_ = false;  // while placing
     bool ole_ = false;
 };

@@ -17,8 +17,9 @@ protected:
     // Within the pixel that the twips fall into.
     static void ExpectPlace(const RECT& place, float left, float top, float width, float height) {
         const float pixel = Twips(1);
-        EXPECT_NEAR(left, Twips(place.left), pixel);
-        EXPECT_NEAR(top, Twips(place.top), pixel);
+        // The corner's unit is the same on every screen.
+        EXPECT_NEAR(left, place.left * 15.0F, 15);
+        EXPECT_NEAR(top, place.top * 15.0F, 15);
         EXPECT_NEAR(width, Twips(place.right - place.left), pixel);
         EXPECT_NEAR(height, Twips(place.bottom - place.top), pixel);
     }
@@ -47,8 +48,8 @@ TEST_F(PlacementTest, ClosingKeepsThePlaceForTheNextWindow) {
             SetWindowPos(EditorWindow::Find(), nullptr, 150, 120, 640, 480, SWP_NOZORDER | SWP_NOACTIVATE);
         });
     }
-    EXPECT_FLOAT_EQ(Twips(150), Stored(L"MainLeft"));
-    EXPECT_FLOAT_EQ(Twips(120), Stored(L"MainTop"));
+    EXPECT_FLOAT_EQ(150 * 15, Stored(L"MainLeft"));
+    EXPECT_FLOAT_EQ(120 * 15, Stored(L"MainTop"));
     EXPECT_FLOAT_EQ(Twips(640), Stored(L"MainWidth"));
     EXPECT_FLOAT_EQ(Twips(480), Stored(L"MainHeight"));
     const RECT place = Place(Disconnected());
@@ -92,7 +93,7 @@ TEST_F(PlacementTest, WhatIsNoNumberSkipsTheRestOfTheLoadAndTheWindowOpens) {
                   }));
         EXPECT_EQ(L"<none>", root);  // the tree is filled after the placement
         EXPECT_EQ(L"frmSQLEditor.Form_Load 13|frmSQLEditor.Constructor 35601", Errors.Places());
-        EXPECT_NEAR(1500, Twips(place.left), Twips(1));
+        EXPECT_EQ(100, place.left);
         EXPECT_LT(Twips(place.right - place.left), 8000);
     }
 }
@@ -125,6 +126,24 @@ TEST_F(PlacementTest, ATinyWindowOpensAtTheLeastSize) {
     const RECT place = Place(Disconnected());
     EXPECT_NEAR(3000, Twips(place.right - place.left), Twips(1));
     EXPECT_NEAR(4000, Twips(place.bottom - place.top), Twips(1));
+}
+
+// The screen that the window stood on when it was closed is not there any more: nobody could reach a window that is
+// modal and shows nothing.
+TEST_F(PlacementTest, AWindowBeyondTheScreenIsBroughtIntoViewWhenItIsShown) {
+    RECT area{};
+    SystemParametersInfoW(SPI_GETWORKAREA, 0, &area, 0);
+    Settings::Put(L"MainLeft", L"300000");
+    Settings::Put(L"MainTop", L"-90000");
+    const Object editor = Disconnected();
+    RECT place = Place(editor);
+    EXPECT_EQ(area.right, place.right);
+    EXPECT_EQ(area.top, place.top);
+    EXPECT_NEAR(6500, Twips(place.right - place.left), Twips(1));
+    // It is kept where it was seen.
+    EXPECT_FLOAT_EQ(place.left * 15.0F, Stored(L"MainLeft"));
+    EXPECT_FLOAT_EQ(place.top * 15.0F, Stored(L"MainTop"));
+    EXPECT_EQ(L"", Errors.Places());
 }
 
 TEST_F(PlacementTest, ClosingMinimisedSavesNothing) {

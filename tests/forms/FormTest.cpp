@@ -107,16 +107,136 @@ TEST(Form, ALoadThatFailsIsLaidOutAndNotRunAgain) {
 TEST(Form, PositionsAreInTwips) {
     TestForm form;
     form.Load();
-    form.SetLeft(1000);
-    form.SetTop(1500);
+    Placement place = form.Place();
+    place.SetLeft(1000);
+    place.SetTop(1500);
+    form.MoveTo(place);
     form.SetWidth(6500);
     form.SetHeight(6000);
     const UINT dpi = form.Dpi();
-    EXPECT_FLOAT_EQ(PixelsToTwips(TwipsToPixels(1000, dpi), dpi), form.Left());
-    EXPECT_FLOAT_EQ(PixelsToTwips(TwipsToPixels(1500, dpi), dpi), form.Top());
+    EXPECT_FLOAT_EQ(67 * 15, form.Left());
+    EXPECT_FLOAT_EQ(1500, form.Top());
     EXPECT_FLOAT_EQ(PixelsToTwips(TwipsToPixels(6500, dpi), dpi), form.Width());
     EXPECT_FLOAT_EQ(PixelsToTwips(TwipsToPixels(6000, dpi), dpi), form.Height());
-    EXPECT_EQ(ErrorNumber::Overflow, NumberOf([&] { form.SetLeft(1e30F); }));
+    EXPECT_EQ(ErrorNumber::Overflow, NumberOf([&] { form.SetWidth(1e30F); }));
+}
+
+namespace {
+RECT BoundsOf(HWND window) {
+    RECT bounds{};
+    GetWindowRect(window, &bounds);
+    return bounds;
+}
+}  // namespace
+
+// Position and size go to Windows together: one message each, and no stop on another monitor between them.
+TEST(Form, IsPlacedInOneStep) {
+    static int moves;
+    static HWND window;
+    TestForm form;
+    form.Load();
+    window = form.Handle();
+    moves = 0;
+    const HHOOK hook = SetWindowsHookExW(
+        WH_CALLWNDPROC,
+        [](int code, WPARAM wParam, LPARAM lParam) WINAPI -> LRESULT {
+            const auto& sent = *reinterpret_cast<const CWPSTRUCT*>(lParam);
+            if (sent.hwnd == window && sent.message == WM_WINDOWPOSCHANGED) ++moves;
+            return CallNextHookEx(nullptr, code, wParam, lParam);
+        },
+        nullptr, GetCurrentThreadId());
+    Placement place = form.Place();
+    place.SetLeft(1500);
+    place.SetTop(3000);
+    place.SetWidth(9000);
+    place.SetHeight(7500);
+    form.MoveTo(place);
+    UnhookWindowsHookEx(hook);
+    EXPECT_EQ(1, moves);
+    EXPECT_FLOAT_EQ(1500, form.Left());
+    EXPECT_FLOAT_EQ(3000, form.Top());
+    EXPECT_NEAR(9000, form.Width(), 8);
+    EXPECT_NEAR(7500, form.Height(), 8);
+}
+
+// A window comes to a monitor of other dots per inch while it is placed: Windows tells it so in the middle and suggests
+// another size.
+TEST(Form, KeepsTheSizeThatItIsPlacedWithWhenTheDotsChangeMeanwhile) {
+    static HWND window;
+    static bool told;
+    TestForm form;
+    form.Load();
+    window = form.Handle();
+    told = false;
+    const HHOOK hook = SetWindowsHookExW(
+        WH_CALLWNDPROCRET,
+        [](int code, WPARAM wParam, LPARAM lParam) WINAPI -> LRESULT {
+            const auto& sent = *reinterpret_cast<const CWPRETSTRUCT*>(lParam);
+            if (sent.hwnd == window && sent.message == WM_WINDOWPOSCHANGED && !told) {
+                told = true;
+                RECT twice = BoundsOf(window);
+                twice.right += twice.right - twice.left;
+                twice.bottom += twice.bottom - twice.top;
+                SetWindowPos(window, nullptr, 0, 0, twice.right, twice.bottom, SWP_NOMOVE | SWP_NOZORDER);
+                SendMessageW(window, WM_DPICHANGED, MAKEWPARAM(192, 192), reinterpret_cast<LPARAM>(&twice));
+            }
+            return CallNextHookEx(nullptr, code, wParam, lParam);
+        },
+        nullptr, GetCurrentThreadId());
+    Placement place = form.Place();
+    place.SetLeft(1500);
+    place.SetTop(3000);
+    place.SetWidth(9000);
+    place.SetHeight(7500);
+    form.MoveTo(place);
+    UnhookWindowsHookEx(hook);
+    EXPECT_TRUE(told);
+    EXPECT_FLOAT_EQ(1500, form.Left());
+    EXPECT_NEAR(9000, form.Width(), 8);
+    EXPECT_NEAR(7500, form.Height(), 8);
+    // Afterwards, as by the user's hand, the suggestion counts.
+    const RECT wanted{40, 50, 640, 550};
+    SendMessageW(window, WM_DPICHANGED, MAKEWPARAM(96, 96), reinterpret_cast<LPARAM>(&wanted));
+    EXPECT_EQ(600, BoundsOf(window).right - BoundsOf(window).left);
+}
+
+// The place is applied as it is; what is shown is seen.
+TEST(Form, AWindowBeyondEveryMonitorIsBroughtIntoViewWhenItIsShown) {
+    const RECT area = GetDesktop().front().WorkArea;
+    TestForm form;
+    form.Load();
+    Placement place = form.Place();
+    place.SetLeft(300000);
+    place.SetTop(1500);
+    place.SetWidth(6000);
+    place.SetHeight(6000);
+    form.MoveTo(place);
+    EXPECT_FLOAT_EQ(300000, form.Left());
+    RECT shown{};
+    {
+        const Later later([&] {
+            shown = BoundsOf(form.Handle());
+            SendMessageW(form.Handle(), WM_CLOSE, 0, 0);
+        });
+        form.ShowModal();
+    }
+    EXPECT_EQ(area.right, shown.right);
+    EXPECT_EQ(100, shown.top);
+    EXPECT_NEAR(400, shown.right - shown.left, 1);
+    // The screen was unplugged between two showings; this time the window is minimised too.
+    SetWindowPos(form.Handle(), nullptr, -9000, 100, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+    ShowWindow(form.Handle(), SW_SHOWMINNOACTIVE);
+    ShowWindow(form.Handle(), SW_HIDE);
+    {
+        const Later later([&] {
+            shown = BoundsOf(form.Handle());
+            SendMessageW(form.Handle(), WM_CLOSE, 0, 0);
+        });
+        form.ShowModal();
+    }
+    // Where a window manager has a say, it may stand anywhere on the screen.
+    EXPECT_GE(shown.left, area.left);
+    EXPECT_LE(shown.right, area.right);
 }
 
 TEST(Form, IsModalAndGivesTheHostItsWindowsBack) {
