@@ -7,6 +7,7 @@
 #include <exception>
 #include <iterator>
 
+#include "automation/ActivationContext.h"
 #include "automation/App.h"
 #include "automation/RuntimeError.h"
 #include "host/database/CreateTable.h"
@@ -17,26 +18,24 @@ namespace {
 // The component's own manifest, so that the dialog has themed controls in a host without one.
 class ControlsContext {
 public:
-    ControlsContext() {
-        ACTCTXW request = {};
-        request.cbSize = sizeof request;
-        request.dwFlags = ACTCTX_FLAG_HMODULE_VALID | ACTCTX_FLAG_RESOURCE_NAME_VALID;
-        request.hModule = App::Module();
-        request.lpResourceName = MAKEINTRESOURCEW(IDM_CONTROLS_MANIFEST);
-        context_ = CreateActCtxW(&request);
-        if (context_ != INVALID_HANDLE_VALUE) active_ = ActivateActCtx(context_, &cookie_);
-    }
+    ControlsContext() : context_(Make()), active_(context_) {}
     ~ControlsContext() {
-        if (active_) DeactivateActCtx(0, cookie_);
-        if (context_ != INVALID_HANDLE_VALUE) ReleaseActCtx(context_);
+        if (context_ != INVALID_HANDLE_VALUE) ReleaseActCtx(context_);  // the stack has its own reference
     }
     ControlsContext(const ControlsContext&) = delete;
     ControlsContext& operator=(const ControlsContext&) = delete;
 
 private:
-    HANDLE context_ = INVALID_HANDLE_VALUE;
-    ULONG_PTR cookie_ = 0;
-    bool active_ = false;
+    static HANDLE Make() noexcept {
+        ACTCTXW request = {};
+        request.cbSize = sizeof request;
+        request.dwFlags = ACTCTX_FLAG_HMODULE_VALID | ACTCTX_FLAG_RESOURCE_NAME_VALID;
+        request.hModule = App::Module();
+        request.lpResourceName = MAKEINTRESOURCEW(IDM_CONTROLS_MANIFEST);
+        return CreateActCtxW(&request);
+    }
+    const HANDLE context_;
+    ActiveContext active_;
 };
 
 // Windows made meanwhile follow the dots per inch of their monitor, whatever the host says of itself.

@@ -43,9 +43,7 @@ SetContext SetThreadContext() noexcept {
 
 }  // namespace
 
-Surroundings::Surroundings() noexcept {
-    const HANDLE context = ModuleContext();
-    if (context != INVALID_HANDLE_VALUE) activated_ = ActivateActCtx(context, &cookie_) != FALSE;
+Surroundings::Surroundings() noexcept : activeContext_(ModuleContext()) {
     if (const auto set = SetThreadContext()) {
         dpiContext_ = set(DPI_AWARENESS_CONTEXT_PER_MONITOR_AWARE_V2);
         // Windows 10 before 1703 knows the first form only.
@@ -55,7 +53,6 @@ Surroundings::Surroundings() noexcept {
 
 Surroundings::~Surroundings() {
     if (dpiContext_ != nullptr) SetThreadContext()(static_cast<DPI_AWARENESS_CONTEXT>(dpiContext_));
-    if (activated_) DeactivateActCtx(0, cookie_);
 }
 
 UINT DpiOf(HWND window) noexcept {

@@ -2,6 +2,8 @@
 
 #include <windows.h>
 
+#include "automation/ActivationContext.h"
+
 // The host's process may carry an old manifest or none, and its own idea of dots per inch. While one of these lives,
 // the thread makes windows with this module's manifest (common controls 6) and per-monitor dots per inch; afterwards
 // the host has its surroundings back. Cheap; nests.
@@ -13,8 +15,7 @@ public:
     Surroundings& operator=(const Surroundings&) = delete;
 
 private:
-    ULONG_PTR cookie_ = 0;
-    bool activated_ = false;
+    ActiveContext activeContext_;
     void* dpiContext_ = nullptr;
 };
 
