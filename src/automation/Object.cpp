@@ -184,12 +184,17 @@ struct Object::State {
             auto* writable = const_cast<LPOLESTR>(name);
             const HRESULT result = Dispatch->GetIDsOfNames(IID_NULL, &writable, 1, LOCALE_USER_DEFAULT, &id);
             // The objects of VBScript under Wine have IDispatchEx alone and leave this call unwritten.
-            if (result != E_NOTIMPL ||
-                FAILED(Dispatch->QueryInterface(__uuidof(IDispatchEx), reinterpret_cast<void**>(&Extended)))) {
+            if (result != E_NOTIMPL) return result;
+            IDispatchEx* extended = nullptr;
+            // Some say that they have it and give nothing.
+            if (FAILED(Dispatch->QueryInterface(__uuidof(IDispatchEx), reinterpret_cast<void**>(&extended))) ||
+                extended == nullptr) {
                 return result;
             }
+            Extended = extended;
         }
         const BSTR text = SysAllocString(name);
+        if (text == nullptr) return E_OUTOFMEMORY;
         const HRESULT result = Extended->GetDispID(text, fdexNameCaseInsensitive, &id);
         SysFreeString(text);
         return result;

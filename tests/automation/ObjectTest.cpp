@@ -118,6 +118,22 @@ TEST(ObjectTest, AnUnknownMemberIsError438AndIsAskedForAgain) {
     EXPECT_EQ(462, NumberOf([&] { object.Get(L"Third"); }));
 }
 
+// It says that it has the other interface, and gives nothing.
+TEST(ObjectTest, AnInterfaceThatIsSaidToBeThereAndIsNotIsAFailure) {
+    struct Liar : FakeDispatch {
+        HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {
+            if (iid == IID_IUnknown || iid == IID_IDispatch) return FakeDispatch::QueryInterface(iid, object);
+            *object = nullptr;
+            return S_OK;
+        }
+    } liar;
+    liar.LookUpResult = E_NOTIMPL;
+    const Object object(&liar);
+    EXPECT_NE(0, NumberOf([&] { object.Get(L"Member"); }));
+    EXPECT_NE(0, NumberOf([&] { object.Let(L"Member", Variant(1L)); }));
+    EXPECT_FALSE(object.Has(L"Member"));
+}
+
 TEST(ObjectTest, HasAsksAndCallsNothing) {
     FakeDispatch fake;
     const Object object(&fake);
