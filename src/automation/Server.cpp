@@ -14,6 +14,7 @@
 namespace {
 
 LONG alive = 0;
+LONG serverLocks = 0;  // counted apart: a host that unlocks too often must not outweigh a living object
 
 class ClassFactory final : public IClassFactory {
 public:
@@ -39,11 +40,15 @@ public:
     }
     HRESULT STDMETHODCALLTYPE LockServer(BOOL lock) override {
         if (lock) {
-            InterlockedIncrement(&alive);
-        } else {
-            InterlockedDecrement(&alive);
+            InterlockedIncrement(&serverLocks);
+            return S_OK;
         }
-        return S_OK;
+        for (LONG locks = serverLocks; locks > 0;) {
+            const LONG before = InterlockedCompareExchange(&serverLocks, locks - 1, locks);
+            if (before == locks) return S_OK;
+            locks = before;
+        }
+        return E_UNEXPECTED;
     }
 
 private:
@@ -205,7 +210,9 @@ ModuleLock::ModuleLock(const ModuleLock&) noexcept { InterlockedIncrement(&alive
 
 ModuleLock::~ModuleLock() { InterlockedDecrement(&alive); }
 
-bool Server::CanUnload() noexcept { return InterlockedCompareExchange(&alive, 0, 0) == 0; }
+bool Server::CanUnload() noexcept {
+    return InterlockedCompareExchange(&alive, 0, 0) == 0 && InterlockedCompareExchange(&serverLocks, 0, 0) == 0;
+}
 
 HRESULT Server::GetClassObject(const ComClass* classes, size_t count, REFCLSID id, REFIID iid, void** object) noexcept {
     if (object == nullptr) return E_POINTER;

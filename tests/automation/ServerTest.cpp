@@ -256,6 +256,8 @@ TEST(ServerTest, LocksKeepTheModule) {
     factory->Release();
     EXPECT_FALSE(Server::CanUnload());
     kept->LockServer(FALSE);
+    EXPECT_EQ(E_UNEXPECTED, kept->LockServer(FALSE)) << "one too many";
+    EXPECT_FALSE(Server::CanUnload()) << "the factory lives";
     kept->Release();
     EXPECT_TRUE(Server::CanUnload());
 }
