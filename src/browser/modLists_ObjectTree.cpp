@@ -17,6 +17,8 @@ Node AddPlaceholder(Nodes& Nodes, const Node& Parent) {
                                TreeRelationship::Child);
 }
 
+[[noreturn]] void RaiseTreeIsFull() { RaiseError(modLists::NodeLimitError, L"Maximum items in TreeView exceeded."); }
+
 // The trap of the procedures that reset a branch: the node limit goes up, so that the user sees one message.
 void ReportUnlessOwn(const wchar_t* Routine) {
     if (IsOwnError(CurrentError())) throw;
@@ -27,12 +29,14 @@ void ReportUnlessOwn(const wchar_t* Routine) {
 
 Node modLists::m_AddNode(::Nodes& Nodes, const std::wstring& Text, const std::wstring& Tag, const Variant& Relative,
                          const Variant& Relationship, const Variant& Key) try {
+    // One more could be neither numbered nor removed.
+    if (Nodes.Count() == ::Nodes::Limit) RaiseTreeIsFull();
     ::Node Node = Nodes.Add(Relative, Relationship, Key, Text);
     Node.SetTag(Tag);
     const short Index = Node.Index();
     const short Count = Nodes.Count();
     // After the node was added: the one that reaches the limit stays.
-    if (Index < 0 || Count == ::Nodes::Limit) RaiseError(NodeLimitError, L"Maximum items in TreeView exceeded.");
+    if (Index < 0 || Count == ::Nodes::Limit) RaiseTreeIsFull();
     return Node;
 } catch (...) {
     ReportUnlessOwn(L"m_AddNode");

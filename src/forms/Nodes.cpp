@@ -1,8 +1,10 @@
 #include "forms/Nodes.h"
 
 #include "automation/RuntimeError.h"
-#include "forms/Events.h"
 #include "forms/TreeView.h"
+
+#include <algorithm>
+#include <cstddef>
 
 namespace {
 const std::wstring Nothing;
@@ -123,7 +125,7 @@ long Nodes::IndexOf(size_t slot) const noexcept {
     return index;
 }
 
-void Nodes::Compact() {
+void Nodes::Compact() noexcept {
     size_t to = 0;
     for (size_t from = 0; from < slots_.size(); ++from) {
         if (slots_[from] == nullptr) continue;
@@ -131,8 +133,8 @@ void Nodes::Compact() {
         if (to != from) slots_[to] = std::move(slots_[from]);
         ++to;
     }
-    slots_.resize(to);
-    sums_.resize(to);
+    slots_.erase(slots_.begin() + static_cast<std::ptrdiff_t>(to), slots_.end());
+    sums_.erase(sums_.begin() + static_cast<std::ptrdiff_t>(to), sums_.end());
     // Every slot holds one node now: the sum at `at` spans as many slots as its lowest set bit says.
     for (size_t at = 1; at <= to; ++at) sums_[at - 1] = static_cast<int>(at & (~at + 1));
 }
@@ -152,9 +154,14 @@ HTREEITEM Nodes::Mirror(const Node::Item& item, HTREEITEM after) {
     insert.item.lParam = reinterpret_cast<LPARAM>(&item);
     // Straight to the control: on the way through the message queue's hooks and our own procedure there is nobody to be
     // told.
-    const LRESULT made = tree_.Original(TVM_INSERTITEMW, 0, reinterpret_cast<LPARAM>(&insert));
-    Events::Rethrow();
-    return reinterpret_cast<HTREEITEM>(made);
+    return reinterpret_cast<HTREEITEM>(tree_.Original(TVM_INSERTITEMW, 0, reinterpret_cast<LPARAM>(&insert)));
+}
+
+// For one more node: what follows in Add cannot fail for want of memory.
+void Nodes::MakeRoom() {
+    const size_t room = std::max<size_t>(slots_.size() + slots_.size() / 2, 64);
+    if (slots_.size() == slots_.capacity()) slots_.reserve(room);
+    if (sums_.size() == sums_.capacity()) sums_.reserve(room);
 }
 
 Node Nodes::Add(const Variant& relative, const Variant& relationship, const Variant& key, const std::wstring& text) {
@@ -191,9 +198,17 @@ Node Nodes::Add(const Variant& relative, const Variant& relationship, const Vari
     Node::Item*& first = made->Parent != nullptr ? made->Parent->First : firstRoot_;
     Node::Item*& last = made->Parent != nullptr ? made->Parent->Last : lastRoot_;
 
+    // All that can fail comes before the first link: the control keeps the item's address for as long as it shows it.
+    MakeRoom();
+    auto named = keys_.end();
+    if (!keyText.empty()) named = keys_.emplace(keyText, made.get()).first;
+
     // TVI_LAST costs the control less than a named item, which it searches for.
     made->Mirror = Mirror(*made, previous == nullptr ? TVI_FIRST : previous == last ? TVI_LAST : previous->Mirror);
-    if (made->Mirror == nullptr) RaiseError(ErrorNumber::OutOfMemory);
+    if (made->Mirror == nullptr) {
+        if (named != keys_.end()) keys_.erase(named);
+        RaiseError(ErrorNumber::OutOfMemory);
+    }
 
     made->Owner = this;
     made->Previous = previous;
@@ -209,7 +224,7 @@ Node Nodes::Add(const Variant& relative, const Variant& relationship, const Vari
     const size_t at = slots_.size();
     sums_.push_back(static_cast<int>(1 + IndexOf(at - 2) - IndexOf(at - (at & (~at + 1)) - 1)));
     ++living_;
-    if (!keyText.empty()) made->Key = &keys_.emplace(keyText, made.get()).first->first;
+    if (named != keys_.end()) made->Key = &named->first;
     return Node(made);
 }
 
@@ -242,13 +257,16 @@ void Nodes::Detach(Node::Item& item) noexcept {
     if (item.Parent != nullptr) --item.Parent->Children;
 }
 
-void Nodes::Forget(Node::Item& item) {
-    // Depth first without recursion: the links of a removed node are not needed any more.
-    std::vector<Node::Item*> going{&item};
-    while (!going.empty()) {
-        Node::Item* current = going.back();
-        going.pop_back();
-        for (Node::Item* child = current->First; child != nullptr; child = child->Next) going.push_back(child);
+void Nodes::Forget(Node::Item& item) noexcept {
+    // Depth first by the links alone, the children before their parent: neither recursion nor memory. A node that was
+    // come down from has lost the link to its children, so that it goes when it is come back to.
+    for (Node::Item* next = &item; next != nullptr;) {
+        Node::Item* const current = next;
+        if (current->First != nullptr) {
+            next = std::exchange(current->First, nullptr);
+            continue;
+        }
+        next = current == &item ? nullptr : current->Next != nullptr ? current->Next : current->Parent;
         if (!current->Key->empty()) {
             const auto key = keys_.find(*current->Key);
             current->Key = &Nothing;

@@ -103,7 +103,8 @@ public:
     Nodes& operator=(const Nodes&) = delete;
 
     // `relative`: the index or the key of the relative, Missing for a root. `relationship`: a TreeRelationship, Missing
-    // means Next. Errors: 35601 no such relative, 35602 the key is in use, 7 the control refused.
+    // means Next. Errors: 35601 no such relative, 35602 the key is in use, 7 the control refused or there is no memory.
+    // A failure adds nothing.
     Node Add(const Variant& relative, const Variant& relationship, const Variant& key, const std::wstring& text);
     short Count() const noexcept { return static_cast<short>(living_); }
     // Error 35600 for an index outside 1 to Count, 35601 for a key that is not there.
@@ -120,10 +121,11 @@ private:
 
     Node::Item* Relative(const Variant& relative) const;
     void Detach(Node::Item& item) noexcept;
-    void Forget(Node::Item& item);
+    void Forget(Node::Item& item) noexcept;
     void Adjust(size_t slot, int change) noexcept;
     long IndexOf(size_t slot) const noexcept;
-    void Compact();
+    void Compact() noexcept;
+    void MakeRoom();
     HTREEITEM Mirror(const Node::Item& item, HTREEITEM after);
 
     TreeView& tree_;

@@ -133,6 +133,34 @@ TEST(Nodes, PositionsFollowTheOrderOfAddingThroughAnyRemovals) {
     }
 }
 
+TEST(Nodes, ABranchOfAnyDepthIsRemoved) {
+    Tree tree;
+    const Node root = tree.Root(L"root");
+    const Node before = tree.Child(root, L"before");
+    Node at = tree.Child(root, L"branch");
+    const Node branch = at;
+    const Node behind = tree.Child(root, L"behind");
+    // Wide and deep by turns, with keys.
+    std::vector<Node> below;
+    for (int depth = 0; depth < 40; ++depth) {
+        const short parent = at.Index();
+        for (int width = 0; width < depth % 4 + 1; ++width) {
+            below.push_back(
+                tree.Items().Add(parent, TreeRelationship::Child, std::to_wstring(below.size()) + L"k", L"x"));
+        }
+        at = below[below.size() - 1 - static_cast<size_t>(depth) % 2 % (static_cast<size_t>(depth) % 4 + 1)];
+    }
+    tree.Items().Remove(branch.Index());
+    EXPECT_EQ(3, tree.Items().Count());
+    EXPECT_EQ(3, tree.Shown());
+    EXPECT_EQ(behind, before.Next());
+    EXPECT_EQ(3, behind.Index());
+    for (size_t node = 0; node < below.size(); ++node) {
+        EXPECT_EQ(ErrorNumber::ElementNotFound, NumberOf([&] { below[node].Text(); }));
+        EXPECT_EQ(ErrorNumber::ElementNotFound, NumberOf([&] { tree.Items().Item(std::to_wstring(node) + L"k"); }));
+    }
+}
+
 TEST(TreeView, ExpandAndCollapseAreRaisedOnceEachTime) {
     Tree tree;
     const Node root = tree.Root(L"root");
