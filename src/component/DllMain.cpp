@@ -13,25 +13,49 @@ extern "C" BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, LPVOID processEnd
     return TRUE;
 }
 
+namespace {
+
+// Runs the module's start once. COM may ask from any thread: nobody gets a class before the start is over, but for what
+// the start itself calls, which comes on the same thread and passes.
+class Start {
+public:
+    Start() noexcept { InitializeCriticalSection(&lock_); }
+    ~Start() { DeleteCriticalSection(&lock_); }
+    Start(const Start&) = delete;
+    Start& operator=(const Start&) = delete;
+    void Once() noexcept {
+        EnterCriticalSection(&lock_);
+        if (!begun_) {
+            begun_ = true;
+            modGlobal::Own();  // what fails makes the error component
+            try {
+                modGlobal::Main();
+            } catch (...) {
+                // Not even reported: the next procedure that fails tries the reporting again.
+            }
+        }
+        LeaveCriticalSection(&lock_);
+    }
+
+private:
+    CRITICAL_SECTION lock_;
+    bool begun_ = false;
+};
+
+}  // namespace
+
 STDAPI DllGetClassObject(REFCLSID id, REFIID iid, void** object) {
     // Not in DllMain: what goes wrong is reported through another component, and none may be loaded there.
-    static bool started = false;
-    if (!started && id == SQLEditorClass.Id) {
-        started = true;
-        try {
-            modGlobal::Main();
-        } catch (...) {
-            // Not even reported: the next procedure that fails tries the reporting again.
-        }
-    }
+    static Start start;
+    if (id == SQLEditorClass.Id) start.Once();
     return Server::GetClassObject(&SQLEditorClass, 1, id, iid, object);
 }
 
 STDAPI DllCanUnloadNow() {
     if (!Server::CanUnload()) return S_FALSE;
     // This is the last that the module hears before it goes. What it holds of the host and of the error component is
-    // given back now: in DllMain it would be too late.
-    modGlobal::Forget();
+    // given back now: in DllMain it would be too late. On another thread than its own it may not be touched.
+    if (!modGlobal::Forget()) return S_FALSE;
     return Server::CanUnload() ? S_OK : S_FALSE;
 }
 

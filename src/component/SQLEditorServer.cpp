@@ -12,6 +12,7 @@
 #include "component/clsSQLEditor.h"
 #include "component/modGlobal.h"
 #include "errors/modErrorHandler.h"
+#include "forms/Events.h"
 #include "forms/Surroundings.h"
 
 // The door: clsSQLEditor as a COM object with a dual interface. Invoke is written by hand, since Display takes its text
@@ -124,6 +125,7 @@ public:
         if (parameters == nullptr) return E_POINTER;
         const UINT expected = id == IdDestructor ? 0 : 1;
         if (parameters->cArgs != expected) return DISP_E_BADPARAMCOUNT;
+        if (expected > 0 && parameters->rgvarg == nullptr) return E_POINTER;
         if (parameters->cNamedArgs > 0 &&
             (parameters->rgdispidNamedArgs == nullptr || *parameters->rgdispidNamedArgs != 0)) {
             if (argumentError != nullptr) *argumentError = 0;
@@ -163,9 +165,12 @@ private:
         // The host may let go of the object from inside the modal loop.
         AddRef();
         HRESULT result = S_OK;
+        modGlobal::Own();
         try {
             const Surroundings surroundings;
+            Events::Call call;
             work();
+            call.Rethrow();
         } catch (...) {
             const RuntimeError error = CurrentError();
             result = exception != nullptr ? FillException(error, exception) : PublishError(error);

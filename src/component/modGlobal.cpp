@@ -21,6 +21,12 @@ template <class T>
 T& Everlasting() {
     return *new T();
 }
+
+DWORD owner = 0;  // thread
+
+bool HoldsAnything() noexcept {
+    return EditorForm != nullptr || Dictionary != nullptr || HostDatabase || ErrorHandler != nullptr;
+}
 }  // namespace
 
 std::shared_ptr<frmSQLEditor>& EditorForm = Everlasting<std::shared_ptr<frmSQLEditor>>();
@@ -50,7 +56,13 @@ frmSQLEditor& modGlobal::Window() {
     return *EditorForm;
 }
 
-void modGlobal::Forget() noexcept {
+void modGlobal::Own() noexcept {
+    if (!HoldsAnything()) owner = GetCurrentThreadId();
+}
+
+bool modGlobal::Forget() noexcept {
+    if (!HoldsAnything()) return true;
+    if (owner != GetCurrentThreadId()) return false;
     EditorForm.reset();
     Dictionary.reset();
     HostDatabase.Clear();
@@ -58,4 +70,5 @@ void modGlobal::Forget() noexcept {
     OwnerName.clear();
     SchemaTermPlural.clear();
     DBType = 0;
+    return true;
 }

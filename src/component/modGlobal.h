@@ -31,6 +31,11 @@ const Collection<std::shared_ptr<const clsListItem>>& Catalogue();
 frmSQLEditor& Window();
 // Start-up: runs once, before the first object is served.
 void Main();
+// At the beginning of each call from outside: while the module holds nothing of others, the calling thread becomes the
+// one that what it will hold belongs to.
+void Own() noexcept;
 // The module is about to go: gives back what it holds of others, as if it had just been loaded. The catalogue stays.
-void Forget() noexcept;
+// False, and nothing happens, on another thread than the one that it belongs to: objects and windows may be touched on
+// their own thread alone.
+bool Forget() noexcept;
 }  // namespace modGlobal

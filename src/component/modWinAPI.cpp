@@ -5,8 +5,9 @@
 #include "forms/Form.h"
 
 void modWinAPI::SetWindowTopMost(::Form& Form) try {
+    Events::Call call;
     SetWindowPos(Form.Handle(), HWND_TOPMOST, 0, 0, 0, 0, SWP_NOSIZE | SWP_NOMOVE);
-    Events::Rethrow();
+    call.Rethrow();
 } catch (...) {
     ReportError(L"modWinAPI", L"SetWindowTopMost");
 }

@@ -4,10 +4,12 @@
 #include <windowsx.h>
 
 #include <cstdlib>
+#include <utility>
 
 #include "automation/App.h"
 #include "automation/RuntimeError.h"
 #include "forms/Events.h"
+#include "forms/Messages.h"
 #include "forms/Surroundings.h"
 #include "forms/Twips.h"
 
@@ -17,6 +19,10 @@ UINT WhoAreYou() noexcept {
     static const UINT message = RegisterWindowMessageW(L"brvControl.WhoAreYou");
     return message;
 }
+
+// Where our own procedure leaves its answer to that message. What a window's procedure returns is not looked at: any
+// window of the thread is asked, and a host's may answer anything.
+Control* answered = nullptr;
 
 int ShiftKeys() noexcept {
     int state = 0;
@@ -84,25 +90,29 @@ void Control::Move(float left, float top, float width, float height) {
     GetWindowRect(handle_, &now);
     MapWindowPoints(nullptr, GetParent(handle_), reinterpret_cast<POINT*>(&now), 2);
     if (EqualRect(&place, &now)) return;
+    Events::Call call;
     SetWindowPos(handle_, nullptr, x, y, place.right - x, place.bottom - y,
                  SWP_NOZORDER | SWP_NOACTIVATE | SWP_NOOWNERZORDER);
-    Events::Rethrow();
+    call.Rethrow();
 }
 
 void Control::SetVisible(bool visible) {
     visible_ = visible;
+    Events::Call call;
     ShowWindow(handle_, visible ? SW_SHOWNA : SW_HIDE);
-    Events::Rethrow();
+    call.Rethrow();
 }
 
 void Control::SetEnabled(bool enabled) {
+    Events::Call call;
     EnableWindow(handle_, enabled);
-    Events::Rethrow();
+    call.Rethrow();
 }
 
 void Control::PlaceAfter(HWND after) {
+    Events::Call call;
     SetWindowPos(handle_, after, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE | SWP_NOOWNERZORDER);
-    Events::Rethrow();
+    call.Rethrow();
 }
 
 void Control::BringToFront() { PlaceAfter(HWND_TOP); }
@@ -112,8 +122,9 @@ void Control::SendToBack() { PlaceAfter(HWND_BOTTOM); }
 void Control::PlaceBehind(const Control& other) { PlaceAfter(other.handle_); }
 
 void Control::SetFocus() {
+    Events::Call call;
     ::SetFocus(handle_);
-    Events::Rethrow();
+    call.Rethrow();
 }
 
 bool Control::HasFocus() const noexcept {
@@ -130,8 +141,9 @@ std::wstring Control::WindowCaption() const {
 }
 
 void Control::SetWindowCaption(const std::wstring& text) {
+    Events::Call call;
     SetWindowTextW(handle_, text.c_str());
-    Events::Rethrow();
+    call.Rethrow();
 }
 
 void Control::SetMouseEdges(int left, int right) noexcept {
@@ -140,15 +152,18 @@ void Control::SetMouseEdges(int left, int right) noexcept {
 }
 
 LRESULT Control::Send(UINT message, WPARAM wParam, LPARAM lParam) const {
+    Events::Call call;
     const LRESULT result = SendMessageW(handle_, message, wParam, lParam);
-    Events::Rethrow();
+    call.Rethrow();
     return result;
 }
 
 Control* Control::From(HWND window) noexcept {
     // Asked by a message, so that the answer comes even where somebody has put a procedure of their own over ours.
     if (window == nullptr || GetWindowThreadProcessId(window, nullptr) != GetCurrentThreadId()) return nullptr;
-    return reinterpret_cast<Control*>(SendMessageW(window, WhoAreYou(), 0, 0));
+    answered = nullptr;
+    SendMessageW(window, WhoAreYou(), 0, 0);
+    return std::exchange(answered, nullptr);
 }
 
 bool Control::Reflect(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result) {
@@ -162,10 +177,10 @@ bool Control::Reflect(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& resul
             child = reinterpret_cast<HWND>(lParam);
             break;
         case WM_NOTIFY:
-            child = reinterpret_cast<const NMHDR*>(lParam)->hwndFrom;
+            if (IsAddress(lParam)) child = reinterpret_cast<const NMHDR*>(lParam)->hwndFrom;
             break;
         case WM_DRAWITEM:
-            child = reinterpret_cast<const DRAWITEMSTRUCT*>(lParam)->hwndItem;
+            if (IsAddress(lParam)) child = reinterpret_cast<const DRAWITEMSTRUCT*>(lParam)->hwndItem;
             break;
         default:
             return false;
@@ -337,7 +352,11 @@ LRESULT Control::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
 
 LRESULT CALLBACK Control::Thunk(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     auto* control = reinterpret_cast<Control*>(GetWindowLongPtrW(window, GWLP_USERDATA));
-    if (message == WhoAreYou()) return reinterpret_cast<LRESULT>(control);
+    if (control == nullptr) return DefWindowProcW(window, message, wParam, lParam);
+    if (message == WhoAreYou()) {
+        answered = control;
+        return 0;
+    }
     LRESULT result = 0;
     control->FollowMouse(message, wParam, lParam);
     Events::Raise([&] {

@@ -55,8 +55,11 @@ void Dragging::Begin(Control& source, POINT screen) {
     session.Copy = MakeDragCursor(source.Handle(), source.DragCaption());
     session.Source = &source;
     session.Over = nullptr;
-    SetCapture(source.Handle());
-    Events::Rethrow();
+    {
+        Events::Call call;
+        SetCapture(source.Handle());
+        call.Rethrow();
+    }
     Move(screen);
 }
 

@@ -57,6 +57,7 @@ void FileDialog::Show(HWND owner, bool save) {
     request.Flags = OFN_EXPLORER | OFN_ENABLESIZING | OFN_HIDEREADONLY | OFN_NOCHANGEDIR | OFN_PATHMUSTEXIST |
                     (save ? OFN_OVERWRITEPROMPT | OFN_NOREADONLYRETURN : OFN_FILEMUSTEXIST);
     const auto ask = [&] { return save ? GetSaveFileNameW(&request) : GetOpenFileNameW(&request); };
+    Events::Call call;
     BOOL chosen = ask();
     DWORD failure = chosen ? 0 : CommDlgExtendedError();
     if (failure == FNERR_INVALIDFILENAME && name[0] != L'\0') {
@@ -65,7 +66,7 @@ void FileDialog::Show(HWND owner, bool save) {
         chosen = ask();
         failure = chosen ? 0 : CommDlgExtendedError();
     }
-    Events::Rethrow();
+    call.Rethrow();
     if (failure != 0)
         RaiseError(ErrorNumber::AutomationError, L"The file dialog failed with " + std::to_wstring(failure));
     if (!chosen) RaiseError(ErrorNumber::DialogCancelled);

@@ -9,6 +9,7 @@
 #include "automation/RuntimeError.h"
 #include "forms/Container.h"
 #include "forms/Events.h"
+#include "forms/Messages.h"
 #include "forms/Surroundings.h"
 #include "forms/Twips.h"
 
@@ -54,6 +55,7 @@ void Form::Load() {
     // Set first: a load that fails is not run again, and what it touches finds the window loaded.
     loaded_ = true;
     const Surroundings surroundings;
+    Events::Call call;
     // Drag and drop and the clipboard need OLE, which the host may not have started on this thread.
     ole_ = SUCCEEDED(OleInitialize(nullptr));
     RegisterWindowClass(FormClass, &Form::Procedure, 0);
@@ -68,7 +70,7 @@ void Form::Load() {
     MakeFonts();
     CreateControls();
     FontsChanged();
-    Events::Rethrow();
+    call.Rethrow();
     // Whatever becomes of the load, the window is laid out.
     struct LayOut {
         Form& Self;
@@ -137,8 +139,9 @@ RECT Form::Bounds() const noexcept {
 }
 
 void Form::SetBounds(int x, int y, int width, int height, UINT flags) {
+    Events::Call call;
     SetWindowPos(handle_, nullptr, x, y, width, height, flags | SWP_NOZORDER | SWP_NOACTIVATE);
-    Events::Rethrow();
+    call.Rethrow();
 }
 
 // On the way to a monitor of other dots per inch Windows suggests a size that is scaled from the one that the window
@@ -214,8 +217,9 @@ void Form::SetCaption(const std::wstring& caption) {
     std::wstring shown(static_cast<size_t>(GetWindowTextLengthW(handle_)), L'\0');
     GetWindowTextW(handle_, shown.data(), static_cast<int>(shown.size()) + 1);
     if (shown == caption) return;
+    Events::Call call;
     SetWindowTextW(handle_, caption.c_str());
-    Events::Rethrow();
+    call.Rethrow();
 }
 
 void Form::DisableOthers() {
@@ -246,6 +250,7 @@ void Form::ShowModal() {
     if (handle_ == nullptr) RaiseError(ErrorNumber::ObjectNotSet);  // the load found no memory for a window
     if (shown_) RaiseError(ErrorNumber::FormAlreadyShown);
     const Surroundings surroundings;
+    Events::Call call;
     struct Showing {
         Form& Self;
         ~Showing() {
@@ -265,13 +270,14 @@ void Form::ShowModal() {
     // A process that was started hidden has its first ShowWindow turned into hiding.
     if (!IsWindowVisible(handle_)) ShowWindow(handle_, command);
     SetForegroundWindow(handle_);
-    Events::Rethrow();
+    call.Rethrow();
     Form_Activate();
     RunLoop();
 }
 
 void Form::RunLoop() {
     while (shown_) {
+        Events::Call call;
         MSG message;
         const BOOL got = GetMessageW(&message, nullptr, 0, 0);
         if (got <= 0) {
@@ -293,7 +299,7 @@ void Form::RunLoop() {
             TranslateMessage(&message);
             DispatchMessageW(&message);
         }
-        Events::Rethrow();
+        call.Rethrow();
     }
 }
 
@@ -326,6 +332,7 @@ bool Form::Navigate(const MSG& message) {
 void Form::Hide() {
     if (!shown_) return;
     shown_ = false;
+    Events::Call call;
     // Enabled before this window goes, else the activation would go to another program.
     EnableOthers();
     ShowWindow(handle_, SW_HIDE);
@@ -333,7 +340,7 @@ void Form::Hide() {
     previousActive_ = nullptr;
     // Wakes a loop that waits in GetMessage.
     PostMessageW(handle_, WM_NULL, 0, 0);
-    Events::Rethrow();
+    call.Rethrow();
 }
 
 void Form::Unload() {
@@ -371,6 +378,7 @@ LRESULT Form::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
             if (ready_) Form_Resize();
             return 0;
         case WM_GETMINMAXINFO: {
+            if (!IsAddress(lParam)) return 0;
             auto& limits = *reinterpret_cast<MINMAXINFO*>(lParam);
             const UINT dpi = Dpi();
             limits.ptMinTrackSize.x = std::max<LONG>(limits.ptMinTrackSize.x, TwipsToPixels(MinimumWidth(), dpi));
@@ -380,6 +388,11 @@ LRESULT Form::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
         case WM_CLOSE:
             Unload();
             return 0;
+        case WM_QUERYENDSESSION:
+            // Now and not with WM_ENDSESSION, after which the process may end at any moment: what was written is with
+            // the host when that is asked, or told, in its turn.
+            if (shown_) Unload();
+            return TRUE;
         case WM_ACTIVATE:
             // The focus comes back to where it was, as it does in a dialog.
             if (LOWORD(wParam) == WA_INACTIVE) {
@@ -390,6 +403,7 @@ LRESULT Form::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
             }
             return 0;
         case WM_DPICHANGED: {
+            if (!IsAddress(lParam)) return 0;
             RenewFonts();
             if (placing_) {
                 dpiChanged_ = true;

@@ -57,10 +57,11 @@ std::optional<std::wstring> InputBox(HWND owner, const std::wstring& prompt, con
     form.Add(Button, BS_DEFPUSHBUTTON | WS_TABSTOP, 0, 108, 42, 50, 14, IDOK, L"OK");
     form.Add(Button, BS_PUSHBUTTON | WS_TABSTOP, 0, 162, 42, 50, 14, IDCANCEL, L"Cancel");
     Asked asked{text.substr(0, LongestText), owner};
+    Events::Call call;
     const INT_PTR answer =
         DialogBoxIndirectParamW(App::Module(), form.Get(), owner, &Procedure, reinterpret_cast<LPARAM>(&asked));
     if (answer == -1) RaiseSystemError(ErrorNumber::OutOfMemory, GetLastError());
-    Events::Rethrow();
+    call.Rethrow();
     if (answer != IDOK) return std::nullopt;
     return asked.Text;
 }

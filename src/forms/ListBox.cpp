@@ -70,9 +70,10 @@ LRESULT ListBox::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
 }
 
 void ListBox::EndTracking(LPARAM press) {
+    Events::Call call;
     // Selects for good what was pressed, and gives the mouse back.
     Original(WM_LBUTTONUP, 0, press);
-    Events::Rethrow();
+    call.Rethrow();
 }
 
 POINT ListBox::MenuPoint() const {

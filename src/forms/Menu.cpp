@@ -75,8 +75,9 @@ void MenuItem::PopUp(const POINT* at) {
         GetCursorPos(&point);
     }
     const HWND window = bar_->window_;
+    Events::Call call;
     TrackPopupMenuEx(menu_, TPM_LEFTALIGN | TPM_TOPALIGN | TPM_RIGHTBUTTON, point.x, point.y, window, nullptr);
-    Events::Rethrow();
+    call.Rethrow();
 }
 
 void MenuBar::Append(MenuItem& menu) { menus_.push_back(&menu); }

@@ -10,7 +10,8 @@ int MsgBox(HWND owner, const std::wstring& prompt, UINT flags) { return MsgBox(o
 int MsgBox(HWND owner, const std::wstring& prompt, UINT flags, const std::wstring& title) {
     const Surroundings surroundings;
     const PaintingResumed resumed;
+    Events::Call call;
     const int answer = MessageBoxW(owner, prompt.c_str(), title.c_str(), flags);
-    Events::Rethrow();
+    call.Rethrow();
     return answer;
 }

@@ -51,12 +51,13 @@ Printer Printer::Choose(HWND owner, DWORD flags) {
     dialog.hwndOwner = owner;
     dialog.Flags = flags;
     dialog.nCopies = 1;
+    Events::Call call;
     const BOOL chosen = PrintDlgW(&dialog);
     const DWORD error = chosen ? 0 : CommDlgExtendedError();
     GlobalFree(dialog.hDevMode);
     GlobalFree(dialog.hDevNames);
     Printer printer(chosen ? dialog.hDC : nullptr, dialog.nCopies > 1 ? dialog.nCopies : 1);
-    Events::Rethrow();
+    call.Rethrow();
     if (!chosen && error == 0) RaiseError(ErrorNumber::DialogCancelled);
     if (!chosen) RaisePrinterError(DialogFailure(error));
     if (printer.context_ == nullptr) RaisePrinterError(L"the printer's driver cannot be used.");
@@ -92,11 +93,12 @@ void Printer::EndDocument() {
 
 // ---- PrintingNotice
 
-PrintingNotice::PrintingNotice(HWND owner) : owner_(owner), started_(GetTickCount()) { EnableWindow(owner, FALSE); }
+PrintingNotice::PrintingNotice(HWND owner)
+    : owner_(owner), started_(GetTickCount()), enabled_(!EnableWindow(owner, FALSE)) {}
 
 PrintingNotice::~PrintingNotice() {
     // Before the dialog goes, else the activation would go to another program.
-    EnableWindow(owner_, TRUE);
+    if (enabled_) EnableWindow(owner_, TRUE);
     if (dialog_ != nullptr) DestroyWindow(dialog_);
 }
 
@@ -126,6 +128,7 @@ bool PrintingNotice::Continue(int page) {
     }
     if (dialog_ != nullptr)
         SetDlgItemTextW(dialog_, PageId, (L"Printing page " + std::to_wstring(page) + L" ...").c_str());
+    Events::Call call;
     MSG message;
     while (!stopped_ && PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
         if (message.message == WM_QUIT) {
@@ -136,6 +139,6 @@ bool PrintingNotice::Continue(int page) {
         TranslateMessage(&message);
         DispatchMessageW(&message);
     }
-    Events::Rethrow();
+    call.Rethrow();
     return !stopped_;
 }

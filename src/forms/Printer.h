@@ -33,7 +33,7 @@ private:
 };
 
 // Says which page is printed, and lets the user stop it. Shown when the printing takes longer than a moment; the owner
-// is disabled while it lives.
+// is disabled while it lives, and afterwards as it was.
 class PrintingNotice {
 public:
     explicit PrintingNotice(HWND owner);
@@ -47,5 +47,6 @@ private:
     HWND owner_;
     HWND dialog_ = nullptr;
     DWORD started_;
+    bool enabled_;
     bool stopped_ = false;
 };

@@ -78,11 +78,12 @@ Node TreeView::NodeAt(LPARAM point, bool& button) const {
 
 void TreeView::SetFocus() {
     const bool selected = static_cast<bool>(SelectedItem());
+    Events::Call call;
     focusing_ = true;
     ::SetFocus(Handle());
     focusing_ = false;
     if (!selected && SelectedItem()) SetSelectedItem({});
-    Events::Rethrow();
+    call.Rethrow();
 }
 
 std::wstring TreeView::DragCaption() const {
@@ -232,9 +233,10 @@ LRESULT TreeView::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
             LRESULT result;
             {
                 const Quiet quiet(quiet_);
+                Events::Call call;
                 result = Original(message, wParam, lParam);
+                call.Rethrow();
             }
-            Events::Rethrow();
             const Node after = SelectedItem();
             if (SelChange && !(after == before)) SelChange(after);
             return result;

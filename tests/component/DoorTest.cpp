@@ -53,6 +53,59 @@ TEST_F(DoorTest, StaysLoadedWhileSomethingLives) {
     EXPECT_EQ(S_OK, Dll.CanUnload());
 }
 
+TEST_F(DoorTest, AnUnlockTooManyOutweighsNoObject) {
+    IClassFactory* factory = nullptr;
+    ASSERT_EQ(S_OK, Dll.GetClassObject(CLSID_clsSQLEditor, IID_IClassFactory, reinterpret_cast<void**>(&factory)));
+    EXPECT_EQ(E_UNEXPECTED, factory->LockServer(FALSE));
+    EXPECT_EQ(S_FALSE, Dll.CanUnload());
+    {
+        const Object editor = Dll.Create();
+        factory->LockServer(FALSE);
+        factory->Release();
+        EXPECT_EQ(S_FALSE, Dll.CanUnload());
+    }
+    EXPECT_EQ(S_OK, Dll.CanUnload());
+}
+
+// COM may ask on any thread; what the module holds of the host can be given back on its own thread alone.
+TEST_F(DoorTest, AnotherThreadCannotMakeItLetGo) {
+    auto* counted = new DynamicObject;
+    IDispatch* const raw = counted;
+    for (const auto& [name, member] : Database.Members) counted->Define(name, member);
+    {
+        const Object editor = Dll.Create();
+        editor.Call(L"Constructor", Object(raw));
+        DisplayAndClose(editor, L"x");
+    }
+    const auto elsewhere = [this] {
+        const HANDLE thread = CreateThread(
+            nullptr, 0,
+            [](void* parameter) WINAPI -> DWORD {
+                CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
+                IClassFactory* factory = nullptr;
+                const auto& dll = *static_cast<const Component*>(parameter);
+                const HRESULT made =
+                    dll.GetClassObject(CLSID_clsSQLEditor, IID_IClassFactory, reinterpret_cast<void**>(&factory));
+                if (SUCCEEDED(made)) factory->Release();
+                const HRESULT unload = dll.CanUnload();
+                CoUninitialize();
+                return FAILED(made) ? 99U : static_cast<DWORD>(unload);
+            },
+            &Dll, 0, nullptr);
+        EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(thread, 30000));
+        DWORD code = 98;
+        GetExitCodeThread(thread, &code);
+        CloseHandle(thread);
+        return static_cast<HRESULT>(code);
+    };
+    EXPECT_EQ(S_FALSE, elsewhere());
+    raw->AddRef();
+    EXPECT_LT(1U, raw->Release()) << "still held";
+    EXPECT_EQ(S_OK, Dll.CanUnload());
+    EXPECT_EQ(S_OK, elsewhere()) << "nothing is held any more";
+    EXPECT_EQ(0U, raw->Release());
+}
+
 TEST_F(DoorTest, GivesTheHostsObjectsBackBeforeItGoes) {
     auto* counted = new DynamicObject;
     IDispatch* const raw = counted;
@@ -105,6 +158,11 @@ TEST_F(DoorTest, RefusesCallsThatCannotBeMeant) {
               raw->Invoke(2, IID_NULL, 0, DISPATCH_PROPERTYPUT, &one, nullptr, nullptr, nullptr));
     EXPECT_EQ(DISP_E_UNKNOWNINTERFACE,
               raw->Invoke(3, IID_IDispatch, 0, DISPATCH_METHOD, &none, nullptr, nullptr, nullptr));
+    // Arguments that are counted and not there.
+    DISPPARAMS nowhere{nullptr, nullptr, 1, 0};
+    EXPECT_EQ(E_POINTER, raw->Invoke(1, IID_NULL, 0, DISPATCH_METHOD, &nowhere, nullptr, nullptr, nullptr));
+    EXPECT_EQ(E_POINTER, raw->Invoke(2, IID_NULL, 0, DISPATCH_METHOD, &nowhere, nullptr, nullptr, nullptr));
+    EXPECT_EQ(S_OK, raw->Invoke(3, IID_NULL, 0, DISPATCH_METHOD, &none, nullptr, nullptr, nullptr));
     EXPECT_EQ(L"", Errors.Places());
 }
 
