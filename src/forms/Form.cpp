@@ -152,12 +152,13 @@ void Form::SetBounds(const RECT& place) {
     const int height = place.bottom - place.top;
     placing_ = true;
     dpiChanged_ = false;
+    Events::Call call;
     SetWindowPos(handle_, nullptr, place.left, place.top, width, height, SWP_NOZORDER | SWP_NOACTIVATE);
     if (dpiChanged_) {
         SetWindowPos(handle_, nullptr, place.left, place.top, width, height, SWP_NOZORDER | SWP_NOACTIVATE);
     }
     placing_ = false;
-    Events::Rethrow();
+    call.Rethrow();
 }
 
 Placement Form::Place() const { return Placement(GetDesktop(), Bounds()); }
