@@ -160,6 +160,15 @@ function(brv_add_test name)
     set_tests_properties(${name} PROPERTIES TIMEOUT ${arg_TIMEOUT} LABELS "${arg_LABELS}")
 endfunction()
 
+# brv_add_script_test(<name> COMMAND script arguments... [TIMEOUT seconds] [LABELS ...])
+# A test that a script makes of whole programs. It is left out by ./test --quick.
+function(brv_add_script_test name)
+    cmake_parse_arguments(PARSE_ARGV 1 arg "" "TIMEOUT" "COMMAND;LABELS")
+    add_test(NAME ${name} COMMAND ${CMAKE_SOURCE_DIR}/cmake/in-slot ${CMAKE_CURRENT_SOURCE_DIR}/${arg_COMMAND})
+    get_filename_component(folder ${CMAKE_CURRENT_SOURCE_DIR} NAME)
+    set_tests_properties(${name} PROPERTIES TIMEOUT ${arg_TIMEOUT} LABELS "${folder};system;${arg_LABELS}")
+endfunction()
+
 # windres reports no dependencies: a resource script is compiled again when anything that it may include has changed.
 function(brv_resource_inputs)
     foreach(rc IN LISTS ARGN)

@@ -1,6 +1,6 @@
 # A PostgreSQL server for the tests, on the loopback address alone, in a folder of its own that goes with it. Sourced after setup.sh.
 
-BRV_PG_FOLDER='' BRV_PG_WATCHER=''
+BRV_PG_FOLDER='' BRV_PG_WATCHER='' BRV_PG_SWITCHES=''
 
 # As whom the server runs: it refuses to be root.
 as_postgres() {
@@ -37,11 +37,10 @@ start_postgres() {
         [ "$try" != 5 ] || { cat "$BRV_PG_FOLDER/log" >>"$log"; log_tail "$log"; die "the PostgreSQL server did not start"; }
     done
     export BRV_PG="Driver=PostgreSQL Unicode;Server=127.0.0.1;Port=$port;Database=postgres;Uid=brv;Pwd=$password"
-    mkdir -p "$BRV_BUILD/postgres-switch"
-    rm -f "$BRV_BUILD/postgres-switch"/*
+    BRV_PG_SWITCHES=$(mktemp -d "$BRV_BUILD/postgres/switch.XXXXXX") || die "no folder for switching the server"
     export BRV_PG_SWITCH
-    BRV_PG_SWITCH=$(windows_path "$BRV_BUILD/postgres-switch")
-    watch_postgres_switch "$bin" "$port" "$BRV_BUILD/postgres-switch" >>"$log" 2>&1 </dev/null 9>&- &
+    BRV_PG_SWITCH=$(windows_path "$BRV_PG_SWITCHES")
+    watch_postgres_switch "$bin" "$port" "$BRV_PG_SWITCHES" >>"$log" 2>&1 </dev/null 9>&- &
     BRV_PG_WATCHER=$!
 }
 
@@ -62,6 +61,8 @@ watch_postgres_switch() { # BIN PORT FOLDER
 stop_postgres() {
     [ -z "$BRV_PG_WATCHER" ] || kill "$BRV_PG_WATCHER" 2>/dev/null
     BRV_PG_WATCHER=''
+    [ -z "$BRV_PG_SWITCHES" ] || rm -rf "$BRV_PG_SWITCHES"
+    BRV_PG_SWITCHES=''
     [ -n "$BRV_PG_FOLDER" ] || return 0
     local bin
     bin=$(ls -d /usr/lib/postgresql/*/bin 2>/dev/null | sort -V | tail -n 1)

@@ -20,6 +20,8 @@ use_preset() {
 BRV_PACKAGES=(g++-mingw-w64-i686 mingw-w64-tools cmake ninja-build googletest
     wine wine32:i386 xvfb openbox xdotool imagemagick x11-utils
     libodbc2:i386 libsqliteodbc:i386 odbc-postgresql:i386 sqlite3 fonts-liberation fonts-dejavu-core)
+# What is installed where the distribution has it.
+BRV_OPTIONAL_PACKAGES=()
 BRV_WIN64_PACKAGES=(g++-mingw-w64-x86-64 wine64 libodbc2 libsqliteodbc odbc-postgresql)
 
 # The in-process servers that are registered, by file name.
@@ -42,15 +44,28 @@ log_tail() {
 
 # --- packages ---------------------------------------------------------------------------------------------------------
 
+# missing_packages: those of BRV_PACKAGES that are not installed. Of "one|other" either will do.
 missing_packages() {
-    local have package
+    local have package name there
     have=$(dpkg-query -W -f='${db:Status-Status} ${Package}:${Architecture}\n' \
-        "${BRV_PACKAGES[@]}" 2>/dev/null | sed -n 's/^installed //p')
+        $(tr '|' ' ' <<<"${BRV_PACKAGES[*]}") 2>/dev/null | sed -n 's/^installed //p')
     for package in "${BRV_PACKAGES[@]}"; do
-        case $package in
-            *:*) grep -qxF "$package" <<<"$have" ;;
-            *) grep -qE "^${package//+/\\+}:(all|$(dpkg --print-architecture))\$" <<<"$have" ;;
-        esac || printf '%s\n' "$package"
+        there=
+        for name in ${package//|/ }; do
+            case $name in
+                *:*) grep -qxF "$name" <<<"$have" && there=1 ;;
+                *) grep -qE "^${name//+/\\+}:(all|$(dpkg --print-architecture))\$" <<<"$have" && there=1 ;;
+            esac
+        done
+        [ -n "$there" ] || printf '%s\n' "$package"
+    done
+}
+
+# installable NAME...: those that the package index has.
+installable() {
+    local name
+    for name in "$@"; do
+        ! LC_ALL=C apt-cache policy "$name" 2>/dev/null | grep -q '^  Candidate: [^(]' || printf '%s\n' "$name"
     done
 }
 
@@ -64,12 +79,14 @@ install_missing() {
         [ ${#absent[@]} -eq 0 ] || die "this is no Debian system, so nothing can be installed here; missing: ${absent[*]}"
         return 0
     fi
-    local missing as_root=() log=$BRV_LOGS/packages.log codename apt
+    local missing optional=() wanted package name as_root=() log=$BRV_LOGS/packages.log codename apt
     mapfile -t missing < <(missing_packages)
-    [ ${#missing[@]} -gt 0 ] || return 0
+    [ ${#BRV_OPTIONAL_PACKAGES[@]} = 0 ] || mapfile -t optional < <(BRV_PACKAGES=("${BRV_OPTIONAL_PACKAGES[@]}")
+        installable $(missing_packages))
+    [ $((${#missing[@]} + ${#optional[@]})) -gt 0 ] || return 0
 
     mkdir -p "$BRV_LOGS"
-    say "Installing packages: ${missing[*]}"
+    say "Installing packages: ${missing[*]} ${optional[*]}"
     if [ "$(id -u)" != 0 ]; then
         command -v sudo >/dev/null || die "these packages are missing, and installing them needs root or sudo: ${missing[*]}"
         as_root=(sudo)
@@ -83,13 +100,18 @@ install_missing() {
     fi
     # One index of several may be unreachable while the others are enough: what counts is whether the installation succeeds.
     "${apt[@]}" update >>"$log" 2>&1 </dev/null || say "(apt-get update reported problems; going on)"
-    if ! "${apt[@]}" install -y --no-install-recommends "${missing[@]}" >>"$log" 2>&1 </dev/null; then
+    mapfile -t wanted < <(for package in "${missing[@]}"; do
+        name=$(installable ${package//|/ } | head -n 1)
+        printf '%s\n' "${name:-${package%%|*}}"
+    done
+        installable "${BRV_OPTIONAL_PACKAGES[@]}")
+    if ! "${apt[@]}" install -y --no-install-recommends "${wanted[@]}" >>"$log" 2>&1 </dev/null; then
         # An index of one architecture may lag behind the other's, and libraries of both must have one version.
         codename=$(. /etc/os-release && printf '%s' "${VERSION_CODENAME:-}")
         if [ -z "$codename" ] || ! "${apt[@]}" install -y --no-install-recommends -t "$codename" --allow-downgrades \
-            "${missing[@]}" >>"$log" 2>&1 </dev/null; then
+            "${wanted[@]}" >>"$log" 2>&1 </dev/null; then
             log_tail "$log"
-            die "could not install the packages ${missing[*]} (network? package index? see above)"
+            die "could not install the packages ${wanted[*]} (network? package index? see above)"
         fi
     fi
     mapfile -t missing < <(missing_packages)
@@ -176,10 +198,41 @@ make_odbc() {
     mv "$folder/odbcinst.ini.new" "$folder/odbcinst.ini"
 }
 
-# Makes the Wine prefix unless it is there. Its folders for documents are its own, not links into the user's.
+# make_template FOLDER: a Wine prefix that nothing has run in yet, for others to be copied from. Its folders for documents are its own, not
+# links into the user's.
+make_template() {
+    [ ! -f "$1/.made" ] || return 0
+    (
+        export WINEPREFIX=$1
+        flock -w 300 6 || exit 1
+        [ ! -f "$WINEPREFIX/.made" ] || exit 0
+        log=$BRV_LOGS/wine-prefix-$BRV_WIDTH.log
+        say "Making a Wine prefix ($BRV_WIDTH-bit) ..."
+        # Twice: on a machine that has much to do the first attempt was seen to fail in Wine's own start.
+        for attempt in 1 2; do
+            rm -rf "$WINEPREFIX"
+            # Without a display: setting up a prefix draws nothing, and a window that asks something would never be answered.
+            env -u DISPLAY timeout 240 wine wineboot -i >"$log" 2>&1 </dev/null 6>&- 7>&- 9>&- && break
+            timeout 20 wineserver -k 6>&- 7>&- 9>&-
+            if [ $attempt = 2 ]; then
+                log_tail "$log"
+                say "Wine could not make its prefix $WINEPREFIX"
+                exit 1
+            fi
+        done
+        timeout 60 wineserver -w 6>&- 7>&- 9>&- || timeout 20 wineserver -k 6>&- 7>&- 9>&-
+        find "$WINEPREFIX/drive_c/users" -type l | while IFS= read -r link; do
+            rm "$link" && mkdir "$link"
+        done
+        touch "$WINEPREFIX/.made"
+    ) 6>"$1.lock"
+}
+
+# Makes the Wine prefix unless it is there, as a copy of the one that is kept for that.
 make_prefix() {
+    local template=$BRV_BUILD/wine$BRV_WIDTH-template
     make_odbc
-    [ -f "$WINEPREFIX/.made" ] && return 0
+    [ ! -f "$WINEPREFIX/.made" ] || return 0
     case $WINEPREFIX/ in
         "$BRV_BUILD"/*) ;;
         *) [ ! -e "$WINEPREFIX" ] || die "$WINEPREFIX exists and was not made by this project" ;;
@@ -187,27 +240,18 @@ make_prefix() {
     mkdir -p "$(dirname "$WINEPREFIX")" "$BRV_LOGS"
     (
         flock -w 300 7 || exit 1
-        [ -f "$WINEPREFIX/.made" ] && exit 0
-        log=$BRV_LOGS/wine-prefix.log
-        say "Making the Wine prefix $(basename "$WINEPREFIX") ..."
-        # Twice: on a machine that has much to do the first attempt was seen to fail in Wine's own start.
-        for attempt in 1 2; do
+        [ ! -f "$WINEPREFIX/.made" ] || exit 0
+        make_template "$template" || exit 1
+        rm -rf "$WINEPREFIX"
+        # Wine's libraries and programs, nearly all of its size, are shared: nobody writes them. What may be written is copied.
+        if cp -al "$template" "$WINEPREFIX" 2>/dev/null; then
+            cd "$template" && find . -type f ! -iname '*.dll' ! -iname '*.exe' -print0 |
+                xargs -0 cp -a --parents --remove-destination -t "$WINEPREFIX"
+        else
             rm -rf "$WINEPREFIX"
-            # Without a display: setting up a prefix draws nothing, and a window that asks something would never be answered.
-            env -u DISPLAY timeout 240 wine wineboot -i >"$log" 2>&1 </dev/null 7>&- && break
-            timeout 20 wineserver -k 7>&-
-            if [ $attempt = 2 ]; then
-                log_tail "$log"
-                say "Wine could not make its prefix $WINEPREFIX"
-                exit 1
-            fi
-        done
-        timeout 60 wineserver -w 7>&- || timeout 20 wineserver -k 7>&-
-        find "$WINEPREFIX/drive_c/users" -type l | while IFS= read -r link; do
-            rm "$link" && mkdir "$link"
-        done
-        touch "$WINEPREFIX/.made"
-    ) 7>"$WINEPREFIX.lock" || return 1
+            cp -a "$template" "$WINEPREFIX"
+        fi || { rm -rf "$WINEPREFIX"; say "the Wine prefix $WINEPREFIX could not be copied"; exit 1; }
+    ) 7>"$WINEPREFIX.lock"
 }
 
 # enter_prefix NAME [NAME...]: takes the first of these prefixes below build/ that no other command uses, by a lock on file
@@ -215,8 +259,8 @@ make_prefix() {
 # must be there before: Wine's desktop keeps the one that it was started with.
 enter_prefix() {
     local name
+    mkdir -p "$BRV_BUILD"
     for name in "$@"; do
-        mkdir -p "$BRV_BUILD"
         exec 9>"$BRV_BUILD/$name.used"
         flock -n 9 && break
         exec 9>&-
@@ -225,12 +269,18 @@ enter_prefix() {
     [ -n "$name" ] || die "other commands use the Wine prefixes of this folder: $*"
     BRV_PREFIX=$BRV_BUILD/$name
     wine_environment
+    [ -z "${BRV_FRESH:-}" ] || { timeout 30 wineserver -k 9>&- >/dev/null 2>&1; rm -rf "$WINEPREFIX"; }
     make_prefix || exit 1
     # Left over by a command that was killed.
     timeout 30 wineserver -k 9>&- >/dev/null 2>&1
     # One server for all programs to come: each start from nothing costs seconds.
     timeout 30 wineserver -p300 9>&- >/dev/null 2>&1
     BRV_ENTERED=1
+}
+
+# enter_fresh_prefix NAME [NAME...]: the same, and the prefix is as new.
+enter_fresh_prefix() {
+    BRV_FRESH=1 enter_prefix "$@"
 }
 
 # Ends the programs and the server of the prefix.
@@ -284,6 +334,30 @@ make_sample() {
         return 1
     fi
     mv "$file.new" "$file"
+}
+
+# --- slots ------------------------------------------------------------------------------------------------------------
+
+# Tests move the pointer, and change the clipboard, settings and registrations: while one runs it has a display and a prefix for itself.
+# ./test keeps a few of them, each named by a file in the folder BRV_SLOTS that holds both; whoever has a lock on the file uses them.
+
+# take_slot: waits for a slot and points DISPLAY and BRV_PREFIX at it. The lock is on file descriptor 6, which must not reach Wine.
+# Without ./test there are no slots, and what the environment says is taken.
+take_slot() {
+    local slot
+    [ -n "${BRV_SLOTS:-}" ] || return 0
+    while :; do
+        for slot in "$BRV_SLOTS"/slot-*; do
+            exec 6<"$slot" || continue
+            if flock -n 6; then
+                read -r DISPLAY BRV_PREFIX <&6
+                export DISPLAY BRV_PREFIX
+                return 0
+            fi
+            exec 6<&-
+        done
+        sleep 0.1
+    done
 }
 
 # --- display ----------------------------------------------------------------------------------------------------------

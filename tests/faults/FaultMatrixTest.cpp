@@ -188,7 +188,11 @@ std::vector<Case> CasesOf(const Step& step, const std::vector<std::wstring>& cal
             if (IsWanted(step, member, occurrence, all[member], fault)) cases.push_back({member, occurrence, fault});
         }
     }
-    return cases;
+    if (std::getenv("BRV_SAMPLE") == nullptr) return cases;
+    // Every fifth: a step's cases are some of each call and of each fault still.
+    std::vector<Case> sample;
+    for (size_t at = 0; at < cases.size(); at += 5) sample.push_back(cases[at]);
+    return sample;
 }
 
 // BRV_STEP in the environment is the name of the one step that is wanted.

@@ -81,14 +81,23 @@ bool RunBelow(std::wstring command) {
     return true;
 }
 
+// A name that no other run uses at the same time: under Wine two processes of different prefixes may have the same
+// number.
+std::wstring UniqueName(const wchar_t* beginning) {
+    GUID unique{};
+    CoCreateGuid(&unique);
+    wchar_t text[40];
+    StringFromGUID2(unique, text, 40);
+    return beginning + std::wstring(text + 1, 36);
+}
+
 // A file system of 64 KB, where one can be had.
 class SmallDisk {
 public:
     SmallDisk() {
-        const std::string name =
-            "brv-small-disk-" + std::to_string(GetCurrentProcessId()) + "-" + std::to_string(GetTickCount());
-        below_ = L"/tmp/" + std::wstring(name.begin(), name.end());
-        path_ = L"Z:\\tmp\\" + std::wstring(name.begin(), name.end()) + L"\\";
+        const std::wstring name = UniqueName(L"brv-small-disk-");
+        below_ = L"/tmp/" + name;
+        path_ = L"Z:\\tmp\\" + name + L"\\";
         if (!CreateDirectoryW(path_.c_str(), nullptr)) return;
         RunBelow(L"Z:\\bin\\mount -t tmpfs -o size=64k brv-test " + below_);
         ULARGE_INTEGER size{};
@@ -107,13 +116,14 @@ public:
     std::wstring operator/(const wchar_t* name) const { return path_ + name; }
     // From here on nothing can be made or written in it; false where that cannot be had.
     bool TakeRights() {
-        RunBelow(L"Z:\\bin\\mount -o remount,ro " + below_);
         for (int wait = 0; wait < 50; ++wait) {
+            // Refused while a file is open for writing, as the one below may still be: so each time.
+            RunBelow(L"Z:\\bin\\mount -o remount,ro " + below_);
+            Sleep(50);
             const HANDLE file = CreateFileW((path_ + L"rights").c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW,
                                             FILE_FLAG_DELETE_ON_CLOSE, nullptr);
             if (file == INVALID_HANDLE_VALUE) return true;
             CloseHandle(file);
-            Sleep(50);
         }
         return false;
     }
@@ -251,7 +261,7 @@ TEST_F(FileFailuresTest, AFolderWithoutRightsIsToldAndStaysAsItWas) {
 }
 
 TEST_F(FileFailuresTest, ALinkStaysALink) {
-    const std::wstring name = L"brv-link-" + std::to_wstring(GetCurrentProcessId());
+    const std::wstring name = UniqueName(L"brv-link-");
     const std::wstring link = L"Z:\\tmp\\" + name + L".sql";
     const std::wstring real = L"Z:\\tmp\\" + name + L"-real.sql";
     if (GetFileAttributesW(L"Z:\\bin\\ln") == INVALID_FILE_ATTRIBUTES) GTEST_SKIP() << "no links can be made here";
