@@ -157,7 +157,8 @@ function(brv_add_test name)
     if(NOT arg_LABELS)
         get_filename_component(arg_LABELS ${CMAKE_CURRENT_SOURCE_DIR} NAME)
     endif()
-    set_tests_properties(${name} PROPERTIES TIMEOUT ${arg_TIMEOUT} LABELS "${arg_LABELS}")
+    # What may take long is begun first, so that nothing long is left for the end.
+    set_tests_properties(${name} PROPERTIES TIMEOUT ${arg_TIMEOUT} COST ${arg_TIMEOUT} LABELS "${arg_LABELS}")
 endfunction()
 
 # brv_add_script_test(<name> COMMAND script arguments... [TIMEOUT seconds] [LABELS ...])
@@ -166,7 +167,7 @@ function(brv_add_script_test name)
     cmake_parse_arguments(PARSE_ARGV 1 arg "" "TIMEOUT" "COMMAND;LABELS")
     add_test(NAME ${name} COMMAND ${CMAKE_SOURCE_DIR}/cmake/in-slot ${CMAKE_CURRENT_SOURCE_DIR}/${arg_COMMAND})
     get_filename_component(folder ${CMAKE_CURRENT_SOURCE_DIR} NAME)
-    set_tests_properties(${name} PROPERTIES TIMEOUT ${arg_TIMEOUT} LABELS "${folder};system;${arg_LABELS}")
+    set_tests_properties(${name} PROPERTIES TIMEOUT ${arg_TIMEOUT} COST ${arg_TIMEOUT} LABELS "${folder};system;${arg_LABELS}")
 endfunction()
 
 # windres reports no dependencies: a resource script is compiled again when anything that it may include has changed.
