@@ -255,7 +255,7 @@ int Run(const Options& options) {
         if (!Edit(database, sql)) return ComponentFailed;
         Console::Print(L"SQL from the editor:\n" + WithPlainLineEnds(sql) + (sql.ends_with(L"\n") ? L"" : L"\n"));
     }
-    const std::vector<std::wstring> statements = SplitStatements(sql);
+    const std::vector<std::wstring> statements = SplitStatements(sql, database.Get(L"DBType").ToLong());
     if (statements.empty()) Console::Print(L"There is no statement to run.\n");
     return Runner(database, options).Run(statements) ? AllWell : StatementFailed;
 }

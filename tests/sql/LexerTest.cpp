@@ -1,0 +1,148 @@
+#include "sql/Lexer.h"
+
+#include <gtest/gtest.h>
+
+#include <vector>
+
+namespace {
+
+using namespace Sql;
+
+// "word:a|operator:=|...", blanks left out, each token in the way it stands in the text.
+std::wstring Tokens(std::wstring_view text, long type = 0) {
+    static constexpr const wchar_t* Names[] = {L"blank", L"comment", L"text", L"name", L"number", L"word", L"operator"};
+    Lexer lexer(text, DialectOf(type));
+    std::wstring all;
+    for (Token token; lexer.Next(token);) {
+        if (token.What == Kind::Blank) continue;
+        if (!all.empty()) all += L"|";
+        all += Names[static_cast<size_t>(token.What)];
+        all += L":";
+        for (const wchar_t c : text.substr(token.Start, token.Length))
+            all += c == L'\r' ? std::wstring(L"\\r") : c == L'\n' ? std::wstring(L"\\n") : std::wstring(1, c);
+    }
+    return all;
+}
+
+TEST(Lexer, TakesAStatementApart) {
+    EXPECT_EQ(L"word:select|word:a|operator:.|word:b_1|operator:,|operator:*|word:from|word:t|operator:;",
+              Tokens(L"select a.b_1, *\r\n from\tt;"));
+    EXPECT_EQ(L"", Tokens(L""));
+    EXPECT_EQ(L"word:\u00e4\u0436\u4e2d", Tokens(L"\u00a0\u00e4\u0436\u4e2d\ufeff\u3000"));
+}
+
+TEST(Lexer, KnowsNumbers) {
+    EXPECT_EQ(L"number:1|number:1.5|number:.5|number:1e3|number:1.5E-10|number:0x1Fa|number:1_000|number:5.",
+              Tokens(L"1 1.5 .5 1e3 1.5E-10 0x1Fa 1_000 5."));
+    EXPECT_EQ(L"number:1|operator:..|number:10", Tokens(L"1..10"));
+    EXPECT_EQ(L"word:a1|operator:.|word:b2|operator:-|number:3", Tokens(L"a1.b2-3"));
+    EXPECT_EQ(L"number:1e|operator:+", Tokens(L"1e+"));
+}
+
+TEST(Lexer, KnowsOperatorsOfTwoCharacters) {
+    EXPECT_EQ(
+        L"word:a|operator:<=|word:b|operator:<>|word:c|operator:!=|word:d|operator:|||word:e|operator:::|word:int",
+        Tokens(L"a<=b<>c!=d||e::int"));
+    EXPECT_EQ(L"word:x|operator::=|operator:-|number:1", Tokens(L"x:=-1"));
+}
+
+TEST(Lexer, KnowsComments) {
+    EXPECT_EQ(L"word:a|comment:-- b 'c|word:d", Tokens(L"a -- b 'c\r\nd"));
+    EXPECT_EQ(L"word:a|comment:/* b */|word:c", Tokens(L"a/* b */c"));
+    EXPECT_EQ(L"comment:/* a\\r\\n|comment:\\r\\n|comment: b */|word:c", Tokens(L"/* a\r\n\r\n b */c"));
+    EXPECT_EQ(L"comment:/*/ a", Tokens(L"/*/ a"));
+    EXPECT_EQ(L"comment:/**/|operator:*|operator:/", Tokens(L"/**/ */"));
+}
+
+TEST(Lexer, NestsCommentsWhereTheProductDoes) {
+    const wchar_t* const text = L"/* a /* b */ c */";
+    for (const long type : {8L, 13L, 26L, 27L, 40L})
+        EXPECT_EQ(L"comment:/* a /* b */ c */", Tokens(text, type)) << type;
+    for (const long type : {0L, 1L, 2L, 4L, 17L, 24L, 28L, 99L, -1L})
+        EXPECT_EQ(L"comment:/* a /* b */|word:c|operator:*|operator:/", Tokens(text, type)) << type;
+}
+
+TEST(Lexer, KnowsTheCommentsOfOneProduct) {
+    EXPECT_EQ(L"word:a|comment:# b", Tokens(L"a # b", 17));
+    EXPECT_EQ(L"word:#a|word:b#c", Tokens(L"#a b#c", 8));
+    EXPECT_EQ(L"word:b#c", Tokens(L"b#c", 4));
+    EXPECT_EQ(L"operator:#|word:a", Tokens(L"#a"));
+    EXPECT_EQ(L"word:a|comment:// b", Tokens(L"a // b", 40));
+    EXPECT_EQ(L"word:a|operator:/|operator:/|word:b", Tokens(L"a // b", 27));
+    EXPECT_EQ(L"text:#2026-01-31#|operator:#|word:a", Tokens(L"#2026-01-31# #a", 24));
+}
+
+TEST(Lexer, KnowsStrings) {
+    EXPECT_EQ(L"text:'a''b'|text:''|word:c", Tokens(L"'a''b' '' c"));
+    EXPECT_EQ(L"text:'a\\r\\n|text:b'|word:c", Tokens(L"'a\r\nb'c"));
+    EXPECT_EQ(L"text:N'a'|text:x'0f'|text:B'1'|text:U&'\\0061'", Tokens(L"N'a' x'0f' B'1' U&'\\0061'"));
+    EXPECT_EQ(L"word:an|text:'a'", Tokens(L"an'a'"));
+    EXPECT_EQ(L"text:\"a\"", Tokens(L"\"a\"", 24));
+    // A backslash is a character, but in these.
+    EXPECT_EQ(L"text:'a\\'|word:b", Tokens(L"'a\\' b"));
+    EXPECT_EQ(L"text:E'a\\'b'|word:c", Tokens(L"E'a\\'b'c", 27));
+    EXPECT_EQ(L"text:E'a\\r\\n|text:\\'b'|word:c", Tokens(L"E'a\r\n\\'b'c", 27));
+    EXPECT_EQ(L"word:E|text:'a\\'|word:d|text:'c", Tokens(L"E'a\\'d'c", 8));
+    EXPECT_EQ(L"text:'don\\'t'|operator:,|text:'C:\\'|operator:,|number:1", Tokens(L"'don\\'t', 'C:\\', 1", 17));
+    EXPECT_EQ(L"text:G'a'|text:UX'0061'", Tokens(L"G'a' UX'0061'", 13));
+}
+
+TEST(Lexer, KnowsStringsWithDelimiters) {
+    for (const long type : {4L, 28L, 0L}) {
+        EXPECT_EQ(L"text:q'[it's]'|text:Q'{}}'|text:nq'!a'!'|word:b", Tokens(L"q'[it's]' Q'{}}' nq'!a'!' b", type));
+        EXPECT_EQ(L"text:q'(a\\r\\n|text:)b)'|word:c", Tokens(L"q'(a\r\n)b)'c", type));
+        EXPECT_EQ(L"word:q|text:' a'", Tokens(L"q' a'", type));
+    }
+    EXPECT_EQ(L"word:q|text:'[it'|word:s|operator:]|text:'", Tokens(L"q'[it's]'", 8));
+}
+
+TEST(Lexer, KnowsDollarQuotes) {
+    for (const long type : {0L, 27L}) {
+        EXPECT_EQ(L"text:$$a'b$$|word:c", Tokens(L"$$a'b$$c", type));
+        EXPECT_EQ(L"text:$t1$ $$ $t2$\\r\\n|text: $t1$|word:c", Tokens(L"$t1$ $$ $t2$\r\n $t1$c", type));
+        EXPECT_EQ(L"word:v$a$|word:$1|word:a", Tokens(L"v$a$ $1 a", type));
+    }
+    EXPECT_EQ(L"word:$$a|text:'b$$'", Tokens(L"$$a'b$$'", 4));
+}
+
+TEST(Lexer, KnowsQuotedNames) {
+    EXPECT_EQ(L"name:\"a\"\"b\"|name:`c d`|name:[e]]f]", Tokens(L"\"a\"\"b\" `c d` [e]]f]"));
+    EXPECT_EQ(L"word:a|operator:[|number:1|operator:]|operator:[|number:2|operator:]", Tokens(L"a[1][2]"));
+    EXPECT_EQ(L"name:U&\"a\"", Tokens(L"U&\"a\""));
+    EXPECT_EQ(L"operator:[|word:a|operator:]|operator:`|word:b|operator:`", Tokens(L"[a] `b`", 27));
+    EXPECT_EQ(L"name:[a\\r\\n|name:b]|word:c", Tokens(L"[a\r\nb]c", 8));
+}
+
+TEST(Lexer, GoesOnFromAKeptState) {
+    const Dialect& dialect = DialectOf(27);
+    Lexer first(L"select $body$ it's\r\n", dialect);
+    Token token{};
+    while (first.Next(token)) {
+    }
+    EXPECT_EQ(State::In::Dollar, first.Now().Inside);
+    EXPECT_EQ(L"$body$", first.Now().Tag);
+    Lexer second(L"the end$body$ x", dialect, first.Now());
+    ASSERT_TRUE(second.Next(token));
+    EXPECT_EQ(Kind::Text, token.What);
+    EXPECT_EQ(13U, token.Length);
+    EXPECT_EQ(State(), second.Now());
+}
+
+// Tags that nobody writes are not looked for in every line.
+TEST(Lexer, TakesLongTagsForNone) {
+    const std::wstring tag = L"$" + std::wstring(70, L'a') + L"$";
+    EXPECT_EQ(L"word:" + tag + L"|word:b", Tokens(tag + L" b", 27));
+}
+
+TEST(Lexer, KnowsTheTypesOfTheStandInHost) {
+    // The names of the products stand in host/database/Product.cpp.
+    EXPECT_TRUE(DialectOf(4).DelimitedTexts);
+    EXPECT_TRUE(DialectOf(8).BracketNames);
+    EXPECT_TRUE(DialectOf(17).HashComments);
+    EXPECT_TRUE(DialectOf(24).DoubleQuoteTexts);
+    EXPECT_TRUE(DialectOf(27).DollarQuotes);
+    EXPECT_EQ(&DialectOf(0), &DialectOf(1));
+    EXPECT_EQ(&DialectOf(0), &DialectOf(12345));
+}
+
+}  // namespace
