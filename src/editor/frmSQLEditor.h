@@ -164,11 +164,13 @@ private:
     void mnuEditTimeDate_Click();
     void m_FindNext(const std::wstring* Text = nullptr);
     std::wstring m_CopiedText();
-    bool m_Copy(const wchar_t* Routine);
+    bool m_Copy(const std::wstring& Text, const wchar_t* Routine);
     void m_ReplaceSelection(const std::wstring& Text);
     void m_ChangeCase(DWORD Mapping);  // LCMAP_LOWERCASE or LCMAP_UPPERCASE
     void rtbSQL_MouseDown(int Button, int Shift, float X, float Y);
     void rtbSQL_ContextMenu(const POINT& At);  // by the keyboard; in pixels of the screen
+    void rtbSQL_CopyRequested();
+    void rtbSQL_CutRequested();
     void rtbSQL_Change();
     void rtbSQL_SelChange();
 

@@ -266,6 +266,8 @@ void frmSQLEditor::CreateControls() {
     rtbSQL.MouseDown = [this](int B, int S, float X, float Y) { rtbSQL_MouseDown(B, S, X, Y); };
     rtbSQL.ContextMenuKey = [this](const POINT& At) { rtbSQL_ContextMenu(At); };
     rtbSQL.PasteRequested = [this] { mnuEditPaste_Click(); };
+    rtbSQL.CopyRequested = [this] { rtbSQL_CopyRequested(); };
+    rtbSQL.CutRequested = [this] { rtbSQL_CutRequested(); };
     rtbSQL.Change = [this] { rtbSQL_Change(); };
     rtbSQL.SelChange = [this] { rtbSQL_SelChange(); };
     rtbSQL.DragOver = [this](Control& Source, float X, float Y, DragState State) {

@@ -41,8 +41,7 @@ std::wstring frmSQLEditor::m_CopiedText() {
 }
 
 // Returns whether the text is on the clipboard: Cut must not remove what was not copied.
-bool frmSQLEditor::m_Copy(const wchar_t* Routine) try {
-    const std::wstring Text = m_CopiedText();
+bool frmSQLEditor::m_Copy(const std::wstring& Text, const wchar_t* Routine) try {
     // Nothing to copy is no reason to empty the clipboard.
     if (!Text.empty()) Clipboard::SetText(Handle(), Text);
     return true;
@@ -58,14 +57,25 @@ bool frmSQLEditor::m_Copy(const wchar_t* Routine) try {
     return false;
 }
 
-void frmSQLEditor::mnuEditCopy_Click() try { m_Copy(L"mnuEditCopy_Click"); } catch (...) {
+void frmSQLEditor::mnuEditCopy_Click() try { m_Copy(m_CopiedText(), L"mnuEditCopy_Click"); } catch (...) {
     ReportError(Module, L"mnuEditCopy_Click");
 }
 
 void frmSQLEditor::mnuEditCut_Click() try {
-    if (m_Copy(L"mnuEditCopy_Click")) m_ReplaceSelection(L"");
+    if (m_Copy(m_CopiedText(), L"mnuEditCopy_Click")) m_ReplaceSelection(L"");
 } catch (...) {
     ReportError(Module, L"mnuEditCut_Click");
+}
+
+// The editor's own keys, and other programs, mean the editor wherever the focus is.
+void frmSQLEditor::rtbSQL_CopyRequested() try { m_Copy(rtbSQL.SelText(), L"rtbSQL_CopyRequested"); } catch (...) {
+    ReportError(Module, L"rtbSQL_CopyRequested");
+}
+
+void frmSQLEditor::rtbSQL_CutRequested() try {
+    if (m_Copy(rtbSQL.SelText(), L"rtbSQL_CutRequested")) m_ReplaceSelection(L"");
+} catch (...) {
+    ReportError(Module, L"rtbSQL_CutRequested");
 }
 
 void frmSQLEditor::mnuEditDelete_Click() try { m_ReplaceSelection(L""); } catch (...) {

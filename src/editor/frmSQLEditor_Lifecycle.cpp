@@ -71,6 +71,12 @@ void frmSQLEditor::Display(std::wstring& SQL) try {
     Load();
     rtbSQL.SetText(SQL);
     rtbSQL.DataChanged = false;
+    // The editor has one kind of line end. A text that nobody changes goes back as it came, whatever it has.
+    const std::wstring Shown = rtbSQL.Text();
+    const auto TakeBack = [&] {
+        std::wstring Text = rtbSQL.Text();
+        if (Text != Shown) SQL = std::move(Text);
+    };
     const bool Connected = Dictionary != nullptr && Dictionary->Connected();
     sbStatusBar.SetPanelText(1, Connected ? HostDatabase.Get(L"DBTypeName", ByRef(DBType)).ToText()
                                           : std::wstring(L"Not connected to a database"));
@@ -79,10 +85,10 @@ void frmSQLEditor::Display(std::wstring& SQL) try {
         ShowModal();
     } catch (...) {
         // An event that could not even report its error has ended the window. What was written in it is not lost.
-        SQL = rtbSQL.Text();
+        TakeBack();
         throw;
     }
-    SQL = rtbSQL.Text();
+    TakeBack();
 } catch (...) {
     ReportError(Module, L"Display");
 }

@@ -82,6 +82,9 @@ LRESULT PictureBox::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
                 return TRUE;
             }
             break;
+        case WM_CLOSE:
+            // From a control that takes itself for a dialog's, or from another program: it would destroy the pane.
+            return 0;
         case WM_LBUTTONUP:
             // The button-like boxes (collapse, restore) answer to a press and release inside.
             if (Click) {

@@ -24,14 +24,6 @@ UINT WhoAreYou() noexcept {
 // window of the thread is asked, and a host's may answer anything.
 Control* answered = nullptr;
 
-int ShiftKeys() noexcept {
-    int state = 0;
-    if (GetKeyState(VK_SHIFT) < 0) state |= ShiftState::Shift;
-    if (GetKeyState(VK_CONTROL) < 0) state |= ShiftState::Ctrl;
-    if (GetKeyState(VK_MENU) < 0) state |= ShiftState::Alt;
-    return state;
-}
-
 }  // namespace
 
 Control::~Control() { Destroy(); }
@@ -194,6 +186,14 @@ LRESULT Control::Original(UINT message, WPARAM wParam, LPARAM lParam) {
 }
 
 bool Control::OnReflected(UINT, WPARAM, LPARAM, LRESULT&) { return false; }
+
+int Control::ShiftKeys() noexcept {
+    int state = 0;
+    if (GetKeyState(VK_SHIFT) < 0) state |= ShiftState::Shift;
+    if (GetKeyState(VK_CONTROL) < 0) state |= ShiftState::Ctrl;
+    if (GetKeyState(VK_MENU) < 0) state |= ShiftState::Alt;
+    return state;
+}
 
 int Control::MouseButtons(WPARAM wParam) noexcept {
     int buttons = 0;

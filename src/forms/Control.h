@@ -116,6 +116,7 @@ protected:
     // What the window's class does with the message by itself.
     LRESULT Original(UINT message, WPARAM wParam, LPARAM lParam);
 
+    static int ShiftKeys() noexcept;                  // the sum of the keys that are down (ShiftState)
     static int MouseButtons(WPARAM wParam) noexcept;  // the sum of the buttons that a mouse message says are down
     void RaiseMouse(const MouseEvent& event, int button, LPARAM lParam);
     // The control stops following the mouse by itself, since a drag begins. `press`: where the button went down.

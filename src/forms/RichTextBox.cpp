@@ -9,6 +9,7 @@
 
 #include "automation/RuntimeError.h"
 #include "forms/Events.h"
+#include "forms/PlainText.h"
 #include "forms/RichText.h"
 
 namespace {
@@ -21,21 +22,6 @@ constexpr long ReplaceBeyond = 16 * 1024;
 bool NeedsStream(const std::wstring& text) noexcept {
     return text.rfind(L"{\\rtf", 0) == 0 || text.rfind(L"{\\urtf", 0) == 0 || text.rfind(L"{urtf", 0) == 0 ||
            text.find(L'\0') != std::wstring::npos;
-}
-
-// CR LF for every line end. The control would do the same but for CR CR LF, of which it makes a blank.
-std::wstring WithCrLf(const std::wstring& text) {
-    std::wstring result;
-    result.reserve(text.size() + text.size() / 16);
-    for (size_t at = 0; at < text.size(); ++at) {
-        if (text[at] == L'\r' || text[at] == L'\n') {
-            result += L"\r\n";
-            if (text[at] == L'\r' && at + 1 < text.size() && text[at + 1] == L'\n') ++at;
-        } else {
-            result += text[at];
-        }
-    }
-    return result;
 }
 
 struct StreamSource {
@@ -148,7 +134,8 @@ std::wstring RichTextBox::Text() const {
     const LRESULT copied =
         Send(EM_GETTEXTEX, reinterpret_cast<WPARAM>(&request), reinterpret_cast<LPARAM>(text.data()));
     text.resize(static_cast<size_t>(std::clamp<LRESULT>(copied, 0, length)));
-    return text;
+    // Another program may have brought one in that this one has not seen: by the control's object model.
+    return PlainText::HasOddLineEnds(text) ? PlainText::WithCrLf(text) : text;
 }
 
 void RichTextBox::StreamIn(const std::wstring& text, WPARAM flags) {
@@ -189,8 +176,8 @@ void RichTextBox::SetText(const std::wstring& text) {
         // What formats are left behind in place is the control's secret.
         if (rich_ || TextLength() > ReplaceBeyond) Replace();
         rich_ = false;
-        if (text.find(L"\r\r") != std::wstring::npos) {
-            StreamIn(WithCrLf(text));
+        if (PlainText::HasOddLineEnds(text)) {
+            StreamIn(PlainText::WithCrLf(text));
         } else if (NeedsStream(text)) {
             StreamIn(text);
         } else {
@@ -227,32 +214,33 @@ long RichTextBox::ToControl(long position) const {
     return low;
 }
 
-long RichTextBox::SelStart() const {
-    CHARRANGE range{};
-    Send(EM_EXGETSEL, 0, reinterpret_cast<LPARAM>(&range));
-    return FromControl(range.cpMin);
+long RichTextBox::ControlLength() const {
+    GETTEXTLENGTHEX request{GTL_DEFAULT, 1200};
+    return static_cast<long>(Send(EM_GETTEXTLENGTHEX, reinterpret_cast<WPARAM>(&request)));
 }
 
-long RichTextBox::SelLength() const {
+CHARRANGE RichTextBox::Selected() const {
     CHARRANGE range{};
     Send(EM_EXGETSEL, 0, reinterpret_cast<LPARAM>(&range));
+    const long end = ControlLength();
+    return {std::min(range.cpMin, end), std::min(range.cpMax, end)};
+}
+
+long RichTextBox::SelStart() const { return FromControl(Selected().cpMin); }
+
+long RichTextBox::SelLength() const {
+    const CHARRANGE range = Selected();
     return FromControl(range.cpMax) - FromControl(range.cpMin);
 }
 
 std::wstring RichTextBox::SelText() const {
-    CHARRANGE range{};
-    Send(EM_EXGETSEL, 0, reinterpret_cast<LPARAM>(&range));
+    const CHARRANGE range = Selected();
     if (range.cpMax <= range.cpMin) return {};
-    std::wstring raw(static_cast<size_t>(range.cpMax - range.cpMin) + 1, L'\0');
+    // With one more for the end of the last paragraph, which the control may have selected too.
+    std::wstring raw(static_cast<size_t>(range.cpMax - range.cpMin) + 2, L'\0');
     const LRESULT copied = Send(EM_GETSELTEXT, 0, reinterpret_cast<LPARAM>(raw.data()));
     raw.resize(static_cast<size_t>(std::clamp<LRESULT>(copied, 0, range.cpMax - range.cpMin)));
-    std::wstring text;
-    text.reserve(raw.size());
-    for (const wchar_t unit : raw) {
-        text += unit;
-        if (unit == L'\r') text += L'\n';
-    }
-    return text;
+    return PlainText::WithCrLf(raw);
 }
 
 void RichTextBox::SetSelStart(long start) {
@@ -264,8 +252,7 @@ void RichTextBox::SetSelStart(long start) {
 
 void RichTextBox::SetSelLength(long length) {
     if (length < 0) RaiseError(ErrorNumber::InvalidPropertyValue);
-    CHARRANGE range{};
-    Send(EM_EXGETSEL, 0, reinterpret_cast<LPARAM>(&range));
+    CHARRANGE range = Selected();
     range.cpMax = ToControl(FromControl(range.cpMin) + length);
     Send(EM_EXSETSEL, 0, reinterpret_cast<LPARAM>(&range));
 }
@@ -282,7 +269,7 @@ void RichTextBox::Select(long start, long length) {
 }
 
 void RichTextBox::SetSelText(const std::wstring& text) {
-    if (text.find(L"\r\r") != std::wstring::npos) return SetSelText(WithCrLf(text));
+    if (PlainText::HasOddLineEnds(text)) return SetSelText(PlainText::WithCrLf(text));
     if (text.find(L'\0') != std::wstring::npos) {
         StreamIn(text, SFF_SELECTION);  // the message would end at the NUL character
     } else {
@@ -312,8 +299,7 @@ void RichTextBox::ShowDropPlace(POINT screen) {
     ScreenToClient(Handle(), &screen);
     if (!PtInRect(&client, screen)) return;
     if (!droppedBefore_) {
-        CHARRANGE selected{};
-        Send(EM_EXGETSEL, 0, reinterpret_cast<LPARAM>(&selected));
+        const CHARRANGE selected = Selected();
         droppedBefore_ = {selected.cpMin, selected.cpMax};
         SetFocus();
     }
@@ -328,8 +314,7 @@ void RichTextBox::ForgetDropPlace() {
 }
 
 void RichTextBox::CaretPosition(long& line, long& column) const {
-    CHARRANGE range{};
-    Send(EM_EXGETSEL, 0, reinterpret_cast<LPARAM>(&range));
+    const CHARRANGE range = Selected();
     const LRESULT row = Send(EM_EXLINEFROMCHAR, 0, range.cpMax);
     line = static_cast<long>(row) + 1;
     column = range.cpMax - static_cast<long>(Send(EM_LINEINDEX, static_cast<WPARAM>(row))) + 1;
@@ -341,13 +326,23 @@ bool RichTextBox::OnReflected(UINT message, WPARAM wParam, LPARAM lParam, LRESUL
         return true;
     }
     if (message == WM_NOTIFY && reinterpret_cast<const NMHDR*>(lParam)->code == EN_SELCHANGE) {
-        if (!filling_ && SelChange) SelChange();
+        if (filling_) return true;
+        // The end of the last paragraph is selected by some ways of the mouse and by programs that read the screen.
+        CHARRANGE range = reinterpret_cast<const SELCHANGE*>(lParam)->chrg;
+        if (const long end = ControlLength(); range.cpMax > end) {
+            range = {std::min(range.cpMin, end), end};
+            Send(EM_EXSETSEL, 0, reinterpret_cast<LPARAM>(&range));
+            return true;  // raised by the change of it
+        }
+        if (SelChange) SelChange();
         return true;
     }
     return false;
 }
 
 LRESULT RichTextBox::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
+    LRESULT result = 0;
+    if (OnKey(message, wParam, lParam, result)) return result;
     switch (message) {
         case WM_DESTROY:
             target_.Revoke();  // while OLE still knows the window
@@ -357,24 +352,27 @@ LRESULT RichTextBox::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
             SetFocus();
             break;
         case WM_PASTE:
+        case EM_PASTESPECIAL:
             if (PasteRequested) PasteRequested();
             return 0;
-        case WM_KEYDOWN:
-            // The control's own keys for it would bring formats and objects in.
-            if ((wParam == VK_INSERT && GetKeyState(VK_SHIFT) < 0 && GetKeyState(VK_CONTROL) >= 0) ||
-                (wParam == 'V' && GetKeyState(VK_CONTROL) < 0 && GetKeyState(VK_MENU) >= 0)) {
-                if (PasteRequested) PasteRequested();
-                return 0;
-            }
-            // Keys of the control that change formats, of which plain text has none.
-            if (GetKeyState(VK_CONTROL) < 0 && GetKeyState(VK_MENU) >= 0 &&
-                std::wstring_view(L"BEIJLRU125").find(static_cast<wchar_t>(wParam)) != std::wstring_view::npos) {
-                return 0;
-            }
-            break;
-        case WM_CHAR:
-            if (wParam == 0x16) return 0;  // Ctrl+V again, as a character
-            break;
+        case WM_COPY:
+            if (CopyRequested) CopyRequested();
+            return 0;
+        case WM_CUT:
+            if (CutRequested) CutRequested();
+            return 0;
+        case WM_SETTEXT:
+        case EM_REPLACESEL: {
+            // From other programs too.
+            const auto* given = reinterpret_cast<const wchar_t*>(lParam);
+            if (given == nullptr || !PlainText::HasOddLineEnds(given)) break;
+            const std::wstring text = PlainText::WithCrLf(given);
+            return Control::OnMessage(message, wParam, reinterpret_cast<LPARAM>(text.c_str()));
+        }
+        case WM_GETDLGCODE:
+            // Asked with a message, as dialogs do, the control takes itself for a dialog's from then on: Escape would
+            // close the window that it stands in, and Enter write nothing.
+            return DLGC_WANTALLKEYS | DLGC_WANTARROWS | DLGC_WANTTAB | DLGC_WANTCHARS | DLGC_HASSETSEL;
         default:
             break;
     }

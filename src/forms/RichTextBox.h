@@ -1,5 +1,8 @@
 #pragma once
 
+#include <windows.h>
+#include <richedit.h>
+
 #include <optional>
 #include <string>
 #include <utility>
@@ -13,7 +16,8 @@ class Printer;
 class PrintingNotice;
 
 // A Unicode rich edit control that is used for plain text, lines not wrapped. Positions and lengths count UTF-16 units,
-// with a line end as the two characters CR LF that go in and come out; the control itself keeps one for it.
+// with a line end as the two characters CR LF that go in and come out; the control itself keeps one for it. What else
+// is a line end somewhere (forms/PlainText.h) is one here too, and comes out as CR LF.
 class RichTextBox : public Control {
 public:
     void Create(HWND container, int id);
@@ -56,8 +60,16 @@ public:
     // lower case being the same, and scrolls to it. False, and nothing changed: there is none.
     bool Find(const std::wstring& text);
 
-    // Keys or other programs ask for a paste: only what the event does is pasted.
+    // Keys or other programs ask for it: only what the event does is done. The control's own would bring formats in, or
+    // put them on the clipboard.
     Event PasteRequested;
+    Event CopyRequested;
+    Event CutRequested;
+
+    // A key goes down, before the editor does anything with it: its virtual-key code and the sum of ShiftState. True:
+    // it was taken, with the character that may come with it. Which keys the editor has of its own is in
+    // forms/RichTextBox_Keys.cpp.
+    std::function<bool(int key, int shift)> KeyPressed;
 
     // Another program drops text or files. While its drag is over the control the caret follows the mouse.
     std::function<void(const DroppedData&)> OLEDragDrop;
@@ -103,9 +115,16 @@ private:
         ~Filling() { Flag = false; }
     };
 
+    // A message of the keyboard (forms/RichTextBox_Keys.cpp). True: it is not for the control.
+    bool OnKey(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result);
+    bool IsOfTakenKey(LPARAM lParam) noexcept;
+
     void MakeWindow(HWND container, int id);
     void Prepare();
     void Replace();
+    long ControlLength() const;  // as the control counts: a line end once, the end of the last paragraph not at all
+    // What is selected, as the control counts, without the end of the last paragraph, which is no part of the text.
+    CHARRANGE Selected() const;
     long ToControl(long position) const;
     long FromControl(long position) const;
     void StreamIn(const std::wstring& text, WPARAM flags = 0);
@@ -123,5 +142,6 @@ private:
     bool filling_ = false;
     bool rich_ = false;  // the text came with formats of its own
     DropTarget target_;
+    std::optional<LPARAM> takenKey_;  // the key that was taken last, until its character has come or it is up
     std::optional<std::pair<long, long>> droppedBefore_;  // what was selected before a drag of another program came
 };

@@ -17,16 +17,14 @@ bool RichTextBox::FindFrom(long from, long to, const std::wstring& text) {
 
 bool RichTextBox::Find(const std::wstring& text) {
     if (text.empty()) return false;
-    CHARRANGE selected{};
-    Send(EM_EXGETSEL, 0, reinterpret_cast<LPARAM>(&selected));
+    const CHARRANGE selected = Selected();
     if (FindFrom(selected.cpMax, -1, text)) return true;
     // From the top, over what is selected too: the only occurrence is found again.
     return FindFrom(0, -1, text);
 }
 
 POINT RichTextBox::MenuPoint() const {
-    CHARRANGE selected{};
-    Send(EM_EXGETSEL, 0, reinterpret_cast<LPARAM>(&selected));
+    const CHARRANGE selected = Selected();
     POINTL caret{};
     Send(EM_POSFROMCHAR, reinterpret_cast<WPARAM>(&caret), selected.cpMax);
     RECT client;

@@ -5,6 +5,7 @@
 
 #include "automation/RuntimeError.h"
 #include "automation/Text.h"
+#include "forms/PlainText.h"
 #include "forms/RichText.h"
 #include "forms/RichTextBox.h"
 
@@ -34,26 +35,11 @@ DWORD CALLBACK WriteBytes(DWORD_PTR cookie, LPBYTE buffer, LONG size, LONG* take
 
 // Characters that a control may drop, or take for a line end or a picture.
 bool IsUnusual(wchar_t unit) noexcept {
-    return (unit < L' ' && unit != L'\t' && unit != L'\r' && unit != L'\n') || unit == 0x7F || unit == 0x2028 ||
-           unit == 0x2029 || (unit >= 0xD800 && unit <= 0xDFFF) || unit == 0xFEFF || unit >= 0xFFF0;
+    return (unit < L' ' && unit != L'\t' && unit != L'\r' && unit != L'\n') || unit == 0x7F ||
+           (unit >= 0xD800 && unit <= 0xDFFF) || unit == 0xFEFF || unit >= 0xFFF0;
 }
 
 bool HasUnusual(const std::wstring& text) noexcept { return std::any_of(text.begin(), text.end(), IsUnusual); }
-
-std::wstring WithCrLf(const std::wstring& text) {
-    std::wstring result;
-    result.reserve(text.size() + text.size() / 16);
-    for (size_t at = 0; at < text.size(); ++at) {
-        const bool both = text[at] == L'\r' && at + 1 < text.size() && text[at + 1] == L'\n';
-        if (text[at] == L'\r' || text[at] == L'\n') {
-            result += L"\r\n";
-        } else {
-            result += text[at];
-        }
-        if (both) ++at;
-    }
-    return result;
-}
 
 // Without the line end that a reader of rich text may add behind the last paragraph.
 std::wstring WithoutLastLineEnd(std::wstring text) {
@@ -75,11 +61,17 @@ void RichTextBox::LoadFile(const std::wstring& path, FileKind kind) {
     } else {
         const TextFile::Contents contents = TextFile::Read(path, FileLimit);
         // A file that the control would change on the way in and out is better left alone: saving would damage it.
-        if (HasUnusual(contents.Text)) {
+        // But for line ends, of which the editor has one kind: where no other control characters stand, a vertical tab
+        // is one.
+        const std::wstring text = PlainText::WithCrLf(contents.Text);
+        if (HasUnusual(text)) {
             std::wstring kept;
-            if (!ReadPlainText(contents.Text, kept) || kept != WithCrLf(contents.Text)) RaiseError(InvalidFileFormat);
+            if (std::any_of(contents.Text.begin(), contents.Text.end(), PlainText::IsLineBreak) ||
+                !ReadPlainText(text, kept) || kept != text) {
+                RaiseError(InvalidFileFormat);
+            }
         }
-        SetText(contents.Text);
+        SetText(text);
         FileFormat = contents.Form;
     }
     FileName = path;

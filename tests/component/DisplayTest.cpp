@@ -52,9 +52,25 @@ TEST_F(DisplayTest, TextComesBackAsItWentIn) {
     const Object editor = Editor();
     for (const std::wstring& text :
          {L""s, L"select 1"s, L"a\r\nb\r\n"s, L"{\\rtf1 not {\\b rich}}"s, L"x\xD800y\xDC00"s, L"a\0b"s,
-          L"\xD83D\xDE00 \x4E2D\x6587 \x05D0"s, L"\t\ttabs\t"s, std::wstring(100000, L'x')}) {
+          L"\xD83D\xDE00 \x4E2D\x6587 \x05D0"s, L"\t\ttabs\t"s, std::wstring(100000, L'x'),
+          // The editor has CR LF for all of these.
+          L"a\nb\rc"s, L"cell\vof a\fsheet"s, L"a\x0085 b\x2028 c\x2029"s, L"a\r\r\nb\n\n"s}) {
         EXPECT_EQ(text, DisplayAndClose(editor, text));
     }
+    EXPECT_EQ(L"", Errors.Places());
+}
+
+TEST_F(DisplayTest, AnEditedTextHasOneKindOfLineEnd) {
+    const Object editor = Editor();
+    const std::wstring text = L"a\vb\nc\x2028 d";
+    const auto edited = [&](const std::function<void()>& work) { return DisplayAndClose(editor, text, work); };
+    EXPECT_EQ(L"xa\r\nb\r\nc\r\n d", edited([] { SendMessageW(EditorWindow::Editor(), WM_CHAR, L'x', 1); }));
+    // What is taken back is no change.
+    EXPECT_EQ(text, edited([] {
+                  SendMessageW(EditorWindow::Editor(), WM_CHAR, L'x', 1);
+                  SendMessageW(EditorWindow::Editor(), WM_UNDO, 0, 0);
+              }));
+    EXPECT_EQ(L"", edited([] { EditorWindow::SetText(L""); }));
     EXPECT_EQ(L"", Errors.Places());
 }
 

@@ -56,6 +56,34 @@ TEST_F(ClipboardTest, CutCopiesAndTakesAway) {
     EXPECT_EQ(L"", Errors.Places());
 }
 
+// The control's own copy brings rich text with its fonts. Other programs ask for it by message, wherever the focus is.
+TEST_F(ClipboardTest, EveryDoorCopiesPlainText) {
+    Inside(
+        [this] {
+            const HWND editor = EditorWindow::Editor();
+            const auto plain = [] {
+                return IsClipboardFormatAvailable(RegisterClipboardFormatW(L"Rich Text Format")) ? L"<rich>"
+                                                                                                 : ClipboardText();
+            };
+            SelectText(0, 3);
+            SendMessageW(editor, WM_COPY, 0, 0);
+            EXPECT_EQ(L"one", plain());
+            SetFocus(Tree.Handle());
+            SelectText(4, 7);
+            SendMessageW(editor, WM_COPY, 0, 0);
+            EXPECT_EQ(L"two", plain());
+            SelectText(3, 7);
+            SendMessageW(editor, WM_CUT, 0, 0);
+            EXPECT_EQ(L" two", plain());
+            EXPECT_EQ(L"one", EditorWindow::Text());
+            SelectText(3, 3);
+            SendMessageW(editor, WM_CUT, 0, 0);
+            EXPECT_EQ(L" two", plain());
+        },
+        L"one two");
+    EXPECT_EQ(L"", Errors.Places());
+}
+
 TEST_F(ClipboardTest, PasteGoesBehindTheSelectionFromEveryDoor) {
     PutText(L"+");
     EXPECT_EQ(L"one+++ two", Inside(

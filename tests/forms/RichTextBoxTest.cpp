@@ -3,6 +3,7 @@
 #include <richedit.h>
 
 #include "Expect.h"
+#include "forms/PlainText.h"
 
 using namespace std::string_literals;
 
@@ -39,7 +40,7 @@ TEST(RichTextBox, TextComesOutAsItWentIn) {
     for (const std::wstring& text :
          {L""s, L"select 1\r\nfrom dual"s, L"a\r\n"s, L"\r\n\r\n"s, L"\t x \t"s, L"{\\rtf1 hello {\\b bold}}"s,
           L"{\\urtf1 x}"s, L"a\0b\r\nc\0\0d"s, L"x\xD800y\xDC00z"s, L"x\xD83D\xDE00z"s, L"\xFEFFx"s,
-          L"\x05E9\x05DC\x05D5\x05DD abc"s, L"e\x0301"s, L"x\x2028y\x2029z"s}) {
+          L"\x05E9\x05DC\x05D5\x05DD abc"s, L"e\x0301"s}) {
         EXPECT_EQ(text, editor.Through(text));
         EXPECT_EQ(static_cast<long>(text.size()), editor.Box.TextLength());
     }
@@ -52,6 +53,56 @@ TEST(RichTextBox, EveryLineEndComesOutAsCrLf) {
     EXPECT_EQ(L"a\r\n\r\nb", editor.Through(L"a\n\nb"));
     EXPECT_EQ(L"a\r\n\r\nb", editor.Through(L"a\r\r\nb"));  // the control alone makes a blank of this one
     EXPECT_EQ(L"{\\rtf\r\nb", editor.Through(L"{\\rtf\nb"));
+    // What begins a line in a cell of a spreadsheet, in a word processor or on a page.
+    EXPECT_EQ(L"1\r\n2\r\n3\r\n4\r\n5\r\n6", editor.Through(L"1\v2\f3\x0085"
+                                                            L"4\x2028"
+                                                            L"5\x2029"
+                                                            L"6"));
+    EXPECT_EQ(L"{\\rtf\r\nb\0c"s, editor.Through(L"{\\rtf\vb\0c"s));
+}
+
+TEST(RichTextBox, LineEndsOfOtherKindsLeavePositionsRight) {
+    Editor editor;
+    for (const wchar_t* end : {L"\v", L"\f", L"\x0085", L"\x2028", L"\x2029", L"\r\r\n"}) {
+        const std::wstring one = std::wstring(L"ab") + end + L"cd" + end + L"select";
+        const std::wstring text = PlainText::WithCrLf(one);
+        editor.Box.SetText(one);
+        EXPECT_EQ(static_cast<long>(text.size()), editor.Box.TextLength());
+        editor.Box.Select(static_cast<long>(text.size()) - 6, 6);
+        EXPECT_EQ(L"select", editor.Box.SelText());
+        // Pasted and dropped, and by other programs.
+        editor.Box.SetText(L"x");
+        editor.Box.Select(1, 0);
+        editor.Box.SetSelText(one);
+        EXPECT_EQ(L"x" + text, editor.Box.Text());
+        EXPECT_EQ(static_cast<long>(text.size()) + 1, editor.Box.SelStart());
+        editor.Box.Send(EM_REPLACESEL, TRUE, reinterpret_cast<LPARAM>(end));
+        EXPECT_EQ(L"x" + text + PlainText::WithCrLf(end), editor.Box.Text());
+        editor.Box.Send(WM_SETTEXT, 0, reinterpret_cast<LPARAM>(one.c_str()));
+        EXPECT_EQ(text, editor.Box.Text());
+        EXPECT_EQ(static_cast<long>(text.size()), editor.Box.TextLength());
+    }
+}
+
+TEST(RichTextBox, TheEndOfTheLastParagraphIsNeverSelected) {
+    Editor editor;
+    editor.Box.SetText(L"ab\r\ncd");
+    int changes = 0;
+    editor.Box.SelChange = [&changes] { ++changes; };
+    editor.Box.Send(EM_SETSEL, 0, -1);
+    EXPECT_EQ(1, changes);
+    CHARRANGE range{};
+    editor.Box.Send(EM_EXGETSEL, 0, reinterpret_cast<LPARAM>(&range));
+    EXPECT_EQ(5, range.cpMax);
+    EXPECT_EQ(6, editor.Box.SelLength());
+    EXPECT_EQ(L"ab\r\ncd", editor.Box.SelText());
+    range = {5, 6};
+    editor.Box.Send(EM_EXSETSEL, 0, reinterpret_cast<LPARAM>(&range));
+    EXPECT_EQ(6, editor.Box.SelStart());
+    EXPECT_EQ(0, editor.Box.SelLength());
+    editor.Box.Send(EM_SETSEL, 0, -1);
+    editor.Box.SetSelText(L"x");
+    EXPECT_EQ(L"x", editor.Box.Text());
 }
 
 TEST(RichTextBox, ALongTextComesOutWholeAndGivesWayToAnother) {
