@@ -9,6 +9,7 @@
 
 #include "automation/RuntimeError.h"
 #include "forms/Events.h"
+#include "forms/Messages.h"
 #include "forms/PlainText.h"
 #include "forms/RichText.h"
 
@@ -328,11 +329,12 @@ bool RichTextBox::OnReflected(UINT message, WPARAM wParam, LPARAM lParam, LRESUL
     if (message == WM_NOTIFY && reinterpret_cast<const NMHDR*>(lParam)->code == EN_SELCHANGE) {
         if (filling_) return true;
         // The end of the last paragraph is selected by some ways of the mouse and by programs that read the screen.
-        CHARRANGE range = reinterpret_cast<const SELCHANGE*>(lParam)->chrg;
+        CHARRANGE range{};
+        Send(EM_EXGETSEL, 0, reinterpret_cast<LPARAM>(&range));
         if (const long end = ControlLength(); range.cpMax > end) {
+            const Filling filling(filling_);
             range = {std::min(range.cpMin, end), end};
             Send(EM_EXSETSEL, 0, reinterpret_cast<LPARAM>(&range));
-            return true;  // raised by the change of it
         }
         if (SelChange) SelChange();
         return true;
@@ -365,7 +367,7 @@ LRESULT RichTextBox::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
         case EM_REPLACESEL: {
             // From other programs too.
             const auto* given = reinterpret_cast<const wchar_t*>(lParam);
-            if (given == nullptr || !PlainText::HasOddLineEnds(given)) break;
+            if (!IsAddress(lParam) || !PlainText::HasOddLineEnds(given)) break;
             const std::wstring text = PlainText::WithCrLf(given);
             return Control::OnMessage(message, wParam, reinterpret_cast<LPARAM>(text.c_str()));
         }
