@@ -28,6 +28,7 @@ void ReportOrTell(frmSQLEditor& Form, const wchar_t* Routine) {
 
 void frmSQLEditor::trvDBObjects_Expand(const Node& Node) try {
     if (!Node) return;
+    const TreeView::InputRefused Refused(trvDBObjects);  // the dictionary may pump messages while it is asked
     const std::wstring Kind = Node.Tag();
     Nodes& Nodes = trvDBObjects.Items();
     const bool Filled = Kind == modLists::NodeKind::Table || Kind == modLists::NodeKind::View;
@@ -52,6 +53,7 @@ void frmSQLEditor::trvDBObjects_Expand(const Node& Node) try {
 
 void frmSQLEditor::trvDBObjects_Collapse(const Node& Node) try {
     if (!Node) return;
+    const TreeView::InputRefused Refused(trvDBObjects);  // so may the error component
     const std::wstring Kind = Node.Tag();
     Nodes& Nodes = trvDBObjects.Items();
     const PaintingHeld held(trvDBObjects);
@@ -101,6 +103,7 @@ void frmSQLEditor::trvDBObjects_NodeClick(const Node& Node) try {
         lblDescription.SetCaption(L"");
         return;
     }
+    const TreeView::InputRefused Refused(trvDBObjects);  // from one folder to the next as well
     m_DescribeNode(Node);
     namespace NodeKind = modLists::NodeKind;
     const std::wstring Kind = Node.Tag();

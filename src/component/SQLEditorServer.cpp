@@ -142,7 +142,8 @@ public:
     }
     HRESULT STDMETHODCALLTYPE Display(BSTR* SQL) override {
         if (SQL == nullptr) return E_POINTER;
-        return Guarded([&] { ShowBstr(*SQL); }, nullptr);
+        return Guarded([&] { ShowText(TextOf(*SQL), [SQL](const std::wstring& sql) { WriteBstr(*SQL, sql); }); },
+                       nullptr);
     }
     HRESULT STDMETHODCALLTYPE Destructor() override {
         return Guarded([&] { editor_.Destructor(); }, nullptr);
@@ -220,43 +221,45 @@ private:
         if (sql != before) write(sql);  // else what the host's string holds is left alone, down to its address
     }
 
-    void ShowBstr(BSTR& text) {
-        ShowText(TextOf(text), [&text](const std::wstring& sql) {
-            BSTR written = NewBstr(sql);
-            std::swap(text, written);
-            SysFreeString(written);
-        });
+    static void WriteBstr(BSTR& text, const std::wstring& sql) {
+        BSTR written = NewBstr(sql);
+        std::swap(text, written);
+        SysFreeString(written);
     }
 
-    void Show(VARIANT& argument) {
-        VARIANT* variable = &argument;
-        // By reference to a variant, which may refer to another one, and a wrong one to itself.
+    // The variable that an argument stands for: by reference to a variant, which may refer to another one, and a wrong
+    // one to itself. By value it is the argument.
+    static VARIANT& VariableOf(VARIANT& argument) noexcept {
         constexpr int Deepest = 8;
+        VARIANT* variable = &argument;
         for (int depth = 0; depth < Deepest && variable->vt == (VT_BYREF | VT_VARIANT) && variable->pvarVal != nullptr;
              ++depth) {
             variable = variable->pvarVal;
         }
-        if (variable->vt == (VT_BYREF | VT_BSTR) && variable->pbstrVal != nullptr) {
-            ShowBstr(*variable->pbstrVal);
-            return;
-        }
-        if (variable != &argument && variable->vt == VT_BSTR) {
-            ShowBstr(variable->bstrVal);
-            return;
-        }
+        return *variable;
+    }
+
+    static bool IsTextByReference(const VARIANT& variable) noexcept {
+        return variable.vt == (VT_BYREF | VT_BSTR) && variable.pbstrVal != nullptr;
+    }
+
+    void Show(VARIANT& argument) {
         std::wstring sql;
         const bool converted = Converted(L"Display", [&] {
-            if (variable->vt == (VT_BYREF | VT_VARIANT)) RaiseError(ErrorNumber::TypeMismatch);
-            sql = Variant(*variable).ToText();
+            const VARIANT& variable = VariableOf(argument);
+            if (variable.vt == (VT_BYREF | VT_VARIANT)) RaiseError(ErrorNumber::TypeMismatch);
+            sql = IsTextByReference(variable) ? TextOf(*variable.pbstrVal) : Variant(variable).ToText();
         });
         if (!converted) return;
-        ShowText(std::move(sql), [&](const std::wstring& edited) {
+        ShowText(std::move(sql), [&argument](const std::wstring& edited) {
+            // By what the variable holds now: the host's code ran meanwhile, and may have put anything into it.
+            VARIANT& variable = VariableOf(argument);
+            if (IsTextByReference(variable)) return WriteBstr(*variable.pbstrVal, edited);
             // By value there is no variable to write to; one that held another type becomes a text.
-            if (variable == &argument) return;
+            if (&variable == &argument || variable.vt == (VT_BYREF | VT_VARIANT)) return;
             Variant written(edited);
-            VariantClear(variable);
-            std::memcpy(variable, static_cast<VARIANT*>(&written), sizeof(VARIANT));
-            static_cast<VARIANT&>(written).vt = VT_EMPTY;
+            std::swap(static_cast<VARIANT&>(written), variable);
+            // What it held goes last: an object's end is the host's code again.
         });
     }
 

@@ -60,9 +60,12 @@ void clsSQLEditor::Constructor(const Object& Database) try {
 }
 
 void clsSQLEditor::Display(std::wstring& SQL) try {
-    if (EditorForm == nullptr) {
-        EditorForm = std::make_shared<frmSQLEditor>();
-        EditorForm->Constructor();
+    if (EditorForm == nullptr || EditorForm->m_IsGone()) {
+        // Held, since the host may let go of it while it is constructed: what fails there is reported, and whoever takes
+        // the report may call back.
+        const auto Made = std::make_shared<frmSQLEditor>();
+        EditorForm = Made;
+        Made->Constructor();
     }
     // The host may ask for another window, or for none, while this one is shown.
     const auto Window = EditorForm;

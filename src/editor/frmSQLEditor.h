@@ -2,6 +2,7 @@
 
 #include <array>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "forms/Annotations.h"
@@ -32,8 +33,12 @@ public:
     // Selects the owner's schema in the object browser, which loads the window when there is an owner.
     void Constructor();
     // Shows the window on `SQL` and returns when it was closed, the editor's text in `SQL`. When it fails before the
-    // window was shown, `SQL` is unchanged.
+    // window was shown, `SQL` is unchanged. Error 400 from inside Constructor or another Display, reported.
     void Display(std::wstring& SQL);
+    // Nothing is under way, and the window or what it cannot do without could not be made or was destroyed by somebody
+    // else: another form has to take its place.
+    bool m_IsGone() const noexcept;
+    std::shared_ptr<void> Hold() noexcept override { return weak_from_this().lock(); }
 
     // ---- Controls (made and wired in editor/frmSQLEditor_Controls.cpp). Public, since modLists fills them.
 
@@ -114,6 +119,7 @@ private:
     void m_FormTitle(const std::wstring& Title);
     void m_RestorePlacement();
     void mnuFileClose_Click();
+    std::wstring m_ReturnedText();  // what Display gives back
     void tlbToolbar_ButtonClick(const Toolbar::Button& Button);
 
     // ---- Controls
@@ -246,10 +252,12 @@ private:
     std::wstring m_DragText(Control& Source);
     bool m_CanDrop(Control& Source);
 
-    bool displaying_ = false;  // a Display is under way
-    bool moving_ = false;      // the splitter is being dragged
-    short activeView_ = 0;     // 0 object browser, 1 ANSI SQL list, 2 database-specific tree, 3 host command list
-    float firstSplit_ = 0;     // where the splitter stands until it is moved, twips
-    long savedSplit_ = 0;      // split position, twips, from before the left pane was collapsed
-    std::wstring findText_;    // what Find Next looks for
+    bool displaying_ = false;               // Constructor or a Display is under way
+    std::optional<std::wstring> returned_;  // the text as it was when the window was closed
+    bool changedSince_ = false;             // and whether it was changed after that
+    bool moving_ = false;                   // the splitter is being dragged
+    short activeView_ = 0;   // 0 object browser, 1 ANSI SQL list, 2 database-specific tree, 3 host command list
+    float firstSplit_ = 0;   // where the splitter stands until it is moved, twips
+    long savedSplit_ = 0;    // split position, twips, from before the left pane was collapsed
+    std::wstring findText_;  // what Find Next looks for
 };

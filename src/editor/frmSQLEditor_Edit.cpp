@@ -9,7 +9,10 @@ namespace {
 constexpr const wchar_t* Module = L"frmSQLEditor";
 }
 
-void frmSQLEditor::rtbSQL_Change() try { rtbSQL.DataChanged = true; } catch (...) {
+void frmSQLEditor::rtbSQL_Change() try {
+    rtbSQL.DataChanged = true;
+    changedSince_ = true;
+} catch (...) {
     ReportError(Module, L"rtbSQL_Change");
 }
 

@@ -1,3 +1,6 @@
+#include <algorithm>
+#include <utility>
+
 #include "automation/App.h"
 #include "automation/Text.h"
 #include "browser/modLists.h"
@@ -7,6 +10,7 @@
 #include "dictionary/clsDictionary.h"
 #include "editor/frmSQLEditor.h"
 #include "errors/modErrorHandler.h"
+#include "forms/PlainText.h"
 #include "forms/Settings.h"
 
 namespace {
@@ -47,7 +51,12 @@ void frmSQLEditor::Form_Initialize() try { moving_ = false; } catch (...) {
     ReportError(Module, L"Form_Initialize");
 }
 
+bool frmSQLEditor::m_IsGone() const noexcept {
+    return !displaying_ && (Lost() || (Loaded() && (rtbSQL.Handle() == nullptr || trvDBObjects.Handle() == nullptr)));
+}
+
 void frmSQLEditor::Constructor() try {
+    const Flagged Displaying(displaying_);
     if (OwnerName.empty()) return;
     Load();
     const Node Schemas = trvDBObjects.Items().Item(std::wstring(modLists::NodeKind::Schemas));
@@ -71,11 +80,14 @@ void frmSQLEditor::Display(std::wstring& SQL) try {
     Load();
     rtbSQL.SetText(SQL);
     rtbSQL.DataChanged = false;
-    // The editor has one kind of line end. A text that nobody changes goes back as it came, whatever it has.
-    const std::wstring Shown = rtbSQL.Text();
+    returned_.reset();
+    // What comes back is the editor's text, which has CR LF for CR and LF. Characters that the editor alone takes for
+    // line ends go back as they came while nobody changes the text.
     const auto TakeBack = [&] {
-        std::wstring Text = rtbSQL.Text();
-        if (Text != Shown) SQL = std::move(Text);
+        std::wstring Text = m_ReturnedText();
+        const bool Same =
+            std::any_of(SQL.begin(), SQL.end(), PlainText::IsLineBreak) && Text == PlainText::WithCrLf(SQL);
+        if (!Same) SQL = std::move(Text);
     };
     const bool Connected = Dictionary != nullptr && Dictionary->Connected();
     sbStatusBar.SetPanelText(1, Connected ? HostDatabase.Get(L"DBTypeName", ByRef(DBType)).ToText()
@@ -140,16 +152,34 @@ void frmSQLEditor::m_FormTitle(const std::wstring& Title) try {
 
 // Every way out of the window comes through here: there is none that keeps the host's SQL unchanged.
 void frmSQLEditor::mnuFileClose_Click() try {
-    // A maximised window's values are written too; kept.
-    if (WindowState() != State::Minimized) {
+    // Only a minimised window has no place worth keeping: a maximised one opens as large as it was closed.
+    if (Handle() != nullptr && WindowState() != State::Minimized) {
         SavePlacement(L"MainLeft", Left());
         SavePlacement(L"MainTop", Top());
         SavePlacement(L"MainWidth", Width());
         SavePlacement(L"MainHeight", Height());
     }
+    // Read while the window shows: what cannot be read keeps it open.
+    if (Visible()) {
+        returned_ = rtbSQL.Text();
+        changedSince_ = false;
+    }
     Hide();
 } catch (...) {
     ReportError(Module, L"mnuFileClose_Click");
+}
+
+// What the editor holds now. The window may have ended without being closed: the host quits, an event's failure could
+// not be reported, or somebody destroyed it. What was under way when it was closed may have gone on to write.
+std::wstring frmSQLEditor::m_ReturnedText() {
+    const std::optional<std::wstring> Read = std::exchange(returned_, {});
+    if (Read && !changedSince_) return *Read;
+    try {
+        return rtbSQL.Text();
+    } catch (...) {
+        if (!Read) throw;
+        return *Read;
+    }
 }
 
 void frmSQLEditor::Form_Unload(bool& cancel) try {

@@ -9,6 +9,7 @@
 #include "automation/App.h"
 #include "automation/RuntimeError.h"
 #include "forms/Events.h"
+#include "forms/Form.h"
 #include "forms/Messages.h"
 #include "forms/Surroundings.h"
 #include "forms/Twips.h"
@@ -35,6 +36,7 @@ void Control::CreateWindowOf(const wchar_t* windowClass, DWORD style, DWORD exSt
                                         reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)), App::Module(), nullptr);
     if (window == nullptr) RaiseSystemError(ErrorNumber::OutOfMemory, GetLastError());
     handle_ = window;
+    form_ = Form::Of(GetAncestor(container, GA_ROOT));
     visible_ = (style & WS_VISIBLE) != 0;
     // The platform's classes leave GWLP_USERDATA to the program: the way from handle to control is one read.
     SetWindowLongPtrW(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
@@ -52,6 +54,8 @@ void Control::DestroyFormer(HWND former) noexcept {
     SetWindowLongPtrW(former, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(original_));
     DestroyWindow(former);
 }
+
+bool Control::FormVisible() const noexcept { return form_ != nullptr && form_->Visible(); }
 
 UINT Control::Dpi() const noexcept { return DpiOf(handle_); }
 
@@ -182,7 +186,8 @@ bool Control::Reflect(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& resul
 }
 
 LRESULT Control::Original(UINT message, WPARAM wParam, LPARAM lParam) {
-    return CallWindowProcW(original_, handle_, message, wParam, lParam);
+    // Somebody may have destroyed the window.
+    return handle_ != nullptr ? CallWindowProcW(original_, handle_, message, wParam, lParam) : 0;
 }
 
 bool Control::OnReflected(UINT, WPARAM, LPARAM, LRESULT&) { return false; }
@@ -357,6 +362,8 @@ LRESULT CALLBACK Control::Thunk(HWND window, UINT message, WPARAM wParam, LPARAM
         answered = control;
         return 0;
     }
+    // What the message leads to may let go of the window with all its controls.
+    const std::shared_ptr<void> held = control->form_ != nullptr ? control->form_->Hold() : nullptr;
     LRESULT result = 0;
     control->FollowMouse(message, wParam, lParam);
     Events::Raise([&] {

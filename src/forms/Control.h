@@ -7,6 +7,8 @@
 
 #include "forms/Drag.h"
 
+class Form;
+
 // Mouse buttons and shift states as the events carry them: one value on MouseDown and MouseUp, a sum on MouseMove.
 namespace MouseButton {
 inline constexpr int Left = 1;
@@ -116,6 +118,7 @@ protected:
     // What the window's class does with the message by itself.
     LRESULT Original(UINT message, WPARAM wParam, LPARAM lParam);
 
+    bool FormVisible() const noexcept;                // the control's form is shown
     static int ShiftKeys() noexcept;                  // the sum of the keys that are down (ShiftState)
     static int MouseButtons(WPARAM wParam) noexcept;  // the sum of the buttons that a mouse message says are down
     void RaiseMouse(const MouseEvent& event, int button, LPARAM lParam);
@@ -133,6 +136,7 @@ private:
 
     HWND handle_ = nullptr;
     WNDPROC original_ = nullptr;
+    Form* form_ = nullptr;  // whose window the control's window is in, if it is a form's
     float left_ = 0;
     float top_ = 0;
     float width_ = 0;

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <utility>
 
 #include "automation/App.h"
 #include "automation/RuntimeError.h"
@@ -225,25 +226,52 @@ void Form::SetCaption(const std::wstring& caption) {
 
 void Form::DisableOthers() {
     previousActive_ = GetActiveWindow();
+    struct Search {
+        HWND Own;
+        std::vector<HWND> Found;
+    } search{handle_, {}};
+    Events::Call call;
     EnumThreadWindows(
         GetCurrentThreadId(),
         [](HWND window, LPARAM parameter) WINAPI -> BOOL {
-            auto& self = *reinterpret_cast<Form*>(parameter);
-            if (window != self.handle_ && IsWindowVisible(window) && IsWindowEnabled(window)) {
-                self.disabled_.push_back(window);
-            }
+            auto& search = *reinterpret_cast<Search*>(parameter);
+            if (window == search.Own || !IsWindowVisible(window) || !IsWindowEnabled(window)) return TRUE;
+            // No exception may pass through the system's own code.
+            Events::Raise([&] { search.Found.push_back(window); });
             return TRUE;
         },
-        reinterpret_cast<LPARAM>(this));
-    // After the enumeration: a host may make or destroy windows when one of its own is disabled.
-    for (const HWND window : disabled_) EnableWindow(window, FALSE);
+        reinterpret_cast<LPARAM>(&search));
+    call.Rethrow();
+    disabled_.reserve(search.Found.size());
+    // After the enumeration: a host may make or destroy windows when one of its own is disabled. It may hide this one.
+    for (const HWND window : search.Found) {
+        if (!shown_) return;
+        if (!IsWindow(window)) continue;
+        disabled_.push_back(window);
+        EnableWindow(window, FALSE);
+    }
 }
 
 void Form::EnableOthers() noexcept {
-    for (const HWND window : disabled_) {
+    // The host is told of each, and may show or hide this window meanwhile.
+    for (const HWND window : std::exchange(disabled_, {})) {
         if (IsWindow(window)) EnableWindow(window, TRUE);
     }
-    disabled_.clear();
+}
+
+void Form::ActivatePrevious() noexcept {
+    const HWND previous = std::exchange(previousActive_, nullptr);
+    if (IsWindow(previous) && GetForegroundWindow() != previous) SetForegroundWindow(previous);
+}
+
+// Somebody else destroyed the window, or its end has come: a loop that shows it ends.
+void Form::OnDestroyed() noexcept {
+    handle_ = nullptr;
+    if (!shown_) return;
+    shown_ = false;
+    EnableOthers();
+    ActivatePrevious();
+    PostThreadMessageW(GetCurrentThreadId(), WM_NULL, 0, 0);  // wakes a loop that waits in GetMessage
 }
 
 void Form::ShowModal() {
@@ -261,17 +289,21 @@ void Form::ShowModal() {
     } showing{*this};
     shown_ = true;
     DisableOthers();
+    if (!shown_) return call.Rethrow();
     // A window that was minimised when it was closed would come back as a button in the taskbar, with the host disabled
     // behind it: it is restored.
     const bool minimised = IsIconic(handle_) != FALSE;
     const int command = minimised ? SW_RESTORE : SW_SHOW;
     if (!minimised) BringIntoView();
     ShowWindow(handle_, command);
-    if (minimised) BringIntoView();
+    if (shown_ && minimised) BringIntoView();
     // A process that was started hidden has its first ShowWindow turned into hiding.
-    if (!IsWindowVisible(handle_)) ShowWindow(handle_, command);
-    SetForegroundWindow(handle_);
+    if (shown_ && !IsWindowVisible(handle_)) ShowWindow(handle_, command);
+    if (shown_) SetForegroundWindow(handle_);
+    // Hidden by the host's code, which is told of the activation: the showing may have gone on after that.
+    if (!shown_ && handle_ != nullptr) ShowWindow(handle_, SW_HIDE);
     call.Rethrow();
+    if (!shown_) return;
     Form_Activate();
     RunLoop();
 }
@@ -337,8 +369,7 @@ void Form::Hide() {
     // Enabled before this window goes, else the activation would go to another program.
     EnableOthers();
     ShowWindow(handle_, SW_HIDE);
-    if (IsWindow(previousActive_) && GetForegroundWindow() != previousActive_) SetForegroundWindow(previousActive_);
-    previousActive_ = nullptr;
+    ActivatePrevious();
     // Wakes a loop that waits in GetMessage.
     PostMessageW(handle_, WM_NULL, 0, 0);
     call.Rethrow();
@@ -358,11 +389,21 @@ LRESULT CALLBACK Form::Procedure(HWND window, UINT message, WPARAM wParam, LPARA
     }
     auto* form = reinterpret_cast<Form*>(GetWindowLongPtrW(window, GWLP_USERDATA));
     if (form == nullptr) return DefWindowProcW(window, message, wParam, lParam);
+    // What the message leads to may let go of the form.
+    const std::shared_ptr<void> held = form->Hold();
     LRESULT result = 0;
     Events::Raise([&] { result = form->OnMessage(message, wParam, lParam); });
     // Also the end of a creation that failed half-way.
-    if (message == WM_NCDESTROY) form->handle_ = nullptr;
+    if (message == WM_NCDESTROY) form->OnDestroyed();
     return result;
+}
+
+Form* Form::Of(HWND window) noexcept {
+    // By the class, since somebody may have put a procedure of their own over the window's.
+    if (window == nullptr || GetClassLongPtrW(window, GCLP_WNDPROC) != reinterpret_cast<ULONG_PTR>(&Form::Procedure)) {
+        return nullptr;
+    }
+    return reinterpret_cast<Form*>(GetWindowLongPtrW(window, GWLP_USERDATA));
 }
 
 LRESULT Form::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {

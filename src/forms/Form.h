@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -27,7 +28,14 @@ public:
     // nothing else afterwards. Every public member that touches the window or a control begins with it.
     void Load();
     bool Loaded() const noexcept { return loaded_; }
+    // The form was loaded and has no window: none could be made, or somebody destroyed it. It never gets another one.
+    bool Lost() const noexcept { return loaded_ && handle_ == nullptr; }
     HWND Handle() const noexcept { return handle_; }
+    // The form whose window this is, or null.
+    static Form* Of(HWND window) noexcept;
+    // Held while a window procedure of the form or of one of its controls runs: what an event leads to may let go of
+    // the form. Null for a form that nobody shares.
+    virtual std::shared_ptr<void> Hold() noexcept { return nullptr; }
     UINT Dpi() const noexcept;
 
     float Left() const;
@@ -45,8 +53,10 @@ public:
     void MoveTo(const Placement& place);
 
     void SetCaption(const std::wstring& caption);
-    // Shows the window, raises Form_Activate, and runs a message loop until the window is hidden. The thread's other
-    // windows are disabled meanwhile and enabled again whatever happens. Error 400 when it is shown already.
+    // Shows the window, raises Form_Activate, and runs a message loop until the window is hidden or destroyed. The
+    // thread's other windows are disabled meanwhile and enabled again whatever happens. Code of the host that is told
+    // of that may hide the window before it shows: then nothing is raised. Error 400 when it is shown already, 91 when
+    // there is no window.
     void ShowModal();
     bool Visible() const noexcept { return shown_; }
     // Ends ShowModal.
@@ -93,6 +103,8 @@ private:
     void BringIntoView();
     void DisableOthers();
     void EnableOthers() noexcept;
+    void ActivatePrevious() noexcept;
+    void OnDestroyed() noexcept;
     void RunLoop();
     bool Navigate(const MSG& message);
 

@@ -25,6 +25,13 @@ bool NeedsStream(const std::wstring& text) noexcept {
            text.find(L'\0') != std::wstring::npos;
 }
 
+// How much of a text a control holds at the least that took it all: it may change line ends and control characters, and
+// nothing else. What it answers to the messages themselves differs by version.
+long LeastLength(const std::wstring& text) noexcept {
+    return static_cast<long>(
+        std::count_if(text.begin(), text.end(), [](wchar_t unit) { return unit >= L' ' || unit == L'\t'; }));
+}
+
 struct StreamSource {
     const wchar_t* Text;
     size_t Length;
@@ -125,6 +132,10 @@ long RichTextBox::TextLength() const {
 }
 
 std::wstring RichTextBox::Text() const {
+    if (Handle() == nullptr) {
+        if (!lastText_) RaiseError(ErrorNumber::ObjectNotSet);
+        return *lastText_;
+    }
     const long length = TextLength();
     if (length <= 0) return {};
     std::wstring text(static_cast<size_t>(length) + 1, L'\0');
@@ -134,6 +145,8 @@ std::wstring RichTextBox::Text() const {
     request.codepage = 1200;
     const LRESULT copied =
         Send(EM_GETTEXTEX, reinterpret_cast<WPARAM>(&request), reinterpret_cast<LPARAM>(text.data()));
+    // Short of memory, the control gives nothing: that is not an empty text.
+    if (copied <= 0) RaiseError(ErrorNumber::OutOfMemory);
     text.resize(static_cast<size_t>(std::clamp<LRESULT>(copied, 0, length)));
     // Another program may have brought one in that this one has not seen: by the control's object model.
     return PlainText::HasOddLineEnds(text) ? PlainText::WithCrLf(text) : text;
@@ -145,6 +158,7 @@ void RichTextBox::StreamIn(const std::wstring& text, WPARAM flags) {
     stream.dwCookie = reinterpret_cast<DWORD_PTR>(&source);
     stream.pfnCallback = &ReadStream;
     Send(EM_STREAMIN, SF_TEXT | SF_UNICODE | flags, reinterpret_cast<LPARAM>(&stream));
+    if (stream.dwError != 0) RaiseError(ErrorNumber::OutOfMemory);
 }
 
 void RichTextBox::Replace() {
@@ -171,22 +185,28 @@ void RichTextBox::Replace() {
     DestroyFormer(old);
 }
 
+void RichTextBox::FillWith(const std::wstring& text) {
+    if (PlainText::HasOddLineEnds(text)) {
+        StreamIn(PlainText::WithCrLf(text));
+    } else if (NeedsStream(text)) {
+        StreamIn(text);
+    } else {
+        SETTEXTEX request{};
+        request.flags = ST_DEFAULT;
+        request.codepage = 1200;
+        Send(EM_SETTEXTEX, reinterpret_cast<WPARAM>(&request), reinterpret_cast<LPARAM>(text.c_str()));
+    }
+    if (TextLength() < LeastLength(text)) RaiseError(ErrorNumber::OutOfMemory);
+}
+
 void RichTextBox::SetText(const std::wstring& text) {
+    if (Handle() == nullptr) RaiseError(ErrorNumber::ObjectNotSet);
     {
         const Filling filling(filling_);
         // What formats are left behind in place is the control's secret.
         if (rich_ || TextLength() > ReplaceBeyond) Replace();
         rich_ = false;
-        if (PlainText::HasOddLineEnds(text)) {
-            StreamIn(PlainText::WithCrLf(text));
-        } else if (NeedsStream(text)) {
-            StreamIn(text);
-        } else {
-            SETTEXTEX request{};
-            request.flags = ST_DEFAULT;
-            request.codepage = 1200;
-            Send(EM_SETTEXTEX, reinterpret_cast<WPARAM>(&request), reinterpret_cast<LPARAM>(text.c_str()));
-        }
+        FillWith(text);
         Send(EM_SETSEL, 0, 0);
         Send(EM_EMPTYUNDOBUFFER);
     }
@@ -347,6 +367,8 @@ LRESULT RichTextBox::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
     if (OnKey(message, wParam, lParam, result)) return result;
     switch (message) {
         case WM_DESTROY:
+            // Somebody else destroys the window that the user is writing in.
+            if (FormVisible()) Events::Raise([this] { lastText_ = Text(); });
             target_.Revoke();  // while OLE still knows the window
             annotations_.Clear();
             break;

@@ -22,10 +22,12 @@ class RichTextBox : public Control {
 public:
     void Create(HWND container, int id);
 
-    // The plain text, line ends as CR LF.
+    // The plain text, line ends as CR LF. When somebody destroyed the control while its form was shown, what it held
+    // then. Error 7: the control cannot give it; 91: there is no control.
     std::wstring Text() const;
     // Replaces the whole text as plain text, whatever it begins with, and raises Change once. The undo history is empty
-    // afterwards and the caret stands at the beginning.
+    // afterwards and the caret stands at the beginning. Error 7: the control did not take it all; 91: there is no
+    // control.
     void SetText(const std::wstring& text);
     long TextLength() const;
 
@@ -128,12 +130,14 @@ private:
     long ToControl(long position) const;
     long FromControl(long position) const;
     void StreamIn(const std::wstring& text, WPARAM flags = 0);
+    void FillWith(const std::wstring& text);
     void SetRichText(std::string_view rtf);
     std::string RichText() const;
     bool FindFrom(long from, long to, const std::wstring& text);  // positions as the control counts them
     void ShowDropPlace(POINT screen);
     void ForgetDropPlace();
 
+    std::optional<std::wstring> lastText_;  // what the control held when somebody destroyed it
     std::wstring accessibleName_;
     Annotations annotations_;
     std::wstring face_;

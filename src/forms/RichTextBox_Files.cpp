@@ -71,7 +71,13 @@ void RichTextBox::LoadFile(const std::wstring& path, FileKind kind) {
                 RaiseError(InvalidFileFormat);
             }
         }
-        SetText(text);
+        const std::wstring former = Text();
+        try {
+            SetText(text);
+        } catch (const RuntimeError&) {
+            SetText(former);
+            throw;
+        }
         FileFormat = contents.Form;
     }
     FileName = path;

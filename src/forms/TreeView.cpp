@@ -128,6 +128,12 @@ void TreeView::ExpandAll(const Node& node) {
         if (HIWORD(GetQueueStatus(QS_KEY)) == 0) continue;
         MSG key;
         while (PeekMessageW(&key, nullptr, WM_KEYFIRST, WM_KEYLAST, PM_REMOVE)) {
+            if (key.message == WM_QUIT) {
+                // It comes whatever messages are asked for, and belongs to the program's own loop.
+                PostQuitMessage(static_cast<int>(key.wParam));
+                stopExpanding_ = true;
+                break;
+            }
             if (key.message == WM_KEYDOWN && key.wParam == VK_ESCAPE) stopExpanding_ = true;
         }
     }
@@ -138,7 +144,37 @@ void TreeView::ExpandAll(const Node& node) {
     }
 }
 
+bool TreeView::Refuses(UINT message) const noexcept {
+    switch (message) {
+        case WM_LBUTTONDOWN:
+        case WM_LBUTTONDBLCLK:
+        case WM_LBUTTONUP:
+        case WM_RBUTTONDOWN:
+        case WM_RBUTTONDBLCLK:
+        case WM_RBUTTONUP:
+        case WM_MOUSEMOVE:
+        case WM_CONTEXTMENU:
+        case WM_KEYDOWN:
+        case WM_CHAR:
+            return RefusesInput();
+        case TVM_EXPAND:
+        case TVM_SELECTITEM:
+            return RefusesInput() && !quiet_;
+        default:
+            return false;
+    }
+}
+
 LRESULT TreeView::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
+    if (Refuses(message)) {
+        // The button came up, and what it was pressed on may not be there any more.
+        if (message == WM_LBUTTONUP && clicking_) {
+            clicking_ = false;
+            clicked_ = {};
+            if (GetCapture() == Handle()) ReleaseCapture();
+        }
+        return 0;
+    }
     switch (message) {
         case WM_LBUTTONDOWN: {
             // By itself the control waits in a loop of its own for the button to come up or to be dragged away, and
@@ -227,6 +263,15 @@ LRESULT TreeView::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
             SetExpanded(node, open);
             return TRUE;
         }
+        case TVM_DELETEITEM:
+            // Items come and go with their nodes alone.
+            if (!quiet_) return FALSE;
+            break;
+        case TVM_SETITEMA:
+        case TVM_SETITEMW:
+            // An item's parameter leads to its node.
+            if (lParam == 0 || (reinterpret_cast<const TVITEMW*>(lParam)->mask & TVIF_PARAM) != 0) return FALSE;
+            break;
         case TVM_SELECTITEM: {
             if (quiet_ || wParam != TVGN_CARET) break;
             const Node before = SelectedItem();
@@ -253,6 +298,8 @@ bool TreeView::OnReflected(UINT message, WPARAM, LPARAM lParam, LRESULT& result)
     switch (change.hdr.code) {
         case TVN_ITEMEXPANDINGW: {
             if (quiet_) return false;
+            result = RefusesInput();  // TRUE: the branch stays as it is
+            if (RefusesInput()) return true;
             const Node node = NodeOf(change.itemNew.lParam);
             // Filled while the branch is still closed: an open one is laid out anew with every node. The control asks
             // only for branches that it shows closed, whatever was said of them while they had no children.
@@ -260,7 +307,8 @@ bool TreeView::OnReflected(UINT message, WPARAM, LPARAM lParam, LRESULT& result)
                 MarkExpanded(node, true);
                 if (Expand) Expand(node);
             }
-            result = FALSE;
+            // The control goes on with the item that it asked for, which may have been removed meanwhile.
+            result = !IsLiving(node);
             return true;
         }
         case TVN_ITEMEXPANDEDW: {

@@ -35,6 +35,21 @@ public:
     // While the "*" key opens a branch with everything below it: open no further ones.
     void StopExpanding() noexcept { stopExpanding_ = true; }
 
+    // While one of these lives the tree refuses what would change it or ask for more: clicks, keys, the start of a
+    // drag, and other programs that select, open, close, add or remove. Whoever fills a branch may pump messages in the
+    // middle of it, a database driver's login box for one. The program's own calls go on; so does scrolling. Nests.
+    class InputRefused {
+    public:
+        explicit InputRefused(TreeView& tree) noexcept : tree_(tree) { ++tree_.refusing_; }
+        ~InputRefused() { --tree_.refusing_; }
+        InputRefused(const InputRefused&) = delete;
+        InputRefused& operator=(const InputRefused&) = delete;
+
+    private:
+        TreeView& tree_;
+    };
+    bool RefusesInput() const noexcept { return refusing_ > 0; }
+
     std::wstring DragCaption() const override;  // the selected node
 
 protected:
@@ -57,8 +72,11 @@ private:
     // instead.
     Node NodeAt(LPARAM point, bool& button) const;
     void ExpandAll(const Node& node);
+    // Whether the message is input, from the user or from another program, that is refused now.
+    bool Refuses(UINT message) const noexcept;
 
     Nodes nodes_{*this};
+    int refusing_ = 0;
     bool clicking_ = false;  // the left button went down on clicked_, or on empty space
     Node clicked_;
     bool stopExpanding_ = false;

@@ -79,6 +79,9 @@ std::shared_ptr<const clsListItem> frmSQLEditor::m_GetActiveItem() try {
         default:
             return nullptr;
     }
+    // The host pumps messages while a branch is read or a statement is made: a statement of half a branch is none.
+    if (trvDBObjects.RefusesInput()) return nullptr;
+    const TreeView::InputRefused Refused(trvDBObjects);
     namespace NodeKind = modLists::NodeKind;
     const Node Selected = trvDBObjects.SelectedItem();
     const std::wstring Kind = Selected ? Selected.Tag() : std::wstring();

@@ -11,14 +11,17 @@ protected:
         editor.Call(L"Constructor", Object());
         return editor;
     }
-    // Display with one argument exactly as given, the window edited to `edited` and closed.
+    // Display with one argument exactly as given, the window edited to `edited` and closed. Null: it may not show,
+    // which shownText_ tells.
     HRESULT Invoke(const Object& editor, VARIANT& argument, const wchar_t* edited) {
         DISPPARAMS parameters{&argument, nullptr, 1, 0};
-        const WhenShown shown([&] {
-            shownText_ = EditorWindow::Text();
-            if (edited != nullptr) EditorWindow::SetText(edited);
-            EditorWindow::Close();
-        });
+        const WhenShown shown(
+            [&] {
+                shownText_ = EditorWindow::Text();
+                if (edited != nullptr) EditorWindow::SetText(edited);
+                EditorWindow::Close();
+            },
+            edited != nullptr ? WhenShown::Expect::Shown : WhenShown::Expect::MayStayHidden);
         shownText_ = L"<not shown>";
         EXCEPINFO exception{};
         UINT argumentError = 0;
@@ -54,9 +57,11 @@ TEST_F(DisplayTest, TextComesBackAsItWentIn) {
          {L""s, L"select 1"s, L"a\r\nb\r\n"s, L"{\\rtf1 not {\\b rich}}"s, L"x\xD800y\xDC00"s, L"a\0b"s,
           L"\xD83D\xDE00 \x4E2D\x6587 \x05D0"s, L"\t\ttabs\t"s, std::wstring(100000, L'x'),
           // The editor has CR LF for all of these.
-          L"a\nb\rc"s, L"cell\vof a\fsheet"s, L"a\x0085 b\x2028 c\x2029"s, L"a\r\r\nb\n\n"s}) {
+          L"cell\vof a\fsheet"s, L"a\x0085 b\x2028 c\x2029"s, L"a\nb\vc"s}) {
         EXPECT_EQ(text, DisplayAndClose(editor, text));
     }
+    EXPECT_EQ(L"a\r\nb\r\nc", DisplayAndClose(editor, L"a\nb\rc"));
+    EXPECT_EQ(L"a\r\n\r\nb\r\n\r\n", DisplayAndClose(editor, L"a\r\r\nb\n\n"));
     EXPECT_EQ(L"", Errors.Places());
 }
 

@@ -49,6 +49,7 @@ Object MakeRecorder() {
         if (!report.DebugMissing) report.Debug = a[4].ToText();
         EXPECT_EQ(5U, a.Count());
         currentErrors->Reports.push_back(report);
+        if (currentErrors->OnReport) currentErrors->OnReport();
         return Variant();
     });
     return held;
@@ -307,7 +308,7 @@ void EditorWindow::PressReturn() {
 
 void EditorWindow::Close() { SendMessageW(Find(), WM_CLOSE, 0, 0); }
 
-WhenShown::WhenShown(std::function<void()> step) : step_(std::move(step)) {
+WhenShown::WhenShown(std::function<void()> step, Expect expect) : step_(std::move(step)), expect_(expect) {
     static std::map<UINT_PTR, WhenShown*> all;
     timer_ = SetTimer(nullptr, 0, 15, [](HWND, UINT, UINT_PTR id, DWORD) WINAPI {
         const auto found = all.find(id);
@@ -330,6 +331,7 @@ WhenShown::WhenShown(std::function<void()> step) : step_(std::move(step)) {
 WhenShown::~WhenShown() {
     // Whoever calls a timer's procedure may catch an access violation in it and go on as if nothing had been.
     EXPECT_EQ(ran_, finished_) << "the step was cut off in the middle: something crashed";
+    EXPECT_TRUE(ran_ || expect_ == Expect::MayStayHidden) << "the window was never shown";
     KillTimer(nullptr, timer_);
     KillTimer(nullptr, watchdog_);
 }

@@ -45,6 +45,7 @@ public:
     int CreateFailures = 0;  // how many attempts fail, when not all do
     bool ErrorMessageFails = false;
     int Created = 0;
+    std::function<void()> OnReport;  // runs in each report, as an alert that lets messages through would
     // Every error component that is made is given to it, and what it gives back is handed out.
     std::function<Object(const Object&)> Wrap;
 
@@ -100,10 +101,13 @@ void PressReturn();
 void Close();
 }  // namespace EditorWindow
 
-// Runs steps from inside the modal loop, each when the window is shown; a window that nobody closes ends the process.
+// Runs a step from inside the modal loop, once the window is shown. A window that nobody closes ends the process. The
+// test fails when the window was never shown, since its expectations were not looked at then, and when the step was cut
+// off; MayStayHidden is for starts that are meant to fail, which look at Ran().
 class WhenShown {
 public:
-    explicit WhenShown(std::function<void()> step);
+    enum class Expect { Shown, MayStayHidden };
+    explicit WhenShown(std::function<void()> step, Expect expect = Expect::Shown);
     ~WhenShown();
     WhenShown(const WhenShown&) = delete;
     WhenShown& operator=(const WhenShown&) = delete;
@@ -112,6 +116,7 @@ public:
 
 private:
     std::function<void()> step_;
+    Expect expect_;
     UINT_PTR timer_;
     UINT_PTR watchdog_;
     bool ran_ = false;
