@@ -200,7 +200,10 @@ TEST_F(WindowLifeTest, LetGoOfFromInsideWhatAHiddenWindowIsAsked) {
     Object editor;
     int asked = 0;
     Database.DictionaryMembers[L"Schemas"] = [&](const Arguments&) {
-        if (++asked > 1) editor.Clear();
+        if (++asked > 1) {
+            editor.Clear();
+            EXPECT_NE(nullptr, Window()) << "it lives until the message is over";
+        }
         return Variant(MakeCollection({Variant(L"HR")}));
     };
     editor = Editor();
@@ -300,7 +303,13 @@ TEST_F(WindowLifeTest, ADisplayWhileItLoadsIsRefused) {
 TEST_F(WindowLifeTest, TheHostQuitsWhileEverythingIsOpened) {
     Object editor;
     Database.DictionaryMembers[L"Objects"] = [](const Arguments&) {
-        PostMessageW(EditorWindow::Editor(), WM_KEYDOWN, VK_SHIFT, 1);  // a key that waits
+        // A key of the keyboard waits, and none that was posted: the branch is looked at for such.
+        INPUT key[2]{};
+        key[0].type = key[1].type = INPUT_KEYBOARD;
+        key[0].ki.wVk = key[1].ki.wVk = VK_SHIFT;
+        key[1].ki.dwFlags = KEYEVENTF_KEYUP;
+        SendInput(2, key, sizeof(INPUT));
+        EXPECT_NE(0, HIWORD(GetQueueStatus(QS_KEY)));
         PostQuitMessage(7);
         return Variant(MakeCollection({Variant(L"ORDERS")}));
     };
