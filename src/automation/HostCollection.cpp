@@ -19,6 +19,11 @@ HRESULT AskForEnumerator(IDispatch* object, IEnumVARIANT** enumerator, EXCEPINFO
     return *enumerator != nullptr ? S_OK : FAILED(found) ? found : E_NOINTERFACE;
 }
 
+bool SaysThatThereIsNone(long number) noexcept {
+    return number == ErrorNumber::NoSuchMember || number == ErrorNumber::NotACollection ||
+           number == DISP_E_MEMBERNOTFOUND || number == DISP_E_UNKNOWNNAME || number == DISP_E_NOTACOLLECTION;
+}
+
 // Owns an enumerator for one pass.
 class Enumerator {
 public:
@@ -64,14 +69,17 @@ private:
 
 }  // namespace
 
+HostCollection HostCollection::OrArray(const Variant& entry) {
+    if (!entry.IsArray()) return HostCollection(entry);
+    entry.ToArray();  // one dimension only
+    HostCollection array;
+    array.kind_ = Kind::Array;
+    array.enumerator_ = entry;
+    return array;
+}
+
 HostCollection::HostCollection(const Variant& result) {
     if (result.IsNothing()) return;
-    if (result.IsArray()) {
-        result.ToArray();  // one dimension only
-        kind_ = Kind::Array;
-        enumerator_ = result;
-        return;
-    }
     if (!result.IsObject()) RaiseError(ErrorNumber::TypeMismatch);
     object_ = result.ToObject();
     IEnumVARIANT* enumerator = nullptr;
@@ -86,7 +94,7 @@ HostCollection::HostCollection(const Variant& result) {
     if (asked == DISP_E_EXCEPTION) {
         const RuntimeError error = ErrorFromHresult(asked, &exception);
         // Some objects raise an exception to say that they have no enumerator.
-        if (error.Number != ErrorNumber::NoSuchMember && error.Number != ErrorNumber::NotACollection) throw error;
+        if (!SaysThatThereIsNone(error.Number)) throw error;
     }
     if (object_.Has(L"Count") && object_.Has(L"Item")) {
         kind_ = Kind::Counted;

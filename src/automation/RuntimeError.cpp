@@ -115,11 +115,14 @@ std::wstring Taken(BSTR& text) {
     return result;
 }
 
+// A number that a host raised, without the HRESULT of its control facility. Number 0 would be no error.
+long RaisedNumber(HRESULT result) noexcept {
+    const bool dressed = HRESULT_FACILITY(result) == FACILITY_CONTROL && FAILED(result) && HRESULT_CODE(result) != 0;
+    return dressed ? HRESULT_CODE(result) : result;
+}
+
 long NumberOf(HRESULT result) noexcept {
-    // A number that a host raised, dressed as an HRESULT of its control facility. Number 0 would be no error.
-    if (HRESULT_FACILITY(result) == FACILITY_CONTROL && FAILED(result) && HRESULT_CODE(result) != 0) {
-        return HRESULT_CODE(result);
-    }
+    if (const long raised = RaisedNumber(result); raised != result) return raised;
     for (const Translated& known : Results) {
         if (known.Result == result) return known.Number;
     }
@@ -204,8 +207,9 @@ RuntimeError CurrentError() noexcept {
 RuntimeError ErrorFromHresult(HRESULT hr, EXCEPINFO* exception) {
     RuntimeError error;
     HRESULT result = hr;
+    const bool raised = exception != nullptr && hr == DISP_E_EXCEPTION;
     if (exception != nullptr) {
-        if (hr == DISP_E_EXCEPTION) {
+        if (raised) {
             // Some servers fill the details in only when they are asked for.
             if (exception->pfnDeferredFillIn != nullptr) exception->pfnDeferredFillIn(exception);
             error.HelpContext = static_cast<long>(exception->dwHelpContext);
@@ -218,8 +222,11 @@ RuntimeError ErrorFromHresult(HRESULT hr, EXCEPINFO* exception) {
         error.Description = Taken(exception->bstrDescription);
         error.HelpFile = Taken(exception->bstrHelpFile);
     }
-    error.Number = NumberOf(result);
-    if (error.Source.empty()) error.Source = App::Title;
+    error.Number = raised ? RaisedNumber(result) : NumberOf(result);
+    if (error.Source.empty()) {
+        error.Source = App::Title;
+        error.Foreign = true;
+    }
     if (error.Description.empty()) error.Description = DescriptionOf(error.Number, result);
     return error;
 }
@@ -230,7 +237,10 @@ void CheckHresult(HRESULT hr) {
     IErrorInfo* info = nullptr;
     if (GetErrorInfo(0, &info) == S_OK && info != nullptr) {
         BSTR text = nullptr;
-        if (SUCCEEDED(info->GetSource(&text)) && SysStringLen(text) > 0) error.Source = TextOf(text);
+        if (SUCCEEDED(info->GetSource(&text)) && SysStringLen(text) > 0) {
+            error.Source = TextOf(text);
+            error.Foreign = false;
+        }
         SysFreeString(text);
         text = nullptr;
         if (SUCCEEDED(info->GetDescription(&text)) && SysStringLen(text) > 0) error.Description = TextOf(text);

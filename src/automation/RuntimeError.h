@@ -14,6 +14,8 @@ struct RuntimeError {
     std::wstring HelpFile;
     long HelpContext = 0;
     long LastDllError = 0;  // GetLastError of the Windows call that failed, 0 when none did
+    // Another object failed and named no source: Source is App::Title then, and the number is not one of our own.
+    bool Foreign = false;
 };
 
 // The numbers that hosts know.
@@ -71,7 +73,9 @@ std::wstring ErrorText(long number);
 RuntimeError CurrentError() noexcept;
 
 // The error that a failed automation call stands for. `exception` may be null (no details); its strings are taken over
-// and freed, its deferred fill-in is run. `S_OK`-like values are never passed.
+// and freed, its deferred fill-in is run. A bare HRESULT that Windows defines becomes the run-time error that hosts
+// know it by; the number that an exception carries is the object's choice and stays, but for the control facility, in
+// which hosts dress the small numbers. `S_OK`-like values are never passed.
 RuntimeError ErrorFromHresult(HRESULT hr, EXCEPINFO* exception);
 // Throws ErrorFromHresult(hr, null) when `hr` is a failure, with what IErrorInfo of the thread says. Only for calls to
 // objects that set it: elsewhere it may be left over from somebody else's failure.

@@ -13,14 +13,11 @@ clsDictionary::clsDictionary() = default;
 // No trap here: nothing that it does can fail.
 clsDictionary::~clsDictionary() { Destructor(); }
 
-void clsDictionary::Constructor(const Object& Dictionary) try {
-    dictionary_ = Dictionary;
-    connected_ = static_cast<bool>(dictionary_);
-} catch (...) {
+void clsDictionary::Constructor(const Object& Dictionary) try { dictionary_ = Dictionary; } catch (...) {
     ReportError(Module, L"Constructor");
 }
 
-bool clsDictionary::Connected() const try { return connected_; } catch (...) {
+bool clsDictionary::Connected() const try { return static_cast<bool>(dictionary_); } catch (...) {
     ReportError(Module, L"Get Connected");
     return false;
 }

@@ -15,7 +15,8 @@ public:
 
     // Nothing makes an adapter that is not connected.
     void Constructor(const Object& Dictionary);
-    // Whether a dictionary was handed over; the host is never asked whether its connection is still open.
+    // Whether there is a dictionary, which was handed over and not let go yet; the host is never asked whether its
+    // connection is still open.
     bool Connected() const;
 
     // A getter that fails reports and returns nothing (an empty text).
@@ -33,7 +34,6 @@ public:
 
 private:
     Object dictionary_;
-    bool connected_ = false;
 };
 
 // The source and the numbers by which the host's database component tells of what its dictionary cannot do.

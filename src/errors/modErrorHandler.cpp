@@ -28,4 +28,8 @@ bool IsNotComponentError(long Number) {
     return !(difference > 0 && difference < 65535);
 }
 
-bool IsOwnError(const RuntimeError& error) { return error.Source == App::Title && !IsNotComponentError(error.Number); }
+bool IsOwnError(const RuntimeError& error) {
+    return error.Source == App::Title && !error.Foreign && !IsNotComponentError(error.Number);
+}
+
+bool IsOwnError(const RuntimeError& error, long Number) { return error.Number == Number && IsOwnError(error); }

@@ -16,7 +16,10 @@ void ReportError(const std::wstring& Module, const std::wstring& Routine,
 bool IsNotComponentError(long Number);
 
 // Whether the error is one that this component raised itself, which procedures of the object tree pass up unchanged.
+// An error of another object that named no source is not: what number it has is chance.
 bool IsOwnError(const RuntimeError& error);
+// The same for one number.
+bool IsOwnError(const RuntimeError& error, long Number);
 
 // Tells the user something through the error component.
 void AlertUser(const std::wstring& Message);

@@ -253,7 +253,8 @@ TEST(HostCollectionTest, TheReaderMayLetGoOfTheCollection) {
     EXPECT_EQ(L"abc", seen);
     for (const bool array : {false, true}) {
         Counted counted(1, {L"x", L"y"});
-        HostCollection other = array ? HostCollection(Variant::ArrayOf({Variant(L"x"), Variant(L"y")})) : Of(&counted);
+        HostCollection other =
+            array ? HostCollection::OrArray(Variant::ArrayOf({Variant(L"x"), Variant(L"y")})) : Of(&counted);
         seen.clear();
         other.ForEach([&](const Variant& item) {
             other = HostCollection();
@@ -354,15 +355,25 @@ TEST(HostCollectionTest, AFailureInAskingIsTheCollectionsOwn) {
     EXPECT_EQ(L"brvADO", error.Source);
 }
 
-TEST(HostCollectionTest, ArraysAreCollectionsToo) {
-    EXPECT_EQ(L"1|2|", Joined(HostCollection(Variant::ArrayOf({Variant(1), Variant(2)}))));
-    EXPECT_EQ(L"1|2|", Joined(HostCollection(Variant::ArrayOf({Variant(1), Variant(2)}, 7))));
-    EXPECT_EQ(L"", Joined(HostCollection(Variant::ArrayOf({}))));
+TEST(HostCollectionTest, AnArrayIsNoCollection) {
+    for (const Variant& array : {Variant::ArrayOf({Variant(1), Variant(2)}), Variant::ArrayOf({})}) {
+        EXPECT_EQ(13, NumberOf([&array] { HostCollection collection(array); }));
+    }
+}
+
+TEST(HostCollectionTest, AnEntryMayBeAnArray) {
+    const auto joined = [](const Variant& entry) { return Joined(HostCollection::OrArray(entry)); };
+    EXPECT_EQ(L"1|2|", joined(Variant::ArrayOf({Variant(1), Variant(2)})));
+    EXPECT_EQ(L"1|2|", joined(Variant::ArrayOf({Variant(1), Variant(2)}, 7)));
+    EXPECT_EQ(L"", joined(Variant::ArrayOf({})));
+    Enumerated object;
+    EXPECT_EQ(L"a|b|c|", joined(Variant(static_cast<IDispatch*>(&object))));
+    EXPECT_EQ(13, NumberOf([] { HostCollection::OrArray(Variant(L"text")); }));
     SAFEARRAYBOUND bounds[2] = {{1, 0}, {1, 0}};
     Variant table;
     table.parray = SafeArrayCreate(VT_I4, 2, bounds);
     table.vt = VT_ARRAY | VT_I4;
-    EXPECT_EQ(13, NumberOf([&table] { HostCollection collection(table); }));
+    EXPECT_EQ(13, NumberOf([&table] { HostCollection::OrArray(table); }));
 }
 
 TEST(HostCollectionTest, ARealCollectionIsRead) {
@@ -370,7 +381,7 @@ TEST(HostCollectionTest, ARealCollectionIsRead) {
     dictionary.Call(L"Add", L"one", 1);
     dictionary.Call(L"Add", L"two", 2);
     EXPECT_EQ(L"one|two|", Joined(HostCollection(Variant(dictionary))));
-    EXPECT_EQ(L"1|2|", Joined(HostCollection(dictionary.Get(L"Items"))));
+    EXPECT_EQ(L"1|2|", Joined(HostCollection::OrArray(dictionary.Get(L"Items"))));
 }
 
 TEST(CollectionTest, KeepsOrderAndKeys) {

@@ -74,8 +74,33 @@ TEST(RuntimeErrorTest, ControlFacilityHoldsAHostsNumber) {
 TEST(RuntimeErrorTest, ExceptionCodeComesBeforeItsResult) {
     EXCEPINFO both = Raised(1004, E_FAIL);
     EXPECT_EQ(1004, ErrorFromHresult(DISP_E_EXCEPTION, &both).Number);
-    EXCEPINFO scode = Raised(0, DISP_E_TYPEMISMATCH);
+    EXCEPINFO scode = Raised(0, static_cast<SCODE>(0x800A000D));
     EXPECT_EQ(13, ErrorFromHresult(DISP_E_EXCEPTION, &scode).Number);
+}
+
+TEST(RuntimeErrorTest, ANumberThatAnExceptionCarriesStaysAsItIs) {
+    // Two of these lie in the range in which components number errors of their own.
+    for (const HRESULT number : {REGDB_E_CLASSNOTREG, CO_E_OBJNOTCONNECTED, E_OUTOFMEMORY, DISP_E_TYPEMISMATCH}) {
+        EXCEPINFO exception = Raised(0, number);
+        EXPECT_EQ(number, ErrorFromHresult(DISP_E_EXCEPTION, &exception).Number);
+        EXCEPINFO unused = Raised(0, S_OK);
+        EXPECT_NE(number, ErrorFromHresult(number, &unused).Number) << "a bare result";
+    }
+}
+
+TEST(RuntimeErrorTest, AFailureWithoutASourceIsMarkedAsForeign) {
+    EXPECT_TRUE(ErrorFromHresult(static_cast<HRESULT>(0x80040002), nullptr).Foreign);
+    EXCEPINFO nameless = Raised(0, static_cast<SCODE>(0x80040002));
+    EXPECT_TRUE(ErrorFromHresult(DISP_E_EXCEPTION, &nameless).Foreign);
+    EXCEPINFO named = Raised(0, static_cast<SCODE>(0x80040002));
+    named.bstrSource = SysAllocString(L"brvADO");
+    EXPECT_FALSE(ErrorFromHresult(DISP_E_EXCEPTION, &named).Foreign);
+    EXPECT_FALSE(ErrorOf([] { RaiseError(5); }).Foreign);
+    RuntimeError published;
+    published.Number = -2147221502;
+    published.Source = L"brvADO";
+    const HRESULT result = PublishError(published);
+    EXPECT_FALSE(ErrorOf([result] { CheckHresult(result); }).Foreign);
 }
 
 TEST(RuntimeErrorTest, ExceptionThatSaysNothingIsAnErrorAllTheSame) {

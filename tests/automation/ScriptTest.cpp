@@ -146,7 +146,7 @@ TEST(VBScriptTest, MembersAreRead) {
     EXPECT_TRUE(host.Get(L"NullValue").IsNull());
     EXPECT_TRUE(host.Get(L"NoValue").IsEmpty());
     EXPECT_TRUE(host.Get(L"NoObject").IsNothing());
-    EXPECT_EQ(L"a|b|", Joined(HostCollection(host.Get(L"List"))));
+    EXPECT_EQ(L"a|b|", Joined(HostCollection::OrArray(host.Get(L"List"))));
     EXPECT_EQ(1, host.Get(L"Reads").ToLong()) << "a getter runs once a reading";
 }
 
@@ -236,7 +236,7 @@ TEST(VBScriptTest, ADictionaryOfAScriptIsACollection) {
     ScriptHost script(L"VBScript");
     script.Run(L"Dim list: Set list = CreateObject(\"Scripting.Dictionary\"): list.Add \"a\", 1: list.Add \"b\", 2");
     EXPECT_EQ(L"a|b|", Joined(HostCollection(script.Evaluate(L"list"))));
-    EXPECT_EQ(L"1|2|", Joined(HostCollection(script.Evaluate(L"list.Items"))));
+    EXPECT_EQ(L"1|2|", Joined(HostCollection::OrArray(script.Evaluate(L"list.Items"))));
 }
 
 TEST(VBScriptTest, AScriptUsesAnObjectOfOurs) {

@@ -1,9 +1,24 @@
 ' A host in VBScript: its database and dictionary are classes of its own.
 Option Explicit
 
+' A collection: Count and Item, from 0. An array is none.
+Class List
+    Private Items
+    Public Function Of(Values)
+        Items = Values
+        Set Of = Me
+    End Function
+    Public Property Get Count
+        Count = UBound(Items) + 1
+    End Property
+    Public Property Get Item(Position)
+        Item = Items(Position)
+    End Property
+End Class
+
 Class Dictionary
     Public Function Schemas(SchemaName, IncludeSystem)
-        Schemas = Array("SCOTT", "SALES")
+        Set Schemas = (New List).Of(Array("SCOTT", "SALES"))
     End Function
 End Class
 

@@ -105,6 +105,29 @@ TEST_F(DictionaryTest, WhatIsNoCollectionIsReported) {
     EXPECT_EQ(L"", Errors.Places());
 }
 
+TEST_F(DictionaryTest, AnArrayIsNoCollection) {
+    for (const wchar_t* member : {L"Schemas", L"Objects", L"Columns"}) {
+        Answer(member, Variant::ArrayOf({Variant(L"A"), Variant(L"B")}));
+    }
+    clsDictionary dictionary;
+    dictionary.Constructor(Host.MakeDictionary());
+    EXPECT_FALSE(dictionary.Schemas(L""));
+    EXPECT_FALSE(dictionary.Objects(1));
+    EXPECT_FALSE(dictionary.Columns(L"", L""));
+    EXPECT_EQ(L"clsDictionary.Get Schemas 13|clsDictionary.Get Objects 13|clsDictionary.Get Columns 13",
+              Errors.Places());
+}
+
+TEST_F(DictionaryTest, NumbersThatWindowsDefinesArePassedOnAsTheHostRaisedThem) {
+    clsDictionary dictionary;
+    for (const long number : {-2147221164L, -2147220995L}) {
+        Fail(L"Columns", number, L"brvADO");
+        dictionary.Constructor(Host.MakeDictionary());
+        EXPECT_EQ(number, NumberOf([&] { dictionary.Columns(L"", L""); }));
+    }
+    EXPECT_EQ(L"", Errors.Places());
+}
+
 TEST_F(DictionaryTest, NoDictionaryComesFromObjectsUnderTheApplicationsName) {
     clsDictionary dictionary;
     for (const wchar_t* member : {L"Schemas", L"Objects", L"Columns"}) Fail(member, -2147221503, L"brvADO");
@@ -172,8 +195,10 @@ TEST_F(DictionaryTest, LetsTheDictionaryGo) {
     clsDictionary dictionary;
     dictionary.Constructor(Object::Attach(made));
     raw->AddRef();
+    EXPECT_TRUE(dictionary.Connected());
     dictionary.Destructor();
     EXPECT_EQ(0U, raw->Release());
+    EXPECT_FALSE(dictionary.Connected());
 }
 
 TEST(ErrorHandlerTest, ForwardsEveryMember) {

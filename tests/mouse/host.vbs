@@ -1,12 +1,27 @@
 ' A host with two schemas, for the window that the mouse works.
 Option Explicit
 
+' A collection: Count and Item, from 0. An array is none.
+Class List
+    Private Items
+    Public Function Of(Values)
+        Items = Values
+        Set Of = Me
+    End Function
+    Public Property Get Count
+        Count = UBound(Items) + 1
+    End Property
+    Public Property Get Item(Position)
+        Item = Items(Position)
+    End Property
+End Class
+
 Class Dictionary
     Public Function Schemas(SchemaName, IncludeSystem)
-        Schemas = Array("SALES", "SCOTT")
+        Set Schemas = (New List).Of(Array("SALES", "SCOTT"))
     End Function
     Public Function Objects(ObjectType, SchemaName, ObjectName, IncludeSystem)
-        Objects = Array("ORDERS", "LINES")
+        Set Objects = (New List).Of(Array("ORDERS", "LINES"))
     End Function
 End Class
 
