@@ -1,4 +1,3 @@
-#include "automation/App.h"
 #include "browser/modLists.h"
 #include "editor/frmSQLEditor.h"
 #include "errors/modErrorHandler.h"
@@ -11,8 +10,7 @@ constexpr const wchar_t* Module = L"frmSQLEditor";
 
 // The tree is as full as it can be: the one error of these events that the user can do something about.
 void ReportOrTell(frmSQLEditor& Form, const wchar_t* Routine) {
-    const RuntimeError error = CurrentError();
-    if (error.Source == App::Title && error.Number == modLists::NodeLimitError) {
+    if (IsOwnError(CurrentError(), modLists::NodeLimitError)) {
         Form.trvDBObjects.StopExpanding();
         MsgBox(Form.Handle(),
                L"Exceeded the maximum number of items in the database object list. Try collapsing/closing a few "
@@ -26,14 +24,20 @@ void ReportOrTell(frmSQLEditor& Form, const wchar_t* Routine) {
 
 }  // namespace
 
-void frmSQLEditor::trvDBObjects_Expand(const Node& Node) try {
+void frmSQLEditor::trvDBObjects_Expand(const Node& Node, bool Opened) try {
     if (!Node) return;
     const TreeView::InputRefused Refused(trvDBObjects);  // the dictionary may pump messages while it is asked
     const std::wstring Kind = Node.Tag();
     Nodes& Nodes = trvDBObjects.Items();
-    const bool Filled = Kind == modLists::NodeKind::Table || Kind == modLists::NodeKind::View;
-    if (Filled) {
-        Node.Child().SetExpanded(true);
+    if (Kind == modLists::NodeKind::Table || Kind == modLists::NodeKind::View) {
+        const ::Node Columns = Node.Child();
+        if (Opened && Columns.Expanded()) {
+            // A click on the folder has filled them behind the closed table; a branch that is open already raises no
+            // event.
+            trvDBObjects_Expand(Columns);
+        } else {
+            Columns.SetExpanded(true);
+        }
         return;
     }
     const WaitCursor wait;

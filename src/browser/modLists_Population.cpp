@@ -1,6 +1,5 @@
 #include <vector>
 
-#include "automation/App.h"
 #include "automation/Collection.h"
 #include "browser/modLists.h"
 #include "catalogue/modLists.h"
@@ -43,7 +42,8 @@ void TellThatThereIsNoDictionary() {
     MsgBox(MessageOwner(), Text, MB_OK | MB_ICONINFORMATION);
 }
 
-// Runs a step; when the host's component says that columns cannot be read, the user is told and the next step follows.
+// Runs a statement; when the host's component says that columns cannot be read, the user is told and the next statement
+// follows.
 template <class Step>
 void ResumingAfterColumnErrors(Step&& step) {
     try {
@@ -64,14 +64,18 @@ void AddProperty(Nodes& Nodes, const Node& Column, const Node& Properties, const
     const std::vector<Variant> Elements = Property.ToArray();
     const Variant& Name = Element(Elements, 0);
     const Variant& Value = Element(Elements, 1);
-    const std::wstring NameText = Name.ToText();
-    if (NameText == L"COLUMN_NAME") Column.SetText(Value.ToText());
+    std::wstring NameText;
+    ResumingAfterColumnErrors([&] {
+        NameText = Name.ToText();
+        if (NameText == L"COLUMN_NAME") Column.SetText(Value.ToText());
+    });
     const Node Shown = modLists::m_AddNode(Nodes, modLists::m_VntToStr(Name) + L"=" + modLists::m_VntToStr(Value),
                                            modLists::NodeKind::Property, Properties.Index(), TreeRelationship::Child);
-    if (Value.IsNumeric() && NameText == L"DATA_TYPE") {
+    ResumingAfterColumnErrors([&] {
+        if (!Value.IsNumeric() || NameText != L"DATA_TYPE") return;
         Shown.SetText(modLists::m_VntToStr(Name) + L"=" +
                       Adapter.DataTypeDesc(Value.ToLong(), Element(Elements, 2).ToLong()));
-    }
+    });
 }
 
 }  // namespace
@@ -98,7 +102,8 @@ void modLists::PopulateDBObjSchemas(::Nodes& Nodes, const ::Node& Node) try {
 
 void modLists::PopulateDBObjTablesViews(long ObjectType, ::Nodes& Nodes, const ::Node& Node, bool IncludeSys) try {
     const Variant SchemaName = SchemaArgument(Node.Parent().Text());
-    // Before the dictionary is asked: where there is none the node stays empty.
+    // Before the dictionary is asked, unlike the schemas and the columns: where there is no dictionary the node stays
+    // empty.
     m_ClearNode(Nodes, Node);
     const HostCollection Objects = Adapter()->Objects(ObjectType, SchemaName, L"", IncludeSys);
     Objects.ForEach([&](const Variant& Name) {
@@ -108,8 +113,7 @@ void modLists::PopulateDBObjTablesViews(long ObjectType, ::Nodes& Nodes, const :
         return true;
     });
 } catch (...) {
-    const RuntimeError error = CurrentError();
-    if (error.Source == App::Title && error.Number == HostDatabaseError::NoDictionary) {
+    if (IsOwnError(CurrentError(), HostDatabaseError::NoDictionary)) {
         TellThatThereIsNoDictionary();
         return;
     }
@@ -122,7 +126,7 @@ void modLists::PopulateDBObjColumns(::Nodes& Nodes, const ::Node& Node) try {
     const Variant SchemaName = SchemaArgument(Node.Parent().Parent().Parent().Text());
     HostCollection Columns;
     ResumingAfterColumnErrors([&] { Columns = Held->Columns(SchemaName, TableName); });
-    // After the dictionary was asked, unlike the other two: kept.
+    // After the dictionary was asked, and also when it could not say anything.
     m_ClearNode(Nodes, Node);
     if (!Columns) return;
     ResumingAfterColumnErrors([&] {
@@ -131,7 +135,7 @@ void modLists::PopulateDBObjColumns(::Nodes& Nodes, const ::Node& Node) try {
             const ::Node Properties =
                 m_AddNode(Nodes, L"Properties", NodeKind::Properties, Column.Index(), TreeRelationship::Child);
             ResumingAfterColumnErrors([&] {
-                HostCollection(Entry).ForEach([&](const Variant& Property) {
+                HostCollection::OrArray(Entry).ForEach([&](const Variant& Property) {
                     AddProperty(Nodes, Column, Properties, Property, *Held);
                     return true;
                 });

@@ -4,7 +4,9 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
+#include "automation/RuntimeError.h"
 #include "forms/Annotations.h"
 #include "forms/CommandButton.h"
 #include "forms/Container.h"
@@ -117,6 +119,7 @@ private:
     // ---- Lifecycle
     void Form_Initialize();
     void m_FormTitle(const std::wstring& Title);
+    void m_ShowConnection();
     void m_RestorePlacement();
     void mnuFileClose_Click();
     std::wstring m_ReturnedText();  // what Display gives back
@@ -152,6 +155,8 @@ private:
     bool m_MayDiscard(const wchar_t* Question);
     // Says in the status bar how the text's file writes it down.
     void m_ShowFileFormat();
+    // Says in the status bar what was not done, and why, until the text or the caret changes.
+    void m_TellNotDone(const std::wstring& What, const RuntimeError& Why);
 
     // ---- Printing (editor/frmSQLEditor_Print.cpp)
     void mnuFilePrint_Click();
@@ -181,7 +186,8 @@ private:
     void rtbSQL_SelChange();
 
     // ---- Object browser (browser/frmSQLEditor_Browser.cpp)
-    void trvDBObjects_Expand(const Node& Node);
+    // `Opened`: the user opens the branch; false where it is only filled.
+    void trvDBObjects_Expand(const Node& Node, bool Opened = false);
     void trvDBObjects_Collapse(const Node& Node);
     void trvDBObjects_NodeClick(const Node& Node);
     void trvDBObjects_MouseDown(int Button, int Shift, float X, float Y);
@@ -248,10 +254,13 @@ private:
     void rtbSQL_DragOver(Control& Source, float X, float Y, DragState State);
     void rtbSQL_DragDrop(Control& Source, float X, float Y);
     void rtbSQL_OLEDragDrop(const DroppedData& Data);
+    // Inserts the texts of files, one behind the other, and tells which could not be.
+    void m_InsertFiles(const std::vector<std::wstring>& Files);
     // What a drop of this view's selection inserts; empty for kinds of node that drop nothing.
     std::wstring m_DragText(Control& Source);
     bool m_CanDrop(Control& Source);
 
+    long connection_ = 0;                   // the one that the tree and the reference are of: see modGlobal::Connection
     bool displaying_ = false;               // Constructor or a Display is under way
     std::optional<std::wstring> returned_;  // the text as it was when the window was closed
     bool changedSince_ = false;             // and whether it was changed after that

@@ -234,7 +234,7 @@ void frmSQLEditor::CreateControls() {
     CreateImages();
     tlbToolbar.AddButton({L"return", L"Return SQL to Kolvex", L"Close the editor and return the SQL to Kolvex", 0});
 
-    trvDBObjects.Expand = [this](const Node& Node) { trvDBObjects_Expand(Node); };
+    trvDBObjects.Expand = [this](const Node& Node) { trvDBObjects_Expand(Node, true); };
     trvDBObjects.Collapse = [this](const Node& Node) { trvDBObjects_Collapse(Node); };
     trvDBObjects.NodeClick = [this](const Node& Node) { trvDBObjects_NodeClick(Node); };
     trvDBObjects.SelChange = [this](const Node& Node) { trvDBObjects_SelChange(Node); };

@@ -148,6 +148,59 @@ TEST_F(BrowserTest, ColumnsThatCannotBeReadAreToldInTheHostsWords) {
     EXPECT_EQ(L"", Errors.Places());
 }
 
+TEST_F(BrowserTest, APropertyThatCannotBeReadIsToldAndTheNextStatementFollows) {
+    // The value of the first property fails when it is read for the first time.
+    int read = 0;
+    auto* made = new DynamicObject;
+    const Object value = Object::Attach(made);
+    made->DefineDefault([&read](const Arguments&) -> Variant {
+        if (++read == 1) RaiseError(Base + 10, L"brvADO", L"The column has gone.");
+        return Variant(L"ID");
+    });
+    Database.DictionaryMembers[L"Columns"] = [&](const Arguments&) {
+        return Variant(MakeCollection(
+            {Variant(MakeCollection({Property(L"COLUMN_NAME", Variant(value)), Property(L"DATA_TYPE", 3L)})),
+             Column(L"NAME", 3L)}));
+    };
+    BoxAnswerer box;
+    Inside([this] {
+        Open(At({}));
+        Open(At({0}));
+        Open(At({0, 0}));
+        Open(At({0, 0, 0}));
+        EXPECT_EQ(L"|NAME", Children(At({0, 0, 0, 0})));
+        EXPECT_EQ(L"COLUMN_NAME=ID|DATA_TYPE=type 3/7", Children(At({0, 0, 0, 0, 0, 0})));
+    });
+    EXPECT_EQ(1, box.Boxes);
+    EXPECT_EQ(L"SQL Editor", box.Title);
+    EXPECT_EQ(L"The column has gone.", box.Text);
+    EXPECT_EQ(L"", Errors.Places());
+}
+
+TEST_F(BrowserTest, AFailureThatNamesNoSourceIsNotTakenForTheComponentsOwn) {
+    long number = 0;
+    auto* made = new DynamicObject;
+    const Object name = Object::Attach(made);
+    made->DefineDefault([&number](const Arguments&) -> Variant { RaiseError(number, L"", L"somebody else's"); });
+    Database.DictionaryMembers[L"Objects"] = [&](const Arguments&) {
+        return Variant(MakeCollection({Variant(L"A"), Variant(name)}));
+    };
+    // "No dictionary", the node limit, and another number of the range.
+    for (const long one : {Base + 1, Base + 2, Base + 3}) {
+        number = one;
+        BoxAnswerer box;
+        Errors.Reports.clear();
+        Inside([this] {
+            Open(At({}));
+            Open(At({0}));
+            Open(At({0, 0}));
+            EXPECT_EQ(L"A", Children(At({0, 0})));
+        });
+        EXPECT_EQ(0, box.Boxes);
+        EXPECT_EQ(L"modLists.PopulateDBObjTablesViews " + std::to_wstring(one), Errors.Places());
+    }
+}
+
 TEST_F(BrowserTest, AnotherErrorIsReportedAndLeavesWhatWasBuilt) {
     Database.DictionaryMembers[L"Objects"] = [](const Arguments&) {
         return Variant(MakeCollection({Variant(L"A"), Variant::Null(), Variant(L"B")}));

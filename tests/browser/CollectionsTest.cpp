@@ -3,10 +3,13 @@
 
 #include "Browsed.h"
 
-// Hosts hand their collections over in several kinds, and all are read alike, at each level of the tree.
+// Hosts hand their collections over in several kinds, and all are read alike, at each level of the tree. The list of a
+// column's properties may be an array too.
 namespace {
 
 enum class Kind { Enumerated, CountFromOne, CountFromZero, VariantArray, ArrayFromFive };
+
+bool IsArray(Kind kind) { return kind == Kind::VariantArray || kind == Kind::ArrayFromFive; }
 
 Variant Pack(Kind kind, std::vector<Variant> items) {
     switch (kind) {
@@ -43,13 +46,14 @@ class CollectionsTest : public BrowsedFixture, public testing::WithParamInterfac
 
 TEST_P(CollectionsTest, EveryLevelIsReadFromEveryKind) {
     const Kind kind = GetParam();
-    Database.DictionaryMembers[L"Schemas"] = [kind](const Arguments&) {
-        return Pack(kind, {Variant(L"A"), Variant(L"B")});
+    const Kind outer = IsArray(kind) ? Kind::CountFromOne : kind;
+    Database.DictionaryMembers[L"Schemas"] = [outer](const Arguments&) {
+        return Pack(outer, {Variant(L"A"), Variant(L"B")});
     };
-    Database.DictionaryMembers[L"Objects"] = [kind](const Arguments&) {
-        return Pack(kind, {Variant(L"T1"), Variant(L"T2"), Variant(L"T3")});
+    Database.DictionaryMembers[L"Objects"] = [outer](const Arguments&) {
+        return Pack(outer, {Variant(L"T1"), Variant(L"T2"), Variant(L"T3")});
     };
-    Database.DictionaryMembers[L"Columns"] = [kind](const Arguments&) {
+    Database.DictionaryMembers[L"Columns"] = [kind, outer](const Arguments&) {
         std::vector<Variant> columns;
         long lower = -1;
         for (const wchar_t* name : {L"C1", L"C2", L"C3", L"C4"}) {
@@ -57,7 +61,7 @@ TEST_P(CollectionsTest, EveryLevelIsReadFromEveryKind) {
                 Pack(kind, {Property(L"COLUMN_NAME", name, Variant(), lower), Property(L"DATA_TYPE", 12L, 1L, lower)}));
             lower = lower == 1 ? 5 : lower + 1;  // -1, 0, 1, 5
         }
-        return Pack(kind, columns);
+        return Pack(outer, columns);
     };
     Inside([this] {
         Tree.Open(Tree.At({}));
@@ -77,6 +81,7 @@ TEST_P(CollectionsTest, EveryLevelIsReadFromEveryKind) {
 
 TEST_P(CollectionsTest, EmptyOnesGiveEmptyBranches) {
     const Kind kind = GetParam();
+    if (IsArray(kind)) return;  // no collection of objects
     Database.DictionaryMembers[L"Objects"] = [kind](const Arguments&) { return Pack(kind, {}); };
     Inside([this] {
         Tree.Open(Tree.At({}));
@@ -90,6 +95,35 @@ TEST_P(CollectionsTest, EmptyOnesGiveEmptyBranches) {
 INSTANTIATE_TEST_SUITE_P(Kinds, CollectionsTest,
                          testing::Values(Kind::Enumerated, Kind::CountFromOne, Kind::CountFromZero, Kind::VariantArray,
                                          Kind::ArrayFromFive));
+
+TEST_F(BrowsedFixture, AnArrayIsNoCollectionAtAnyLevel) {
+    const auto array = [](const Arguments&) { return Variant::ArrayOf({Variant(L"A"), Variant(L"B")}); };
+    Database.DictionaryMembers[L"Columns"] = array;
+    Inside([this] {
+        Tree.Open(Tree.At({}));
+        Tree.Open(Tree.At({0}));
+        Tree.Open(Tree.At({0, 0}));
+        Tree.Open(Tree.At({0, 0, 0}));
+        EXPECT_EQ(L"", Tree.Children(Tree.At({0, 0, 0, 0})));
+    });
+    EXPECT_EQ(L"clsDictionary.Get Columns 13", Errors.Places());
+    Errors.Reports.clear();
+    Database.DictionaryMembers[L"Objects"] = array;
+    Inside([this] {
+        Tree.Open(Tree.At({}));
+        Tree.Open(Tree.At({0}));
+        Tree.Open(Tree.At({0, 0}));
+        EXPECT_EQ(L"", Tree.Children(Tree.At({0, 0})));
+    });
+    EXPECT_EQ(L"clsDictionary.Get Objects 13|modLists.PopulateDBObjTablesViews 91", Errors.Places());
+    Errors.Reports.clear();
+    Database.DictionaryMembers[L"Schemas"] = array;
+    Inside([this] {
+        Tree.Open(Tree.At({}));
+        EXPECT_EQ(L"Current Schema", Tree.Children(Tree.At({})));
+    });
+    EXPECT_EQ(L"clsDictionary.Get Schemas 13", Errors.Places());
+}
 
 TEST_F(BrowsedFixture, ValuesOfAllTypesAreShown) {
     Database.DictionaryMembers[L"Columns"] = [](const Arguments&) {

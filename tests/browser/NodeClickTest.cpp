@@ -142,9 +142,15 @@ TEST_F(NodeClickTest, AFolderFillsTheColumnsOfItsFirstObject) {
         EXPECT_EQ(L"Dictionary.Columns Dictionary.DataTypeDesc ", Calls());
         EXPECT_EQ(L"ID|NAME", Tree.Children(Tree.At({0, 0, 0, 0})));
         EXPECT_EQ(L"(undefined)", Tree.Children(Tree.At({0, 0, 1, 0})));
-        Tree.Click(Tree.At({0, 0, 0}));
-        Calls();
+        Tree.Click(Tree.At({0, 0}));
+        EXPECT_EQ(L"", Calls());  // they are there
         Tree.Open(Tree.At({0, 0, 0}));
+        EXPECT_EQ(L"Dictionary.Columns Dictionary.DataTypeDesc ", Calls());  // opened, they are read again
+        EXPECT_EQ(L"ID|NAME", Tree.Children(Tree.At({0, 0, 0, 0})));
+        EXPECT_TRUE(Expanded(Tree.At({0, 0, 0, 0})));
+        Tree.Click(Tree.At({0, 0}));
+        EXPECT_EQ(L"", Calls());
+        Tree.Click(Tree.At({0, 0, 0}));
         Calls();
         Tree.Click(Tree.At({0, 0, 0, 0}));  // a folder of columns: its first column has nothing to read
         EXPECT_EQ(L"", Calls());
