@@ -109,6 +109,8 @@ public:
     TextFunction(const TextFunction&) = delete;
     TextFunction& operator=(const TextFunction&) = delete;
 
+    // Whether it is a function of this object.
+    bool IsOf(const Object& object) const noexcept { return object_.Dispatch() == object.Dispatch(); }
     // Puts the answer behind `to`, which is unchanged when the call fails.
     void AppendTo(std::wstring& to, std::wstring_view argument);
 

@@ -1,11 +1,15 @@
-#include <initializer_list>
+#include <algorithm>
+#include <cstdint>
+#include <memory>
+#include <optional>
 #include <string_view>
+#include <utility>
 
-#include "automation/Text.h"
 #include "browser/modLists.h"
 #include "component/modGlobal.h"
 #include "editor/frmSQLEditor.h"
 #include "errors/modErrorHandler.h"
+#include "statements/Dialects.h"
 
 // Statements for a node of the object browser. Each reads the tree as it stands and asks the host for nothing but
 // FormatName.
@@ -16,18 +20,6 @@ constexpr const wchar_t* LineBreak = L"\r\n";
 constexpr const wchar_t* Separator = L";\r\n";  // between two statements
 constexpr size_t SeparatorLength = 3;
 
-// The host's type codes whose statements differ; what products they stand for is the host's affair.
-bool WritesSchema(long Type) { return Type == 4 || Type == 8 || Type == 13 || Type == 26 || Type == 27 || Type == 40; }
-
-std::wstring Concatenated(std::initializer_list<std::wstring_view> Parts) {
-    size_t Length = 0;
-    for (const std::wstring_view Part : Parts) Length += Part.size();
-    std::wstring Text;
-    Text.reserve(Length);
-    for (const std::wstring_view Part : Parts) Text += Part;
-    return Text;
-}
-
 // The name as the host writes it.
 std::wstring FormatName(const std::wstring& Name) {
     std::wstring Written;
@@ -35,33 +27,44 @@ std::wstring FormatName(const std::wstring& Name) {
     return Written;
 }
 
-// What a table's name is written behind: its schema, as it stands, since the host quotes names of tables and columns
-// alone.
-std::wstring QualifierFor(const std::wstring& Schema) {
-    const bool Qualified = WritesSchema(DBType) && !SameName(Schema, OwnerName) && !SameName(Schema, L"current schema");
-    return Qualified && !Schema.empty() ? Schema + L"." : std::wstring();
-}
+// The references to the tables of one schema. While the host is asked for a name it may give the component another
+// connection: the database, its type and the owner are read for each table.
+class TableNames {
+public:
+    explicit TableNames(std::wstring Schema) : schema_(std::move(Schema)) {}
 
-// What stands before and behind a table's name in the statement for its first rows.
-struct Frame {
-    std::wstring_view Before;
-    std::wstring_view Behind;
+    // The schema, by what the connection is before the host is asked, and the name.
+    void AppendTo(std::wstring& To, const std::wstring& Table) {
+        if (prefix_ == std::nullopt || type_ != DBType || owner_ != OwnerName) {
+            prefix_ = Dialects::TablePrefix(DBType, OwnerName, schema_);
+            type_ = DBType;
+            owner_ = OwnerName;
+        }
+        To.append(*prefix_);
+        if (formatted_ == nullptr || !formatted_->IsOf(HostDatabase)) {
+            formatted_ = std::make_unique<TextFunction>(HostDatabase, L"FormatName");
+        }
+        formatted_->AppendTo(To, Table);
+    }
+
+private:
+    const std::wstring schema_;
+    std::optional<std::wstring> prefix_;
+    long type_ = 0;
+    std::wstring owner_;
+    std::unique_ptr<TextFunction> formatted_;
 };
 
-Frame FrameOfSampleRows() {
-    switch (DBType) {
-        case 2:
-        case 28:
-            return {L"SELECT first 100 * FROM ", L""};
-        case 4:
-            return {L"SELECT * FROM ", L" WHERE rownum <= 100"};
-        case 13:
-            return {L"SELECT * FROM ", L"  fetch first 100 rows only"};  // two blanks: kept
-        case 17:
-        case 27:
-            return {L"SELECT * FROM ", L" LIMIT 100"};
-        default:
-            return {L"SELECT top 100 * FROM ", L""};
+// Appends as one of the procedures would that answer with a text: what fails is reported under its name and appends
+// nothing.
+template <class Append>
+void Trapped(const wchar_t* Routine, std::wstring& To, Append&& append) {
+    const size_t Before = To.size();
+    try {
+        append();
+    } catch (...) {
+        To.resize(Before);
+        ReportError(Module, Routine);
     }
 }
 
@@ -73,7 +76,8 @@ bool IsTableOrView(const std::wstring& Kind) {
     return Kind == modLists::NodeKind::Table || Kind == modLists::NodeKind::View;
 }
 
-const std::wstring& SchemaOfTable(const Node& Table) { return Table.Parent().Parent().Text(); }
+// By value: the schema's node may go while the host is asked for a name.
+std::wstring SchemaOfTable(const Node& Table) { return Table.Parent().Parent().Text(); }
 
 // Calls `step` with each object of a folder in their order. A placeholder is none.
 template <class Step>
@@ -97,43 +101,52 @@ void ForEachColumn(const Node& Table, Step&& step) {
     for (Node Column = Table.Child().Child().FirstSibling(); Column; Column = Column.Next()) step(Column);
 }
 
-// One statement for each object of a folder: `Start`, what `append` puts behind it for the object's name, and `Behind`.
+// Makes room for a text that grows, within reason. What is not to be had is done without: the text then grows in steps.
+void WishFor(std::wstring& Text, uint64_t Length) noexcept {
+    constexpr uint64_t Most = 4 * 1024 * 1024;
+    try {
+        Text.reserve(static_cast<size_t>(std::min(Length, Most)));
+    } catch (...) {
+    }
+}
+
+// One statement for each object of a folder: `append` puts it behind the others for the object's name.
 template <class Append>
-std::wstring JoinStatements(const Node& Folder, const std::wstring& Start, std::wstring_view Behind, Append&& append) {
-    // What ends one statement and begins the next goes in at once.
-    const std::wstring Between = Concatenated({Behind, Separator, Start});
+std::wstring JoinStatements(const Node& Folder, Append&& append) {
     const auto Count = static_cast<size_t>(Folder.Children());
     std::wstring Joined;
     ForEachObject(Folder, [&](const Node& Object) {
         const bool First = Joined.empty();
-        Joined.append(First ? Start : Between);
         append(Joined, Object.Text());
-        // The others will hardly be twice as long. What is not used is never touched.
-        if (First) Joined.reserve(Count * (Joined.size() + Joined.size() / 2 + Between.size() - Start.size()));
+        Joined.append(Separator);
+        // Room for as many that are half as long again.
+        if (First) WishFor(Joined, uint64_t{Count} * (Joined.size() + Joined.size() / 2));
     });
-    if (!Joined.empty()) Joined.append(Behind);
+    if (!Joined.empty()) Joined.resize(Joined.size() - SeparatorLength);
     return Joined;
 }
 
-// The statement of one table, what m_BuildTable gives between two texts, for each object of a folder.
-std::wstring JoinTables(const Node& Folder, const Frame& Frame) {
-    const std::wstring Qualifier = QualifierFor(Folder.Parent().Text());
-    TextFunction Formatted(HostDatabase, L"FormatName");
-    return JoinStatements(Folder, Concatenated({Frame.Before, Qualifier}), Frame.Behind,
-                          [&](std::wstring& Joined, const std::wstring& Name) {
-                              try {
-                                  Formatted.AppendTo(Joined, Name);
-                              } catch (...) {
-                                  Joined.resize(Joined.size() - Qualifier.size());
-                                  ReportError(Module, L"m_BuildTable");
-                              }
-                          });
+// `Start` and what m_BuildTable gives, for each object of a folder.
+std::wstring JoinTables(const Node& Folder, std::wstring_view Start) {
+    TableNames Names(Folder.Parent().Text());
+    return JoinStatements(Folder, [&](std::wstring& Joined, const std::wstring& Table) {
+        Joined.append(Start);
+        Trapped(L"m_BuildTable", Joined, [&] { Names.AppendTo(Joined, Table); });
+    });
 }
 
-// The schema that DESCRIBE writes: every one but the default, the connected user's own too. The test minds the case,
-// unlike the one for the other statements: kept.
-std::wstring DescribePrefix(const std::wstring& Schema) {
-    return Schema == L"Current Schema" ? std::wstring() : Schema + L".";
+// What m_BuildStmtSampleRows gives for each object of a folder.
+std::wstring JoinSampleRows(const Node& Folder) {
+    TableNames Names(Folder.Parent().Text());
+    std::wstring Reference;
+    return JoinStatements(Folder, [&](std::wstring& Joined, const std::wstring& Table) {
+        Trapped(L"m_BuildStmtSampleRows", Joined, [&] {
+            Reference.clear();
+            Trapped(L"m_BuildTable", Reference, [&] { Names.AppendTo(Reference, Table); });
+            const Dialects::Frame Frame = Dialects::SampleRows(DBType);
+            Joined.append(Frame.Before).append(Reference).append(Frame.Behind);
+        });
+    });
 }
 
 void AppendDescribe(std::wstring& Joined, const std::wstring& Prefix, const std::wstring& Name) {
@@ -143,15 +156,19 @@ void AppendDescribe(std::wstring& Joined, const std::wstring& Prefix, const std:
 }  // namespace
 
 std::wstring frmSQLEditor::m_BuildTable(const std::wstring& Schema, const std::wstring& Table) try {
-    return QualifierFor(Schema) + FormatName(Table);
+    std::wstring Reference;
+    TableNames(Schema).AppendTo(Reference, Table);
+    return Reference;
 } catch (...) {
     ReportError(Module, L"m_BuildTable");
     return {};
 }
 
 std::wstring frmSQLEditor::m_BuildStmtSampleRows(const std::wstring& Schema, const std::wstring& Table) try {
-    const Frame Frame = FrameOfSampleRows();
-    return Concatenated({Frame.Before, m_BuildTable(Schema, Table), Frame.Behind});
+    const std::wstring Reference = m_BuildTable(Schema, Table);
+    const Dialects::Frame Frame = Dialects::SampleRows(DBType);
+    std::wstring Statement(Frame.Before);
+    return Statement.append(Reference).append(Frame.Behind);
 } catch (...) {
     ReportError(Module, L"m_BuildStmtSampleRows");
     return {};
@@ -161,7 +178,7 @@ std::wstring frmSQLEditor::m_GetStmtCountRows(const Node& Node) try {
     const std::wstring& Kind = Node.Tag();
     if (IsTableOrView(Kind)) return L"SELECT COUNT(*) FROM " + m_BuildTable(SchemaOfTable(Node), Node.Text());
     if (!IsFolder(Kind)) return {};
-    return JoinTables(Node, {L"SELECT COUNT(*) FROM ", L""});
+    return JoinTables(Node, L"SELECT COUNT(*) FROM ");
 } catch (...) {
     ReportError(Module, L"m_GetStmtCountRows");
     return {};
@@ -169,13 +186,14 @@ std::wstring frmSQLEditor::m_GetStmtCountRows(const Node& Node) try {
 
 std::wstring frmSQLEditor::m_GetStmtDescribe(const Node& Node) try {
     const std::wstring& Kind = Node.Tag();
-    if (IsTableOrView(Kind)) return L"DESCRIBE " + DescribePrefix(SchemaOfTable(Node)) + Node.Text();
+    if (IsTableOrView(Kind)) return L"DESCRIBE " + Dialects::DescribePrefix(SchemaOfTable(Node)) + Node.Text();
     if (IsFolder(Kind)) {
-        return JoinStatements(Node, L"DESCRIBE " + DescribePrefix(Node.Parent().Text()), L"",
-                              [](std::wstring& Joined, const std::wstring& Name) { Joined.append(Name); });
+        const std::wstring Prefix = Dialects::DescribePrefix(Node.Parent().Text());
+        return JoinStatements(
+            Node, [&](std::wstring& Joined, const std::wstring& Name) { AppendDescribe(Joined, Prefix, Name); });
     }
     if (Kind != modLists::NodeKind::Schema) return {};
-    const std::wstring Prefix = DescribePrefix(Node.Text());
+    const std::wstring Prefix = Dialects::DescribePrefix(Node.Text());
     std::wstring Joined;
     for (const ::Node& Folder : {Node.Child().FirstSibling(), Node.Child().LastSibling()}) {
         ForEachObject(Folder, [&](const ::Node& Object) {
@@ -194,7 +212,7 @@ std::wstring frmSQLEditor::m_GetStmtSampleRows(const Node& Node) try {
     const std::wstring& Kind = Node.Tag();
     if (IsTableOrView(Kind)) return m_BuildStmtSampleRows(SchemaOfTable(Node), Node.Text());
     if (!IsFolder(Kind)) return {};
-    return JoinTables(Node, FrameOfSampleRows());
+    return JoinSampleRows(Node);
 } catch (...) {
     ReportError(Module, L"m_GetStmtSampleRows");
     return {};
@@ -204,7 +222,7 @@ std::wstring frmSQLEditor::m_GetStmtSelectTable(const Node& Node) try {
     // Before the kind of node is looked at, so that it holds for a folder's first object too: kept.
     if (!Node.Child() || !Node.Child().Child()) return {};
     const std::wstring& Kind = Node.Tag();
-    if (IsFolder(Kind)) return JoinTables(Node, {L"SELECT * FROM ", L""});
+    if (IsFolder(Kind)) return JoinTables(Node, L"SELECT * FROM ");
     if (!IsTableOrView(Kind) || !HasColumns(Node)) return {};
     std::wstring Statement;
     ForEachColumn(Node, [&](const ::Node& Column) {

@@ -262,6 +262,97 @@ TEST_F(BuildersTest, AStatementGoesOnWithoutAReferenceThatFailed) {
               Errors.Places());
 }
 
+// The folder's item has six names: two each for SELECT, COUNT and sample rows.
+TEST_F(BuildersTest, EachStatementOfAFolderIsMadeByTheConnectionOfItsTime) {
+    Type(4);
+    const Object editor = Dll.Create();
+    FakeDatabase other;
+    other.Members[L"DBType"] = [](const Arguments&) { return Variant(17L); };
+    other.Members[L"FormatName"] = [](const Arguments& a) { return Variant(L"other " + a[0].ToText()); };
+    int asked = 0;
+    Database.Members[L"FormatName"] = [&](const Arguments& a) -> Variant {
+        const Variant name = a[0];
+        if (++asked == 5) editor.Call(L"Constructor", other.Make());
+        return name;
+    };
+    editor.Call(L"Constructor", Database.Make());
+    DisplayAndClose(editor, L"", [this] {
+        OpenAll(0);
+        Tree.Select(Tree.At({0, 0}));
+        // The schema is written before the host is asked for the name, what limits the rows after it.
+        EXPECT_EQ(L"SELECT * FROM SALES.ORDERS LIMIT 100;\r\nSELECT * FROM other order lines LIMIT 100",
+                  Written(L"Sample rows from all tables"));
+    });
+    EXPECT_EQ(5, asked);
+    EXPECT_EQ(L"", Errors.Places());
+    editor.Call(L"Constructor", Object());
+}
+
+TEST_F(BuildersTest, ATablesSchemaIsWrittenBeforeTheHostIsAskedForItsName) {
+    Type(4);
+    const Object editor = Dll.Create();
+    int asked = 0;
+    Database.Members[L"FormatName"] = [&](const Arguments& a) -> Variant {
+        const Variant name = a[0];
+        // A view that was not opened: it has no columns, and so a COUNT and sample rows alone.
+        if (++asked == 1) {
+            Database.Members[L"UserName"] = [](const Arguments&) { return Variant(L"SALES"); };
+            editor.Call(L"Constructor", Database.Make());
+        }
+        return name;
+    };
+    editor.Call(L"Constructor", Database.Make());
+    DisplayAndClose(editor, L"", [this] {
+        OpenAll(0);
+        Tree.Select(Tree.At({0, 1, 0}));
+        EXPECT_EQ(L"SELECT COUNT(*) FROM SALES.TOTALS", Written(L"Count rows"));
+        EXPECT_EQ(L"SELECT COUNT(*) FROM TOTALS", Written(L"Count rows"));
+    });
+    EXPECT_EQ(L"", Errors.Places());
+    editor.Call(L"Constructor", Object());
+}
+
+TEST_F(BuildersTest, SampleRowsThatCannotBeReportedByTheirTableAreReportedByTheStatement) {
+    Type(4);
+    int asked = 0;
+    Database.Members[L"FormatName"] = [&asked](const Arguments& a) -> Variant {
+        if (++asked == 5) RaiseError(1234, L"brvADO", L"no");
+        return a[0];
+    };
+    Errors.CreateFailures = 1;
+    Inside([this] {
+        OpenAll(0);
+        Tree.Select(Tree.At({0, 0}));
+        EXPECT_EQ(L";\r\nSELECT * FROM SALES.order lines WHERE rownum <= 100", Written(L"Sample rows from all tables"));
+    });
+    ASSERT_EQ(1U, Errors.Reports.size());
+    EXPECT_EQ(L"frmSQLEditor.m_BuildStmtSampleRows", Errors.Reports[0].Place());
+}
+
+TEST_F(BuildersTest, AWishForMemoryDecidesNothing) {
+    // As many as the first would be more than a text can hold.
+    Database.DictionaryMembers[L"Objects"] = [](const Arguments&) {
+        std::vector<Variant> names;
+        for (int at = 0; at < 1500; ++at) names.push_back(Variant(L"T" + std::to_wstring(at)));
+        return Variant(MakeCollection(std::move(names)));
+    };
+    Database.Members[L"FormatName"] = [](const Arguments& a) -> Variant {
+        return a[0].ToText() == L"T0" ? Variant(std::wstring(300000, L'X')) : a[0];
+    };
+    Type(24);
+    Inside([this] {
+        Tree.Open(Tree.At({}));
+        Tree.Open(Tree.At({0}));
+        Tree.Open(Tree.At({0, 0}));
+        Tree.Select(Tree.At({0, 0}));
+        const std::wstring text = Written(L"Count rows in all tables");
+        EXPECT_EQ(0U, text.find(L"SELECT COUNT(*) FROM XXX"));
+        EXPECT_NE(std::wstring::npos, text.find(L"XXX;\r\nSELECT COUNT(*) FROM T1;"));
+        EXPECT_EQ(L"SELECT COUNT(*) FROM T1499", text.substr(text.rfind(L'\n') + 1));
+    });
+    EXPECT_EQ(L"", Errors.Places());
+}
+
 TEST_F(BuildersTest, TheNameGoesToTheHostByReferenceAndStaysInTheTree) {
     bool byReference = true;
     Database.Members[L"FormatName"] = [&](const Arguments& a) -> Variant {
