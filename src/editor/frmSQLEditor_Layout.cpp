@@ -137,8 +137,8 @@ void frmSQLEditor::m_BringPageToFront(int Index) {
     picLeft[static_cast<size_t>(Index)].PlaceBehind(cmdLeft[static_cast<size_t>(Index)]);
 }
 
-void frmSQLEditor::imgSplitterV_MouseDown(int Button, int, float, float) try {
-    if (Button != MouseButton::Left) return;
+// Any button drags the splitter.
+void frmSQLEditor::imgSplitterV_MouseDown(int, int, float, float) try {
     SetCapture(imgSplitterV.Handle());
     picSplitterV.Move(imgSplitterV.Left(), imgSplitterV.Top(), imgSplitterV.Width(), imgSplitterV.Height() - 20);
     picSplitterV.SetVisible(true);
@@ -178,7 +178,7 @@ void frmSQLEditor::imgSplitterV_CaptureLost() try {
 }
 
 void frmSQLEditor::picHide_Click() try {
-    savedSplit_ = static_cast<long>(imgSplitterV.Left());
+    savedSplit_ = WholeTwips(imgSplitterV.Left());
     imgSplitterV.SetLeft(CollapsedSplit);
     picSplitterV.SetLeft(CollapsedSplit);
     m_SizeControls();

@@ -85,14 +85,25 @@ LRESULT PictureBox::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
         case WM_CLOSE:
             // From a control that takes itself for a dialog's, or from another program: it would destroy the pane.
             return 0;
-        case WM_LBUTTONUP:
-            // The button-like boxes (collapse, restore) answer to a press and release inside.
+        case WM_LBUTTONDOWN:
+            // The button-like boxes (collapse, restore) answer to a press and a release, both inside.
             if (Click) {
+                clicking_ = true;
+                SetCapture(Handle());
+            }
+            break;
+        case WM_LBUTTONUP:
+            if (clicking_) {
                 RECT client;
                 GetClientRect(Handle(), &client);
                 const POINT point{static_cast<short>(LOWORD(lParam)), static_cast<short>(HIWORD(lParam))};
+                clicking_ = false;
+                ReleaseCapture();
                 if (PtInRect(&client, point)) Click();
             }
+            break;
+        case WM_CAPTURECHANGED:
+            if (reinterpret_cast<HWND>(lParam) != Handle()) clicking_ = false;
             break;
         default:
             break;

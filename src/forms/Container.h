@@ -22,6 +22,7 @@ protected:
 private:
     int backColor_ = COLOR_BTNFACE;
     HCURSOR cursor_ = nullptr;
+    bool clicking_ = false;  // the left button went down here and is held
 };
 
 // Window classes are registered once a module, and given back when the module goes.

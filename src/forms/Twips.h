@@ -7,5 +7,7 @@ inline constexpr float TwipsPerInch = 1440.0F;
 
 // The nearest whole pixel, halves to even. A length beyond what a window coordinate holds, or no number, is error 6.
 int TwipsToPixels(float twips, UINT dpi);
-// Exact: a whole number of pixels is always a single-precision number of twips.
+// Rounded to a single-precision number; TwipsToPixels gives the same pixels back.
 float PixelsToTwips(int pixels, UINT dpi) noexcept;
+// The nearest whole number of twips, halves to even. A length that no long integer holds, or no number, is error 6.
+long WholeTwips(float twips);

@@ -294,6 +294,69 @@ TEST_F(LayoutTest, CollapseAndRestoreGiveTheSplitterBack) {
     });
 }
 
+TEST_F(LayoutTest, CollapseAndRestoreChangeNoPixel) {
+    // At 168 dots per inch the split position is no whole number of twips.
+    Inside([] {
+        Resize(12000, 9000);
+        for (int at = 0; at < 8; ++at) {
+            Drag(Twips(10 + at));
+            const Place tab = Of(Tab(0));
+            const Place editor = Of(EditorWindow::Editor());
+            EditorWindow::Choose(L"View", L"Object Browser");
+            EditorWindow::Choose(L"View", L"Object Browser");
+            EXPECT_FLOAT_EQ(tab.Width, Of(Tab(0)).Width);
+            EXPECT_NEAR(editor.Left, Of(EditorWindow::Editor()).Left, Twips(1) / 2);
+        }
+    });
+}
+
+TEST_F(LayoutTest, AnyButtonDragsTheSplitter) {
+    Inside([] {
+        Resize(12000, 9000);
+        struct Button {
+            UINT Down, Up;
+            WPARAM Held;
+        };
+        for (const Button button :
+             {Button{WM_RBUTTONDOWN, WM_RBUTTONUP, MK_RBUTTON}, Button{WM_MBUTTONDOWN, WM_MBUTTONUP, MK_MBUTTON}}) {
+            const float width = Of(Tab(0)).Width;
+            SendMessageW(Grip(), button.Down, button.Held, 0);
+            EXPECT_TRUE(IsWindowVisible(Bar()));
+            SendMessageW(Grip(), WM_MOUSEMOVE, button.Held, MAKELPARAM(40, 5));
+            SendMessageW(Grip(), button.Up, 0, MAKELPARAM(40, 5));
+            EXPECT_FALSE(IsWindowVisible(Bar()));
+            EXPECT_NEAR(width + Twips(40), Of(Tab(0)).Width, Pixel);
+        }
+    });
+}
+
+TEST_F(LayoutTest, AClickBeginsAndEndsOnItsButton) {
+    Inside([] {
+        const HWND hide = Control(1004);
+        const LPARAM inside = MAKELPARAM(3, 3);
+        const LPARAM outside = MAKELPARAM(3, 500);
+        // Pressed elsewhere.
+        SendMessageW(hide, WM_LBUTTONUP, 0, inside);
+        EXPECT_TRUE(IsWindowVisible(Tab(0)));
+        // Released elsewhere: the button has the mouse until then.
+        SendMessageW(hide, WM_LBUTTONDOWN, MK_LBUTTON, inside);
+        EXPECT_EQ(hide, GetCapture());
+        SendMessageW(hide, WM_LBUTTONUP, 0, outside);
+        EXPECT_EQ(nullptr, GetCapture());
+        EXPECT_TRUE(IsWindowVisible(Tab(0)));
+        SendMessageW(hide, WM_LBUTTONUP, 0, inside);
+        EXPECT_TRUE(IsWindowVisible(Tab(0))) << "that press is over";
+        // The mouse was taken away in between.
+        SendMessageW(hide, WM_LBUTTONDOWN, MK_LBUTTON, inside);
+        ReleaseCapture();
+        SendMessageW(hide, WM_LBUTTONUP, 0, inside);
+        EXPECT_TRUE(IsWindowVisible(Tab(0)));
+        SendMessageW(hide, WM_LBUTTONDOWN, MK_LBUTTON, inside);
+        SendMessageW(hide, WM_LBUTTONUP, 0, inside);
+        EXPECT_FALSE(IsWindowVisible(Tab(0)));
+    });
+}
+
 TEST_F(LayoutTest, HidingTheStatusBarGivesItsHeightToThePanes) {
     Inside([] {
         const HWND status = EditorWindow::Child(STATUSCLASSNAMEW);

@@ -23,6 +23,15 @@ TEST(Twips, PixelsComeBackExactly) {
     EXPECT_FLOAT_EQ(10, PixelsToTwips(1, 144));
 }
 
+TEST(Twips, WholeOnesAreTheNearestHalvesToEven) {
+    EXPECT_EQ(2409, WholeTwips(2408.57F));
+    EXPECT_EQ(2408, WholeTwips(2408.43F));
+    EXPECT_EQ(2408, WholeTwips(2407.5F));
+    EXPECT_EQ(2406, WholeTwips(2406.5F));
+    EXPECT_EQ(-21, WholeTwips(-20.7F));
+    EXPECT_EQ(ErrorNumber::Overflow, NumberOf([] { WholeTwips(3e9F); }));
+}
+
 TEST(Twips, WhatNoWindowHoldsIsAnOverflow) {
     EXPECT_EQ(ErrorNumber::Overflow, NumberOf([] { TwipsToPixels(1e30F, 96); }));
     EXPECT_EQ(ErrorNumber::Overflow, NumberOf([] { TwipsToPixels(-1e30F, 96); }));
