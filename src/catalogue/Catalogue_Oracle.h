@@ -9,8 +9,8 @@ namespace Catalogue_Oracle {
 
 inline constexpr CatalogueEntry SQLCommands[] = {
     {.Text = L"COMMENT",
-     .Description = L"Stores a comment about a table, view or column in the data dictionary; an empty comment ('') "
-                    L"removes it."},
+     .Description = L"Stores a comment in the data dictionary: COMMENT ON TABLE name IS 'text' for a table or view, "
+                    L"COMMENT ON COLUMN table.column IS 'text' for a column. An empty text ('') removes it."},
 };
 
 inline constexpr CatalogueEntry SingleRowNumberFunctions[] = {
@@ -59,8 +59,8 @@ inline constexpr CatalogueEntry SingleRowCharacterFunctions[] = {
      .Description = L"String s, with all letters in lowercase by the linguistic rules of nls_sort, given as 'NLS_SORT "
                     L"= sort'; it defaults to the sort sequence of the session."},
     {.Text = L"NLS_UPPER(s [, nls_sort])",
-     .Description = L"String s, with all letters in uppercase by the rules of nls_sort or of the session. It can grow "
-                    L"longer: with 'NLS_SORT = XGerman', a sharp s becomes SS."},
+     .Description = L"String s, with all letters in uppercase by the rules of nls_sort or of the session. The result "
+                    L"can be longer: with 'NLS_SORT = XGerman', a sharp s becomes SS."},
     {.Text = L"REPLACE(s,find[,replace])",
      .Description = L"String s, with every occurrence of string find replaced by the string replace.."},
     {.Text = L"RPAD(s1,n[,s2])",
@@ -84,11 +84,11 @@ inline constexpr CatalogueEntry SingleRowCharacterFunctions[] = {
     {.Text = L"ASCII(s)",
      .Description = L"Code of the first character of s in the database character set, as a decimal number."},
     {.Text = L"INSTR(s1,s2[,n[,m]])",
-     .Description = L"Position of the mth occurrence of s2 in s1, searched from character n on, or 0; n and m default "
-                    L"to 1, a negative n counts from the end and searches backward."},
+     .Description = L"Position of the mth occurrence of s2 in s1, searched from character n on; 0 if there is none. n "
+                    L"and m default to 1; a negative n searches backward from the end."},
     {.Text = L"INSTRB(s1,s2[,n[,m]])",
-     .Description = L"Position of s2 in s1, like INSTR, but with the start n and the result in bytes instead of "
-                    L"characters."},
+     .Description = L"Position of the mth occurrence of s2 in s1, like INSTR, but with the start n and the result in "
+                    L"bytes instead of characters."},
     {.Text = L"LENGTH(s)",
      .Description = L"Number of characters in string s, including the trailing blanks of a CHAR value; null if s is "
                     L"null."},
@@ -109,8 +109,8 @@ inline constexpr CatalogueEntry GroupFunctions[] = {
     {.Text = L"MAX( [DISTINCT | ALL] expr )",
      .Description = L"Greatest value of expr in the group, not counting nulls; DISTINCT and ALL give the same result."},
     {.Text = L"MIN( [DISTINCT | ALL] expr )",
-     .Description = L"Least value of expr in the group; numbers, strings and dates can be compared, nulls are passed "
-                    L"over."},
+     .Description = L"Least value of expr in the group, not counting nulls; numbers, strings and dates can be "
+                    L"compared."},
     {.Text = L"STDDEV( [DISTINCT | ALL] n )",
      .Description = L"Sample standard deviation of n, the square root of its VARIANCE; 0 for a single value."},
     {.Text = L"SUM( [DISTINCT | ALL] n )",
@@ -122,8 +122,8 @@ inline constexpr CatalogueEntry GroupFunctions[] = {
 
 inline constexpr CatalogueEntry DateFunctions[] = {
     {.Text = L"ADD_MONTHS(d,n)",
-     .Description = L"Date d plus n months. The result is the last day of a month if d is one, or if the day of d does "
-                    L"not exist in that month."},
+     .Description = L"Date d plus n months; the last day of the resulting month if d is the last day of its month or "
+                    L"the resulting month is too short."},
     {.Text = L"LAST_DAY(d)", .Description = L"Date of last day of month containing d."},
     {.Text = L"MONTHS_BETWEEN(d,e)", .Description = L"Number of months by which e prcedes d."},
     {.Text = L"NEW_TIME(d,zone1,zone2)",
@@ -154,11 +154,11 @@ inline constexpr CatalogueEntry ConversionFunctions[] = {
     {.Text = L"RAWTOHEX(raw)", .Description = L"String that gives each byte of raw as two hexadecimal digits."},
     {.Text = L"ROWIDTOCHAR(rowid)", .Description = L"Row address rowid, converted to a string of 18 characters."},
     {.Text = L"TO_CHAR(expr [,fmt [, nls_num_fmt]] )",
-     .Description = L"Number or date expr, converted to a string in the format fmt, by default the session's date "
-                    L"format or all significant digits of the number."},
+     .Description = L"Number or date expr, converted to a string in the format fmt. nls_num_fmt is a text such as "
+                    L"'NLS_NUMERIC_CHARACTERS = '',.''' for numbers or 'NLS_DATE_LANGUAGE = German' for dates."},
     {.Text = L"TO_DATE( s [,fmt [, nls_lang]] )",
      .Description = L"String s, which is a date in the format fmt, converted to a DATE value; fmt defaults to the "
-                    L"session's date format, nls_lang is the language of month and day names."},
+                    L"session's date format, nls_lang is a text such as 'NLS_DATE_LANGUAGE = German'."},
     {.Text = L"TO_MULTI_BYTE(s)",
      .Description = L"String s, with its single-byte characters converted to the corresponding multibyte characters of "
                     L"the database character set, as far as there are any."},
@@ -166,32 +166,33 @@ inline constexpr CatalogueEntry ConversionFunctions[] = {
      .Description = L"String s, which is a character value containing a number in the format specified by the optoinal "
                     L"fmt, converted to a NUMBER value.."},
     {.Text = L"TO_SINGLE_BYTE(s)",
-     .Description = L"String s, with every multibyte character that has a single-byte equivalent in the database "
-                    L"character set converted to it."},
+     .Description = L"String s, with its multibyte characters converted to the corresponding single-byte characters of "
+                    L"the database character set, as far as there are any."},
 };
 
 inline constexpr CatalogueEntry OtherFunctions[] = {
     {.Text = L"DECODE(expr,s1,r1, [s2,r2,]...[default])",
      .Description = L"If expr equals any string s, returns the following string r; if not, returns default."},
     {.Text = L"DUMP(expr [,fmt [,start [,len]]] )",
-     .Description = L"Data type code, length in bytes and internal bytes of expr; fmt is the notation of the bytes, 10 "
-                    L"for decimal by default, 8 for octal, 16 for hexadecimal, 17 for characters."},
+     .Description = L"Data type code, length in bytes and internal bytes of expr, from byte start on, len of them, by "
+                    L"default all; fmt 10 shows them in decimal (the default), 16 in hexadecimal notation."},
     {.Text = L"GREATEST( expr [,expr] ...)",
-     .Description = L"Greatest of the listed values; null if any of them is null."},
+     .Description = L"Greatest of the listed values, all of which are converted to the type of the first one and "
+                    L"compared without blank-padding; null if any of them is null."},
     {.Text = L"LEAST( expr [,expr] ... )",
-     .Description = L"Least of the listed values; strings are compared without blank-padding, and a single null makes "
-                    L"the result null."},
+     .Description = L"Least of the listed values. The type of the first one decides how they are compared, and a "
+                    L"single null makes the result null."},
     {.Text = L"NVL(expr1,expr2)", .Description = L"expr2 if expr1 is null, otherwise expr1."},
     {.Text = L"UID",
      .Description = L"Integer that identifies the user of the session, the USER_ID of that user in the view "
                     L"ALL_USERS."},
-    {.Text = L"USER", .Description = L"Name of the database user as whom the session logged on."},
+    {.Text = L"USER", .Description = L"Name of the user who logged on to the session."},
     {.Text = L"USERENV(option)",
      .Description = L"Information about the current session; option says which, for example 'SESSIONID', 'TERMINAL' or "
                     L"'LANGUAGE'. SYS_CONTEXT supersedes it from Oracle 8i on."},
     {.Text = L"VSIZE(expr)",
-     .Description = L"Number of bytes that the value of expr takes up in the internal format of the database; null for "
-                    L"a null."},
+     .Description = L"Number of bytes that the value of expr takes up in the internal format of the database; null if "
+                    L"expr is null."},
 };
 
 // They take a prefix, except ROWNUM.
@@ -221,10 +222,10 @@ inline constexpr CatalogueEntry DataTypes[] = {
      .Description = L"Date and time of day, to the second, from January 1, 4712 BC to December 31, 9999 AD."},
     {.Text = L"LONG",
      .Description = L"Variable-length character string of up to 2 gigabytes less one byte, kept for compatibility: "
-                    L"CLOB is preferred. A table can have only one such column."},
+                    L"CLOB is preferred. A table can have only one LONG or LONG RAW column."},
     {.Text = L"LONG RAW",
-     .Description = L"Variable-length raw binary data of up to 2 gigabytes, kept for compatibility: BLOB is "
-                    L"preferred."},
+     .Description = L"Variable-length raw binary data of up to 2 gigabytes, kept for compatibility: BLOB is preferred. "
+                    L"It counts as the one LONG column that a table can have."},
     {.Text = L"MLSLABEL",
      .Description = L"Binary form of an operating system security label, as Trusted Oracle stores it. Standard Oracle "
                     L"7 accepts the type, but such a column holds only nulls."},
@@ -232,37 +233,37 @@ inline constexpr CatalogueEntry DataTypes[] = {
      .Description = L"Number of up to p significant decimal digits (1 to 38), rounded to s places after the decimal "
                     L"point (-84 to 127)."},
     {.Text = L"RAW(size)",
-     .Description = L"Variable-length raw binary data of at most size bytes, never converted between character sets; "
-                    L"size must be given."},
+     .Description = L"Variable-length raw binary data of at most size bytes, up to 2000 (255 in Oracle 7), never "
+                    L"converted between character sets; size must be given."},
     {.Text = L"RAW MLSLABEL",
-     .Description = L"Raw binary form of a Trusted Oracle security label, the type of columns such as CLEARANCE_HI in "
-                    L"the view USER_JOBS of Oracle 7 and 8."},
+     .Description = L"Raw binary form of a Trusted Oracle security label. Outside Trusted Oracle a column of this type "
+                    L"holds only nulls."},
     {.Text = L"ROWID",
      .Description = L"Address of a row in its table, as the pseudo column of the same name returns it; shown as a "
                     L"string of 18 characters."},
     {.Text = L"VARCHAR2(size)",
      .Description = L"Variable-length character string of at most size bytes, or characters where the length is "
-                    L"declared so; there is no default for size."},
+                    L"declared so, up to 4000 bytes (2000 in Oracle 7); there is no default for size."},
 };
 
 inline constexpr CatalogueEntry FormatModels[] = {
     {.Text = L"CC", .Description = L"Century; Use SCC for BC dates."},
-    {.Text = L"YYYY", .Description = L"4-digit year; Use SYYYY for a minus sign before BC dates."},
+    {.Text = L"YYYY", .Description = L"4-digit year; use SYYYY for a minus sign before BC dates."},
     {.Text = L"IYYY",
      .Description = L"4-digit year by the ISO 8601 standard, the year to which the week IW belongs; around January 1 "
                     L"it can differ from YYYY."},
-    {.Text = L"YEAR", .Description = L"Year, spelled out; Use SYEAR to mark BC dates with a minus sign."},
+    {.Text = L"YEAR", .Description = L"Year, spelled out; use SYEAR to mark BC dates with a minus sign."},
     {.Text = L"RR",
      .Description = L"2-digit year; when a string is converted to a date, the century is inferred from the two digits "
                     L"and the current year."},
     {.Text = L"Q", .Description = L"Quarter of the year, 1 to 4; January to March is 1."},
     {.Text = L"MM", .Description = L"Month as two digits, 01 (January) to 12."},
-    {.Text = L"RM", .Description = L"Month as a Roman numeral, I (January) to XII."},
+    {.Text = L"RM", .Description = L"Month as a Roman numeral, I (January) to XII, padded with blanks to 4 places."},
     {.Text = L"MONTH",
      .Description = L"Name of the month in the date language of the session, padded with blanks to the length of the "
-                    L"longest name; Use Month for an initial capital only."},
+                    L"longest name; use Month for an initial capital only."},
     {.Text = L"MON",
-     .Description = L"Abbreviated name of the month in the date language of the session, such as JAN in English; Use "
+     .Description = L"Abbreviated name of the month in the date language of the session, such as JAN in English; use "
                     L"Mon for Jan."},
     {.Text = L"WW", .Description = L"Week of the year, 01 to 53; week 1 is January 1 to January 7."},
     {.Text = L"W", .Description = L"Week of the month, 1 to 5; week 1 is the first seven days of the month."},
@@ -274,11 +275,11 @@ inline constexpr CatalogueEntry FormatModels[] = {
     {.Text = L"D",
      .Description = L"Day of the week, 1 to 7; the territory of the session (NLS_TERRITORY) decides which day is 1."},
     {.Text = L"DAY",
-     .Description = L"Name of the weekday, padded with blanks to the length of the longest name; Use FMDAY to leave "
+     .Description = L"Name of the weekday, padded with blanks to the length of the longest name; use FMDAY to leave "
                     L"the blanks out."},
     {.Text = L"DY",
-     .Description = L"Abbreviated name of the weekday in the date language of the session, such as MON in English; Use "
-                    L"Dy for Mon."},
+     .Description = L"Abbreviated name of the weekday in the date language of the session, such as TUE in English; use "
+                    L"Dy for Tue."},
     {.Text = L"J", .Description = L"Julian day number; January 1, 4712 BC is day 1."},
     {.Text = L"HH", .Description = L"Hour of the 12-hour clock, 01 to 12; the same as HH12."},
     {.Text = L"HH24", .Description = L"Hour of the 24-hour clock, 00 to 23."},

@@ -9,13 +9,15 @@ namespace Catalogue_SQLServer {
 
 inline constexpr CatalogueEntry SingleRowNumberFunctions[] = {
     {.Text = L"ABS(n)", .Description = L"Returns the absolute, positive value of the given numeric expression n."},
-    {.Text = L"ACOS(n)", .Description = L"Returns the angle, in radians from 0 to pi, whose cosine is n (-1 to 1)."},
+    {.Text = L"ACOS(n)",
+     .Description = L"Returns the angle, in radians from 0 to pi, whose cosine is n (-1 to 1), as a float."},
     {.Text = L"ASIN(n)",
-     .Description = L"Returns the angle, in radians from -pi/2 to pi/2, whose sine is n (-1 to 1)."},
-    {.Text = L"ATAN(n)", .Description = L"Returns the angle, in radians between -pi/2 and pi/2, whose tangent is n."},
+     .Description = L"Returns the angle, in radians from -pi/2 to pi/2, whose sine is n (-1 to 1), as a float."},
+    {.Text = L"ATAN(n)",
+     .Description = L"Returns the angle, in radians between -pi/2 and pi/2, whose tangent is n, as a float."},
     {.Text = L"ATN2(n1,n2)",
      .Description = L"Returns the angle, in radians from -pi to pi, between the positive x-axis and the line from the "
-                    L"origin to the point with y = n1 and x = n2."},
+                    L"origin to the point with y = n1 and x = n2, as a float."},
     {.Text = L"CEILING(n)",
      .Description = L"Returns n rounded up to a whole number: the smallest one greater than or equal to n."},
     {.Text = L"COS(n)", .Description = L"Returns the cosine of an angle of n radians as a float."},
@@ -30,8 +32,10 @@ inline constexpr CatalogueEntry SingleRowNumberFunctions[] = {
     {.Text = L"ISNUMERIC(expr)",
      .Description = L"Returns 1 if expr can be converted to at least one of the numeric data types, otherwise 0. "
                     L"Strings such as '+' and '$' give 1, too."},
-    {.Text = L"LOG(n)", .Description = L"Returns the natural logarithm (base e) of n as a float."},
-    {.Text = L"LOG10(n)", .Description = L"Returns the base-10 logarithm of n as a float."},
+    {.Text = L"LOG(n)",
+     .Description = L"Returns the natural logarithm (base e) of n as a float; n must be greater than 0."},
+    {.Text = L"LOG10(n)",
+     .Description = L"Returns the base-10 logarithm of n, which must be greater than 0, as a float."},
     {.Text = L"PI()", .Description = L"Returns the constant pi, 3.14159265358979, as a float."},
     {.Text = L"POWER(n1,n2)",
      .Description = L"Returns n1 raised to the power n2. The type of n1 decides that of the result: an integer n1 "
@@ -41,7 +45,7 @@ inline constexpr CatalogueEntry SingleRowNumberFunctions[] = {
                     L"an integer result."},
     {.Text = L"RAND( [seed] )",
      .Description = L"Returns a pseudo-random float between 0 and 1, both excluded; the same seed always gives the "
-                    L"same value."},
+                    L"same value. Without a seed, all rows of one query get the same value."},
     {.Text = L"ROUND(n, length [, function] )",
      .Description = L"Returns n rounded to length decimal places, or left of the decimal point if length is negative; "
                     L"a function other than 0 truncates n instead."},
@@ -71,8 +75,8 @@ inline constexpr CatalogueEntry SingleRowCharacterFunctions[] = {
      .Description = L"Returns the Unicode character that has the code n, 0 through 65535, or through 1114111 if the "
                     L"database's collation supports supplementary characters."},
     {.Text = L"PATINDEX( '%s%' , expr)",
-     .Description = L"Returns the position at which a pattern, with the wildcards of LIKE, first occurs in expr; 0 if "
-                    L"it is not found."},
+     .Description = L"Returns the position at which the pattern s, with the wildcards of LIKE, first occurs in expr; 0 "
+                    L"if it is not found. With % on both sides it is found anywhere."},
     {.Text = L"REPLACE(s, find, replace)",
      .Description = L"Returns string s with each occurrence of find changed to replace; what counts as an occurrence "
                     L"depends on the collation."},
@@ -88,8 +92,8 @@ inline constexpr CatalogueEntry SingleRowCharacterFunctions[] = {
                     L"digits. DIFFERENCE compares two such codes."},
     {.Text = L"SPACE(n)", .Description = L"Returns a string of n blanks; NULL if n is negative."},
     {.Text = L"STR(n [, length [, decimal ]] )",
-     .Description = L"Returns n as a right-justified string of length characters (default 10), rounded to decimal "
-                    L"places (default 0); asterisks if it does not fit."},
+     .Description = L"Returns n as a right-justified string of length characters (default 10), with decimal digits "
+                    L"after the point (default 0); asterisks if it does not fit."},
     {.Text = L"STUFF(s1, start, length, s2)",
      .Description = L"Returns string s1 with length characters deleted from position start on and s2 inserted in their "
                     L"place."},
@@ -106,38 +110,38 @@ inline constexpr CatalogueEntry GroupFunctions[] = {
      .Description = L"Returns the sum of all the values, or only the DISTINCT values, in the expression. SUM can be "
                     L"used with numeric columns only. Null values are ignored."},
     {.Text = L"MIN( [DISTINCT | ALL] expr )",
-     .Description = L"Returns the lowest value of the expression, ignoring null values; DISTINCT has no effect on it."},
+     .Description = L"Returns the lowest value of expr, leaving out NULL; DISTINCT has no effect on it."},
     {.Text = L"MAX( [DISTINCT | ALL] expr )",
-     .Description = L"Returns the highest value of the expression, ignoring null values; NULL if there are no rows."},
+     .Description = L"Returns the highest value of expr, leaving out NULL; the result is NULL if there are no rows."},
     {.Text = L"COUNT(  { [DISTINCT | ALL] expr } | * )",
-     .Description = L"Returns the number of rows with *, otherwise the number of values of the expression that are not "
-                    L"null, or of different ones with DISTINCT. The result is an int."},
+     .Description = L"Returns the number of rows as COUNT(*), else the number of values of expr that are not NULL, "
+                    L"with DISTINCT of different ones; the result is an int."},
     {.Text = L"COUNT_BIG(  { [DISTINCT | ALL] expr } | * )",
      .Description = L"Returns the same number as COUNT, but as a bigint, so that it can exceed 2147483647."},
     {.Text = L"AVG( [DISTINCT | ALL] n)",
-     .Description = L"Returns the average of all the values, or only the DISTINCT values, of n, without nulls. The "
+     .Description = L"Returns the average of all the values, or only the DISTINCT values, of n, without NULL. The "
                     L"average of integers is cut to an integer."},
     {.Text = L"STDEV(expr)",
      .Description = L"Returns the sample standard deviation of the values of expr as a float; NULL for a single "
                     L"value."},
     {.Text = L"STDEVP(expr)",
-     .Description = L"Returns the standard deviation of the values of expr, taken as the whole population; 0 for a "
-                    L"single value."},
+     .Description = L"Returns the standard deviation of the values of expr, taken as the whole population, as a float; "
+                    L"0 for a single value."},
     {.Text = L"VAR(expr)",
-     .Description = L"Returns the sample variance of the values of expr, with their number less 1 as the divisor; NULL "
-                    L"if there is only one."},
+     .Description = L"Returns the sample variance of the values of expr as a float, with their number less 1 as the "
+                    L"divisor; NULL if there is only one."},
     {.Text = L"VARP(expr)",
-     .Description = L"Returns the variance of the values of expr, taken as the whole population, with their number as "
-                    L"the divisor."},
+     .Description = L"Returns the variance of the values of expr, taken as the whole population, as a float, with "
+                    L"their number as the divisor."},
     {.Text = L"BINARY_CHECKSUM( * | expression [, ...] )",
-     .Description = L"Returns an int computed from the binary values of a row or a list of expressions; it usually "
-                    L"differs once one of them has changed."},
+     .Description = L"Returns an int computed from the binary values of a row or a list of expressions, so that 'a' "
+                    L"and 'A' differ; it usually changes when one of them does."},
     {.Text = L"CHECKSUM( * | expression [, ...] )",
-     .Description = L"Returns an int hash value of a row or a list of expressions, meant for building hash indexes; "
-                    L"different values can share one."},
+     .Description = L"Returns an int hash value of a row or a list of expressions for hash indexes. It follows the "
+                    L"collation: 'a' and 'A' give the same where case is ignored. Other values can share one."},
     {.Text = L"CHECKSUM_AGG( [DISTINCT | ALL] expr )",
      .Description = L"Returns an int checksum of the integer values in a group, which does not depend on the order of "
-                    L"the rows. Nulls are left out."},
+                    L"the rows. NULL is left out."},
     {.Text = L"GROUPING( column_name )",
      .Description = L"Returns 1 in a summary row in which ROLLUP, CUBE or GROUPING SETS has set column_name to NULL, "
                     L"and 0 in any other row.",
@@ -149,8 +153,8 @@ inline constexpr CatalogueEntry DateFunctions[] = {
      .Description = L"Returns a new datetime value based on adding an interval to the specified date.",
      .DragDrop = L"DATEADD( { yyyy | qq | mm | dy | dd | ww | hh | mi | ss | ms }, n, d )"},
     {.Text = L"DATEDIFF( datepart, d1, d2 )",
-     .Description = L"Returns the number of datepart boundaries crossed from date d1 to date d2, as an int; negative "
-                    L"if d2 is earlier.",
+     .Description = L"Returns the number of datepart boundaries from date d1 to date d2, as an int, negative if d2 is "
+                    L"earlier. Between December 31 and January 1 lies 1 by yyyy, mm and dd alike.",
      .DragDrop = L"DATEDIFF( { yyyy | qq | mm | dy | dd | ww | hh | mi | ss | ms }, d1, d2 )"},
     {.Text = L"DATENAME( datepart, d )",
      .Description = L"Returns the specified part of date d as a character string; a month or weekday is given by its "
@@ -178,22 +182,22 @@ inline constexpr CatalogueEntry ConversionFunctions[] = {
      .Description = L"Returns expr converted to the given data type, in the notation of the SQL standard; for a choice "
                     L"of formats use CONVERT."},
     {.Text = L"CONVERT( datatype [(len)], expr [, style] )",
-     .Description = L"Returns expr converted to the given data type; style selects the format where dates and numbers "
-                    L"are converted to or from strings."},
+     .Description = L"Returns expr converted to the given data type, of length len (default 30); style selects the "
+                    L"format of dates, money and float values as strings, for example 120 for yyyy-mm-dd hh:mi:ss."},
 };
 
 inline constexpr CatalogueEntry OtherFunctions[] = {
     {.Text = L"APP_NAME()",
      .Description = L"Returns the name that the client application gave itself when it opened the session."},
     {.Text = L"CASE",
-     .Description = L"Returns the expr3 of the first WHEN whose expr2 equals expr1; if there is none, returns expr4, "
-                    L"or NULL without an ELSE.",
+     .Description = L"Returns the expr3 of the first WHEN whose expr2 equals expr1, otherwise expr4, or NULL without "
+                    L"an ELSE. CASE WHEN condition THEN takes the first condition that is true.",
      .DragDrop = L"CASE expr1 WHEN expr2 THEN expr3 [...] [ ELSE expr4 ] END"},
     {.Text = L"COALESCE(expr [,...])",
      .Description = L"Returns the first of its expressions that is not NULL, or NULL if all of them are."},
     {.Text = L"DATALENGTH(expr)",
-     .Description = L"Returns the number of bytes that the value of expr takes up, trailing blanks included; NULL for "
-                    L"NULL."},
+     .Description = L"Returns the number of bytes that the value of expr takes up, trailing blanks included; NULL if "
+                    L"expr is NULL."},
     {.Text = L"@@ERROR", .Description = L"Returns the error number for the last Transact-SQL statement executed."},
     {.Text = L"HOST_ID()",
      .Description = L"Returns the workstation identification number: the process ID of the client application, as a "
@@ -210,8 +214,8 @@ inline constexpr CatalogueEntry OtherFunctions[] = {
      .Description = L"Returns NULL if the two expressions are equal, otherwise the value of expr1."},
     // DragDrop ends with a blank.
     {.Text = L"PARSENAME(s,n)",
-     .Description = L"Returns part n of the qualified object name s, or NULL if s lacks that part; whether the object "
-                    L"exists is not checked.",
+     .Description = L"Returns part n of the qualified object name s: 1 object, 2 owner (schema), 3 database, 4 server; "
+                    L"NULL if s lacks it. Whether the object exists is not checked.",
      .DragDrop = L"PARSENAME( 'objectname' , {1(object) | 2(owner) | 3(database) | 4(server)} ) "},
     // Listed once more near the end of this section: both stay.
     {.Text = L"USER_NAME(n)", .Description = L"Returns a user database username from a given identification number n."},
@@ -239,11 +243,11 @@ inline constexpr CatalogueEntry OtherFunctions[] = {
      .Description = L"Returns one string with the version, processor architecture, build date and edition of SQL "
                     L"Server, and the operating system that it runs on."},
     {.Text = L"SUSER_ID( [s] )",
-     .Description = L"Returns the identification number of login s, by default of the current login. SQL Server 2000 "
-                    L"always returns NULL; use SUSER_SID there."},
+     .Description = L"Returns the identification number of login s, by default of the current login. In SQL Server "
+                    L"2000 it is always NULL; use SUSER_SID there."},
     {.Text = L"SUSER_NAME( [n] )",
      .Description = L"Returns the name of the login that has the identification number n, by default of the current "
-                    L"login."},
+                    L"login. In SQL Server 2000 this is NULL; use SUSER_SNAME there."},
     {.Text = L"SUSER_SID( [s] )",
      .Description = L"Returns the security identification number (SID) of login s, by default of the current login, as "
                     L"a binary value."},
@@ -290,8 +294,8 @@ inline constexpr CatalogueEntry DataTypes[] = {
      .Description = L"Monetary amounts from -922337203685477.5808 to 922337203685477.5807, with four decimal places "
                     L"and in 8 bytes."},
     {.Text = L"NCHAR",
-     .Description = L"Fixed-length Unicode character data of up to 4000 characters of two bytes each, filled up with "
-                    L"blanks."},
+     .Description = L"Fixed-length Unicode character data of up to 4000 byte pairs, filled up with blanks; a "
+                    L"supplementary character takes two of them."},
     {.Text = L"NTEXT",
      .Description = L"Variable-length Unicode character data of up to 2^30-1 (1073741823) characters; superseded by "
                     L"NVARCHAR(MAX) in SQL Server 2005."},
@@ -299,8 +303,8 @@ inline constexpr CatalogueEntry DataTypes[] = {
      .Description = L"The same as DECIMAL: numeric data with a fixed precision of 1 to 38 digits (default 18) and a "
                     L"fixed scale (default 0)."},
     {.Text = L"NVARCHAR",
-     .Description = L"Variable-length Unicode character data of up to 4000 characters of two bytes each; "
-                    L"NVARCHAR(MAX), from SQL Server 2005 on, holds up to 2 gigabytes."},
+     .Description = L"Variable-length Unicode character data of up to 4000 byte pairs, two for a supplementary "
+                    L"character; NVARCHAR(MAX), from SQL Server 2005 on, holds up to 2^31-1 bytes."},
     {.Text = L"REAL",
      .Description = L"Approximate (floating point) numbers of up to 3.40E+38, positive or negative, in 4 bytes and "
                     L"with 7 significant digits; the same as FLOAT(24)."},
@@ -312,15 +316,15 @@ inline constexpr CatalogueEntry DataTypes[] = {
     {.Text = L"SMALLMONEY",
      .Description = L"Monetary amounts from -214748.3648 to 214748.3647, with four decimal places and in 4 bytes."},
     {.Text = L"SQL_VARIANT",
-     .Description = L"A type whose values can each have another base type, such as INT or VARCHAR; TEXT, NTEXT, IMAGE "
-                    L"and TIMESTAMP are among those excluded."},
+     .Description = L"A type whose values can each have their own base type, such as INT or VARCHAR; TEXT, NTEXT, "
+                    L"IMAGE and TIMESTAMP are among those excluded."},
     {.Text = L"TABLE", .Description = L"A special data type used to store a result set for later processing."},
     {.Text = L"TEXT",
-     .Description = L"Variable-length non-Unicode data of up to 2^31-1 (2147483647) bytes; superseded by VARCHAR(MAX) "
-                    L"in SQL Server 2005."},
+     .Description = L"Variable-length non-Unicode character data of up to 2^31-1 (2147483647) bytes; superseded by "
+                    L"VARCHAR(MAX) in SQL Server 2005."},
     {.Text = L"TIMESTAMP",
-     .Description = L"An 8-byte binary number, unique in the database, that is set anew whenever its row is inserted "
-                    L"or updated; it holds no date or time."},
+     .Description = L"An 8-byte binary number, unique in the database, that changes whenever its row is inserted or "
+                    L"updated; it holds no date or time. ROWVERSION is another name for it."},
     {.Text = L"TINYINT", .Description = L"Integer (whole number) data from 0 through 255, in one byte."},
     {.Text = L"UNIQUEIDENTIFIER",
      .Description = L"A globally unique identifier (GUID) in 16 bytes, such as NEWID() creates."},
@@ -338,7 +342,7 @@ inline constexpr CatalogueEntry PseudoColumns[] = {
     {.Text = L"CURRENT_USER",
      .Description = L"Returns the name of the current user in the current database, as USER_NAME() does."},
     {.Text = L"SESSION_USER",
-     .Description = L"Returns the name of the user in whose context the session runs in the current database; can "
+     .Description = L"Returns the name of the user in whose context the session runs in the current database; it can "
                     L"serve as the DEFAULT of a column."},
     {.Text = L"SYSTEM_USER",
      .Description = L"Returns the name of the current login, in the form DOMAIN\\name with Windows Authentication; the "
