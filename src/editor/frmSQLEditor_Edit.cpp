@@ -12,11 +12,13 @@ constexpr const wchar_t* Module = L"frmSQLEditor";
 void frmSQLEditor::rtbSQL_Change() try {
     rtbSQL.DataChanged = true;
     changedSince_ = true;
+    sbStatusBar.ClearNote();
 } catch (...) {
     ReportError(Module, L"rtbSQL_Change");
 }
 
 void frmSQLEditor::rtbSQL_SelChange() try {
+    sbStatusBar.ClearNote();
     long Line = 0;
     long Column = 0;
     rtbSQL.CaretPosition(Line, Column);

@@ -1,3 +1,5 @@
+#include <optional>
+
 #include "editor/frmSQLEditor.h"
 #include "errors/modErrorHandler.h"
 #include "forms/MsgBox.h"
@@ -6,14 +8,14 @@ namespace {
 
 constexpr const wchar_t* Module = L"frmSQLEditor";
 
-// A step whose errors are ignored. What would look done must not follow one that was not: false when it failed.
+// A step whose errors nobody is told of by a report. What would look done must not follow one that was not.
 template <class Step>
-bool Succeeds(Step&& step) noexcept {
+std::optional<RuntimeError> FailureOf(Step&& step) {
     try {
         step();
-        return true;
+        return std::nullopt;
     } catch (...) {
-        return false;
+        return CurrentError();
     }
 }
 
@@ -35,7 +37,12 @@ bool frmSQLEditor::m_MayDiscard(const wchar_t* Question) {
     return !rtbSQL.DataChanged || MsgBox(Handle(), Question, MB_YESNOCANCEL | MB_ICONINFORMATION) == IDYES;
 }
 
+void frmSQLEditor::m_TellNotDone(const std::wstring& What, const RuntimeError& Why) {
+    if (Why.Number != ErrorNumber::DialogCancelled) sbStatusBar.ShowNote(What + L": " + Why.Description);
+}
+
 void frmSQLEditor::m_ShowFileFormat() try {
+    sbStatusBar.ClearNote();
     const bool Rich = RichTextBox::KindOf(rtbSQL.FileName) == RichTextBox::FileKind::RichText;
     sbStatusBar.SetPanelText(3, Rich ? L"Rich text" : Described(rtbSQL.FileFormat));
 } catch (...) {
@@ -60,10 +67,14 @@ void frmSQLEditor::mnuFileOpen_Click() try {
             L"continue?")) {
         return;
     }
-    // From here on errors are ignored, a cancelled dialog among them.
-    if (!Succeeds([this] { dlgCommonDialog.ShowOpen(Handle()); })) return;
-    if (!Succeeds([this] { rtbSQL.LoadFile(dlgCommonDialog.FileName, RichTextBox::KindOf(dlgCommonDialog.FileName)); }))
-        return;
+    // From here on errors are ignored, a cancelled dialog among them: the status bar alone tells of them.
+    if (const auto Failure = FailureOf([this] { dlgCommonDialog.ShowOpen(Handle()); })) {
+        return m_TellNotDone(L"No file was opened", *Failure);
+    }
+    const std::wstring& File = dlgCommonDialog.FileName;
+    if (const auto Failure = FailureOf([&] { rtbSQL.LoadFile(File, RichTextBox::KindOf(File)); })) {
+        return m_TellNotDone(dlgCommonDialog.FileTitle() + L" was not opened", *Failure);
+    }
     m_FormTitle(dlgCommonDialog.FileTitle());
     rtbSQL.DataChanged = false;
     m_ShowFileFormat();
@@ -73,6 +84,14 @@ void frmSQLEditor::mnuFileOpen_Click() try {
 
 void frmSQLEditor::mnuFileSave_Click() try {
     if (rtbSQL.FileName.empty()) return mnuFileSaveAs_Click();
+    if (rtbSQL.FileChangedOutside() &&
+        MsgBox(Handle(),
+               rtbSQL.FileName +
+                   L"\r\nhas been changed by another program since it was opened or saved here. Do you want to "
+                   L"overwrite it?",
+               MB_YESNO | MB_DEFBUTTON2 | MB_ICONEXCLAMATION) != IDYES) {
+        return;
+    }
     rtbSQL.SaveFile(rtbSQL.FileName, RichTextBox::KindOf(rtbSQL.FileName));
     rtbSQL.DataChanged = false;
     m_ShowFileFormat();
@@ -82,10 +101,14 @@ void frmSQLEditor::mnuFileSave_Click() try {
 
 void frmSQLEditor::mnuFileSaveAs_Click() try {
     dlgCommonDialog.FileName = rtbSQL.FileName;
-    // From here on errors are ignored, a cancelled dialog among them.
-    if (!Succeeds([this] { dlgCommonDialog.ShowSave(Handle()); })) return;
-    if (!Succeeds([this] { rtbSQL.SaveFile(dlgCommonDialog.FileName, RichTextBox::KindOf(dlgCommonDialog.FileName)); }))
-        return;
+    // From here on errors are ignored, as in File Open.
+    if (const auto Failure = FailureOf([this] { dlgCommonDialog.ShowSave(Handle()); })) {
+        return m_TellNotDone(L"The SQL was not saved", *Failure);
+    }
+    const std::wstring& File = dlgCommonDialog.FileName;
+    if (const auto Failure = FailureOf([&] { rtbSQL.SaveFile(File, RichTextBox::KindOf(File)); })) {
+        return m_TellNotDone(dlgCommonDialog.FileTitle() + L" was not saved", *Failure);
+    }
     m_FormTitle(dlgCommonDialog.FileTitle());
     rtbSQL.DataChanged = false;
     m_ShowFileFormat();

@@ -182,9 +182,13 @@ bool ReadPlainText(const std::wstring& plain, std::wstring& text) {
                    text);
 }
 
-bool IsRichText(std::string_view bytes) noexcept {
+bool BeginsAsRichText(std::string_view bytes) noexcept {
     constexpr std::string_view begin = "{\\rtf";
-    if (bytes.substr(0, begin.size()) != begin) return false;
+    return bytes.substr(0, begin.size()) == begin;
+}
+
+bool IsRichText(std::string_view bytes) noexcept {
+    if (!BeginsAsRichText(bytes)) return false;
     int depth = 0;
     for (size_t at = 0; at < bytes.size(); ++at) {
         if (bytes[at] == '{') {

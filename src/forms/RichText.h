@@ -16,6 +16,9 @@ bool ForControl(std::string_view rtf, std::string& cleaned);
 // What rich text says, lines ended by CR LF; empty when it cannot be read.
 std::wstring PlainTextOf(std::string_view rtf);
 
+// Whether the bytes begin as rich text does, whole or not.
+bool BeginsAsRichText(std::string_view bytes) noexcept;
+
 // Whether rich text is whole: begun, every group ended, and nothing behind the last one. The control takes the first
 // half of a file without a word, and nothing at all of what is no rich text.
 bool IsRichText(std::string_view bytes) noexcept;

@@ -99,6 +99,9 @@ public:
     void LoadFile(const std::wstring& path, FileKind kind);
     // Writes the text to a file: as rich text, or in FileFormat, which changes when it cannot hold a character.
     void SaveFile(const std::wstring& path, FileKind kind);
+    // Whether the file of FileName holds something else than what was last loaded from it or saved to it here. False
+    // when there is no such file any more, or it cannot be read.
+    bool FileChangedOutside() const;
 
     // Prints the whole text as one document (forms/RichTextBox_Print.cpp), lines wrapped at the margins. False: the
     // user has stopped it, and nothing is printed. Error 482: the printer refused.
@@ -144,7 +147,8 @@ private:
     float points_ = 10;
     float scale_ = 1;
     bool filling_ = false;
-    bool rich_ = false;  // the text came with formats of its own
+    bool rich_ = false;     // the text came with formats of its own
+    uint64_t fileSum_ = 0;  // of the bytes of FileName's file, as they were last loaded or saved
     DropTarget target_;
     std::optional<LPARAM> takenKey_;  // the key that was taken last, until its character has come or it is up
     std::optional<std::pair<long, long>> droppedBefore_;  // what was selected before a drag of another program came

@@ -41,6 +41,13 @@ bool IsUnusual(wchar_t unit) noexcept {
 
 bool HasUnusual(const std::wstring& text) noexcept { return std::any_of(text.begin(), text.end(), IsUnusual); }
 
+// A check sum of a file's bytes (FNV-1a): who changes a file does not do it to deceive.
+uint64_t SumOf(std::string_view bytes) noexcept {
+    uint64_t sum = 14695981039346656037U;
+    for (const char byte : bytes) sum = (sum ^ static_cast<unsigned char>(byte)) * 1099511628211U;
+    return sum;
+}
+
 // Without the line end that a reader of rich text may add behind the last paragraph.
 std::wstring WithoutLastLineEnd(std::wstring text) {
     if (text.size() >= 2 && text.compare(text.size() - 2, 2, L"\r\n") == 0) text.resize(text.size() - 2);
@@ -55,11 +62,12 @@ RichTextBox::FileKind RichTextBox::KindOf(const std::wstring& fileName) {
 }
 
 void RichTextBox::LoadFile(const std::wstring& path, FileKind kind) {
+    const std::string bytes = TextFile::ReadBytes(path, FileLimit);
     if (kind == FileKind::RichText) {
-        SetRichText(TextFile::ReadBytes(path, FileLimit));
+        SetRichText(bytes);
         FileFormat = {};
     } else {
-        const TextFile::Contents contents = TextFile::Read(path, FileLimit);
+        const TextFile::Contents contents = TextFile::Decode(bytes);
         // A file that the control would change on the way in and out is better left alone: saving would damage it.
         // But for line ends, of which the editor has one kind: where no other control characters stand, a vertical tab
         // is one.
@@ -81,22 +89,34 @@ void RichTextBox::LoadFile(const std::wstring& path, FileKind kind) {
         FileFormat = contents.Form;
     }
     FileName = path;
+    fileSum_ = SumOf(bytes);
 }
 
 void RichTextBox::SaveFile(const std::wstring& path, FileKind kind) {
     TextFile::Format format = FileFormat;
+    std::string bytes;
     if (kind == FileKind::RichText) {
-        const std::string bytes = RichText();
+        bytes = RichText();
         const std::wstring text = Text();
         // Rich text has no way to write some characters down.
         if (HasUnusual(text) && WithoutLastLineEnd(PlainTextOf(bytes)) != WithoutLastLineEnd(text))
             RaiseError(InvalidFileFormat);
-        TextFile::Write(path, bytes);
     } else {
-        TextFile::Write(path, TextFile::Encode(Text(), format));
+        bytes = TextFile::Encode(Text(), format);
     }
+    TextFile::Write(path, bytes);
     FileFormat = format;
     FileName = path;
+    fileSum_ = SumOf(bytes);
+}
+
+bool RichTextBox::FileChangedOutside() const {
+    if (FileName.empty()) return false;
+    try {
+        return SumOf(TextFile::ReadBytes(FileName, FileLimit)) != fileSum_;
+    } catch (const RuntimeError& error) {
+        return error.Number == ErrorNumber::OutOfMemory;  // larger than anything that was loaded
+    }
 }
 
 void RichTextBox::SetRichText(std::string_view rtf) {

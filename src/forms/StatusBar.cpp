@@ -29,6 +29,7 @@ void StatusBar::SetPanelText(int panel, const std::wstring& text) {
     auto& kept = texts_[static_cast<size_t>(panel - 1)];
     if (kept == text) return;
     kept = text;
+    ClearNote();
     Send(SB_SETTEXTW, static_cast<WPARAM>(panel - 1), reinterpret_cast<LPARAM>(text.c_str()));
     int& needed = needed_[static_cast<size_t>(panel - 1)];
     const int before = needed;
@@ -40,6 +41,20 @@ void StatusBar::SetPanelText(int panel, const std::wstring& text) {
 std::wstring StatusBar::PanelText(int panel) const {
     if (panel < 1 || panel > static_cast<int>(texts_.size())) RaiseError(ErrorNumber::IndexOutOfBounds);
     return texts_[static_cast<size_t>(panel - 1)];
+}
+
+void StatusBar::ShowNote(const std::wstring& note) {
+    note_ = note;
+    Send(SB_SETTEXTW, SB_SIMPLEID, reinterpret_cast<LPARAM>(note_.c_str()));
+    Send(SB_SIMPLE, TRUE);
+    PlacePanels();
+}
+
+void StatusBar::ClearNote() {
+    if (note_.empty()) return;
+    note_.clear();
+    Send(SB_SIMPLE, FALSE);
+    PlacePanels();
 }
 
 void StatusBar::SetFont(HFONT font) {
@@ -54,15 +69,16 @@ void StatusBar::SetFont(HFONT font) {
 
 // A panel behind the first keeps the width of the widest text that it had: others move once, not with each digit that
 // comes and goes.
-void StatusBar::Measure(size_t panel) {
-    const std::wstring& text = texts_[panel];
+void StatusBar::Measure(size_t panel) { needed_[panel] = std::max(needed_[panel], WidthOf(texts_[panel])); }
+
+int StatusBar::WidthOf(const std::wstring& text) const {
     SIZE size{};
     const HDC context = GetDC(Handle());
     const HGDIOBJ previous = font_ != nullptr ? SelectObject(context, font_) : nullptr;
     GetTextExtentPoint32W(context, text.c_str(), static_cast<int>(text.size()), &size);
     if (previous != nullptr) SelectObject(context, previous);
     ReleaseDC(Handle(), context);
-    needed_[panel] = std::max(needed_[panel], static_cast<int>(size.cx) + TwipsToPixels(PanelMargin, Dpi()));
+    return static_cast<int>(size.cx) + TwipsToPixels(PanelMargin, Dpi());
 }
 
 void StatusBar::PlacePanels() {
@@ -79,7 +95,11 @@ void StatusBar::PlacePanels() {
     // In a narrow window the other panels have what their texts take, and the connection has at least half of the bar.
     if (left() < std::max(width / 2, needed_[0])) others.assign(needed_.begin() + 1, needed_.end());
     int edge = std::max(left(), width / 2);
-    tip_.SetText(Handle(), needed_[0] > edge ? texts_[0] : std::wstring());
+    if (note_.empty()) {
+        tip_.SetText(Handle(), needed_[0] > edge ? texts_[0] : std::wstring());
+    } else {
+        tip_.SetText(Handle(), WidthOf(note_) > width ? note_ : std::wstring());
+    }
     std::vector<int> edges{edge};
     for (const int other : others) edges.push_back(edge += other);
     if (edges.size() > 1) edges.back() = -1;

@@ -20,6 +20,7 @@ protected:
             Open();
             EXPECT_EQ(2U, dialogs.All.size());
         }
+        ExpectTold(path, L" was not opened: ");
         EXPECT_EQ(text, EditorWindow::Text());
         EXPECT_EQ(caption, EditorWindow::Caption());
         EXPECT_TRUE(Modified());
@@ -47,10 +48,20 @@ protected:
             if (exists) dialogs.Button(IDYES);
             SaveAs();
         }
+        ExpectTold(path, L" was not saved: ");
         EXPECT_EQ(L"", Errors.Places());
         EXPECT_TRUE(Modified());
         EXPECT_EQ(caption, EditorWindow::Caption());
         EXPECT_EQ(text, EditorWindow::Text());
+    }
+
+private:
+    // The status bar says what was not done, and why.
+    static void ExpectTold(const std::wstring& path, const wchar_t* what) {
+        const std::wstring told = path.substr(path.find_last_of(L'\\') + 1) + what;
+        const std::wstring note = EditorWindow::Status();
+        EXPECT_EQ(0U, note.find(told)) << testing::PrintToString(note);
+        EXPECT_LT(told.size(), note.size());
     }
 };
 

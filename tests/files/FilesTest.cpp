@@ -153,6 +153,95 @@ TEST_F(FilesTest, SaveAsBeginsWithTheFilesNameAndMovesToTheOther) {
     EXPECT_EQ("one!?", BytesOf(Here / L"two.sql"));
 }
 
+TEST_F(FilesTest, WhatTheStatusBarTellsGoesWithTheNextStep) {
+    PutBytes(Here / L"good.sql", "good");
+    PutBytes(Here / L"bad.rtf", "no rich text");
+    Inside(L"x", [this] {
+        const std::wstring connection = EditorWindow::Status();
+        const auto fail = [&] {
+            Dialogs dialogs;
+            dialogs.File(Here / L"bad.rtf");
+            Open();
+            EXPECT_EQ(L"bad.rtf was not opened: Invalid file format", EditorWindow::Status());
+        };
+        const std::wstring format = FormatPanel();
+        {
+            Dialogs dialogs;
+            dialogs.Cancel().Cancel();
+            Open();
+            SaveAs();
+        }
+        EXPECT_EQ(connection, EditorWindow::Status()) << "who cancels knows";
+        fail();
+        SendMessageW(EditorWindow::Editor(), EM_SETSEL, 1, 1);  // the caret moves
+        EXPECT_EQ(connection, EditorWindow::Status());
+        EXPECT_EQ(format, FormatPanel());
+        fail();
+        Load(Here / L"good.sql");
+        EXPECT_EQ(connection, EditorWindow::Status());
+        fail();
+        New();
+        EXPECT_EQ(connection, EditorWindow::Status());
+        SendMessageW(EditorWindow::Editor(), EM_SETSEL, 0, 0);
+        fail();
+        SendMessageW(EditorWindow::Editor(), WM_CHAR, L'a', 0);
+        EXPECT_EQ(connection, EditorWindow::Status());
+    });
+    EXPECT_EQ(L"", Errors.Places());
+}
+
+TEST_F(FilesTest, AFileThatAnotherProgramHasChangedIsNotOverwrittenUnasked) {
+    for (const wchar_t* name : {L"a.sql", L"a.rtf"}) {
+        const bool rich = name[2] == L'r';
+        const std::string first = rich ? "{\\rtf1\\ansi one}" : "one";
+        const std::string theirs = rich ? "{\\rtf1\\ansi two}" : "two";
+        PutBytes(Here / name, first);
+        Inside(L"", [&] {
+            Load(Here / name);
+            Type(L"!");
+            PutBytes(Here / name, theirs);  // as long as the one before
+            {
+                Dialogs dialogs;
+                dialogs.Button(IDNO);
+                Save();
+                ASSERT_EQ(1U, dialogs.All.size());
+                EXPECT_EQ((Here / name) +
+                              L"\r\nhas been changed by another program since it was opened or saved here. Do you want "
+                              L"to overwrite it?",
+                          dialogs.All[0].Text);
+                EXPECT_EQ((std::vector<int>{IDYES, IDNO}), dialogs.All[0].Buttons);
+                EXPECT_EQ(EditorWindow::Find(), dialogs.All[0].Owner);
+                EXPECT_EQ(theirs, BytesOf(Here / name));
+            }
+            EXPECT_TRUE(Modified());
+            {
+                Dialogs dialogs;
+                dialogs.Button(IDYES);
+                Save();
+            }
+            EXPECT_NE(theirs, BytesOf(Here / name));
+            EXPECT_FALSE(Modified());
+            Type(L"?");
+            const Dialogs none;
+            Save();  // what was saved here is no other program's
+            PutBytes(Here / name, BytesOf(Here / name));
+            Save();  // touched, and the same
+        });
+    }
+    EXPECT_EQ(L"", Errors.Places());
+}
+
+TEST_F(FilesTest, MixedLineEndsBecomeThoseOfWindows) {
+    PutBytes(Here / L"a.sql", "a\nb\r\nc\rd");
+    Inside(L"", [this] {
+        Load(Here / L"a.sql");
+        EXPECT_EQ(L"UTF-8", FormatPanel());
+        Save();
+        EXPECT_EQ("a\r\nb\r\nc\r\nd", BytesOf(Here / L"a.sql"));
+    });
+    EXPECT_EQ(L"", Errors.Places());
+}
+
 TEST_F(FilesTest, EveryEncodingComesBackByteByByte) {
     const std::pair<const wchar_t*, std::string> files[] = {
         {L"UTF-8", ""},
