@@ -155,7 +155,9 @@ public:
         return Guarded(effect, [&] {
             accepted_ = owner_->Accepts && owner_->Accepts(DroppedData(data));
             const DWORD done = Follow(at, *effect);
-            if (done != DROPEFFECT_NONE && owner_->Drop) owner_->Drop(DroppedData(data));
+            // What is not accepted, a picture, is shown to the event all the same; what may only be moved is left
+            // alone.
+            if ((done != DROPEFFECT_NONE || !accepted_) && owner_->Drop) owner_->Drop(DroppedData(data));
             return done;
         });
     }

@@ -5,6 +5,7 @@
 #include "editor/frmSQLEditor.h"
 #include "errors/modErrorHandler.h"
 #include "forms/MsgBox.h"
+#include "forms/PlainText.h"
 #include "forms/RichText.h"
 #include "forms/TextFile.h"
 #include "forms/Twips.h"
@@ -60,12 +61,19 @@ bool MayInsert(HWND Owner, const std::wstring& File) {
                                        MB_OKCANCEL | MB_ICONQUESTION) == IDOK;
 }
 
-// By the rule of File Open: the ending decides whether it is rich text.
+// By the rule of File Open: the ending decides whether it is rich text, unless it does not even begin as such. Rich
+// text that is damaged is error 321.
 std::wstring TextOfFile(const std::wstring& File) {
     const std::string Bytes = TextFile::ReadBytes(File, RichTextBox::FileLimit);
-    if (Bytes.empty()) return {};
-    return RichTextBox::KindOf(File) == RichTextBox::FileKind::RichText ? PlainTextOf(Bytes)
-                                                                        : TextFile::Decode(Bytes).Text;
+    if (RichTextBox::KindOf(File) != RichTextBox::FileKind::RichText || !BeginsAsRichText(Bytes)) {
+        return TextFile::Decode(Bytes).Text;
+    }
+    constexpr long InvalidFileFormat = 321;
+    std::wstring Text;
+    if (!IsRichText(Bytes) || !ReadRichText(Bytes, Text)) {
+        RaiseError(InvalidFileFormat, App::Title, L"The rich text in this file is damaged.");
+    }
+    return Text;
 }
 
 }  // namespace
@@ -120,26 +128,43 @@ void frmSQLEditor::rtbSQL_DragDrop(Control& Source, float, float) try {
     ReportError(Module, L"rtbSQL_DragDrop");
 }
 
-// Without a trap of its own: what fails goes back to the program that drops. Rich text and text are asked for first, so
-// that a program that offers files or pictures beside them gives its text; pictures insert nothing.
+// No trap here: what fails goes back to the program that drops. The first format that it offers, in this order,
+// decides, so that a program that offers files or pictures beside its text gives the text.
 void frmSQLEditor::rtbSQL_OLEDragDrop(const DroppedData& Data) {
     using Format = DroppedData::Format;
-    for (const Format Kind : {Format::RichText, Format::Text}) {
-        if (Data.GetFormat(Kind)) {
+    for (const Format Kind : {Format::RichText, Format::Text, Format::Files, Format::Bitmap, Format::Metafile,
+                              Format::EnhancedMetafile, Format::DeviceIndependentBitmap, Format::Palette}) {
+        if (!Data.GetFormat(Kind)) continue;
+        if (Kind == Format::RichText || Kind == Format::Text) {
             m_InsertSQL(Data.Text(Kind));
-            return;
+        } else if (Kind == Format::Files) {
+            m_InsertFiles(Data.Files());
         }
+        return;  // a picture inserts nothing
     }
-    if (!Data.GetFormat(Format::Files)) return;
+}
+
+// All at once, so that one step of undo takes them back; what stands selected is the last one.
+void frmSQLEditor::m_InsertFiles(const std::vector<std::wstring>& Files) {
+    std::wstring All;
+    std::wstring Last;
     std::wstring Refused;
-    for (const std::wstring& File : Data.Files()) {
+    for (const std::wstring& File : Files) {
         try {
             if (!MayInsert(Handle(), File)) continue;
             const std::wstring Text = TextOfFile(File);
-            if (!Text.empty()) m_InsertSQL(Text + LineBreak);
+            if (Text.empty()) continue;
+            Last = Text + LineBreak;
+            All += Last;
         } catch (const RuntimeError& error) {
             Refused += L"\r\n" + File + L": " + error.Description;
         }
+    }
+    if (!All.empty()) m_InsertSQL(All);
+    if (Last.size() < All.size()) {
+        const long LeadingBreak = Last.compare(0, 2, LineBreak) == 0 ? 2 : 0;
+        const long Length = static_cast<long>(PlainText::WithCrLf(Last).size()) - LeadingBreak;
+        rtbSQL.Select(rtbSQL.SelStart() + rtbSQL.SelLength() - Length, Length);
     }
     if (!Refused.empty()) {
         MsgBox(Handle(), L"Not everything could be inserted." + Refused, MB_OK | MB_ICONEXCLAMATION);

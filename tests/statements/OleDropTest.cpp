@@ -105,11 +105,22 @@ TEST_F(OleDropTest, FormatsAreAskedForInTheirOrder) {
         TestData nothing;
         DropOnEditor(nothing, PlaceOf(0));
         const auto rich = static_cast<CLIPFORMAT>(RegisterClipboardFormatW(L"Rich Text Format"));
-        ASSERT_GE(nothing.Asked.size(), 4U);
-        EXPECT_EQ(rich, nothing.Asked[0]);
-        EXPECT_EQ(CF_UNICODETEXT, nothing.Asked[1]);
-        EXPECT_EQ(CF_TEXT, nothing.Asked[2]);
-        EXPECT_EQ(CF_HDROP, nothing.Asked[3]);
+        // By the drop itself, last: the text in either form.
+        const std::vector<CLIPFORMAT> order = {
+            rich, CF_UNICODETEXT, CF_TEXT, CF_HDROP, CF_BITMAP, CF_METAFILEPICT, CF_ENHMETAFILE, CF_DIB, CF_PALETTE};
+        ASSERT_GE(nothing.Asked.size(), order.size());
+        EXPECT_EQ(order, std::vector<CLIPFORMAT>(nothing.Asked.end() - static_cast<std::ptrdiff_t>(order.size()),
+                                                 nothing.Asked.end()));
+        // The first one that is offered decides: no other is asked for after it.
+        TestData picture;
+        picture.Add(CF_ENHMETAFILE, "x");
+        DropOnEditor(picture, PlaceOf(0));
+        EXPECT_EQ(CF_ENHMETAFILE, picture.Asked.back());
+        TestData both;
+        both.AddFiles({L"C:\\missing.sql"}).AddText(L"text");
+        DropOnEditor(both, PlaceOf(0));
+        EXPECT_EQ(L"text", Selected());
+        EXPECT_EQ(CF_UNICODETEXT, both.Asked.back());
     });
 }
 
@@ -233,6 +244,37 @@ TEST_F(FileDropTest, LineEndsOfOtherSystemsBecomeTheEditors) {
 
 TEST_F(FileDropTest, RichTextComesAsItsText) {
     EXPECT_EQ(L"select *\r\n", Drop({File(L"rich.RTF", "{\\rtf1\\ansi select *}")}));
+}
+
+TEST_F(FileDropTest, WhatOnlyBearsTheNameOfRichTextComesAsItIs) {
+    EXPECT_EQ(L"select 1\r\n\u00eb\r\n", Drop({File(L"plain.rtf", "select 1"), File(L"utf8.rtf", "\xc3\xab")}));
+    EXPECT_EQ(L"", Errors.Places());
+}
+
+TEST_F(FileDropTest, DamagedRichTextIsTold) {
+    for (const char* const bytes : {"{\\rtf1 half {\\b of it", "{\\rtf1 one} and more"}) {
+        BoxAnswerer box;
+        const std::wstring path = File(L"broken.rtf", bytes);
+        EXPECT_EQ(L"x\r\n", Drop({path, File(L"x.sql", "x")}));
+        EXPECT_EQ(1, box.Boxes);
+        EXPECT_NE(std::wstring::npos, box.Text.find(path + L": The rich text in this file is damaged."));
+    }
+    EXPECT_EQ(L"", Errors.Places());
+}
+
+TEST_F(FileDropTest, AllFilesOfADropAreOneStepOfUndo) {
+    EXPECT_EQ(L"one", Inside(
+                          [this] {
+                              TestData data;
+                              data.AddFiles({File(L"a.sql", "a"), File(L"b.sql", "b"), File(L"c.sql", "\r\nc\nd")});
+                              DropOnEditor(data, PlaceOf(0));
+                              EXPECT_EQ(L"a\r\nb\r\n\r\nc\r\nd\r\none", EditorWindow::Text());
+                              // The last one stands selected, without the line break that it begins with.
+                              EXPECT_EQ(L"c\rd\r", Selected());
+                              SendMessageW(EditorWindow::Editor(), WM_UNDO, 0, 0);
+                          },
+                          L"one"));
+    EXPECT_EQ(L"", Errors.Places());
 }
 
 TEST_F(FileDropTest, WhatCannotBeInsertedIsToldAndTheRestComes) {
