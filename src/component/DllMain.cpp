@@ -8,8 +8,11 @@
 
 extern "C" BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, LPVOID processEnds) {
     if (reason == DLL_PROCESS_ATTACH) DisableThreadLibraryCalls(module);
-    // At the end of a process the system takes the window classes back itself.
-    if (reason == DLL_PROCESS_DETACH && processEnds == nullptr) UnregisterWindowClasses();
+    // At the end of a process the system takes the window classes and the memory back itself.
+    if (reason == DLL_PROCESS_DETACH && processEnds == nullptr) {
+        UnregisterWindowClasses();
+        modGlobal::End();
+    }
     return TRUE;
 }
 

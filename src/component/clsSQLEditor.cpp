@@ -6,8 +6,33 @@
 #include "errors/modErrorHandler.h"
 
 namespace {
+
 constexpr const wchar_t* Module = L"clsSQLEditor";
-}
+
+// Notices, over the time of a Constructor, whether the component has another connection afterwards. A host may well
+// give it the same one before each Display.
+class ConnectionWatch {
+public:
+    ConnectionWatch() = default;
+    ~ConnectionWatch() {
+        if (!database_.IsSameAs(HostDatabase) || owner_ != OwnerName || type_ != DBType || term_ != SchemaTermPlural ||
+            connected_ != IsConnected()) {
+            modGlobal::CountConnection();
+        }
+    }
+    ConnectionWatch(const ConnectionWatch&) = delete;
+    ConnectionWatch& operator=(const ConnectionWatch&) = delete;
+
+private:
+    static bool IsConnected() { return Dictionary != nullptr && Dictionary->Connected(); }
+    const Object database_ = HostDatabase;
+    const std::wstring owner_ = OwnerName;
+    const long type_ = DBType;
+    const std::wstring term_ = SchemaTermPlural;
+    const bool connected_ = IsConnected();
+};
+
+}  // namespace
 
 clsSQLEditor::clsSQLEditor() {
     try {
@@ -30,6 +55,7 @@ clsSQLEditor::~clsSQLEditor() {
 }
 
 void clsSQLEditor::Constructor(const Object& Database) try {
+    const ConnectionWatch Watch;
     // A database that is missing and one that is not connected leave different roots and adapters behind: kept.
     if (!Database) {
         HostDatabase.Clear();

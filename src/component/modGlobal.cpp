@@ -27,6 +27,8 @@ DWORD owner = 0;  // thread
 bool HoldsAnything() noexcept {
     return EditorForm != nullptr || Dictionary != nullptr || HostDatabase || ErrorHandler != nullptr;
 }
+
+long connection = 0;
 }  // namespace
 
 std::shared_ptr<frmSQLEditor>& EditorForm = Everlasting<std::shared_ptr<frmSQLEditor>>();
@@ -50,6 +52,12 @@ const Collection<std::shared_ptr<const clsListItem>>& modGlobal::Catalogue() {
     if (ListItems == nullptr) RaiseError(ErrorNumber::ObjectNotSet);
     return *ListItems;
 }
+
+long modGlobal::Connection() noexcept { return connection; }
+
+void modGlobal::CountConnection() noexcept { ++connection; }
+
+void modGlobal::End() noexcept { ListItems.reset(); }
 
 frmSQLEditor& modGlobal::Window() {
     if (EditorForm == nullptr) RaiseError(ErrorNumber::ObjectNotSet);

@@ -34,6 +34,11 @@ void Main();
 // At the beginning of each call from outside: while the module holds nothing of others, the calling thread becomes the
 // one that what it will hold belongs to.
 void Own() noexcept;
+// Counts the connections that Constructor was given: another number means another connection.
+long Connection() noexcept;
+void CountConnection() noexcept;
+// The last of the module's life, in DllMain: gives the catalogue's memory back.
+void End() noexcept;
 // The module is about to go: gives back what it holds of others, as if it had just been loaded. The catalogue stays.
 // False, and nothing happens, on another thread than the one that it belongs to: objects and windows may be touched on
 // their own thread alone.

@@ -78,6 +78,7 @@ void frmSQLEditor::Display(std::wstring& SQL) try {
     const auto held = shared_from_this();  // the host may let go of the window while it is shown
     const Flagged displaying(displaying_);
     Load();
+    if (connection_ != modGlobal::Connection()) m_ShowConnection();
     rtbSQL.SetText(SQL);
     rtbSQL.DataChanged = false;
     returned_.reset();
@@ -107,6 +108,7 @@ void frmSQLEditor::Display(std::wstring& SQL) try {
 
 void frmSQLEditor::Form_Load() try {
     EditorForm = shared_from_this();
+    connection_ = modGlobal::Connection();
     m_RestorePlacement();
     modLists::PopulateDBObjects();
     modLists::PopulateAnsiSQLCommands();
@@ -129,6 +131,14 @@ void frmSQLEditor::m_RestorePlacement() {
         throw;
     }
     MoveTo(Restored);
+}
+
+// The host has given the component another connection since the window was filled: its tree and reference are made for
+// it. The lists, the layout and the place stay as the user left them.
+void frmSQLEditor::m_ShowConnection() {
+    connection_ = modGlobal::Connection();
+    modLists::PopulateDBObjects();
+    modLists::PopulateDatabaseSpecificCommands();
 }
 
 void frmSQLEditor::Form_Activate() try {

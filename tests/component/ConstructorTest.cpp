@@ -1,3 +1,6 @@
+#include <windows.h>
+#include <commctrl.h>
+
 #include "Fakes.h"
 
 namespace {
@@ -73,6 +76,61 @@ TEST_F(ConstructorTest, EachCallOverwritesTheOneBefore) {
     const Seen seen = ShowAgain(editor);
     EXPECT_EQ(L"Type 8", seen.Status);
     EXPECT_EQ(L"Owners", seen.Root);
+}
+
+TEST_F(ConstructorTest, TheNextDisplayShowsTheNewConnectionInTheSameWindow) {
+    const auto reference = [] { return GetDlgItem(GetDlgItem(EditorWindow::Find(), 1022), 1032); };
+    const auto browser = [] { return GetDlgItem(GetDlgItem(EditorWindow::Find(), 1020), 1030); };
+    const auto count = [](HWND tree) { return SendMessageW(tree, TVM_GETCOUNT, 0, 0); };
+    const auto open = [&] {
+        SendMessageW(browser(), TVM_EXPAND, TVE_EXPAND, SendMessageW(browser(), TVM_GETNEXTITEM, TVGN_ROOT, 0));
+    };
+    Database.DictionaryMembers[L"Schemas"] = [](const Arguments&) {
+        return Variant(MakeCollection({Variant(L"ONE"), Variant(L"TWO")}));
+    };
+    const Object first = Database.Make();
+    const Object editor = Dll.Create();
+    editor.Call(L"Constructor", first);
+    HWND window = nullptr;
+    DisplayAndClose(editor, L"x", [&] {
+        window = EditorWindow::Find();
+        open();
+        EXPECT_EQ(1 + 2 * 7, count(browser()));
+        EXPECT_EQ(10 + 114, count(reference()));
+    });
+    // The same connection again changes nothing.
+    editor.Call(L"Constructor", first);
+    DisplayAndClose(editor, L"x", [&] { EXPECT_EQ(1 + 2 * 7, count(browser())); });
+    FakeDatabase other;
+    other.Members[L"DBType"] = [](const Arguments&) { return Variant(8L); };
+    other.Members[L"SchemaTerm"] = [](const Arguments&) { return Variant(L"Owner"); };
+    editor.Call(L"Constructor", other.Make());
+    const auto seen = [&] {
+        EXPECT_EQ(window, EditorWindow::Find());
+        EXPECT_EQ(L"Owners", EditorWindow::Root());
+        EXPECT_EQ(2, count(browser()));
+        EXPECT_EQ(10 + 134, count(reference()));
+        EXPECT_EQ(L"Type 8", EditorWindow::Status());
+    };
+    DisplayAndClose(editor, L"x", seen);
+    DisplayAndClose(editor, L"x", seen);
+    // The same object over another database.
+    other.Members[L"DBType"] = [](const Arguments&) { return Variant(17L); };
+    editor.Call(L"Constructor", other.Make());
+    DisplayAndClose(editor, L"x", [&] { EXPECT_EQ(0, count(reference())); });
+    other.Members[L"Connected"] = [](const Arguments&) { return Variant(false); };
+    editor.Call(L"Constructor", other.Make());
+    DisplayAndClose(editor, L"x", [&] {
+        EXPECT_EQ(0, count(browser()));
+        EXPECT_EQ(0, count(reference()));
+    });
+    editor.Call(L"Constructor", first);
+    DisplayAndClose(editor, L"x", [&] {
+        EXPECT_EQ(L"Schemas", EditorWindow::Root());
+        EXPECT_EQ(10 + 114, count(reference()));
+    });
+    EXPECT_EQ(L"", Errors.Places());
+    editor.Call(L"Constructor", Object());
 }
 
 TEST_F(ConstructorTest, NothingAfterAConnectionLeavesTheAdapterAndSoAFailingStatus) {

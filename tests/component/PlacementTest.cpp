@@ -186,3 +186,41 @@ TEST_F(PlacementTest, WhenSavingIsRefusedTheWindowStaysOpen) {
     EXPECT_EQ(L"frmSQLEditor.mnuFileClose_Click 5|frmSQLEditor.mnuFileClose_Click 5|frmSQLEditor.mnuFileClose_Click 5",
               Errors.Places());
 }
+
+namespace {
+
+// While it lives, the editor's window cannot be made on this thread.
+class NoWindow {
+public:
+    NoWindow() : hook_(SetWindowsHookExW(WH_CBT, &Refuse, nullptr, GetCurrentThreadId())) {}
+    ~NoWindow() { UnhookWindowsHookEx(hook_); }
+    NoWindow(const NoWindow&) = delete;
+    NoWindow& operator=(const NoWindow&) = delete;
+
+private:
+    static LRESULT CALLBACK Refuse(int code, WPARAM window, LPARAM) {
+        wchar_t name[100]{};
+        return code == HCBT_CREATEWND && GetClassNameW(reinterpret_cast<HWND>(window), name, 100) > 0 &&
+               wcscmp(name, L"brvSQLEditorForm") == 0;
+    }
+    HHOOK hook_;
+};
+
+}  // namespace
+
+TEST_F(PlacementTest, AWindowThatCouldNotBeMadeSavesNoPlacement) {
+    const Object editor = Dll.Create();
+    {
+        const NoWindow none;
+        std::wstring sql = L"select 1";
+        editor.Call(L"Display", ByRef(sql));
+        EXPECT_EQ(L"select 1", sql);
+    }
+    ASSERT_FALSE(Errors.Reports.empty());
+    Errors.Reports.clear();
+    editor.Call(L"Destructor");
+    for (const wchar_t* const key : {L"MainLeft", L"MainTop", L"MainWidth", L"MainHeight"}) {
+        EXPECT_EQ(L"<none>", Settings::Get(key));
+    }
+    EXPECT_EQ(L"", Errors.Places());
+}

@@ -63,6 +63,7 @@ Model::Got Model::Call(const std::wstring& member) {
             host_ = false;
             owner_.clear();
             plural_ = L"Schemas";
+            ++connection_;
             return Got::Right;
         default:
             break;
@@ -124,7 +125,16 @@ Outcome Model::Done(const std::wstring& left) {
 // ---- Constructor and Display
 
 void Model::Constructor() try {
-    if (!ToBoolean(Call(L"Connected"), true)) {
+    struct Counted {
+        long& Count;
+        bool Changed = false;
+        ~Counted() {
+            if (Changed) ++Count;
+        }
+    } counted{connection_};
+    const bool connected = ToBoolean(Call(L"Connected"), true);
+    counted.Changed = true;
+    if (!connected) {
         host_ = false;
         owner_.clear();
         adapter_ = Adapter::NotConnected;
@@ -159,6 +169,7 @@ void Model::Display() {
     // The window is there before anything else, and is filled when it is touched for the first time.
     const auto load = [this] {
         if (!loaded_ && adapter_ == Adapter::Connected) root_ = plural_;
+        if (!loaded_) filledFor_ = connection_;
         loaded_ = true;
     };
     if (!made_) {
@@ -174,6 +185,10 @@ void Model::Display() {
     }
     displaying_ = true;
     load();
+    if (filledFor_ != connection_) {
+        filledFor_ = connection_;
+        root_ = adapter_ == Adapter::Connected ? plural_ : L"<none>";
+    }
     try {
         status_ = adapter_ == Adapter::Connected ? ToText(HostCall(L"DBTypeName"), L"Type " + std::to_wstring(type_))
                                                  : L"Not connected to a database";
@@ -437,13 +452,9 @@ Outcome Model::OfView(const std::wstring& entry) {
 }
 
 std::wstring Model::Folder(const std::wstring& before, const std::wstring& behind) {
-    const bool there = host_;  // held for the statement's time
     std::wstring text;
     for (const std::wstring& name : Browsed::Names) {
-        const bool now = host_;
-        host_ = there;
         text += (text.empty() ? L"" : L";" + CrLf) + before + BuildTable(name) + behind;
-        host_ = host_ && now;
     }
     return text;
 }

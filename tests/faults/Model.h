@@ -102,6 +102,8 @@ private:
     bool displaying_ = false;
     bool made_ = false;
     bool loaded_ = false;
+    long connection_ = 0;  // grows with each connection that was given
+    long filledFor_ = 0;   // the one that the window was filled for
     bool shown_ = false;
     std::wstring status_;
     std::wstring root_ = L"<none>";

@@ -1,6 +1,7 @@
 #include <windows.h>
 #include <objbase.h>
 
+#include <cstdio>
 #include <string>
 #include <vector>
 
@@ -75,4 +76,39 @@ TEST(UnloadTest, ItGoesWhenNothingLivesAndComesBack) {
     }
     Settings::Clear();
     EXPECT_EQ(L"", errors.Places());
+}
+
+// The DLL is loaded, asked for its class, which makes the catalogue, and let go; what a life leaves is measured.
+TEST(UnloadTest, TheCatalogueGoesWithTheModule) {
+    const auto heaps = [] {
+        size_t bytes = 0;
+        std::vector<HANDLE> all(256);
+        all.resize(GetProcessHeaps(static_cast<DWORD>(all.size()), all.data()));
+        for (const HANDLE heap : all) {
+            HeapLock(heap);
+            PROCESS_HEAP_ENTRY entry{};
+            while (HeapWalk(heap, &entry)) {
+                if ((entry.wFlags & PROCESS_HEAP_ENTRY_BUSY) != 0) bytes += entry.cbData;
+            }
+            HeapUnlock(heap);
+        }
+        return bytes;
+    };
+    const auto live = [] {
+        const Component dll;
+        IClassFactory* factory = nullptr;
+        CLSID id;
+        ASSERT_EQ(S_OK, CLSIDFromProgID(L"brvSQLEditor.clsSQLEditor", &id));
+        ASSERT_EQ(S_OK, dll.GetClassObject(id, IID_IClassFactory, reinterpret_cast<void**>(&factory)));
+        factory->Release();
+    };
+    constexpr int Lives = 10;
+    for (int at = 0; at < 3; ++at) live();
+    ASSERT_FALSE(IsLoaded());
+    const size_t before = heaps();
+    for (int at = 0; at < Lives; ++at) live();
+    const size_t after = heaps();
+    const double left = (static_cast<double>(after) - static_cast<double>(before)) / Lives;
+    std::printf("a life of the module leaves %.0f bytes\n", left);
+    EXPECT_LT(left, 100000) << "the catalogue alone is more";
 }
