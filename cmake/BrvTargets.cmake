@@ -119,6 +119,11 @@ function(brv_add_com_server name)
     brv_resource_inputs(${arg_RC})
     target_include_directories(${name} PRIVATE ${CMAKE_CURRENT_SOURCE_DIR})
     target_link_libraries(${name} PRIVATE ${arg_LIBRARIES})
+    # No function of it is called for an exception of the processor: Windows then calls none, whatever somebody has written into the chain of
+    # handlers. 64-bit programs have no such chain.
+    if(CMAKE_SIZEOF_VOID_P EQUAL 4)
+        target_link_options(${name} PRIVATE -Wl,--no-seh)
+    endif()
     # Sections that begin at whole pages of the file are mapped, not read, when the server is loaded.
     target_link_options(${name} PRIVATE -Wl,--file-alignment,4096)
 endfunction()

@@ -140,7 +140,8 @@ build_project() {
         fi
     fi
     say "Building ..."
-    if ! timeout 1800 cmake --build "$folder" --target "$target" -j "$(nproc)" >"$log" 2>&1 </dev/null 8>&-; then
+    # In this group, so that whoever ends it ends the compilers too.
+    if ! timeout --foreground 1800 cmake --build "$folder" --target "$target" -j "$(nproc)" >"$log" 2>&1 </dev/null 8>&-; then
         log_tail "$log"
         die "the build failed; whole log: $log"
     fi

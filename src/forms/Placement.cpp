@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include "automation/RuntimeError.h"
+#include "automation/SystemLibrary.h"
 #include "forms/Surroundings.h"
 #include "forms/Twips.h"
 
@@ -45,7 +46,7 @@ using DpiForMonitor = HRESULT(WINAPI*)(HMONITOR, int, UINT*, UINT*);
 
 DpiForMonitor MonitorDpi() noexcept {
     static const auto function = [] {
-        const HMODULE library = LoadLibraryExW(L"shcore.dll", nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32);
+        const HMODULE library = LoadSystemLibrary(L"shcore.dll");
         return library == nullptr ? nullptr
                                   : reinterpret_cast<DpiForMonitor>(
                                         reinterpret_cast<void*>(GetProcAddress(library, "GetDpiForMonitor")));

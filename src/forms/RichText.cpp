@@ -7,6 +7,7 @@
 
 #include "automation/App.h"
 #include "automation/RuntimeError.h"
+#include "automation/SystemLibrary.h"
 #include "forms/Surroundings.h"
 
 namespace {
@@ -29,8 +30,8 @@ DWORD CALLBACK Read(DWORD_PTR cookie, LPBYTE buffer, LONG capacity, LONG* writte
 // The newest control that the system has. The library stays loaded: windows of its classes may outlive this module's.
 const wchar_t* RichEditClass() {
     static const wchar_t* const name = []() -> const wchar_t* {
-        if (LoadLibraryExW(L"msftedit.dll", nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32) != nullptr) return L"RICHEDIT50W";
-        if (LoadLibraryExW(L"riched20.dll", nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32) != nullptr) return L"RichEdit20W";
+        if (LoadSystemLibrary(L"msftedit.dll") != nullptr) return L"RICHEDIT50W";
+        if (LoadSystemLibrary(L"riched20.dll") != nullptr) return L"RichEdit20W";
         return nullptr;
     }();
     if (name == nullptr) RaiseSystemError(ErrorNumber::FileNotFound, ERROR_MOD_NOT_FOUND);
