@@ -61,8 +61,8 @@ void frmSQLEditor::m_SizeControls() try {
 
     // The description gets the lines that the longest one takes in the left pane at first, and less in a low window,
     // where its tip has the rest. The collapse button has the line under it.
-    const float LabelHeight =
-        std::min(LongestDescription * lblDescription.LineHeight() + CollapseHeight, PaneHeight * 0.3F);
+    const float LabelHeight = std::min(
+        LongestDescription * lblDescription.LineHeight() + 2 * Label::MarginDown + CollapseHeight, PaneHeight * 0.3F);
     const float PageHeight = std::max(PaneHeight - TabCount * ButtonHeight - (TabCount + 3) * Gap - LabelHeight, 0.0F);
 
     float Y = Top + Gap;

@@ -1,5 +1,7 @@
 #include "forms/CommandButton.h"
 
+#include <uxtheme.h>
+
 #include "forms/Twips.h"
 
 namespace {
@@ -9,12 +11,50 @@ constexpr float MarginDown = 45;
 }  // namespace
 
 void CommandButton::Create(HWND container, int id, const std::wstring& caption) {
-    CreateWindowOf(L"Button", BS_PUSHBUTTON | WS_TABSTOP | WS_VISIBLE | WS_CLIPSIBLINGS, 0, container, id,
+    // A check box in a button's shape: being checked is a state that outlasts the focus and the mouse, that themes draw
+    // and that screen readers say, where the highlight of a push button is there for a moment. Not a radio button:
+    // those click themselves when the focus comes to them.
+    CreateWindowOf(L"Button", BS_CHECKBOX | BS_PUSHLIKE | WS_TABSTOP | WS_VISIBLE | WS_CLIPSIBLINGS, 0, container, id,
                    caption.c_str());
 }
 
+bool CommandButton::Pressed() const { return Send(BM_GETCHECK) == BST_CHECKED; }
+
 void CommandButton::SetPressed(bool pressed) {
-    if (((Send(BM_GETSTATE) & BST_PUSHED) != 0) != pressed) Send(BM_SETSTATE, pressed);
+    if (Pressed() != pressed) Send(BM_SETCHECK, pressed ? BST_CHECKED : BST_UNCHECKED);
+}
+
+// Without a theme a checked button is told by its edge alone, and its ground is mixed of two colours of which one may
+// be that of its text; a contrast theme may draw all buttons alike. There it is drawn in the colours of what is
+// selected.
+bool CommandButton::PaintsItself() const {
+    if (!Pressed()) return false;
+    HIGHCONTRASTW contrast{};
+    contrast.cbSize = sizeof contrast;
+    return GetWindowTheme(Handle()) == nullptr ||
+           (SystemParametersInfoW(SPI_GETHIGHCONTRAST, sizeof contrast, &contrast, 0) &&
+            (contrast.dwFlags & HCF_HIGHCONTRASTON) != 0);
+}
+
+void CommandButton::Paint(HDC context) const {
+    const std::wstring caption = WindowCaption();
+    RECT client;
+    GetClientRect(Handle(), &client);
+    FillRect(context, &client, GetSysColorBrush(COLOR_HIGHLIGHT));
+    FrameRect(context, &client, GetSysColorBrush(COLOR_BTNTEXT));
+    const int saved = SaveDC(context);
+    SelectObject(context, font_);
+    SetBkMode(context, TRANSPARENT);
+    SetTextColor(context, GetSysColor(COLOR_HIGHLIGHTTEXT));
+    DrawTextW(context, caption.c_str(), static_cast<int>(caption.size()), &client,
+              DT_CENTER | DT_VCENTER | DT_SINGLELINE | DT_HIDEPREFIX);
+    if (GetFocus() == Handle() && (SendMessageW(Handle(), WM_QUERYUISTATE, 0, 0) & UISF_HIDEFOCUS) == 0) {
+        SetBkColor(context, GetSysColor(COLOR_HIGHLIGHT));
+        constexpr int Inside = 3;  // pixels
+        InflateRect(&client, -Inside, -Inside);
+        DrawFocusRect(context, &client);
+    }
+    RestoreDC(context, saved);
 }
 
 void CommandButton::SetFont(HFONT font) {
@@ -52,9 +92,48 @@ void CommandButton::UpdateTip() {
 }
 
 LRESULT CommandButton::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
-    if (message == WM_MOUSEMOVE) tip_.OnMouse(message, wParam, lParam);
+    switch (message) {
+        case WM_MOUSEMOVE:
+            tip_.OnMouse(message, wParam, lParam);
+            break;
+        case WM_PAINT: {
+            if (wParam != 0 || !PaintsItself()) break;
+            PAINTSTRUCT paint;
+            Paint(BeginPaint(Handle(), &paint));
+            EndPaint(Handle(), &paint);
+            return 0;
+        }
+        case WM_PRINTCLIENT:
+            if (!PaintsItself()) break;
+            Paint(reinterpret_cast<HDC>(wParam));
+            return 0;
+        default:
+            break;
+    }
     const LRESULT result = Control::OnMessage(message, wParam, lParam);
-    if (message == WM_SIZE) UpdateTip();
+    switch (message) {
+        case WM_SIZE:
+            UpdateTip();
+            break;
+        // Without a theme the control draws at once what these change, past WM_PAINT.
+        case BM_SETCHECK:
+        case BM_SETSTATE:
+        case WM_SETFOCUS:
+        case WM_KILLFOCUS:
+        case WM_ENABLE:
+        case WM_SETTEXT:
+        case WM_UPDATEUISTATE:
+        case WM_LBUTTONDOWN:
+        case WM_LBUTTONUP:
+        case WM_MOUSEMOVE:
+        case WM_CAPTURECHANGED:
+        case WM_KEYDOWN:
+        case WM_KEYUP:
+            if (PaintsItself()) InvalidateRect(Handle(), nullptr, FALSE);
+            break;
+        default:
+            break;
+    }
     return result;
 }
 

@@ -9,7 +9,7 @@ class CommandButton : public Control {
 public:
     void Create(HWND container, int id, const std::wstring& caption);
 
-    // Shows the button as pressed until it is told otherwise: the one of several that is in force.
+    // Shows the button as checked until it is told otherwise: the one of several that is in force.
     void SetPressed(bool pressed);
     // The least width and height in twips that show the caption whole, in the button's font.
     float LeastWidth() const;
@@ -22,6 +22,9 @@ protected:
 
 private:
     SIZE CaptionSize() const;  // pixels
+    bool Pressed() const;
+    bool PaintsItself() const;
+    void Paint(HDC context) const;
     void UpdateTip();
     HFONT font_ = nullptr;
     Tooltip tip_;

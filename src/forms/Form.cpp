@@ -344,7 +344,7 @@ bool Form::Navigate(const MSG& message) {
     const bool back = GetKeyState(VK_SHIFT) < 0;
     const bool tab = message.wParam == VK_TAB && GetKeyState(VK_MENU) >= 0;
     if (message.wParam == VK_RETURN &&
-        (SendMessageW(message.hwnd, WM_GETDLGCODE, 0, 0) & (DLGC_UNDEFPUSHBUTTON | DLGC_DEFPUSHBUTTON)) != 0) {
+        (SendMessageW(message.hwnd, WM_GETDLGCODE, 0, 0) & DLGC_BUTTON) != 0) {
         SendMessageW(message.hwnd, BM_CLICK, 0, 0);
         return true;
     }

@@ -1,5 +1,7 @@
 #include "forms/Label.h"
 
+#include <algorithm>
+
 #include "forms/Twips.h"
 
 void Label::Create(HWND container, int id, const std::wstring& caption) {
@@ -57,7 +59,38 @@ bool Label::OnReflected(UINT message, WPARAM wParam, LPARAM, LRESULT& result) {
     return true;
 }
 
+// The margins are the window's frame: inside it the class draws and measures as it always does.
+void Label::PaintMargins() const {
+    const HDC context = GetWindowDC(Handle());
+    if (context == nullptr) return;
+    RECT whole;
+    GetWindowRect(Handle(), &whole);
+    RECT client;
+    GetClientRect(Handle(), &client);
+    MapWindowPoints(Handle(), nullptr, reinterpret_cast<POINT*>(&client), 2);
+    OffsetRect(&client, -whole.left, -whole.top);
+    OffsetRect(&whole, -whole.left, -whole.top);
+    ExcludeClipRect(context, client.left, client.top, client.right, client.bottom);
+    FillRect(context, &whole, GetSysColorBrush(COLOR_BTNFACE));
+    ReleaseDC(Handle(), context);
+}
+
 LRESULT Label::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message == WM_NCCALCSIZE) {
+        const LRESULT result = Control::OnMessage(message, wParam, lParam);
+        auto& client = *reinterpret_cast<RECT*>(lParam);  // the first member of what comes with wParam TRUE
+        const int across = TwipsToPixels(MarginAcross, Dpi());
+        const int down = TwipsToPixels(MarginDown, Dpi());
+        client.left = std::min<LONG>(client.left + across, client.right);
+        client.right = std::max<LONG>(client.right - across, client.left);
+        client.top = std::min<LONG>(client.top + down, client.bottom);
+        client.bottom = std::max<LONG>(client.bottom - down, client.top);
+        return result;
+    }
+    if (message == WM_NCPAINT) {
+        PaintMargins();
+        return 0;
+    }
     if (message == WM_MOUSEMOVE) tip_.OnMouse(message, wParam, lParam);
     if (message == WM_SIZE) {
         const LRESULT result = Control::OnMessage(message, wParam, lParam);

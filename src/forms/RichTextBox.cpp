@@ -12,6 +12,8 @@
 #include "forms/Messages.h"
 #include "forms/PlainText.h"
 #include "forms/RichText.h"
+#include "forms/RichTextSize.h"
+#include "forms/ThemedBorder.h"
 
 namespace {
 
@@ -119,9 +121,10 @@ void RichTextBox::SetEditorFont(const std::wstring& face, float points) {
 }
 
 void RichTextBox::SetScale(float scale) {
-    if (scale == scale_) return;
-    scale_ = scale;
-    Send(EM_SETZOOM, static_cast<WPARAM>(std::lround(scale * 100)), 100);
+    const float zoom = scale * RichTextCorrection(GetParent(Handle()), face_, points_);
+    if (zoom == zoom_) return;
+    zoom_ = zoom;
+    Send(EM_SETZOOM, static_cast<WPARAM>(std::lround(zoom * 100)), 100);
 }
 
 long RichTextBox::TextLength() const {
@@ -372,6 +375,11 @@ LRESULT RichTextBox::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
             target_.Revoke();  // while OLE still knows the window
             annotations_.Clear();
             break;
+        case WM_NCPAINT: {
+            const LRESULT result = Control::OnMessage(message, wParam, lParam);
+            PaintThemedBorder(Handle());
+            return result;
+        }
         case WM_RBUTTONDOWN:
             SetFocus();
             break;

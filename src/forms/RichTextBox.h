@@ -48,8 +48,9 @@ public:
     void SetFont(HFONT font) override;  // ignored: the editor has a font of its own
     // The fixed-pitch font of the text.
     void SetEditorFont(const std::wstring& face, float points);
-    // Shows the text so many times as large; a file or a printer has it as it is. The user's own zoom (the wheel with
-    // the Ctrl key) lasts until another scale is set.
+    // Shows the text so many times as large as its font is at the window's dots per inch; a file or a printer has it as
+    // it is. The user's own zoom (the wheel with the Ctrl key) lasts until another scale, or other dots, want another
+    // size.
     void SetScale(float scale);
     // What programs that read the screen call the control; its window's text is what it holds.
     void SetAccessibleName(const std::wstring& name);
@@ -145,7 +146,7 @@ private:
     Annotations annotations_;
     std::wstring face_;
     float points_ = 10;
-    float scale_ = 1;
+    float zoom_ = 1;
     bool filling_ = false;
     bool rich_ = false;     // the text came with formats of its own
     uint64_t fileSum_ = 0;  // of the bytes of FileName's file, as they were last loaded or saved

@@ -53,7 +53,9 @@ void Toolbar::SetImageList(HIMAGELIST images) {
 }
 
 // A button keeps the width that it had with another font or image until its text is given again.
+// The size of all buttons only grows by itself: it begins once more from the least.
 void Toolbar::MeasureButtons() {
+    Send(TB_SETBUTTONSIZE, 0, 0);
     for (size_t at = 0; at < buttons_.size(); ++at) {
         TBBUTTONINFOW info{};
         info.cbSize = sizeof info;

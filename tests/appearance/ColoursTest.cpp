@@ -173,6 +173,109 @@ TEST_F(ColoursTest, WhatIsPaintedIsOfTheScheme) {
         L"SELECT HHH\r\nFROM LLLL");
 }
 
+namespace {
+
+void ExpectThatTheButtonInFrontIsToldApart(int front) {
+    SCOPED_TRACE(front);
+    SetFocus(EditorWindow::Editor());
+    Paint();
+    const auto tab = [](int index) { return GetDlgItem(EditorWindow::Find(), 1010 + index); };
+    const auto shown = PixelsOf(tab(front));
+    for (int index = 0; index < 4; ++index) {
+        const LRESULT state = SendMessageW(tab(index), BM_GETCHECK, 0, 0);
+        EXPECT_EQ(index == front ? BST_CHECKED : BST_UNCHECKED, state) << index;
+        if (index == front) continue;
+        EXPECT_NE(MostOf(shown), MostOf(PixelsOf(tab(index)))) << index;
+    }
+    if (IsThemeActive()) return;
+    EXPECT_EQ(GetSysColor(COLOR_HIGHLIGHT), MostOf(shown));
+    EXPECT_TRUE(shown.contains(GetSysColor(COLOR_HIGHLIGHTTEXT))) << "no caption in its colour";
+}
+
+}  // namespace
+
+TEST_F(ColoursTest, TheButtonOfThePageInFrontIsToldApart) {
+    Inside([] {
+        SetWindowPos(EditorWindow::Find(), HWND_TOPMOST, 10, 10, 0, 0, SWP_NOSIZE);
+        ExpectThatTheButtonInFrontIsToldApart(0);
+        for (const int page : {1, 2, 3, 0}) {
+            SendMessageW(Tab(page), BM_CLICK, 0, 0);
+            ExpectThatTheButtonInFrontIsToldApart(page);
+        }
+        // Pressed, and the mouse is drawn away before it is let go: nothing was chosen.
+        for (const int page : {0, 2}) {
+            SendMessageW(Tab(page), WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(5, 5));
+            SendMessageW(Tab(page), WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(5, 500));
+            SendMessageW(Tab(page), WM_LBUTTONUP, 0, MAKELPARAM(5, 500));
+            ExpectThatTheButtonInFrontIsToldApart(0);
+        }
+        // The focus comes and goes by the keyboard.
+        for (const int page : {0, 1}) {
+            SetFocus(Tab(page));
+            ExpectThatTheButtonInFrontIsToldApart(0);
+        }
+        // The Enter key chooses a page, as the space bar does.
+        SetFocus(Tab(3));
+        PostMessageW(Tab(3), WM_KEYDOWN, VK_RETURN, 1);
+        MSG message;
+        const DWORD until = GetTickCount() + 5000;
+        while (SendMessageW(Tab(3), BM_GETCHECK, 0, 0) != BST_CHECKED && GetTickCount() < until) {
+            // As the window's own loop does with its messages; this one runs inside it.
+            if (PeekMessageW(&message, Tab(3), WM_KEYDOWN, WM_KEYDOWN, PM_REMOVE)) {
+                EXPECT_NE(0, SendMessageW(Tab(3), WM_GETDLGCODE, 0, 0) & DLGC_BUTTON);
+                SendMessageW(Tab(3), BM_CLICK, 0, 0);
+            }
+        }
+        ExpectThatTheButtonInFrontIsToldApart(3);
+    });
+}
+
+TEST_F(ColoursTest, TheBorderOfTheEditorIsThatOfItsNeighbours) {
+    Inside([] {
+        SetWindowPos(EditorWindow::Find(), HWND_TOPMOST, 10, 10, 0, 0, SWP_NOSIZE);
+        SetFocus(View(0));
+        RedrawWindow(EditorWindow::Find(), nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_FRAME | RDW_ALLCHILDREN);
+        Paint();
+        const auto border = [](HWND window) {
+            std::vector<COLORREF> colours;
+            const HDC context = GetWindowDC(window);
+            const int right = WidthOf(window) - 1;
+            const int bottom = HeightOf(window) - 1;
+            for (int depth = 0; depth < 2; ++depth) {
+                colours.push_back(GetPixel(context, depth, bottom / 2));
+                colours.push_back(GetPixel(context, right / 2, depth));
+                colours.push_back(GetPixel(context, right - depth, bottom / 2));
+                colours.push_back(GetPixel(context, right / 2, bottom - depth));
+            }
+            ReleaseDC(window, context);
+            return colours;
+        };
+        EXPECT_EQ(border(View(0)), border(EditorWindow::Editor()));
+    });
+}
+
+TEST_F(ColoursTest, TheDescriptionHasRoomAroundItsText) {
+    Inside([] {
+        SetWindowPos(EditorWindow::Find(), HWND_TOPMOST, 10, 10, 0, 0, SWP_NOSIZE);
+        SendMessageW(Tab(1), BM_CLICK, 0, 0);
+        Paint();
+        RECT client;
+        GetClientRect(Description(), &client);
+        MapWindowPoints(Description(), nullptr, reinterpret_cast<POINT*>(&client), 2);
+        const RECT whole = Place(Description());
+        for (const LONG room : {client.left - whole.left, whole.right - client.right}) {
+            EXPECT_NEAR(Pixels(60), room, 1);
+        }
+        for (const LONG room : {client.top - whole.top, whole.bottom - client.bottom}) {
+            EXPECT_NEAR(Pixels(30), room, 1);
+        }
+        const HDC context = GetWindowDC(Description());
+        const LONG bottom = whole.bottom - whole.top - 1;
+        for (LONG y = 0; y <= bottom; y += bottom) EXPECT_EQ(GetSysColor(COLOR_BTNFACE), GetPixel(context, 1, y)) << y;
+        ReleaseDC(Description(), context);
+    });
+}
+
 // The system tells the top-level window only; the controls have to hear of it.
 TEST_F(ColoursTest, OtherColoursAreFollowed) {
     static std::set<HWND> told;

@@ -2,7 +2,7 @@
 """Draws the icons of the component: editor.ico (the window) and return.ico (the toolbar's button).
 
 Usage: make_icons.py FOLDER
-Shapes are drawn at eight times the size and averaged down, so that edges are smooth at every size.
+Shapes are drawn at eight times the size and averaged down, so that edges are smooth; 16 and 20 pixels have drawings of their own.
 """
 import pathlib
 import struct
@@ -81,6 +81,59 @@ def back(size):
     return averaged(p, size)
 
 
+def pixels(size):
+    """Shapes in whole pixels: in the small sizes an edge that falls between two of them is a blur."""
+    p = canvas(size)
+
+    def box(left, top, right, bottom, colour):
+        fill(p, rectangle(left / size, top / size, right / size, bottom / size), colour + (255,))
+    return p, box
+
+
+def small_back(size):
+    """The same arrow and sheet, for 16 and 20 pixels."""
+    p, box = pixels(size)
+    frame, white, green = (110, 120, 135), (255, 255, 255), (25, 135, 60)
+    columns, rows, middle, tip, head, right = {
+        16: (((2, 5), (6, 9)), ((3, 6), (7, 10), (11, 14)), 8, 4, 5, 15),
+        20: (((2, 6), (7, 11)), ((3, 7), (8, 12), (13, 17)), 10, 5, 6, 19),
+    }[size]
+    box(columns[0][0] - 1, rows[0][0] - 1, columns[-1][1] + 1, rows[-1][1] + 1, frame)
+    for left, end in columns:
+        for top, bottom in rows:
+            box(left, top, end, bottom, white)
+    # An edge of white parts the arrow from the sheet.
+    for step in range(head):
+        box(tip + step - 1, middle - step - 1, tip + step + 1, middle + step + 2, white)
+    box(tip + head - 1, middle - 2, columns[-1][1], middle + 3, white)
+    for step in range(head):
+        box(tip + step, middle - step, tip + step + 1, middle + step + 1, green)
+    box(tip + head, middle - 1, right, middle + 2, green)
+    return averaged(p, size)
+
+
+def small_editor(size):
+    """The same sheet and drum, for 16 and 20 pixels."""
+    p, box = pixels(size)
+    frame, white, blue, grey = (120, 130, 145), (255, 255, 255), (28, 88, 170), (90, 100, 115)
+    dark, drum, light = (20, 110, 90), (30, 140, 115), (120, 205, 180)
+    sheet, first, apart, ends, left, top, right, bottom = {
+        16: ((1, 0, 12, 15), 2, 2, (7, 10, 9, 6, 8), 8, 8, 15, 16),
+        20: ((1, 0, 15, 19), 3, 3, (9, 13, 11, 8, 8), 10, 10, 19, 20),
+    }[size]
+    box(*sheet, frame)
+    box(sheet[0] + 1, sheet[1] + 1, sheet[2] - 1, sheet[3] - 1, white)
+    for at, end in enumerate(ends):
+        box(3, first + at * apart, end, first + at * apart + 1, grey if 0 < at < 3 or at == 4 else blue)
+    box(left - 1, top - 1, sheet[2] - 1, sheet[3] - 1, white)
+    box(left, top + 1, right, bottom - 1, drum)
+    box(left + 1, bottom - 1, right - 1, bottom, drum)
+    box(left + 1, top, right - 1, top + 3, light)
+    box(left, top + 1, right, top + 2, light)
+    box(left, top + 4, right, top + 5, dark)
+    return averaged(p, size)
+
+
 def image(rows):
     size = len(rows)
     header = struct.pack('<IiiHHIIiiII', 40, size, size * 2, 1, 32, 0, 0, 0, 0, 0, 0)
@@ -96,8 +149,8 @@ def image(rows):
     return header + body + mask
 
 
-def icon(draw, sizes):
-    images = [image(draw(size)) for size in sizes]
+def icon(draw, draw_small, sizes):
+    images = [image((draw_small if size <= 20 else draw)(size)) for size in sizes]
     offset = 6 + 16 * len(sizes)
     directory = b''
     for size, data in zip(sizes, images):
@@ -108,5 +161,5 @@ def icon(draw, sizes):
 
 if __name__ == '__main__':
     folder = pathlib.Path(sys.argv[1])
-    (folder / 'editor.ico').write_bytes(icon(editor, (16, 20, 24, 32, 48)))
-    (folder / 'return.ico').write_bytes(icon(back, (16, 20, 24, 32, 48)))
+    (folder / 'editor.ico').write_bytes(icon(editor, small_editor, (16, 20, 24, 32, 48)))
+    (folder / 'return.ico').write_bytes(icon(back, small_back, (16, 20, 24, 32, 48)))

@@ -1,0 +1,28 @@
+#include "forms/ThemedBorder.h"
+
+#include <uxtheme.h>
+#include <vsstyle.h>
+
+#include "forms/Surroundings.h"
+
+void PaintThemedBorder(HWND window) noexcept {
+    // Before the theme is opened: without that style there is no border.
+    if ((GetWindowLongPtrW(window, GWL_EXSTYLE) & WS_EX_CLIENTEDGE) == 0) return;
+    const HTHEME theme = OpenThemeData(window, VSCLASS_LISTBOX);
+    if (theme == nullptr) return;
+    if (const HDC context = GetWindowDC(window)) {
+        RECT border;
+        GetWindowRect(window, &border);
+        OffsetRect(&border, -border.left, -border.top);
+        const UINT dpi = DpiOf(window);
+        const int across = SystemMetricFor(SM_CXEDGE, dpi);
+        const int down = SystemMetricFor(SM_CYEDGE, dpi);
+        ExcludeClipRect(context, across, down, border.right - across, border.bottom - down);
+        // A theme of old has one look for the whole class.
+        const bool named = IsThemePartDefined(theme, LBCP_BORDER_NOSCROLL, 0) != FALSE;
+        DrawThemeBackground(theme, context, named ? LBCP_BORDER_NOSCROLL : 0, named ? LBPSN_NORMAL : 0, &border,
+                            nullptr);
+        ReleaseDC(window, context);
+    }
+    CloseThemeData(theme);
+}
