@@ -1,10 +1,12 @@
 #include "automation/Collection.h"
+#include "automation/HostContexts.h"
 
 namespace {
 
 // Asks for the enumerator by its member id, since not every collection knows the name. Fails when there is none.
 HRESULT AskForEnumerator(IDispatch* object, IEnumVARIANT** enumerator, EXCEPINFO& exception) noexcept {
     *enumerator = nullptr;
+    const InHostContexts host;
     DISPPARAMS none{};
     UINT argumentError = 0;
     VARIANT raw;
@@ -28,13 +30,17 @@ bool SaysThatThereIsNone(long number) noexcept {
 class Enumerator {
 public:
     explicit Enumerator(IEnumVARIANT* items) noexcept : items_(items) { items_->AddRef(); }
-    ~Enumerator() { items_->Release(); }
+    ~Enumerator() {
+        const InHostContexts host;
+        items_->Release();
+    }
     Enumerator(const Enumerator&) = delete;
     Enumerator& operator=(const Enumerator&) = delete;
 
     // To the first item. One that cannot be reset is asked for anew; where even that fails it is fresh when it is read
     // for the first time, which is the time that matters.
     void Rewind(IDispatch* object) noexcept {
+        const InHostContexts host;
         if (items_->Reset() == S_OK) return;
         IEnumVARIANT* fresh = nullptr;
         EXCEPINFO exception{};
@@ -54,7 +60,7 @@ public:
         ULONG fetched = 0;
         VARIANT raw;
         VariantInit(&raw);
-        const HRESULT result = items_->Next(1, &raw, &fetched);
+        const HRESULT result = AskForNext(raw, fetched);
         if (FAILED(result)) throw ErrorFromHresult(result, nullptr);
         Variant got = Variant::Attach(raw);
         // Some say with the count alone that there is no more, and some with the result alone.
@@ -64,6 +70,10 @@ public:
     }
 
 private:
+    HRESULT AskForNext(VARIANT& item, ULONG& fetched) noexcept {
+        const InHostContexts host;
+        return items_->Next(1, &item, &fetched);
+    }
     IEnumVARIANT* items_;
 };
 

@@ -8,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+#include "automation/HostContexts.h"
 #include "automation/RuntimeError.h"
 
 // ---- Argument
@@ -143,6 +144,7 @@ struct Object::State {
     State(const State&) = delete;
     State& operator=(const State&) = delete;
     ~State() {
+        const InHostContexts host;
         if (Extended != nullptr) Extended->Release();
         if (Dispatch != nullptr) Dispatch->Release();
     }
@@ -150,6 +152,7 @@ struct Object::State {
     // Which script engine made the object, if any. Asked where it matters only.
     Kind KindOf() noexcept {
         if (Asked == Kind::NotAsked) {
+            const InHostContexts host;
             IDispatchEx* script = nullptr;
             if (FAILED(Dispatch->QueryInterface(__uuidof(IDispatchEx), reinterpret_cast<void**>(&script))) ||
                 script == nullptr) {
@@ -180,6 +183,7 @@ struct Object::State {
     }
 
     HRESULT LookUp(const wchar_t* name, DISPID& id) noexcept {
+        const InHostContexts host;
         if (Extended == nullptr) {
             auto* writable = const_cast<LPOLESTR>(name);
             const HRESULT result = Dispatch->GetIDsOfNames(IID_NULL, &writable, 1, LOCALE_USER_DEFAULT, &id);
@@ -201,6 +205,7 @@ struct Object::State {
     }
 
     HRESULT Invoke(DISPID id, WORD flags, DISPPARAMS& parameters, VARIANT* result, EXCEPINFO& exception) noexcept {
+        const InHostContexts host;
         if (Extended != nullptr) {
             return Extended->InvokeEx(id, LOCALE_USER_DEFAULT, flags, &parameters, result, &exception, nullptr);
         }
@@ -230,8 +235,10 @@ Object Object::Attach(IDispatch* object) {
 
 Object Object::Create(const wchar_t* progId) {
     CLSID id;
-    HRESULT result = CLSIDFromProgID(progId, &id);
     IDispatch* made = nullptr;
+    // A host may bring its components along without registration, in an activation context.
+    const InHostContexts host;
+    HRESULT result = CLSIDFromProgID(progId, &id);
     if (SUCCEEDED(result)) {
         result = CoCreateInstance(id, nullptr, CLSCTX_INPROC_SERVER | CLSCTX_LOCAL_SERVER, IID_IDispatch,
                                   reinterpret_cast<void**>(&made));

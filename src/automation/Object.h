@@ -8,6 +8,7 @@
 #include <string>
 #include <string_view>
 
+#include "automation/HostContexts.h"
 #include "automation/Variant.h"
 
 // One argument of a late-bound call. A plain value is passed by value; ByRef passes the variable itself.
@@ -115,6 +116,7 @@ public:
     void AppendTo(std::wstring& to, std::wstring_view argument);
 
 private:
+    const InHostContexts host_;  // once for all the calls
     const Object object_;
     const wchar_t* const member_;
     // One string for each length that has occurred, the first for all that are longer: most calls need no memory.

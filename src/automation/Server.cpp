@@ -136,11 +136,24 @@ void WriteClass(HKEY root, const ComClass& registered, const std::wstring& path,
         Write(root, key + L"\\TypeLib", nullptr, TextOfGuid(*registered.TypeLibrary));
 }
 
+// Whether the class is registered for programs of the other width. Windows keeps the keys below CLSID apart for the two
+// and everything else together. Where there is one width only the flag means nothing: the class has to be removed
+// before.
+bool IsClassOfOtherWidth(HKEY root, const std::wstring& classKey) noexcept {
+    constexpr REGSAM Other = sizeof(void*) == 8 ? KEY_WOW64_32KEY : KEY_WOW64_64KEY;
+    HKEY key = nullptr;
+    if (RegOpenKeyExW(root, classKey.c_str(), 0, KEY_READ | Other, &key) != ERROR_SUCCESS) return false;
+    RegCloseKey(key);
+    return true;
+}
+
 LSTATUS RemoveClass(HKEY root, const ComClass& registered) {
-    LSTATUS first = ERROR_SUCCESS;
-    for (const std::wstring& key :
-         {std::wstring(registered.ProgId), VersionedProgId(registered), L"CLSID\\" + TextOfGuid(registered.Id)}) {
-        const LSTATUS status = Remove(root, ClassesKey(key));
+    const std::wstring classKey = ClassesKey(L"CLSID\\" + TextOfGuid(registered.Id));
+    LSTATUS first = Remove(root, classKey);
+    // The names lead to the same identifier for both widths.
+    if (IsClassOfOtherWidth(root, classKey)) return first;
+    for (const std::wstring& name : {std::wstring(registered.ProgId), VersionedProgId(registered)}) {
+        const LSTATUS status = Remove(root, ClassesKey(name));
         if (first == ERROR_SUCCESS) first = status;
     }
     return first;

@@ -40,6 +40,7 @@ enum class Scope { Machine, User };
 // run time). Returns SELFREG_E_CLASS or the HRESULT of the Windows call that failed (access denied for a user without
 // rights), SELFREG_E_TYPELIB for the library; what was written before a failure is removed again.
 HRESULT Register(const ComClass* classes, size_t count, Scope scope, bool typeLibrary) noexcept;
-// Removes all of it. A key that is not there is no failure.
+// Removes all of it, but for the ProgIDs while the class is registered for the other width, which shares them. A key
+// that is not there is no failure.
 HRESULT Unregister(const ComClass* classes, size_t count, Scope scope, bool typeLibrary) noexcept;
 }  // namespace Server

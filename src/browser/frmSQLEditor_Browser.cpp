@@ -2,6 +2,7 @@
 #include "editor/frmSQLEditor.h"
 #include "errors/modErrorHandler.h"
 #include "forms/MsgBox.h"
+#include "forms/NotTopmost.h"
 #include "forms/Painting.h"
 
 namespace {
@@ -41,6 +42,7 @@ void frmSQLEditor::trvDBObjects_Expand(const Node& Node, bool Opened) try {
         return;
     }
     const WaitCursor wait;
+    const NotTopmost notTopmost;  // once for all that the dictionary is asked
     const PaintingHeld held(trvDBObjects);
     if (Kind == modLists::NodeKind::Schemas) {
         modLists::PopulateDBObjSchemas(Nodes, Node);

@@ -4,6 +4,7 @@
 #include <new>
 
 #include "automation/App.h"
+#include "automation/HostContexts.h"
 #include "automation/RuntimeError.h"
 #include <ocidl.h>
 
@@ -80,6 +81,7 @@ public:
         if (left == 0) {
             // The end of the object hides its window: nothing that happens there may come back to this count.
             references_ = 0x10000;
+            const HostContexts host;
             const Surroundings surroundings;
             delete this;
         }
@@ -167,6 +169,7 @@ private:
         AddRef();
         HRESULT result = S_OK;
         modGlobal::Own();
+        const HostContexts host;
         try {
             const Surroundings surroundings;
             Events::Call call;

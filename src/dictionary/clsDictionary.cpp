@@ -3,6 +3,7 @@
 #include "automation/App.h"
 #include "automation/RuntimeError.h"
 #include "errors/modErrorHandler.h"
+#include "forms/NotTopmost.h"
 
 namespace {
 constexpr const wchar_t* Module = L"clsDictionary";
@@ -23,6 +24,7 @@ bool clsDictionary::Connected() const try { return static_cast<bool>(dictionary_
 }
 
 HostCollection clsDictionary::Schemas(const Variant& SchemaName, bool IncludeSystem) const try {
+    const NotTopmost notTopmost;  // a driver that connects again may ask for a password
     return HostCollection(dictionary_.Get(L"Schemas", SchemaName, IncludeSystem));
 } catch (...) {
     ReportError(Module, L"Get Schemas");
@@ -31,6 +33,7 @@ HostCollection clsDictionary::Schemas(const Variant& SchemaName, bool IncludeSys
 
 HostCollection clsDictionary::Objects(long ObjectType, const Variant& SchemaName, const Variant& ObjectName,
                                       const Variant& IncludeSys) const try {
+    const NotTopmost notTopmost;
     return HostCollection(dictionary_.Get(L"Objects", ObjectType, SchemaName, ObjectName, IncludeSys));
 } catch (...) {
     const RuntimeError error = CurrentError();
@@ -42,6 +45,7 @@ HostCollection clsDictionary::Objects(long ObjectType, const Variant& SchemaName
 }
 
 HostCollection clsDictionary::Columns(const Variant& SchemaName, const Variant& TableName) const try {
+    const NotTopmost notTopmost;
     return HostCollection(dictionary_.Get(L"Columns", SchemaName, TableName));
 } catch (...) {
     const RuntimeError error = CurrentError();
@@ -52,6 +56,7 @@ HostCollection clsDictionary::Columns(const Variant& SchemaName, const Variant& 
 
 // Both arguments are always forwarded: a field attribute that is left out is 0, never missing.
 std::wstring clsDictionary::DataTypeDesc(long DataType, long FieldAttribute) const try {
+    const NotTopmost notTopmost;
     return dictionary_.Get(L"DataTypeDesc", DataType, FieldAttribute).ToText();
 } catch (...) {
     ReportError(Module, L"Get DataTypeDesc");

@@ -192,8 +192,6 @@ void frmSQLEditor::NameControls() {
 
 void frmSQLEditor::CreateControls() {
     const HWND Window = Handle();
-    // Display makes the window topmost. Under Wine that fails once the trees' tips, which it owns, stand above it.
-    SetWindowPos(Window, HWND_TOPMOST, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
     CreateMenus();
 
     // The order of creation is the order of the Tab key.

@@ -4,6 +4,7 @@
 
 #include "editor/frmSQLEditor.h"
 #include "errors/modErrorHandler.h"
+#include "forms/NotTopmost.h"
 #include "forms/Printer.h"
 
 namespace {
@@ -20,6 +21,7 @@ std::wstring DocumentName(const std::wstring& FileName) {
 
 void frmSQLEditor::mnuFilePrint_Click() try {
     rtbSQL.SetSelLength(0);
+    const NotTopmost notTopmost;  // a driver's box for the name of a file may be another process's
     Printer Chosen = Printer::Choose(Handle(), PD_RETURNDC | PD_NOPAGENUMS);
     PrintingNotice Notice(Handle());
     rtbSQL.Print(Chosen, DocumentName(rtbSQL.FileName), Notice);

@@ -3,20 +3,23 @@
 #include "automation/App.h"
 #include "component/modGlobal.h"
 #include "errors/clsErrorHandler.h"
+#include "forms/NotTopmost.h"
 #include "forms/Painting.h"
 
 void ReportError(const std::wstring& Module, const std::wstring& Routine, const Variant& DebugMessage) {
     const RuntimeError error = CurrentError();
     // Compiled code carries no line numbers.
     constexpr long Line = 0;
+    const NotTopmost notTopmost;  // it may show the error to the user
     if (ErrorHandler == nullptr) ErrorHandler = std::make_shared<clsErrorHandler>();
     // Held here too: the component may be asked to unload while its error component shows an alert.
     const auto handler = ErrorHandler;
-    const PaintingResumed resumed;  // it may show the error to the user
+    const PaintingResumed resumed;
     handler->ErrorMessage(Module, Routine, MakeErrorObject(error), Line, DebugMessage);
 }
 
 void AlertUser(const std::wstring& Message) {
+    const NotTopmost notTopmost;
     if (ErrorHandler == nullptr) ErrorHandler = std::make_shared<clsErrorHandler>();
     const auto handler = ErrorHandler;
     handler->Alert(Message);

@@ -4,9 +4,11 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <optional>
 #include <utility>
 
 #include "automation/App.h"
+#include "automation/HostContexts.h"
 #include "automation/RuntimeError.h"
 #include "forms/Container.h"
 #include "forms/Events.h"
@@ -19,6 +21,8 @@ namespace {
 constexpr const wchar_t* FormClass = L"brvSQLEditorForm";
 constexpr UINT LayOutLater = WM_APP;  // a message of our own
 constexpr double UsualPoints = 9;     // of the dialog font, as Windows comes
+
+HWND shownForm = nullptr;
 
 HMODULE HoldModule() noexcept {
     HMODULE held = nullptr;
@@ -243,6 +247,7 @@ void Form::DisableOthers() {
         reinterpret_cast<LPARAM>(&search));
     call.Rethrow();
     disabled_.reserve(search.Found.size());
+    const InHostContexts host;
     // After the enumeration: a host may make or destroy windows when one of its own is disabled. It may hide this one.
     for (const HWND window : search.Found) {
         if (!shown_) return;
@@ -253,6 +258,7 @@ void Form::DisableOthers() {
 }
 
 void Form::EnableOthers() noexcept {
+    const InHostContexts host;
     // The host is told of each, and may show or hide this window meanwhile.
     for (const HWND window : std::exchange(disabled_, {})) {
         if (IsWindow(window)) EnableWindow(window, TRUE);
@@ -274,6 +280,8 @@ void Form::OnDestroyed() noexcept {
     PostThreadMessageW(GetCurrentThreadId(), WM_NULL, 0, 0);  // wakes a loop that waits in GetMessage
 }
 
+HWND Form::Shown() noexcept { return shownForm != nullptr && IsWindowVisible(shownForm) ? shownForm : nullptr; }
+
 void Form::ShowModal() {
     Load();
     if (handle_ == nullptr) RaiseError(ErrorNumber::ObjectNotSet);  // the load found no memory for a window
@@ -282,12 +290,15 @@ void Form::ShowModal() {
     Events::Call call;
     struct Showing {
         Form& Self;
+        HWND Outer = shownForm;
         ~Showing() {
+            shownForm = Outer;
             if (Self.shown_) Events::Raise([this] { Self.Hide(); });
             Self.EnableOthers();
         }
     } showing{*this};
     shown_ = true;
+    shownForm = handle_;
     DisableOthers();
     if (!shown_) return call.Rethrow();
     // A window that was minimised when it was closed would come back as a button in the taskbar, with the host disabled
@@ -309,6 +320,8 @@ void Form::ShowModal() {
 }
 
 void Form::RunLoop() {
+    // What the loop runs belongs to the host, its hooks and timers too, except for the messages of this window.
+    const InHostContexts host;
     while (shown_) {
         Events::Call call;
         MSG message;
@@ -322,7 +335,9 @@ void Form::RunLoop() {
         if (CallMsgFilterW(&message, MSGF_DIALOGBOX)) continue;
         const bool ours = message.hwnd == handle_ || IsChild(handle_, message.hwnd);
         bool swallowed = false;
+        std::optional<Surroundings> surroundings;
         if (ours) {
+            surroundings.emplace();
             Events::Raise([&] {
                 swallowed = Dragging::Translate(message) || KeyPreview(message) || Menus.Translate(message) ||
                             Navigate(message);
@@ -343,8 +358,7 @@ bool Form::Navigate(const MSG& message) {
     const bool ctrl = GetKeyState(VK_CONTROL) < 0;
     const bool back = GetKeyState(VK_SHIFT) < 0;
     const bool tab = message.wParam == VK_TAB && GetKeyState(VK_MENU) >= 0;
-    if (message.wParam == VK_RETURN &&
-        (SendMessageW(message.hwnd, WM_GETDLGCODE, 0, 0) & DLGC_BUTTON) != 0) {
+    if (message.wParam == VK_RETURN && (SendMessageW(message.hwnd, WM_GETDLGCODE, 0, 0) & DLGC_BUTTON) != 0) {
         SendMessageW(message.hwnd, BM_CLICK, 0, 0);
         return true;
     }

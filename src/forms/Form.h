@@ -59,6 +59,8 @@ public:
     // there is no window.
     void ShowModal();
     bool Visible() const noexcept { return shown_; }
+    // The form of this module that is shown, or null; the innermost one where one is shown over another.
+    static HWND Shown() noexcept;
     // Ends ShowModal.
     void Hide();
     // What the close box does: asks Form_Unload.

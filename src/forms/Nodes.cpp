@@ -23,6 +23,8 @@ struct Node::Item {
     Item* Previous = nullptr;
     Item* Next = nullptr;
     long Children = 0;
+    long Order = 0;           // among its siblings, while they are put in order
+    bool Disordered = false;  // the children stand in another order in the window
     size_t Slot = 0;
     bool Expanded = false;
     HTREEITEM Mirror = nullptr;
@@ -157,11 +159,45 @@ HTREEITEM Nodes::Mirror(const Node::Item& item, HTREEITEM after) {
     return reinterpret_cast<HTREEITEM>(tree_.Original(TVM_INSERTITEMW, 0, reinterpret_cast<LPARAM>(&insert)));
 }
 
+// Where the window puts a node. TVI_LAST costs the control less than a named item under Wine, which searches for that
+// through all items; Windows walks through the siblings for both. Where they are many and come one after the other, the
+// window takes each as its first and is told the order in the end.
+HTREEITEM Nodes::PlaceOf(const Node::Item& item, const Node::Item* previous, const Node::Item* last) noexcept {
+    if (previous == nullptr) return TVI_FIRST;
+    if (previous != last) return previous->Mirror;
+    constexpr long Many = 64;
+    Node::Item* const parent = item.Parent;
+    if (filling_ == 0 || parent == nullptr || parent->Children < Many) return TVI_LAST;
+    if (!parent->Disordered) {
+        parent->Disordered = true;
+        disordered_.push_back(Slot(parent));
+    }
+    return TVI_FIRST;
+}
+
+void Nodes::OrderMirrors() noexcept {
+    for (const Slot& parent : disordered_) {
+        parent->Disordered = false;
+        if (parent->Owner == nullptr) continue;  // removed meanwhile
+        long order = 0;
+        for (Node::Item* child = parent->First; child != nullptr; child = child->Next) child->Order = order++;
+        TVSORTCB sort{};
+        sort.hParent = parent->Mirror;
+        sort.lpfnCompare = [](LPARAM one, LPARAM other, LPARAM) WINAPI -> int {
+            return static_cast<int>(reinterpret_cast<const Node::Item*>(one)->Order -
+                                    reinterpret_cast<const Node::Item*>(other)->Order);
+        };
+        tree_.Original(TVM_SORTCHILDRENCB, 0, reinterpret_cast<LPARAM>(&sort));
+    }
+    disordered_.clear();
+}
+
 // For one more node: what follows in Add cannot fail for want of memory.
 void Nodes::MakeRoom() {
     const size_t room = std::max<size_t>(slots_.size() + slots_.size() / 2, 64);
     if (slots_.size() == slots_.capacity()) slots_.reserve(room);
     if (sums_.size() == sums_.capacity()) sums_.reserve(room);
+    if (disordered_.size() == disordered_.capacity()) disordered_.reserve(disordered_.size() * 2 + 4);
 }
 
 Node Nodes::Add(const Variant& relative, const Variant& relationship, const Variant& key, const std::wstring& text) {
@@ -203,8 +239,7 @@ Node Nodes::Add(const Variant& relative, const Variant& relationship, const Vari
     auto named = keys_.end();
     if (!keyText.empty()) named = keys_.emplace(keyText, made.get()).first;
 
-    // TVI_LAST costs the control less than a named item, which it searches for.
-    made->Mirror = Mirror(*made, previous == nullptr ? TVI_FIRST : previous == last ? TVI_LAST : previous->Mirror);
+    made->Mirror = Mirror(*made, PlaceOf(*made, previous, last));
     if (made->Mirror == nullptr) {
         if (named != keys_.end()) keys_.erase(named);
         RaiseError(ErrorNumber::OutOfMemory);

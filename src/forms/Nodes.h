@@ -106,6 +106,24 @@ public:
     // means Next. Errors: 35601 no such relative, 35602 the key is in use, 7 the control refused or there is no memory.
     // A failure adds nothing.
     Node Add(const Variant& relative, const Variant& relationship, const Variant& key, const std::wstring& text);
+    // While one lives, many nodes may be added behind the last of their siblings, each in the same time: the window of
+    // the control gets them in another order and is put in order when the outermost one ends, or when it is about to be
+    // painted. For branches that do not show yet.
+    class Filling {
+    public:
+        explicit Filling(Nodes& nodes) noexcept : nodes_(nodes) { ++nodes_.filling_; }
+        ~Filling() {
+            if (--nodes_.filling_ == 0) nodes_.OrderMirrors();
+        }
+        Filling(const Filling&) = delete;
+        Filling& operator=(const Filling&) = delete;
+
+    private:
+        Nodes& nodes_;
+    };
+    // Puts the window of the control in the order of the nodes, when it is not.
+    void OrderMirrors() noexcept;
+
     short Count() const noexcept { return static_cast<short>(living_); }
     // Error 35600 for an index outside 1 to Count, 35601 for a key that is not there.
     Node Item(long index) const;
@@ -126,6 +144,7 @@ private:
     long IndexOf(size_t slot) const noexcept;
     void Compact() noexcept;
     void MakeRoom();
+    HTREEITEM PlaceOf(const Node::Item& item, const Node::Item* previous, const Node::Item* last) noexcept;
     HTREEITEM Mirror(const Node::Item& item, HTREEITEM after);
 
     TreeView& tree_;
@@ -138,4 +157,6 @@ private:
     std::set<std::wstring> tags_;  // each once, however many nodes have it
     Node::Item* firstRoot_ = nullptr;
     Node::Item* lastRoot_ = nullptr;
+    int filling_ = 0;
+    std::vector<Slot> disordered_;  // whose children stand otherwise in the window
 };

@@ -32,6 +32,12 @@ void TreeView::Create(HWND container, int id) {
                    TVS_HASBUTTONS | TVS_HASLINES | TVS_LINESATROOT | TVS_SHOWSELALWAYS | TVS_DISABLEDRAGDROP |
                        WS_TABSTOP | WS_VISIBLE | WS_CLIPSIBLINGS,
                    WS_EX_CLIENTEDGE, container, id, L"");
+    // Topmost as it is, the control's tip needs no owner to stand in front. Under Wine a form that owns such a window
+    // cannot be made topmost any more.
+    if (const auto tip = reinterpret_cast<HWND>(Send(TVM_GETTOOLTIPS))) {
+        SetWindowLongPtrW(tip, GWLP_HWNDPARENT, 0);
+        SetWindowPos(tip, HWND_TOPMOST, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
+    }
 }
 
 Node TreeView::SelectedItem() const {
@@ -51,7 +57,10 @@ void TreeView::SetExpanded(const Node& node, bool expanded) {
     if (!MarkExpanded(node, expanded)) return;
     const PaintingHeld held(*this);  // filling, opening and closing are laid out once
     // The control tells of the first expansion of a branch only: the event is raised here, once, in either case.
-    if (expanded && Expand) Expand(node);
+    if (expanded && Expand) {
+        const Nodes::Filling filling(nodes_);
+        Expand(node);
+    }
     {
         const Quiet quiet(quiet_);
         Send(TVM_EXPAND, expanded ? TVE_EXPAND : TVE_COLLAPSE, reinterpret_cast<LPARAM>(MirrorOf(node)));
@@ -119,7 +128,10 @@ void TreeView::ExpandAll(const Node& node) {
         const Node next = waiting.back();
         waiting.pop_back();
         if (!IsLiving(next) || next.Children() == 0) continue;
-        if (MarkExpanded(next, true) && Expand) Expand(next);
+        if (MarkExpanded(next, true) && Expand) {
+            const Nodes::Filling filling(nodes_);
+            Expand(next);
+        }
         if (!IsLiving(next)) continue;
         opened.push_back(next);
         std::vector<Node> below;
@@ -176,6 +188,9 @@ LRESULT TreeView::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
         return 0;
     }
     switch (message) {
+        case WM_SETREDRAW:
+            if (wParam != 0) nodes_.OrderMirrors();
+            break;
         case WM_LBUTTONDOWN: {
             // By itself the control waits in a loop of its own for the button to come up or to be dragged away, and
             // tells of a click before it selects or after, by its version. An expand button stays its own.
@@ -305,6 +320,7 @@ bool TreeView::OnReflected(UINT message, WPARAM, LPARAM lParam, LRESULT& result)
             // only for branches that it shows closed, whatever was said of them while they had no children.
             if (change.action == TVE_EXPAND) {
                 MarkExpanded(node, true);
+                const Nodes::Filling filling(nodes_);
                 if (Expand) Expand(node);
             }
             // The control goes on with the item that it asked for, which may have been removed meanwhile.

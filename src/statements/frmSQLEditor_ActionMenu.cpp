@@ -3,6 +3,7 @@
 #include "component/modGlobal.h"
 #include "editor/frmSQLEditor.h"
 #include "errors/modErrorHandler.h"
+#include "forms/NotTopmost.h"
 
 namespace {
 
@@ -206,7 +207,10 @@ void frmSQLEditor::mnuActionCreate_Click() try {
     if (m_GetActiveItem() == nullptr) return;
     std::wstring Statement;
     bool Cancelled = false;
-    HostDatabase.Call(L"ShowCreateTableDialog1", ByRef(Statement), ByRef(Cancelled));
+    {
+        const NotTopmost notTopmost;
+        HostDatabase.Call(L"ShowCreateTableDialog1", ByRef(Statement), ByRef(Cancelled));
+    }
     if (!Cancelled) m_InsertStatement(Statement);
 } catch (...) {
     ReportError(Module, L"mnuActionCreate_Click");

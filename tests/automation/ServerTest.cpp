@@ -160,6 +160,42 @@ TEST(ServerTest, RegistersForTheUserWithoutTheMachine) {
     }
 }
 
+// Windows keeps CLSID apart for programs of 32 and of 64 bits, and the names together.
+TEST(ServerTest, KeepsTheNamesThatTheOtherWidthNeeds) {
+    constexpr REGSAM Other = sizeof(void*) == 8 ? KEY_WOW64_32KEY : KEY_WOW64_64KEY;
+    const std::wstring name = L"Software\\Classes\\AutomationTest.clsThing";
+    const std::wstring id = std::wstring(L"Software\\Classes\\CLSID\\") + ClassText;
+    const auto has = [](const std::wstring& path, REGSAM view) {
+        HKEY key = nullptr;
+        if (RegOpenKeyExW(HKEY_LOCAL_MACHINE, path.c_str(), 0, KEY_READ | view, &key) != ERROR_SUCCESS) return false;
+        RegCloseKey(key);
+        return true;
+    };
+    // As the other width registers itself.
+    HKEY other = nullptr;
+    ASSERT_EQ(ERROR_SUCCESS, RegCreateKeyExW(HKEY_LOCAL_MACHINE, id.c_str(), 0, nullptr, 0, KEY_ALL_ACCESS | Other,
+                                             nullptr, &other, nullptr));
+    RegCloseKey(other);
+    const bool apart = !has(id, 0);
+    if (apart) {
+        EXPECT_EQ(S_OK, Server::Register(Classes, 1, Server::Scope::Machine, false));
+        EXPECT_TRUE(has(id, 0));
+        EXPECT_EQ(S_OK, Server::Unregister(Classes, 1, Server::Scope::Machine, false));
+        EXPECT_FALSE(has(id, 0));
+        EXPECT_TRUE(has(id, Other));
+        EXPECT_TRUE(has(name + L"\\CLSID", 0));
+        EXPECT_TRUE(has(name + L".1\\CLSID", 0));
+    }
+    EXPECT_EQ(ERROR_SUCCESS, RegDeleteKeyExW(HKEY_LOCAL_MACHINE, id.c_str(), Other, 0));
+    // The last one takes them along.
+    EXPECT_EQ(S_OK, Server::Register(Classes, 1, Server::Scope::Machine, false));
+    EXPECT_EQ(S_OK, Server::Unregister(Classes, 1, Server::Scope::Machine, false));
+    EXPECT_FALSE(has(name, 0));
+    EXPECT_FALSE(has(name + L".1", 0));
+    EXPECT_FALSE(has(id, 0));
+    if (!apart) GTEST_SKIP() << "this system has one width only";
+}
+
 TEST(ServerTest, SaysThatAccessWasDenied) {
     const Hive machine(HKEY_LOCAL_MACHINE, L"machine", true);
     EXPECT_EQ(E_ACCESSDENIED, Server::Register(Classes, 2, Server::Scope::Machine, false));

@@ -252,3 +252,31 @@ TEST_F(AccessibilityTest, TheTabKeyShowsWhereTheFocusIs) {
     EXPECT_NE(nullptr, after);
     EXPECT_NE(before, after);
 }
+
+TEST_F(AccessibilityTest, TheEnterKeyChoosesThePageOfAButton) {
+    const Object editor = Dll.Create();
+    editor.Call(L"Constructor", Database.Make());
+    std::wstring sql = L"select 1";
+    static HWND button;
+    static int turns;
+    static LRESULT chosen;
+    turns = 0;
+    chosen = -1;
+    const WhenShown shown([] {
+        button = GetDlgItem(EditorWindow::Find(), 1013);
+        // Programs that read the screen say of a button in this shape whether it is pressed.
+        EXPECT_EQ(BS_CHECKBOX | BS_PUSHLIKE, GetWindowLongW(button, GWL_STYLE) & (BS_TYPEMASK | BS_PUSHLIKE));
+        SetFocus(button);
+        EXPECT_EQ(BST_UNCHECKED, SendMessageW(button, BM_GETCHECK, 0, 0)) << "the focus alone chooses nothing";
+        PostMessageW(button, WM_KEYDOWN, VK_RETURN, 1);
+        SetTimer(nullptr, 0, 30, [](HWND, UINT, UINT_PTR id, DWORD) WINAPI {
+            chosen = SendMessageW(button, BM_GETCHECK, 0, 0);
+            if (chosen != BST_CHECKED && ++turns < 100) return;
+            KillTimer(nullptr, id);
+            EditorWindow::Close();
+        });
+    });
+    editor.Call(L"Display", ByRef(sql));
+    EXPECT_EQ(BST_CHECKED, chosen);
+    EXPECT_EQ(L"", Errors.Places());
+}

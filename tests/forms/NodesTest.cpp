@@ -1,5 +1,8 @@
 #include "forms/Nodes.h"
 
+#include <commctrl.h>
+
+#include <map>
 #include <random>
 #include <vector>
 
@@ -199,4 +202,133 @@ TEST(TreeView, SelectionIsTheModelsNode) {
     EXPECT_FALSE(tree.View.SelectedItem());
     child.SetText(L"renamed");
     EXPECT_EQ(L"renamed", child.Text());
+}
+
+namespace {
+
+// How the control is asked to add items, while it lives: the steps that a control takes that walks along the siblings
+// up to the one that is named. Windows walks for the last one as well.
+class InsertionsWatched {
+public:
+    InsertionsWatched() {
+        const HWND any = CreateWindowExW(0, WC_TREEVIEWW, L"", 0, 0, 0, 1, 1, nullptr, nullptr, nullptr, nullptr);
+        before = reinterpret_cast<WNDPROC>(
+            SetClassLongPtrW(any, GCLP_WNDPROC, reinterpret_cast<LONG_PTR>(&InsertionsWatched::Procedure)));
+        DestroyWindow(any);
+        steps = 0;
+        siblings.clear();
+    }
+    ~InsertionsWatched() {
+        const HWND any = CreateWindowExW(0, WC_TREEVIEWW, L"", 0, 0, 0, 1, 1, nullptr, nullptr, nullptr, nullptr);
+        SetClassLongPtrW(any, GCLP_WNDPROC, reinterpret_cast<LONG_PTR>(before));
+        DestroyWindow(any);
+    }
+    InsertionsWatched(const InsertionsWatched&) = delete;
+    InsertionsWatched& operator=(const InsertionsWatched&) = delete;
+    static long Steps() { return steps; }
+
+private:
+    static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+        if (message == TVM_INSERTITEMW) {
+            const auto& insert = *reinterpret_cast<const TVINSERTSTRUCTW*>(lParam);
+            long& count = siblings[insert.hParent];
+            if (insert.hInsertAfter != TVI_FIRST) steps += count;
+            ++count;
+        }
+        return CallWindowProcW(before, window, message, wParam, lParam);
+    }
+    static inline WNDPROC before;
+    static inline long steps;
+    static inline std::map<HTREEITEM, long> siblings;
+};
+
+// The texts of the control's items below one, joined.
+std::wstring ShownBelow(const TreeView& view, HTREEITEM parent) {
+    std::wstring shown;
+    const auto next = [&](WPARAM relation, HTREEITEM item) {
+        return reinterpret_cast<HTREEITEM>(view.Send(TVM_GETNEXTITEM, relation, reinterpret_cast<LPARAM>(item)));
+    };
+    for (HTREEITEM item = next(TVGN_CHILD, parent); item != nullptr; item = next(TVGN_NEXT, item)) {
+        wchar_t text[50];
+        TVITEMW read{};
+        read.mask = TVIF_TEXT;
+        read.hItem = item;
+        read.pszText = text;
+        read.cchTextMax = 50;
+        view.Send(TVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&read));
+        shown += std::wstring(text) + L" ";
+    }
+    return shown;
+}
+
+std::wstring TextsBelow(const Node& parent) {
+    std::wstring texts;
+    for (Node node = parent.Child(); node; node = node.Next()) texts += node.Text() + L" ";
+    return texts;
+}
+
+}  // namespace
+
+TEST(Nodes, ManyAreAddedWithoutWalkingAlongThem) {
+    const InsertionsWatched watched;
+    Tree tree;
+    const Node root = tree.Root(L"root");
+    const auto item = [&] { return reinterpret_cast<HTREEITEM>(tree.View.Send(TVM_GETNEXTITEM, TVGN_ROOT)); };
+    constexpr long Many = 3000;
+    bool filled = false;
+    tree.View.Expand = [&](const Node& node) {
+        for (long at = 0; at < Many; ++at) {
+            const Node child = tree.Child(node, std::to_wstring(at));
+            tree.Child(child, L"a");
+            tree.Child(child, L"b");
+        }
+        // What is put elsewhere than behind the last one, and what is removed, while the window has another order.
+        tree.Items().Add(root.Child().Index(), TreeRelationship::Previous, Variant::Missing(), L"first");
+        tree.Items().Add(root.Child().Next().Index(), TreeRelationship::Next, Variant::Missing(), L"third");
+        tree.Items().Remove(root.Child().Next().Next().Next().Index());
+        tree.Child(root, L"last");
+        filled = true;
+    };
+    root.SetExpanded(true);
+    ASSERT_TRUE(filled);
+    EXPECT_LT(watched.Steps(), 3 * Many);
+    EXPECT_EQ(Many + 2, root.Children());
+    EXPECT_EQ(0U, TextsBelow(root).find(L"first 0 third 2 3 "));
+    EXPECT_EQ(TextsBelow(root), ShownBelow(tree.View, item()));
+    // A branch that shows takes one at its end as always.
+    tree.Child(root, L"later");
+    EXPECT_EQ(TextsBelow(root), ShownBelow(tree.View, item()));
+}
+
+// A message box in the middle of the filling shows what is there in its order.
+TEST(Nodes, TheWindowIsInOrderWheneverItIsPainted) {
+    Tree tree;
+    const Node root = tree.Root(L"root");
+    const auto item = [&] { return reinterpret_cast<HTREEITEM>(tree.View.Send(TVM_GETNEXTITEM, TVGN_ROOT)); };
+    std::wstring inTheMiddle;
+    tree.View.Expand = [&](const Node& node) {
+        for (int at = 0; at < 100; ++at) tree.Child(node, std::to_wstring(at));
+        tree.View.Send(WM_SETREDRAW, TRUE);
+        EXPECT_EQ(TextsBelow(root), ShownBelow(tree.View, item()));
+        for (int at = 100; at < 200; ++at) tree.Child(node, std::to_wstring(at));
+        inTheMiddle = ShownBelow(tree.View, item());
+    };
+    root.SetExpanded(true);
+    EXPECT_EQ(200, root.Children());
+    EXPECT_NE(TextsBelow(root), inTheMiddle) << "nothing was put off: the test looks at nothing";
+    EXPECT_EQ(TextsBelow(root), ShownBelow(tree.View, item()));
+}
+
+TEST(Nodes, ABranchMayGoWhileItIsFilled) {
+    Tree tree;
+    const Node root = tree.Root(L"root");
+    const Node branch = tree.Child(root, L"branch");
+    tree.View.Expand = [&](const Node& node) {
+        for (int at = 0; at < 100; ++at) tree.Child(node, std::to_wstring(at));
+        tree.Items().Remove(node.Index());
+        tree.Items().Clear();
+    };
+    NumberOf([&] { branch.SetExpanded(true); });
+    EXPECT_EQ(0, tree.Items().Count());
+    EXPECT_EQ(0, tree.Shown());
 }
