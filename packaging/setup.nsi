@@ -44,6 +44,7 @@ VIAddVersionKey "LegalCopyright" "Copyright (c) 2026 The brvSQLEditor authors"
 
 Var Scope          ; "User" or "Machine": whose folders, list of programs and classes
 Var ClassScope     ; the same, where the classes are registered
+Var GivenFolder    ; that of /D=, which is not among the parameters that an installer sees
 Var Repairing      ; "1": install what is there once more
 Var ForUser        ; the radio buttons of the page
 Var ForEverybody
@@ -93,6 +94,15 @@ Function ${un}UseScope ; $Scope: the folders and registry roots that the instruc
         ${If} $0 != "seen"
             StrCpy $ClassScope "Machine"
         ${EndIf}
+        ; Where the control of user accounts is off, COM looks for no classes of an administrator's own.
+        UserInfo::GetAccountType
+        Pop $0
+        ${If} $0 == "Admin"
+            ReadRegDWORD $0 HKLM "Software\Microsoft\Windows\CurrentVersion\Policies\System" "EnableLUA"
+            ${If} $0 == "0"
+                StrCpy $ClassScope "Machine"
+            ${EndIf}
+        ${EndIf}
     ${EndIf}
 FunctionEnd
 !macroend
@@ -129,6 +139,7 @@ Function .onInit
         SetErrorLevel 2
         Quit
     ${EndIf}
+    StrCpy $GivenFolder $INSTDIR
     StrCpy $Scope "User"
     StrCpy $Repairing ""
     Call HasRights
@@ -189,6 +200,9 @@ Function StartElevated
     StrCpy $0 "/AllUsers"
     ${If} $Repairing == 1
         StrCpy $0 "/AllUsers /Repair"
+    ${EndIf}
+    ${If} $GivenFolder != ""
+        StrCpy $0 "$0 /D=$GivenFolder" ; last, and without quotation marks
     ${EndIf}
     ClearErrors
     ExecShell "runas" "$EXEPATH" "$0"
@@ -376,7 +390,9 @@ Section "${NAME}"
     ${If} ${RunningX64}
         Push ""
         Call Regsvr32_x64
+        ; On a processor of the ARM kind the 64-bit regsvr32 is of that kind, and cannot load it: 32-bit hosts have it nevertheless.
         ${If} $Code != 0
+        ${AndIfNot} ${IsNativeARM64}
             Call RollBack
         ${EndIf}
     ${EndIf}
@@ -408,7 +424,11 @@ Function un.onInit
         ${If} $0 != "Admin"
             IfSilent quiet
             ClearErrors
-            ExecShell "runas" "$INSTDIR\uninstall.exe"
+            StrCpy $0 ""
+            ${If} $RemoveSettings == 1
+                StrCpy $0 "/RemoveSettings" ; of the account that it goes on with
+            ${EndIf}
+            ExecShell "runas" "$INSTDIR\uninstall.exe" "$0"
             ${If} ${Errors}
                 MessageBox MB_OK|MB_ICONEXCLAMATION "Removing what was installed for everybody needs the rights of an administrator."
                 SetErrorLevel 5
