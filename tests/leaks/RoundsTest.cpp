@@ -105,6 +105,18 @@ Held Now() {
     return held;
 }
 
+// Whether HeapWalk tells small blocks one by one.
+bool TellsGroups() {
+    Held before;
+    AddHeaps(before);
+    std::vector<void*> blocks(500);
+    for (void*& block : blocks) block = HeapAlloc(GetProcessHeap(), 0, 12);
+    Held after;
+    AddHeaps(after);
+    for (void* block : blocks) HeapFree(GetProcessHeap(), 0, block);
+    return after.HeapBlocks - before.HeapBlocks < blocks.size() / 2;
+}
+
 long References(const Object& object) {
     object.Dispatch()->AddRef();
     return static_cast<long>(object.Dispatch()->Release());
@@ -166,7 +178,9 @@ TEST_F(RoundsTest, NothingStaysBehind) {
     const int rounds = Rounds();
     // How much a round may leave on the average. Wine's static control keeps 12 bytes of every window that it was; what
     // the system keeps otherwise does not come with every round.
-    constexpr double BytesPerRound = 100;
+    // Where the heap is told by groups of small blocks (Wine 10: 31 of them, 1,008 bytes), those 12 bytes show as the
+    // group that they keep.
+    const double BytesPerRound = 100 + (TellsGroups() ? 1008 : 0);
     constexpr double BlocksPerRound = 1.5;
     Held settled;
     Held middle;
