@@ -1,5 +1,5 @@
 # Functions that scripts/appearances and tests/appearance share: how the screen looks to the programs of a Wine prefix. Sourced after
-# scripts/setup.sh. Programs that start later see a change; no restart of anything is needed.
+# scripts/setup.sh. Programs that start later see a change.
 
 # The prefix has these settings for itself: nothing else may run in it.
 BRV_APPEARANCE_PREFIX=wine$BRV_WIDTH-appearance
@@ -75,4 +75,8 @@ set_appearance() {
     files=("$(windows_path "$file")")
     [ "${3:-theme}" != theme ] || files=("$(windows_path "$colours")" "${files[@]}")
     run_wine regedit /S "${files[@]}" >/dev/null 2>&1 || die "the appearance $* could not be set"
+    # Wine 10 keeps the dots per inch that its desktop has begun with.
+    timeout 30 wineserver -k 9>&- >/dev/null 2>&1
+    timeout 30 wineserver -w 9>&- >/dev/null 2>&1
+    timeout 30 wineserver -p300 9>&- >/dev/null 2>&1
 }
