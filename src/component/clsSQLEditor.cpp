@@ -87,8 +87,8 @@ void clsSQLEditor::Constructor(const Object& Database) try {
 
 void clsSQLEditor::Display(std::wstring& SQL) try {
     if (EditorForm == nullptr || EditorForm->m_IsGone()) {
-        // Held, since the host may let go of it while it is constructed: what fails there is reported, and whoever takes
-        // the report may call back.
+        // Held, since the host may let go of it while it is constructed: what fails there is reported, and whoever
+        // takes the report may call back.
         const auto Made = std::make_shared<frmSQLEditor>();
         EditorForm = Made;
         Made->Constructor();
