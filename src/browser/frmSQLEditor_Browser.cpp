@@ -130,12 +130,8 @@ void frmSQLEditor::trvDBObjects_NodeClick(const Node& Node) try {
 }
 
 void frmSQLEditor::trvDBObjects_MouseDown(int Button, int, float, float) try {
-    if (Button != MouseButton::Right) return;
-    const Node Selected = trvDBObjects.SelectedItem();
-    if (!Selected) return;
-    m_EnableActionMenu();
-    trvDBObjects_NodeClick(Selected);
-    mnuAction.PopUp();
+    // The menu opens when the button comes up: see trvDBObjects_ContextMenu.
+    if (Button == MouseButton::Right && trvDBObjects.SelectedItem()) m_EnableActionMenu();
 } catch (...) {
     ReportError(Module, L"trvDBObjects_MouseDown");
 }

@@ -32,9 +32,7 @@ void frmSQLEditor::trvDatabaseSpecific_NodeClick(const Node& Node) try {
 }
 
 void frmSQLEditor::lstAnsiSQL_MouseDown(int Button, int, float, float) try {
-    if (Button != MouseButton::Right) return;
-    m_EnableActionMenu();
-    mnuAction.PopUp();
+    if (Button == MouseButton::Right) m_EnableActionMenu();
 } catch (...) {
     ReportError(Module, L"lstAnsiSQL_MouseDown");
 }
@@ -50,9 +48,7 @@ void frmSQLEditor::lstAnsiSQL_MouseUp(int, int, float, float) try { lstAnsiSQL.D
 }
 
 void frmSQLEditor::lstKolvex_MouseDown(int Button, int, float, float) try {
-    if (Button != MouseButton::Right) return;
-    m_EnableActionMenu();
-    mnuAction.PopUp();
+    if (Button == MouseButton::Right) m_EnableActionMenu();
 } catch (...) {
     ReportError(Module, L"lstKolvex_MouseDown");
 }
@@ -68,9 +64,7 @@ void frmSQLEditor::lstKolvex_MouseUp(int, int, float, float) try { lstKolvex.Dra
 }
 
 void frmSQLEditor::trvDatabaseSpecific_MouseDown(int Button, int, float, float) try {
-    if (Button != MouseButton::Right) return;
-    m_EnableActionMenu();
-    mnuAction.PopUp();
+    if (Button == MouseButton::Right) m_EnableActionMenu();
 } catch (...) {
     ReportError(Module, L"trvDatabaseSpecific_MouseDown");
 }

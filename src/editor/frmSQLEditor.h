@@ -177,9 +177,8 @@ private:
     std::wstring m_CopiedText();
     bool m_Copy(const std::wstring& Text, const wchar_t* Routine);
     void m_ReplaceSelection(const std::wstring& Text);
-    void m_ChangeCase(DWORD Mapping);  // LCMAP_LOWERCASE or LCMAP_UPPERCASE
-    void rtbSQL_MouseDown(int Button, int Shift, float X, float Y);
-    void rtbSQL_ContextMenu(const POINT& At);  // by the keyboard; in pixels of the screen
+    void m_ChangeCase(DWORD Mapping);          // LCMAP_LOWERCASE or LCMAP_UPPERCASE
+    void rtbSQL_ContextMenu(const POINT& At);  // in pixels of the screen
     void rtbSQL_CopyRequested();
     void rtbSQL_CutRequested();
     void rtbSQL_Change();
@@ -254,7 +253,7 @@ private:
     void rtbSQL_DragOver(Control& Source, float X, float Y, DragState State);
     void rtbSQL_DragDrop(Control& Source, float X, float Y);
     void rtbSQL_OLEDragDrop(const DroppedData& Data);
-    // Inserts the texts of files, one behind the other, and tells which could not be.
+    // Inserts the texts of files, one behind the other, asks before large ones, and tells which could not be.
     void m_InsertFiles(const std::vector<std::wstring>& Files);
     // What a drop of this view's selection inserts; empty for kinds of node that drop nothing.
     std::wstring m_DragText(Control& Source);
@@ -262,6 +261,7 @@ private:
 
     long connection_ = 0;                   // the one that the tree and the reference are of: see modGlobal::Connection
     bool displaying_ = false;               // Constructor or a Display is under way
+    bool printing_ = false;                 // what the Print command began is not over
     std::optional<std::wstring> returned_;  // the text as it was when the window was closed
     bool changedSince_ = false;             // and whether it was changed after that
     bool moving_ = false;                   // the splitter is being dragged

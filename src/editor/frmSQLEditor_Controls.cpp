@@ -236,7 +236,7 @@ void frmSQLEditor::CreateControls() {
     trvDBObjects.Collapse = [this](const Node& Node) { trvDBObjects_Collapse(Node); };
     trvDBObjects.NodeClick = [this](const Node& Node) { trvDBObjects_NodeClick(Node); };
     trvDBObjects.SelChange = [this](const Node& Node) { trvDBObjects_SelChange(Node); };
-    trvDBObjects.ContextMenuKey = [this](const POINT& At) { trvDBObjects_ContextMenu(At); };
+    trvDBObjects.ContextMenu = [this](const POINT& At) { trvDBObjects_ContextMenu(At); };
     trvDBObjects.MouseDown = [this](int B, int S, float X, float Y) { trvDBObjects_MouseDown(B, S, X, Y); };
     trvDBObjects.MouseMove = [this](int B, int S, float X, float Y) { trvDBObjects_MouseMove(B, S, X, Y); };
     trvDBObjects.MouseUp = [this](int B, int S, float X, float Y) { trvDBObjects_MouseUp(B, S, X, Y); };
@@ -259,10 +259,9 @@ void frmSQLEditor::CreateControls() {
     trvDatabaseSpecific.MouseUp = [this](int B, int S, float X, float Y) { trvDatabaseSpecific_MouseUp(B, S, X, Y); };
     for (Control* View : {static_cast<Control*>(&lstAnsiSQL), static_cast<Control*>(&lstKolvex),
                           static_cast<Control*>(&trvDatabaseSpecific)}) {
-        View->ContextMenuKey = [this](const POINT& At) { m_ReferenceContextMenu(At); };
+        View->ContextMenu = [this](const POINT& At) { m_ReferenceContextMenu(At); };
     }
-    rtbSQL.MouseDown = [this](int B, int S, float X, float Y) { rtbSQL_MouseDown(B, S, X, Y); };
-    rtbSQL.ContextMenuKey = [this](const POINT& At) { rtbSQL_ContextMenu(At); };
+    rtbSQL.ContextMenu = [this](const POINT& At) { rtbSQL_ContextMenu(At); };
     rtbSQL.PasteRequested = [this] { mnuEditPaste_Click(); };
     rtbSQL.CopyRequested = [this] { rtbSQL_CopyRequested(); };
     rtbSQL.CutRequested = [this] { rtbSQL_CutRequested(); };

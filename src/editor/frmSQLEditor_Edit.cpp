@@ -98,7 +98,8 @@ void frmSQLEditor::m_ChangeCase(DWORD Mapping) {
     const std::wstring Text = rtbSQL.SelText();
     if (Text.empty()) return;
     const long Start = rtbSQL.SelStart();
-    // By the user's language, letters alone: a mapping never makes a character more or less.
+    // Letters alone, so that a mapping never makes a character more or less, and not by the casing rules of a language:
+    // in a Turkish one an i of "distinct" would become a letter that no database knows.
     std::wstring Mapped(Text.size(), L'\0');
     const int Length = LCMapStringEx(LOCALE_NAME_USER_DEFAULT, Mapping, Text.c_str(), static_cast<int>(Text.size()),
                                      Mapped.data(), static_cast<int>(Mapped.size()), nullptr, nullptr, 0);
@@ -163,12 +164,6 @@ void frmSQLEditor::m_FindNext(const std::wstring* Text) try {
     if (!findText_.empty()) rtbSQL.Find(findText_);
 } catch (...) {
     ReportError(Module, L"m_FindNext");
-}
-
-void frmSQLEditor::rtbSQL_MouseDown(int Button, int, float, float) try {
-    if (Button == MouseButton::Right) mnuEdit.PopUp();
-} catch (...) {
-    ReportError(Module, L"rtbSQL_MouseDown");
 }
 
 void frmSQLEditor::rtbSQL_ContextMenu(const POINT& At) try { mnuEdit.PopUp(&At); } catch (...) {

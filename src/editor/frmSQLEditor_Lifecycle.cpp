@@ -10,6 +10,7 @@
 #include "dictionary/clsDictionary.h"
 #include "editor/frmSQLEditor.h"
 #include "errors/modErrorHandler.h"
+#include "forms/Flagged.h"
 #include "forms/PlainText.h"
 #include "forms/Settings.h"
 
@@ -21,18 +22,6 @@ constexpr const wchar_t* SettingsSection = L"Settings";
 float SavedPlacement(const wchar_t* Key, const wchar_t* Default) {
     return ToSingle(GetSetting(App::Title, SettingsSection, Key, Default));
 }
-
-// Sets a flag for the time that it lives.
-class Flagged {
-public:
-    explicit Flagged(bool& flag) noexcept : flag_(flag) { flag_ = true; }
-    ~Flagged() { flag_ = false; }
-    Flagged(const Flagged&) = delete;
-    Flagged& operator=(const Flagged&) = delete;
-
-private:
-    bool& flag_;
-};
 
 void SavePlacement(const wchar_t* Key, float Value) {
     SaveSetting(App::Title, SettingsSection, Key, FromSingle(Value));

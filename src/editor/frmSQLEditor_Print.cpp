@@ -4,6 +4,7 @@
 
 #include "editor/frmSQLEditor.h"
 #include "errors/modErrorHandler.h"
+#include "forms/Flagged.h"
 #include "forms/NotTopmost.h"
 #include "forms/Printer.h"
 
@@ -20,11 +21,17 @@ std::wstring DocumentName(const std::wstring& FileName) {
 }  // namespace
 
 void frmSQLEditor::mnuFilePrint_Click() try {
+    // The window is in use while the printer asks for the name of a file.
+    if (printing_) return;
+    const Flagged Printing(printing_);
     rtbSQL.SetSelLength(0);
     const NotTopmost notTopmost;  // a driver's box for the name of a file may be another process's
+    // The dialog offers to print the selection too. There is none, and the whole text is printed.
     Printer Chosen = Printer::Choose(Handle(), PD_RETURNDC | PD_NOPAGENUMS);
+    Chosen.StartDocument(DocumentName(rtbSQL.FileName));
+    if (!Visible()) return;  // closed meanwhile
     PrintingNotice Notice(Handle());
-    rtbSQL.Print(Chosen, DocumentName(rtbSQL.FileName), Notice);
+    rtbSQL.Print(Chosen, Notice);
 } catch (...) {
     // The dialog can be cancelled without a word.
     if (CurrentError().Number != ErrorNumber::DialogCancelled) ReportError(Module, L"mnuFilePrint_Click");

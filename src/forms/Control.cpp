@@ -217,7 +217,7 @@ void Control::RaiseMouse(const MouseEvent& event, int button, LPARAM lParam) {
 void Control::Drag(DragAction action) {
     switch (action) {
         case DragAction::Begin: {
-            if (Dragging::Active()) return;
+            if (Dragging::Active() || !HoldsSomething()) return;
             // A hand is not steady: a click that moves a little is a click.
             if (pressed_ && std::abs(GET_X_LPARAM(mouse_) - GET_X_LPARAM(press_)) < GetSystemMetrics(SM_CXDRAG) &&
                 std::abs(GET_Y_LPARAM(mouse_) - GET_Y_LPARAM(press_)) < GetSystemMetrics(SM_CYDRAG)) {
@@ -325,20 +325,40 @@ LRESULT Control::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
         case WM_LBUTTONUP:
             RaiseMouse(MouseUp, MouseButton::Left, lParam);
             break;
-        case WM_RBUTTONUP:
+        case WM_RBUTTONUP: {
             RaiseMouse(MouseUp, MouseButton::Right, lParam);
-            break;
+            menuShown_ = false;
+            const LRESULT result = Original(message, wParam, lParam);
+            // Most classes leave it to the system to ask for a menu then; some keep the button for themselves.
+            if (ContextMenu && !menuShown_) {
+                POINT at{GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)};
+                ClientToScreen(handle_, &at);
+                SendMessageW(handle_, WM_CONTEXTMENU, reinterpret_cast<WPARAM>(handle_), MAKELPARAM(at.x, at.y));
+            }
+            return result;
+        }
         case WM_MBUTTONUP:
             RaiseMouse(MouseUp, MouseButton::Middle, lParam);
             break;
         case WM_CAPTURECHANGED:
             if (CaptureLost) CaptureLost();
             break;
-        case WM_CONTEXTMENU:
-            if (!ContextMenuKey) break;
-            // By the mouse it opens when the right button goes down: see MouseDown.
-            if (lParam == -1) ContextMenuKey(MenuPoint());
+        case WM_CONTEXTMENU: {
+            menuShown_ = true;
+            if (!ContextMenu) break;
+            const POINT at{GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)};
+            if (at.x == -1 && at.y == -1) {
+                ContextMenu(MenuPoint());
+                return 0;
+            }
+            POINT inside = at;
+            ScreenToClient(handle_, &inside);
+            RECT client;
+            GetClientRect(handle_, &client);
+            if (!PtInRect(&client, inside)) break;  // a scroll bar has a menu of its own
+            ContextMenu(at);
             return 0;
+        }
         case WM_SETFOCUS: {
             const LRESULT result = Original(message, wParam, lParam);
             if (GotFocus) GotFocus();

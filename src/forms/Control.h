@@ -82,11 +82,13 @@ public:
     MouseEvent MouseDown;
     MouseEvent MouseMove;
     MouseEvent MouseUp;
-    Event CaptureLost;          // the mouse was taken away in the middle of a drag
-    PointEvent ContextMenuKey;  // the key was pressed: where a menu is to open, in pixels of the screen
+    Event CaptureLost;  // the mouse was taken away in the middle of a drag
+    // The right button was pressed and released over the control, which has done what it does with it, or the key was
+    // pressed, or a finger or a pen was held: where a menu is to open, in pixels of the screen.
+    PointEvent ContextMenu;
 
     // Starts, ends or cancels a drag of this control: given from its MouseMove and MouseUp. Begin takes effect when the
-    // mouse has left the little area around the place where the button was pressed.
+    // mouse has left the little area around the place where the button was pressed, and there was something to drag.
     void Drag(DragAction action);
     // What the mouse shows while this control is dragged.
     virtual std::wstring DragCaption() const { return {}; }
@@ -122,6 +124,8 @@ protected:
     static int ShiftKeys() noexcept;                  // the sum of the keys that are down (ShiftState)
     static int MouseButtons(WPARAM wParam) noexcept;  // the sum of the buttons that a mouse message says are down
     void RaiseMouse(const MouseEvent& event, int button, LPARAM lParam);
+    // Whether what the button was pressed on can be dragged.
+    virtual bool HoldsSomething() const { return true; }
     // The control stops following the mouse by itself, since a drag begins. `press`: where the button went down.
     virtual void EndTracking(LPARAM press);
     // Where the context-menu key opens a menu, in pixels of the screen.
@@ -145,7 +149,8 @@ private:
     int paintingHeld_ = 0;
     int leftEdge_ = 0;
     int rightEdge_ = 0;
-    bool pressed_ = false;  // the left button went down here, at press_
+    bool menuShown_ = false;  // WM_CONTEXTMENU has come since the right button was released
+    bool pressed_ = false;    // the left button went down here, at press_
     LPARAM press_ = 0;
     LPARAM mouse_ = 0;  // the last place of the mouse that the control was told of
 };

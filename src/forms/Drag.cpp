@@ -13,6 +13,7 @@ struct Session {
     bool Accepted = false;  // the target would take something from this source
     CursorHandle Copy;      // an arrow with what is dragged
     POINT At{};
+    DWORD Moved = 0;     // when it moved last
     bool Spent = false;  // cancelled, with the button still down
 };
 
@@ -67,6 +68,7 @@ void Dragging::Move(POINT screen) {
     Session& session = Current();
     if (session.Source == nullptr) return;
     session.At = screen;
+    session.Moved = GetTickCount();
     Control& source = *session.Source;
     Control* const target = TargetAt(screen);
     if (target != session.Over) {
@@ -82,6 +84,11 @@ void Dragging::Move(POINT screen) {
     }
     if (session.Source == &source && session.Over != nullptr) Raise(*session.Over, source, DragState::Over, screen);
     if (session.Source == &source) ShowCursor(session);
+}
+
+void Dragging::Repeat() {
+    const Session& session = Current();
+    if (session.Source != nullptr && GetTickCount() - session.Moved >= RepeatInterval) Move(session.At);
 }
 
 namespace {

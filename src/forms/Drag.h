@@ -27,6 +27,10 @@ void Cancel();
 
 // The mouse at a point of the screen, in pixels: raises the targets' events and sets the cursor.
 void Move(POINT screen);
+// A drag that is held still moves again and again, so that what it is held over can scroll: called at least once in an
+// interval, in milliseconds, while one is active.
+constexpr DWORD RepeatInterval = 50;
+void Repeat();
 // The button that was held after a cancelled drag is up.
 void Released() noexcept;
 // A message for the thread's loop: the keyboard belongs to the drag, and Escape ends it. True: it is swallowed.

@@ -135,7 +135,7 @@ public:
     HRESULT STDMETHODCALLTYPE DragEnter(IDataObject* data, DWORD, POINTL at, DWORD* effect) noexcept override {
         if (data == nullptr || effect == nullptr) return E_INVALIDARG;
         return Guarded(effect, [&] {
-            accepted_ = owner_->Accepts && owner_->Accepts(DroppedData(data));
+            Ask(data);
             return Follow(at, *effect);
         });
     }
@@ -153,11 +153,12 @@ public:
     HRESULT STDMETHODCALLTYPE Drop(IDataObject* data, DWORD, POINTL at, DWORD* effect) noexcept override {
         if (data == nullptr || effect == nullptr) return E_INVALIDARG;
         return Guarded(effect, [&] {
-            accepted_ = owner_->Accepts && owner_->Accepts(DroppedData(data));
+            Ask(data);
             const DWORD done = Follow(at, *effect);
             // What is not accepted, a picture, is shown to the event all the same; what may only be moved is left
             // alone.
-            if ((done != DROPEFFECT_NONE || !accepted_) && owner_->Drop) owner_->Drop(DroppedData(data));
+            if ((done != DROPEFFECT_NONE || !accepted_) && owner_ != nullptr && owner_->Drop)
+                owner_->Drop(DroppedData(data));
             return done;
         });
     }
@@ -181,10 +182,18 @@ private:
         Release();
         return result;
     }
+    // The other program is asked, and while it answers anything may happen here: the window may be gone after it.
+    void Ask(IDataObject* data) {
+        accepted_ = false;
+        const bool accepted = owner_->Accepts && owner_->Accepts(DroppedData(data));
+        accepted_ = accepted && owner_ != nullptr;
+    }
     // What is dropped is copied; a program that only lets it be moved keeps it.
     DWORD Follow(POINTL at, DWORD allowed) const {
-        if (!accepted_ || (allowed & (DROPEFFECT_COPY | DROPEFFECT_LINK)) == 0) return DROPEFFECT_NONE;
+        if (!accepted_ || owner_ == nullptr || (allowed & (DROPEFFECT_COPY | DROPEFFECT_LINK)) == 0)
+            return DROPEFFECT_NONE;
         if (owner_->Over) owner_->Over({at.x, at.y});
+        if (owner_ == nullptr) return DROPEFFECT_NONE;
         return (allowed & DROPEFFECT_COPY) != 0 ? DROPEFFECT_COPY : DROPEFFECT_LINK;
     }
 

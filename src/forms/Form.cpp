@@ -324,6 +324,13 @@ void Form::RunLoop() {
     const InHostContexts host;
     while (shown_) {
         Events::Call call;
+        if (Dragging::Active()) {
+            const DWORD waited =
+                MsgWaitForMultipleObjectsEx(0, nullptr, Dragging::RepeatInterval, QS_ALLINPUT, MWMO_INPUTAVAILABLE);
+            Events::Raise([] { Dragging::Repeat(); });
+            call.Rethrow();
+            if (waited == WAIT_TIMEOUT) continue;
+        }
         MSG message;
         const BOOL got = GetMessageW(&message, nullptr, 0, 0);
         if (got <= 0) {

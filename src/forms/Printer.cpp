@@ -22,7 +22,6 @@ constexpr int PageId = 100;
 
 std::wstring DialogFailure(DWORD error) {
     switch (error) {
-        case PDERR_NODEFAULTPRN:
         case PDERR_NODEVICES:
         case PDERR_DNDMMISMATCH:
             return L"no printer is installed.";
@@ -38,8 +37,13 @@ std::wstring DialogFailure(DWORD error) {
     }
 }
 
+// What a call for a document answered.
 void Check(int result) {
-    if (result <= 0) RaisePrinterError(L"the printer did not take the document.");
+    if (result > 0) return;
+    const DWORD error = GetLastError();
+    if (result == SP_APPABORT || result == SP_USERABORT || error == ERROR_CANCELLED || error == ERROR_PRINT_CANCELLED)
+        RaiseError(ErrorNumber::DialogCancelled);
+    RaisePrinterError(L"the printer did not take the document.");
 }
 
 }  // namespace
@@ -56,9 +60,13 @@ Printer Printer::Choose(HWND owner, DWORD flags) {
     const DWORD error = chosen ? 0 : CommDlgExtendedError();
     GlobalFree(dialog.hDevMode);
     GlobalFree(dialog.hDevNames);
-    Printer printer(chosen ? dialog.hDC : nullptr, dialog.nCopies > 1 ? dialog.nCopies : 1);
+    Printer printer(chosen ? dialog.hDC : nullptr);
+    if (dialog.nCopies > 1) printer.copies_ = dialog.nCopies;
+    printer.collated_ = (dialog.Flags & PD_COLLATE) != 0;
+    printer.toFile_ = (dialog.Flags & PD_PRINTTOFILE) != 0;
     call.Rethrow();
-    if (!chosen && error == 0) RaiseError(ErrorNumber::DialogCancelled);
+    // Where there is no default printer the dialog itself has said so.
+    if (!chosen && (error == 0 || error == PDERR_NODEFAULTPRN)) RaiseError(ErrorNumber::DialogCancelled);
     if (!chosen) RaisePrinterError(DialogFailure(error));
     if (printer.context_ == nullptr) RaisePrinterError(L"the printer's driver cannot be used.");
     return printer;
@@ -67,6 +75,8 @@ Printer Printer::Choose(HWND owner, DWORD flags) {
 Printer::Printer(Printer&& other) noexcept
     : context_(std::exchange(other.context_, nullptr)),
       copies_(other.copies_),
+      collated_(other.collated_),
+      toFile_(other.toFile_),
       started_(std::exchange(other.started_, false)) {}
 
 Printer::~Printer() {
@@ -78,16 +88,25 @@ void Printer::StartDocument(const std::wstring& name) {
     DOCINFOW document{};
     document.cbSize = sizeof document;
     document.lpszDocName = name.c_str();
+    if (toFile_) document.lpszOutput = L"FILE:";
+    SetLastError(ERROR_SUCCESS);
     Check(StartDocW(context_, &document));
     started_ = true;
 }
 
-void Printer::StartPage() { Check(::StartPage(context_)); }
+void Printer::StartPage() {
+    SetLastError(ERROR_SUCCESS);
+    Check(::StartPage(context_));
+}
 
-void Printer::EndPage() { Check(::EndPage(context_)); }
+void Printer::EndPage() {
+    SetLastError(ERROR_SUCCESS);
+    Check(::EndPage(context_));
+}
 
 void Printer::EndDocument() {
     started_ = false;
+    SetLastError(ERROR_SUCCESS);
     Check(EndDoc(context_));
 }
 

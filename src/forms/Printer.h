@@ -8,7 +8,7 @@
 class Printer {
 public:
     // Shows the print dialog of `owner` with these flags (PD_RETURNDC among them). Error 32755: cancelled, or there is
-    // no printer and the dialog has said so itself; 482: the chosen one cannot be used, for the reason in the
+    // no default printer and the dialog has said so itself; 482: the chosen one cannot be used, for the reason in the
     // description.
     static Printer Choose(HWND owner, DWORD flags);
     Printer(Printer&& other) noexcept;
@@ -17,23 +17,28 @@ public:
     Printer& operator=(const Printer&) = delete;
 
     HDC Context() const noexcept { return context_; }
-    int Copies() const noexcept { return copies_; }  // that the program has to print itself
+    int Copies() const noexcept { return copies_; }       // that the program has to print itself
+    bool Collated() const noexcept { return collated_; }  // one after the other, and not each page so many times
 
-    // Each raises error 482 when the printer refuses.
+    // Each raises error 482 when the printer refuses, and 32755 when the user has cancelled a dialog in which the
+    // printer asks for more, such as for the name of a file. That dialog may come with StartDocument and be another
+    // program's.
     void StartDocument(const std::wstring& name);
     void StartPage();
     void EndPage();
     void EndDocument();
 
 private:
-    Printer(HDC context, int copies) noexcept : context_(context), copies_(copies) {}
+    explicit Printer(HDC context) noexcept : context_(context) {}
     HDC context_;
-    int copies_;
+    int copies_ = 1;
+    bool collated_ = false;
+    bool toFile_ = false;  // of which the printer asks for the name
     bool started_ = false;
 };
 
-// Says which page is printed, and lets the user stop it. Shown when the printing takes longer than a moment; the owner
-// is disabled while it lives, and afterwards as it was.
+// Says which page is printed, and lets the user stop it. Made when the document has been started. Shown when the
+// printing takes longer than a moment; the owner is disabled while it lives, and afterwards as it was.
 class PrintingNotice {
 public:
     explicit PrintingNotice(HWND owner);

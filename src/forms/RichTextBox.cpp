@@ -21,6 +21,8 @@ namespace {
 // this many characters a fresh control takes the new text.
 constexpr long ReplaceBeyond = 16 * 1024;
 
+constexpr UINT RunLater = WM_APP + 1;  // a message of our own
+
 // What EM_SETTEXTEX would take for something else than plain text, or cut short.
 bool NeedsStream(const std::wstring& text) noexcept {
     return text.rfind(L"{\\rtf", 0) == 0 || text.rfind(L"{\\urtf", 0) == 0 || text.rfind(L"{urtf", 0) == 0 ||
@@ -95,6 +97,7 @@ void RichTextBox::Prepare() {
     if (!face_.empty()) SetEditorFont(face_, points_);
     Send(EM_SETEVENTMASK, 0, ENM_CHANGE | ENM_SELCHANGE);
     target_.Register(Handle());
+    if (!later_.empty()) PostMessageW(Handle(), RunLater, 0, 0);
     if (!accessibleName_.empty()) annotations_.SetName(Handle(), accessibleName_);
 }
 
@@ -304,8 +307,14 @@ void RichTextBox::SetSelText(const std::wstring& text) {
 void RichTextBox::ScrollCaret() { Send(EM_SCROLLCARET); }
 
 long RichTextBox::CharFromPos(int x, int y) const {
+    RECT client;
+    GetClientRect(Handle(), &client);
+    // Outside the control need not know of any character.
+    x = static_cast<int>(std::clamp<LONG>(x, 0, std::max(client.right - 1, 0L)));
+    y = static_cast<int>(std::clamp<LONG>(y, 0, std::max(client.bottom - 1, 0L)));
     POINTL point{x, y};
     auto position = static_cast<long>(Send(EM_CHARFROMPOS, 0, reinterpret_cast<LPARAM>(&point)));
+    if (position < 0) return SelStart();
     // Just behind the end of a line Wine answers with the beginning of the next one.
     POINTL found{};
     Send(EM_POSFROMCHAR, reinterpret_cast<WPARAM>(&found), position);
@@ -314,6 +323,27 @@ long RichTextBox::CharFromPos(int x, int y) const {
         --position;
     }
     return FromControl(position);
+}
+
+void RichTextBox::ScrollAtEdge(int x, int y) {
+    RECT client;
+    GetClientRect(Handle(), &client);
+    const EdgeScroll::Step step =
+        edges_.At({x, y}, client, MulDiv(DD_DEFSCROLLINSET, static_cast<int>(Dpi()), 96), GetTickCount());
+    if (step.Down != 0) Send(WM_VSCROLL, step.Down < 0 ? SB_LINEUP : SB_LINEDOWN);
+    if (step.Across != 0) Send(WM_HSCROLL, step.Across < 0 ? SB_LINELEFT : SB_LINERIGHT);
+}
+
+void RichTextBox::Later(std::function<void()> work) {
+    later_.push_back(std::move(work));
+    PostMessageW(Handle(), RunLater, 0, 0);
+}
+
+void RichTextBox::DoLater() {
+    const std::vector<std::function<void()>> works = std::exchange(later_, {});
+    // The window was closed meanwhile: what it shows the next time is another text.
+    if (!IsWindowVisible(Handle())) return;
+    for (const std::function<void()>& work : works) Events::Raise(work);
 }
 
 // The caret shows where a drop would go, unless the mouse is not over the text at all, as with programs that only call.
@@ -325,8 +355,11 @@ void RichTextBox::ShowDropPlace(POINT screen) {
     if (!droppedBefore_) {
         const CHARRANGE selected = Selected();
         droppedBefore_ = {selected.cpMin, selected.cpMax};
+        // The caret first: the control scrolls to it when the focus comes.
+        SetSelStart(CharFromPos(screen.x, screen.y));
         SetFocus();
     }
+    ScrollAtEdge(screen.x, screen.y);
     SetSelStart(CharFromPos(screen.x, screen.y));
 }
 
@@ -383,6 +416,9 @@ LRESULT RichTextBox::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
         case WM_RBUTTONDOWN:
             SetFocus();
             break;
+        case RunLater:
+            DoLater();
+            return 0;
         case WM_PASTE:
         case EM_PASTESPECIAL:
             if (PasteRequested) PasteRequested();

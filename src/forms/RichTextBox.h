@@ -6,10 +6,12 @@
 #include <optional>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "forms/Annotations.h"
 #include "forms/Control.h"
 #include "forms/DropTarget.h"
+#include "forms/EdgeScroll.h"
 #include "forms/TextFile.h"
 
 class Printer;
@@ -55,8 +57,11 @@ public:
     // What programs that read the screen call the control; its window's text is what it holds.
     void SetAccessibleName(const std::wstring& name);
 
-    // The character nearest to a place of the client area, in pixels.
+    // The character nearest to a place of the client area, or around it, in pixels.
     long CharFromPos(int x, int y) const;
+    // A drag is over a place of the client area, or around it, in pixels: at an edge the text scrolls, a step at a
+    // time.
+    void ScrollAtEdge(int x, int y);
     void ScrollCaret();
 
     // Selects the next occurrence of the text behind the selection, else the first one in the whole text, upper and
@@ -74,8 +79,11 @@ public:
     // forms/RichTextBox_Keys.cpp.
     std::function<bool(int key, int shift)> KeyPressed;
 
-    // Another program drops text or files. While its drag is over the control the caret follows the mouse.
+    // Another program drops text or files. While its drag is over the control the caret follows the mouse. The other
+    // program waits until the event is over: whatever may ask the user something goes into Later.
     std::function<void(const DroppedData&)> OLEDragDrop;
+    // Does something as soon as what is under way is over, if the control still shows then.
+    void Later(std::function<void()> work);
 
     Event Change;
     Event SelChange;
@@ -104,9 +112,10 @@ public:
     // when there is no such file any more, or it cannot be read.
     bool FileChangedOutside() const;
 
-    // Prints the whole text as one document (forms/RichTextBox_Print.cpp), lines wrapped at the margins. False: the
-    // user has stopped it, and nothing is printed. Error 482: the printer refused.
-    bool Print(Printer& printer, const std::wstring& name, PrintingNotice& notice);
+    // Prints the whole text into a document that was started (forms/RichTextBox_Print.cpp), lines wrapped at the
+    // margins, and ends it. False: the user has stopped it, and nothing is printed. Error 482: the printer refused;
+    // 32755: the user has cancelled it in a dialog of the printer's.
+    bool Print(Printer& printer, PrintingNotice& notice) const;
 
 protected:
     LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
@@ -138,6 +147,7 @@ private:
     void SetRichText(std::string_view rtf);
     std::string RichText() const;
     bool FindFrom(long from, long to, const std::wstring& text);  // positions as the control counts them
+    void DoLater();
     void ShowDropPlace(POINT screen);
     void ForgetDropPlace();
 
@@ -151,6 +161,8 @@ private:
     bool rich_ = false;     // the text came with formats of its own
     uint64_t fileSum_ = 0;  // of the bytes of FileName's file, as they were last loaded or saved
     DropTarget target_;
+    std::vector<std::function<void()>> later_;
+    EdgeScroll edges_;
     std::optional<LPARAM> takenKey_;  // the key that was taken last, until its character has come or it is up
     std::optional<std::pair<long, long>> droppedBefore_;  // what was selected before a drag of another program came
 };

@@ -1,7 +1,5 @@
 #include <windows.h>
 
-#include <richedit.h>
-
 #include <algorithm>
 #include <string_view>
 
@@ -13,10 +11,9 @@
 namespace {
 
 constexpr LONG Margin = 1440;  // twips, from the edges of the paper
-constexpr LONG LineHeight = 240;
 
-// The paper and the part of it for the text, in twips. The control places both relative to where the printer can print.
-void MeasurePaper(HDC context, RECT& page, RECT& text) {
+// The part of the paper for the text, in twips from where the printer can print.
+RECT TextArea(HDC context) {
     const auto twips = [context](int index, int resolution) {
         return MulDiv(GetDeviceCaps(context, index), 1440, std::max(GetDeviceCaps(context, resolution), 1));
     };
@@ -26,18 +23,17 @@ void MeasurePaper(HDC context, RECT& page, RECT& text) {
     const LONG height = twips(PHYSICALHEIGHT, LOGPIXELSY);
     const LONG printableWidth = twips(HORZRES, LOGPIXELSX);
     const LONG printableHeight = twips(VERTRES, LOGPIXELSY);
-    page = {0, 0, std::max(width, printableWidth), std::max(height, printableHeight)};
+    const LONG right = std::max(width, printableWidth);
+    const LONG bottom = std::max(height, printableHeight);
     // A label printer has no room for such margins: at most an eighth of the paper each.
-    const LONG across = std::min(Margin, page.right / 8);
-    const LONG down = std::min(Margin, page.bottom / 8);
-    text.left = std::max(across - left, 0L);
-    text.top = std::max(down - top, 0L);
-    text.right = std::min(page.right - across - left, printableWidth);
-    text.bottom = std::min(page.bottom - down - top, printableHeight);
+    const LONG across = std::min(Margin, right / 8);
+    const LONG down = std::min(Margin, bottom / 8);
+    return {std::max(across - left, 0L), std::max(down - top, 0L), std::min(right - across - left, printableWidth),
+            std::min(bottom - down - top, printableHeight)};
 }
 
-// Draws a text as it stands, in black, lines wrapped at the width: for controls that cannot print by themselves, as
-// Wine's, or not in black.
+// Draws a text as it stands, in black, lines wrapped at the width. The control could print too (EM_FORMATRANGE), where
+// it is Windows' and not Wine's; in the colour that text has in windows, which may be white.
 class PlainPages {
 public:
     PlainPages(HDC context, const std::wstring& face, float points, const RECT& area, std::wstring text)
@@ -54,6 +50,8 @@ public:
         area_ = {pixels(area.left, LOGPIXELSX), pixels(area.top, LOGPIXELSY), pixels(area.right, LOGPIXELSX),
                  pixels(area.bottom, LOGPIXELSY)};
     }
+
+    size_t Length() const noexcept { return text_.size(); }
 
     // Draws the page that begins at a position; returns where the next one begins.
     size_t Draw(size_t from, bool first) const {
@@ -130,50 +128,23 @@ private:
 
 }  // namespace
 
-bool RichTextBox::Print(Printer& printer, const std::wstring& name, PrintingNotice& notice) {
-    struct Formatting {
-        HWND Window;
-        ~Formatting() { SendMessageW(Window, EM_FORMATRANGE, FALSE, 0); }  // gives back what it keeps from call to call
-    } const formatting{Handle()};
-    RECT page, text;
-    MeasurePaper(printer.Context(), page, text);
-    GETTEXTLENGTHEX request{GTL_DEFAULT, 1200};
-    const auto length = static_cast<LONG>(Send(EM_GETTEXTLENGTHEX, reinterpret_cast<WPARAM>(&request)));
-
-    FORMATRANGE range{};
-    range.hdc = range.hdcTarget = printer.Context();
-    range.rcPage = page;
-    // The page that begins at a position; `draw`: or only where it would end.
-    const auto format = [&](LONG from, bool draw) {
-        range.rc = text;
-        if (from == 0) range.rc.top += LineHeight;  // the empty line that every job begins with
-        range.chrg = {from, -1};
-        return static_cast<LONG>(Send(EM_FORMATRANGE, draw, reinterpret_cast<LPARAM>(&range)));
-    };
-
-    printer.StartDocument(name);
-    // The control draws in the colour that text has in windows: white on paper in some schemes of high contrast.
-    const bool black = GetSysColor(COLOR_WINDOWTEXT) == RGB(0, 0, 0);
-    const bool byControl = length == 0 || (black && format(0, false) > 0);
-    const PlainPages plain(printer.Context(), face_, points_, text, byControl ? std::wstring() : Text());
+bool RichTextBox::Print(Printer& printer, PrintingNotice& notice) const {
+    const PlainPages pages(printer.Context(), face_, points_, TextArea(printer.Context()), Text());
+    const int texts = printer.Collated() ? printer.Copies() : 1;
+    const int sheets = printer.Collated() ? 1 : printer.Copies();
     int number = 0;
-    for (int copy = 0; copy < printer.Copies(); ++copy) {
-        LONG from = 0;
-        size_t plainFrom = 0;
-        for (bool more = true; more;) {
-            if (!notice.Continue(++number)) return false;
-            printer.StartPage();
-            if (byControl) {
-                const LONG next = format(from, true);
-                // A line that is higher than the page would be tried for ever.
-                more = next > from && next < length;
-                from = next;
-            } else {
-                plainFrom = plain.Draw(plainFrom, plainFrom == 0);
-                more = plainFrom < static_cast<size_t>(TextLength());
+    for (int text = 0; text < texts; ++text) {
+        size_t from = 0;
+        do {
+            size_t next = from;
+            for (int sheet = 0; sheet < sheets; ++sheet) {
+                if (!notice.Continue(++number)) return false;
+                printer.StartPage();
+                next = pages.Draw(from, from == 0);
+                printer.EndPage();
             }
-            printer.EndPage();
-        }
+            from = next;
+        } while (from < pages.Length());
     }
     printer.EndDocument();
     return true;

@@ -56,6 +56,7 @@ void TreeView::SetSelectedItem(const Node& node) {
 void TreeView::SetExpanded(const Node& node, bool expanded) {
     if (!MarkExpanded(node, expanded)) return;
     const PaintingHeld held(*this);  // filling, opening and closing are laid out once
+    const Node before = SelectedItem();
     // The control tells of the first expansion of a branch only: the event is raised here, once, in either case.
     if (expanded && Expand) {
         const Nodes::Filling filling(nodes_);
@@ -66,6 +67,7 @@ void TreeView::SetExpanded(const Node& node, bool expanded) {
         Send(TVM_EXPAND, expanded ? TVE_EXPAND : TVE_COLLAPSE, reinterpret_cast<LPARAM>(MirrorOf(node)));
     }
     if (!expanded && Collapse) Collapse(node);
+    if (!expanded) TellFrom(before);
 }
 
 void TreeView::DeleteMirror(HTREEITEM item) {
@@ -100,7 +102,21 @@ std::wstring TreeView::DragCaption() const {
     return selected ? selected.Text() : std::wstring();
 }
 
-void TreeView::EndTracking(LPARAM) { clicking_ = false; }
+void TreeView::EndTracking(LPARAM) { ForgetClick(); }
+
+bool TreeView::HoldsSomething() const { return clicking_ && clicked_; }
+
+void TreeView::TellFrom(const Node& before) {
+    const Node now = SelectedItem();
+    if (SelChange && !(now == before)) SelChange(now);
+}
+
+void TreeView::ForgetClick() {
+    if (!clicking_) return;
+    clicking_ = false;
+    clicked_ = Node();
+    TellFrom(std::exchange(before_, Node()));
+}
 
 POINT TreeView::MenuPoint() const {
     const Node selected = SelectedItem();
@@ -200,6 +216,7 @@ LRESULT TreeView::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
             if (button) break;
             RaiseMouse(MouseDown, MouseButton::Left, lParam);
             SetFocus();
+            before_ = SelectedItem();
             clicked_ = node;
             clicking_ = true;
             if (node) SetSelectedItem(node);
@@ -209,6 +226,7 @@ LRESULT TreeView::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
         case WM_LBUTTONUP: {
             if (!clicking_) break;
             clicking_ = false;
+            before_ = Node();
             const Node node = std::exchange(clicked_, Node());
             if (GetCapture() == Handle()) ReleaseCapture();
             RaiseMouse(MouseUp, MouseButton::Left, lParam);
@@ -220,18 +238,20 @@ LRESULT TreeView::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
             RaiseMouse(MouseMove, MouseButtons(wParam), lParam);
             return 0;
         case WM_CAPTURECHANGED:
-            if (reinterpret_cast<HWND>(lParam) != Handle()) clicking_ = false;
+            if (reinterpret_cast<HWND>(lParam) != Handle()) ForgetClick();
             break;
         case WM_RBUTTONDOWN:
+            // The control would wait in a loop of its own here too.
             SetFocus();
             RaiseMouse(MouseDown, MouseButton::Right, lParam);
             return 0;
-        case WM_RBUTTONUP:
-            RaiseMouse(MouseUp, MouseButton::Right, lParam);
-            return 0;
         case WM_SETFOCUS: {
             const bool selected = static_cast<bool>(SelectedItem());
-            const LRESULT result = Control::OnMessage(message, wParam, lParam);
+            LRESULT result;
+            {
+                const Quiet quiet(quiet_);
+                result = Control::OnMessage(message, wParam, lParam);
+            }
             if (!selected && !focusing_ && SelChange) {
                 if (const Node first = SelectedItem()) SelChange(first);
             }
@@ -338,15 +358,21 @@ bool TreeView::OnReflected(UINT message, WPARAM, LPARAM lParam, LRESULT& result)
                 item.stateMask = TVIS_EXPANDEDONCE;
                 Send(TVM_SETITEMW, 0, reinterpret_cast<LPARAM>(&item));
                 MarkExpanded(node, false);
+                const Node before = SelectedItem();
                 if (Collapse) Collapse(node);
+                TellFrom(before);  // it may have been among what was thrown away
             }
             return true;
         }
         case TVN_SELCHANGEDW:
-            // The mouse is told of in OnMessage; a selection that moves because its branch was closed is nobody's
-            // choice.
-            if (quiet_ || change.action != TVC_BYKEYBOARD) return false;
-            if (NodeClick && change.itemNew.hItem != nullptr) NodeClick(NodeOf(change.itemNew.lParam));
+            if (quiet_) return false;
+            if (change.action == TVC_BYKEYBOARD) {
+                if (NodeClick && change.itemNew.hItem != nullptr) NodeClick(NodeOf(change.itemNew.lParam));
+            } else if (SelChange) {
+                // The mouse is told of in OnMessage. A selection that moves because its branch was closed is nobody's
+                // choice, and no click.
+                SelChange(change.itemNew.hItem != nullptr ? NodeOf(change.itemNew.lParam) : Node());
+            }
             return true;
         default:
             return false;

@@ -25,8 +25,8 @@ public:
     // clicked. The node is selected when the button goes down and clicked when it comes up, unless it was dragged
     // meanwhile.
     NodeEvent NodeClick;
-    // A node was selected without a click: by another program, such as a screen reader, or since the Tab key came to a
-    // tree without a selection.
+    // A node was selected without a click: by another program, such as a screen reader, since the Tab key came to a
+    // tree without a selection, since the branch that it was in was closed, or since another one was dragged.
     NodeEvent SelChange;
 
     // Selects nothing, where the control by itself would select its first node with the focus that comes to it.
@@ -56,6 +56,7 @@ protected:
     LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
     POINT MenuPoint() const override;
     void EndTracking(LPARAM press) override;
+    bool HoldsSomething() const override;
     bool OnReflected(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result) override;
 
 private:
@@ -74,11 +75,15 @@ private:
     void ExpandAll(const Node& node);
     // Whether the message is input, from the user or from another program, that is refused now.
     bool Refuses(UINT message) const noexcept;
+    // Raises SelChange when something else is selected than `before`.
+    void TellFrom(const Node& before);
+    void ForgetClick();  // the button comes up elsewhere, or drags
 
     Nodes nodes_{*this};
     int refusing_ = 0;
     bool clicking_ = false;  // the left button went down on clicked_, or on empty space
     Node clicked_;
+    Node before_;  // what was selected when it went down
     bool stopExpanding_ = false;
     bool focusing_ = false;  // the focus comes from the program
     bool quiet_ = false;     // a change of our own is under way: its notifications are not events

@@ -100,19 +100,22 @@ bool frmSQLEditor::m_CanDrop(Control& Source) {
 }
 
 void frmSQLEditor::rtbSQL_DragOver(Control& Source, float X, float Y, DragState State) try {
+    const UINT Dpi = rtbSQL.Dpi();
+    const int Across = TwipsToPixels(X, Dpi);
+    const int Down = TwipsToPixels(Y, Dpi);
     switch (State) {
         case DragState::Enter:
+            // The caret first: with the focus the editor scrolls to it, and it was where the user wrote last.
+            rtbSQL.Select(rtbSQL.CharFromPos(Across, Down), 0);
             rtbSQL.SetFocus();
-            rtbSQL.SetSelLength(0);
             break;
         case DragState::Leave:
             Source.SetFocus();
             break;
-        case DragState::Over: {
-            const UINT Dpi = rtbSQL.Dpi();
-            rtbSQL.SetSelStart(rtbSQL.CharFromPos(TwipsToPixels(X, Dpi), TwipsToPixels(Y, Dpi)));
+        case DragState::Over:
+            rtbSQL.ScrollAtEdge(Across, Down);
+            rtbSQL.SetSelStart(rtbSQL.CharFromPos(Across, Down));
             break;
-        }
         default:
             break;
     }
@@ -138,14 +141,15 @@ void frmSQLEditor::rtbSQL_OLEDragDrop(const DroppedData& Data) {
         if (Kind == Format::RichText || Kind == Format::Text) {
             m_InsertSQL(Data.Text(Kind));
         } else if (Kind == Format::Files) {
-            m_InsertFiles(Data.Files());
+            // Files may be asked for, and read for a while; the other program is not kept waiting.
+            rtbSQL.Later([this, Files = Data.Files()] { m_InsertFiles(Files); });
         }
         return;  // a picture inserts nothing
     }
 }
 
 // All at once, so that one step of undo takes them back; what stands selected is the last one.
-void frmSQLEditor::m_InsertFiles(const std::vector<std::wstring>& Files) {
+void frmSQLEditor::m_InsertFiles(const std::vector<std::wstring>& Files) try {
     std::wstring All;
     std::wstring Last;
     std::wstring Refused;
@@ -169,4 +173,6 @@ void frmSQLEditor::m_InsertFiles(const std::vector<std::wstring>& Files) {
     if (!Refused.empty()) {
         MsgBox(Handle(), L"Not everything could be inserted." + Refused, MB_OK | MB_ICONEXCLAMATION);
     }
+} catch (...) {
+    ReportError(Module, L"rtbSQL_OLEDragDrop");
 }

@@ -240,8 +240,16 @@ TEST_F(NodeClickTest, TheRightButtonShowsTheActionMenuForWhatIsSelected) {
         Tree.Open(Tree.At({0}));
         Tree.Click(Tree.At({0}));
         Calls();
-        Tree.RightClick(Tree.At({0, 1}));
-        EXPECT_GE(menu.Menus, 1);
+        // When the button comes up, beside it: the menu would take the release for a choice.
+        POINT at{};
+        ASSERT_TRUE(Tree.Place(Tree.At({0, 1}), at));
+        SendMessageW(Tree.Handle(), WM_RBUTTONDOWN, MK_RBUTTON, MAKELPARAM(at.x, at.y));
+        EXPECT_EQ(0, menu.Menus);
+        SendMessageW(Tree.Handle(), WM_RBUTTONUP, 0, MAKELPARAM(at.x, at.y));
+        EXPECT_EQ(1, menu.Menus);
+        ClientToScreen(Tree.Handle(), &at);
+        EXPECT_EQ(at.x, menu.At.x);
+        EXPECT_EQ(at.y, menu.At.y);
         EXPECT_EQ(Tree.At({0}), Tree.Selected());
         EXPECT_EQ(L"Dictionary.Objects Dictionary.Objects ", Calls());  // a click on the selected node
         EXPECT_EQ(L"Select-|Insert-|Update-|Delete-|Execute-|Create-|Tasks+[Describe all tables/views+]", menu.Entries);
@@ -253,6 +261,36 @@ TEST_F(NodeClickTest, TheRightButtonShowsTheActionMenuForWhatIsSelected) {
         RECT bounds;
         GetWindowRect(Tree.Handle(), &bounds);
         EXPECT_TRUE(PtInRect(&bounds, menu.At)) << menu.At.x << "," << menu.At.y;
+    });
+    EXPECT_EQ(L"", Errors.Places());
+}
+
+TEST_F(NodeClickTest, TheSelectionThatGoesToAClosedBranchIsFollowed) {
+    Inside([this] {
+        OpenTables();
+        for (const bool by_mouse : {true, false}) {
+            Tree.Click(Tree.At({0, 0, 0}));
+            EXPECT_EQ(0U, Description().find(L"ORDERS table"));
+            Calls();
+            const HTREEITEM tables = Tree.At({0, 0});
+            if (by_mouse) {
+                SendMessageW(Tree.Handle(), TVM_ENSUREVISIBLE, 0, reinterpret_cast<LPARAM>(tables));
+                POINT at{};
+                ASSERT_TRUE(Tree.Place(tables, at));
+                TVHITTESTINFO hit{};
+                for (hit.pt = at; (hit.flags & TVHT_ONITEMBUTTON) == 0 && hit.pt.x > 0; --hit.pt.x)
+                    SendMessageW(Tree.Handle(), TVM_HITTEST, 0, reinterpret_cast<LPARAM>(&hit));
+                SendMessageW(Tree.Handle(), WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(hit.pt.x, hit.pt.y));
+                SendMessageW(Tree.Handle(), WM_LBUTTONUP, 0, MAKELPARAM(hit.pt.x, hit.pt.y));
+            } else {
+                SendMessageW(Tree.Handle(), TVM_EXPAND, TVE_COLLAPSE, reinterpret_cast<LPARAM>(tables));
+            }
+            ASSERT_EQ(tables, Tree.Selected());
+            EXPECT_EQ(L"Tables: contains a list of tables defined in the HR schema.", Description());
+            EXPECT_EQ(0U, MenuEntries(L"Action").find(L"Select+|Insert-|Update-|Delete-|Execute-|Create+|Tasks+"));
+            EXPECT_EQ(L"", Calls());  // and the dictionary is left in peace
+            Tree.Open(tables);
+        }
     });
     EXPECT_EQ(L"", Errors.Places());
 }

@@ -54,5 +54,8 @@ DWORD DropOnEditor(TestData& data, POINTL at, DWORD allowed) {
     effect = allowed;
     EXPECT_EQ(S_OK, target->Drop(&data, 0, at, &effect));
     target->Release();
+    // What the editor does when the other program has had its answer.
+    MSG message;
+    while (PeekMessageW(&message, EditorWindow::Editor(), 0, 0, PM_REMOVE)) DispatchMessageW(&message);
     return effect;
 }

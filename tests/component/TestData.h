@@ -3,6 +3,7 @@
 #include <windows.h>
 #include <ole2.h>
 
+#include <functional>
 #include <map>
 #include <string>
 #include <vector>
@@ -11,6 +12,8 @@
 class TestData final : public IDataObject {
 public:
     std::vector<CLIPFORMAT> Asked;  // formats that were asked for, in their order
+    // Runs each time that it is asked for a format, as another program may let messages through while it answers.
+    std::function<void()> WhenAsked;
 
     TestData& Add(CLIPFORMAT format, std::string bytes) {
         contents_[format] = std::move(bytes);
@@ -32,6 +35,7 @@ public:
     HRESULT STDMETHODCALLTYPE GetDataHere(FORMATETC*, STGMEDIUM*) noexcept override { return E_NOTIMPL; }
     HRESULT STDMETHODCALLTYPE QueryGetData(FORMATETC* format) noexcept override {
         Asked.push_back(format->cfFormat);
+        if (WhenAsked) WhenAsked();
         return contents_.count(format->cfFormat) != 0 ? S_OK : DV_E_FORMATETC;
     }
     HRESULT STDMETHODCALLTYPE GetCanonicalFormatEtc(FORMATETC*, FORMATETC*) noexcept override { return E_NOTIMPL; }
@@ -48,5 +52,6 @@ private:
 // The drop target that the editor has registered with OLE; AddRef'd.
 IDropTarget* EditorDropTarget();
 // What OLE calls for a drag that comes from the left edge of the screen to a place and lets go there; the effect that
-// came back. `allowed`: what the dragging program lets be done with its data.
+// came back, when the editor has done what it does afterwards. `allowed`: what the dragging program lets be done with
+// its data.
 DWORD DropOnEditor(TestData& data, POINTL at, DWORD allowed = DROPEFFECT_COPY | DROPEFFECT_MOVE);

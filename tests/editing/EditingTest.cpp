@@ -112,10 +112,22 @@ TEST_F(EditingTest, TheRightButtonAndTheKeyShowTheEditMenu) {
     Inside([] {
         MenuCatcher menu;
         const HWND editor = EditorWindow::Editor();
+        SetFocus(GetDlgItem(EditorWindow::Find(), 1010));
         SendMessageW(editor, WM_RBUTTONDOWN, MK_RBUTTON, MAKELPARAM(20, 20));
+        EXPECT_EQ(editor, GetFocus());
+        EXPECT_EQ(0, menu.Menus);
         SendMessageW(editor, WM_RBUTTONUP, 0, MAKELPARAM(20, 20));
         EXPECT_EQ(1, menu.Menus);
-        EXPECT_EQ(0U, menu.Entries.find(L"Cut"));
+        EXPECT_EQ(0U, menu.Entries.find(L"Cut+"));
+        POINT at{20, 20};
+        ClientToScreen(editor, &at);
+        EXPECT_EQ(at.x, menu.At.x);
+        EXPECT_EQ(at.y, menu.At.y);
+        // A pen or a finger that is held down.
+        menu.Menus = 0;
+        SendMessageW(editor, WM_CONTEXTMENU, reinterpret_cast<WPARAM>(editor), MAKELPARAM(at.x + 5, at.y));
+        EXPECT_EQ(1, menu.Menus);
+        EXPECT_EQ(at.x + 5, menu.At.x);
         SendMessageW(editor, WM_CONTEXTMENU, reinterpret_cast<WPARAM>(editor), -1);
         EXPECT_EQ(2, menu.Menus);
         RECT bounds;

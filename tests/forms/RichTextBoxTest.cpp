@@ -182,6 +182,34 @@ TEST(RichTextBox, ADoubledCarriageReturnIsTwoLineEndsBesideANulToo) {
     }
 }
 
+TEST(RichTextBox, APlaceOutsideIsTheNearestOneInside) {
+    Editor editor;
+    editor.Box.SetText(L"one\r\ntwo");
+    RECT client;
+    GetClientRect(editor.Box.Handle(), &client);
+    EXPECT_EQ(0, editor.Box.CharFromPos(-500, -500));
+    EXPECT_EQ(3, editor.Box.CharFromPos(client.right + 500, -1));
+    EXPECT_EQ(8, editor.Box.CharFromPos(client.right + 500, client.bottom + 500));
+}
+
+namespace {
+WNDPROC real = nullptr;
+// A control that knows of no character outside its text.
+LRESULT CALLBACK KnowsNone(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    return message == EM_CHARFROMPOS ? -1 : CallWindowProcW(real, window, message, wParam, lParam);
+}
+}  // namespace
+
+TEST(RichTextBox, WhereTheControlKnowsOfNoCharacterTheCaretStays) {
+    Editor editor;
+    editor.Box.SetText(L"one\r\ntwo");
+    editor.Box.SetSelStart(6);
+    real = reinterpret_cast<WNDPROC>(
+        SetWindowLongPtrW(editor.Box.Handle(), GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&KnowsNone)));
+    EXPECT_EQ(6, editor.Box.CharFromPos(5, 5));
+    SetWindowLongPtrW(editor.Box.Handle(), GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(real));
+}
+
 TEST(RichTextBox, TakesMoreThanTheControlsFirstLimit) {
     Editor editor;
     editor.Box.SetText(std::wstring(40000, L'x'));

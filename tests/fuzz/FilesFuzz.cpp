@@ -20,6 +20,7 @@ bool HasOneKindOfLineEnd(const std::wstring& text) {
     bool crLf = false;
     bool lf = false;
     bool cr = false;
+    if (text.find_first_of(L"\v\f\x85\x2028\x2029") != std::wstring::npos) return false;
     for (size_t at = 0; at < text.size(); ++at) {
         const bool both = text[at] == L'\r' && at + 1 < text.size() && text[at + 1] == L'\n';
         crLf = crLf || both;

@@ -218,7 +218,7 @@ std::wstring InControl(const std::wstring& text) {
         if (text[at] == L'\r') {
             result += L"\r\n";
             if (at + 1 < text.size() && text[at + 1] == L'\n') ++at;
-        } else if (text[at] == L'\n') {
+        } else if (std::wstring(L"\n\v\f\x85\x2028\x2029").find(text[at]) != std::wstring::npos) {
             result += L"\r\n";
         } else {
             result += text[at];

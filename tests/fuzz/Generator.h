@@ -57,10 +57,10 @@ std::string AnyFile(Random& random, size_t longest);
 // Bytes changed, taken away, doubled, moved, or cut off.
 std::string Damaged(Random& random, std::string bytes, size_t blows);
 
-// ---- what the rich edit control makes of a text
+// ---- what the editor makes of a text
 
-// It keeps one character for a line end, whether it was CR LF, CR or LF, and gives CR LF back; all other units stay as
-// they are.
+// It gives CR LF for a line end, whether it was that, CR, LF or one of the rarer ones; all other units stay as they
+// are.
 std::wstring InControl(const std::wstring& text);
 // The part of a text that windows show which end a text at NUL.
 std::wstring UpToNul(const std::wstring& text);

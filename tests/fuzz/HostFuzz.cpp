@@ -13,6 +13,11 @@
 // is none is reported under the name of the procedure that asked; and the window goes on.
 namespace {
 
+// What comes back of a text that nobody edits: as the editor has it, but for the line ends that only the editor knows.
+std::wstring Unedited(const std::wstring& text) {
+    return text.find_first_of(L"\v\f\x85\x2028\x2029") == std::wstring::npos ? InControl(text) : text;
+}
+
 class HostFuzz : public BrowsedFixture {
 protected:
     // Shows the window and closes it: the text that it held, or "<not shown>".
@@ -84,7 +89,7 @@ TEST_F(HostFuzz, DisplayTakesAnyArgument) {
         }
         EXPECT_EQ(L"", Errors.Places());
         ExpectText(InControl(text), shown);
-        const std::wstring back = edited.empty() ? InControl(text) : edited;
+        const std::wstring back = edited.empty() ? Unedited(text) : edited;
         if (argument.How == Way::Value || (argument.How == Way::OfType && type != VT_BSTR))
             return;  // nowhere to write to
         if (back == text) {
@@ -101,7 +106,7 @@ TEST_F(HostFuzz, ATextComesBack) {
     editor.Call(L"Constructor", Object());
     ForEachCase(25, [&](Random& random) {
         const std::wstring text = random.OneIn(12) ? TextOfLength(random, LongText) : AnyText(random, 200);
-        ExpectText(InControl(text), DisplayAndClose(editor, text));
+        ExpectText(Unedited(text), DisplayAndClose(editor, text));
         EXPECT_EQ(L"", Errors.Places());
     });
 }

@@ -143,13 +143,13 @@ TEST_F(DragDropTest, LettingGoElsewhereDropsNothing) {
         Tree.Open(Tree.At({}));
         POINT at{};
         ASSERT_TRUE(Tree.Place(Tree.At({0}), at));
-        const std::wstring before = Description();
+        Database.Log.clear();
         SendMessageW(Tree.Handle(), WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(at.x, at.y));
         SendMessageW(Tree.Handle(), WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(at.x + 20, at.y + 20));
         SendMessageW(Tree.Handle(), WM_LBUTTONUP, 0, MAKELPARAM(at.x + 20, at.y + 20));
         EXPECT_EQ(L"select 1", EditorWindow::Text());
         EXPECT_EQ(nullptr, GetCapture());
-        EXPECT_EQ(before, Description());  // and it was no click
+        EXPECT_EQ(L"", Database.Logged());  // and it was no click
         // Another button with the left one starts nothing.
         SendMessageW(Tree.Handle(), WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(at.x, at.y));
         SendMessageW(Tree.Handle(), WM_MOUSEMOVE, MK_LBUTTON | MK_RBUTTON,
@@ -175,6 +175,90 @@ TEST_F(DragDropTest, TheLossOfTheMouseCancels) {
         SendMessageW(tree, WM_LBUTTONUP, 0, Mapped(EditorWindow::Editor(), tree, PlaceOf(2)));
         EXPECT_EQ(L"select 1", EditorWindow::Text());
     });
+    EXPECT_EQ(L"", Errors.Places());
+}
+
+TEST_F(DragDropTest, WhatWasDraggedIsDescribedAndInTheActionMenu) {
+    Inside([this] {
+        OpenTable();
+        Tree.Click(Tree.At({}));
+        OpenTable();
+        Tree.Click(Tree.At({0}));
+        POINT at{};
+        SendMessageW(Tree.Handle(), TVM_ENSUREVISIBLE, 0, reinterpret_cast<LPARAM>(Tree.At({0, 0})));
+        ASSERT_TRUE(Tree.Place(Tree.At({0, 0}), at));
+        Database.Log.clear();
+        Drag(Tree.Handle(), at, 0);
+        EXPECT_EQ(L"Tables: contains a list of tables defined in the HR schema.", Description());
+        EXPECT_EQ(0U, MenuEntries(L"Action").find(L"Select+|Insert-|Update-|Delete-|Execute-|Create+|Tasks+"));
+        EXPECT_EQ(L"", Database.Logged());
+        // The mouse is taken away before the button comes up.
+        ASSERT_TRUE(Tree.Place(Tree.At({0}), at));
+        SendMessageW(Tree.Handle(), WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(at.x, at.y));
+        ReleaseCapture();
+        EXPECT_EQ(L"HR schema: contains a list of database objects (tables and views).", Description());
+        EXPECT_EQ(L"", Database.Logged());
+    });
+    EXPECT_EQ(L"", Errors.Places());
+}
+
+TEST_F(DragDropTest, EmptySpaceInATreeStartsNoDrag) {
+    Inside([this] {
+        Tree.Open(Tree.At({}));
+        Tree.Click(Tree.At({0}));
+        RECT client;
+        GetClientRect(Tree.Handle(), &client);
+        Drag(Tree.Handle(), {client.right - 3, client.bottom - 3}, 0);
+        EXPECT_EQ(L"select 1", EditorWindow::Text());
+        // Nor does a button that was pressed elsewhere.
+        SendMessageW(Tree.Handle(), WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(20, 20));
+        EXPECT_EQ(nullptr, GetCapture());
+        SendMessageW(Tree.Handle(), WM_LBUTTONUP, 0, MAKELPARAM(20, 20));
+        EXPECT_EQ(L"select 1", EditorWindow::Text());
+    });
+    EXPECT_EQ(L"", Errors.Places());
+}
+
+TEST_F(DragDropTest, ComingInDoesNotScrollBackToTheCaretAndTheEdgesScroll) {
+    std::wstring lines;
+    for (int line = 0; line < 200; ++line) lines += std::to_wstring(line) + L"\r\n";
+    Inside(
+        [this] {
+            const HWND editor = EditorWindow::Editor();
+            const HWND tree = Tree.Handle();
+            const auto first = [&] { return SendMessageW(editor, EM_GETFIRSTVISIBLELINE, 0, 0); };
+            Tree.Open(Tree.At({}));
+            POINT at{};
+            ASSERT_TRUE(Tree.Place(Tree.At({0}), at));
+            SendMessageW(editor, EM_SETSEL, 0, 0);
+            SendMessageW(editor, EM_LINESCROLL, 0, 100);
+            const LRESULT scrolled = first();
+            ASSERT_GT(scrolled, 50);
+            RECT client;
+            GetClientRect(editor, &client);
+            SendMessageW(tree, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(at.x, at.y));
+            const auto held = [&](LONG x, LONG y) {
+                for (int times = 0; times < 8; ++times) {
+                    SendMessageW(tree, WM_MOUSEMOVE, MK_LBUTTON, Mapped(editor, tree, {x, y}));
+                    Sleep(30);
+                }
+            };
+            held(50, client.bottom / 2);
+            EXPECT_EQ(editor, GetFocus());
+            EXPECT_EQ(scrolled, first());
+            held(50, 3);
+            const LRESULT up = first();
+            EXPECT_LT(up, scrolled);
+            EXPECT_GE(up, scrolled - 8);  // a step a call, at most
+            held(50, client.bottom - 3);
+            EXPECT_GT(first(), up);
+            // Over a scroll bar the caret stays in sight, and nothing is reported.
+            held(client.right + 3, client.bottom + 3);
+            EXPECT_GE(Caret(), SendMessageW(editor, EM_LINEINDEX, static_cast<WPARAM>(first()), 0));
+            SendMessageW(tree, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(at.x, at.y));
+            SendMessageW(tree, WM_LBUTTONUP, 0, MAKELPARAM(at.x, at.y));
+        },
+        lines);
     EXPECT_EQ(L"", Errors.Places());
 }
 

@@ -142,6 +142,97 @@ TEST_F(OleDropTest, ADragThatLeavesPutsTheSelectionBack) {
         L"one two");
 }
 
+// What the other program lets through while it answers may take the target away: a long text gives way to a new one in
+// a control that is made for it.
+TEST_F(OleDropTest, ATargetMayGoWhileTheOtherProgramAnswers) {
+    for (const int calls : {1, 2, 3}) {
+        const std::wstring long_text(20000, L'x');
+        const std::wstring text = Inside(
+            [&] {
+                const HWND before = EditorWindow::Editor();
+                IDropTarget* const target = EditorDropTarget();
+                ASSERT_NE(nullptr, target);
+                TestData data;
+                data.AddText(L"dropped");
+                int asked = 0;
+                int call = 0;
+                data.WhenAsked = [&] {
+                    if (call == calls && asked++ == 0) EditorWindow::Choose(L"File", L"New");
+                };
+                const POINTL at = PlaceOf(0);
+                for (call = 1; call <= 3; ++call) {
+                    DWORD effect = DROPEFFECT_COPY;
+                    if (call == 1) {
+                        EXPECT_EQ(S_OK, target->DragEnter(&data, MK_LBUTTON, at, &effect));
+                    }
+                    if (call == 2) {
+                        EXPECT_EQ(S_OK, target->DragOver(MK_LBUTTON, at, &effect));
+                    }
+                    if (call == 3) {
+                        EXPECT_EQ(S_OK, target->Drop(&data, 0, at, &effect));
+                    }
+                    if (asked > 0) {
+                        EXPECT_EQ(DWORD{DROPEFFECT_NONE}, effect) << calls << call;
+                    }
+                }
+                EXPECT_EQ(calls == 2, EditorWindow::Editor() == before);  // nobody is asked while the mouse moves
+                target->Release();
+            },
+            long_text);
+        EXPECT_EQ(calls == 2 ? L"dropped" + long_text : L"", text) << calls;
+    }
+    EXPECT_EQ(L"", Errors.Places());
+}
+
+TEST_F(OleDropTest, ADragThatComesInDoesNotScrollBackToTheCaretAndScrollsAtTheEdges) {
+    std::wstring lines;
+    for (int line = 0; line < 200; ++line) lines += std::to_wstring(line) + L"\r\n";
+    Inside(
+        [this] {
+            const HWND editor = EditorWindow::Editor();
+            const auto first = [&] { return SendMessageW(editor, EM_GETFIRSTVISIBLELINE, 0, 0); };
+            SetFocus(Tree.Handle());
+            SendMessageW(editor, EM_SETSEL, 0, 0);
+            SendMessageW(editor, EM_LINESCROLL, 0, 100);
+            const LRESULT scrolled = first();
+            ASSERT_GT(scrolled, 50);
+            RECT client;
+            GetClientRect(editor, &client);
+            const auto place = [&](LONG x, LONG y) {
+                POINT at{x, y};
+                ClientToScreen(editor, &at);
+                return POINTL{at.x, at.y};
+            };
+            IDropTarget* const target = EditorDropTarget();
+            ASSERT_NE(nullptr, target);
+            TestData data;
+            data.AddText(L"x");
+            DWORD effect = DROPEFFECT_COPY;
+            target->DragEnter(&data, MK_LBUTTON, place(50, client.bottom / 2), &effect);
+            EXPECT_EQ(editor, GetFocus());
+            EXPECT_EQ(scrolled, first());
+            const auto held = [&](POINTL at) {
+                for (int times = 0; times < 8; ++times) {
+                    effect = DROPEFFECT_COPY;
+                    target->DragOver(MK_LBUTTON, at, &effect);
+                    Sleep(30);
+                }
+            };
+            held(place(50, client.bottom / 2));
+            EXPECT_EQ(scrolled, first());
+            held(place(50, 3));
+            const LRESULT up = first();
+            EXPECT_LT(up, scrolled);
+            EXPECT_GE(up, scrolled - 8);  // a step a call, at most
+            held(place(50, client.bottom - 3));
+            EXPECT_GT(first(), up);
+            target->DragLeave();
+            target->Release();
+        },
+        lines);
+    EXPECT_EQ(L"", Errors.Places());
+}
+
 TEST_F(OleDropTest, ATargetThatIsHeldBeyondTheWindowTakesNothing) {
     IDropTarget* target = nullptr;
     const Object editor = Dll.Create();
@@ -293,6 +384,56 @@ TEST_F(FileDropTest, ALargeFileIsAskedFor) {
     EXPECT_EQ(L"x\r\none", Drop({Sparse(L"large.sql", 3), File(L"x.sql", "x")}, L"one"));
     EXPECT_EQ(1, box.Boxes);
     EXPECT_NE(std::wstring::npos, box.Text.find(L"is 3 MB large"));
+}
+
+// The other program waits for the answer: a question would leave it hanging.
+TEST_F(FileDropTest, TheQuestionComesWhenTheOtherProgramHasItsAnswer) {
+    BoxAnswerer box(IDCANCEL);
+    const std::wstring large = Sparse(L"large.sql", 3);
+    Inside(
+        [&] {
+            IDropTarget* const target = EditorDropTarget();
+            ASSERT_NE(nullptr, target);
+            TestData data;
+            data.AddFiles({large, File(L"x.sql", "x")});
+            DWORD effect = DROPEFFECT_COPY;
+            target->DragEnter(&data, MK_LBUTTON, PlaceOf(0), &effect);
+            EXPECT_EQ(S_OK, target->Drop(&data, 0, PlaceOf(0), &effect));
+            EXPECT_EQ(DWORD{DROPEFFECT_COPY}, effect);
+            target->Release();
+            EXPECT_EQ(0, box.Boxes);
+            EXPECT_EQ(L"one", EditorWindow::Text());
+            MSG message;
+            while (PeekMessageW(&message, EditorWindow::Editor(), 0, 0, PM_REMOVE)) DispatchMessageW(&message);
+            EXPECT_EQ(1, box.Boxes);
+            EXPECT_EQ(L"x\r\none", EditorWindow::Text());
+        },
+        L"one");
+    EXPECT_EQ(L"", Errors.Places());
+}
+
+TEST_F(FileDropTest, WhatIsDroppedIntoOneTextDoesNotComeIntoTheNext) {
+    const std::wstring file = Sparse(L"large.sql", 3);  // would be asked for
+    BoxAnswerer box;
+    const Object editor = Dll.Create();
+    editor.Call(L"Constructor", Database.Make());
+    const std::wstring first = DisplayAndClose(editor, L"one", [&] {
+        IDropTarget* const target = EditorDropTarget();
+        ASSERT_NE(nullptr, target);
+        TestData data;
+        data.AddFiles({file});
+        DWORD effect = DROPEFFECT_COPY;
+        target->DragEnter(&data, MK_LBUTTON, PlaceOf(0), &effect);
+        target->Drop(&data, 0, PlaceOf(0), &effect);
+        target->Release();
+    });
+    EXPECT_EQ(L"one", first);
+    // The host's own loop finds what was posted to the window, which does not show any more.
+    MSG message;
+    while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) DispatchMessageW(&message);
+    EXPECT_EQ(0, box.Boxes);
+    EXPECT_EQ(L"two", DisplayAndClose(editor, L"two"));
+    EXPECT_EQ(L"", Errors.Places());
 }
 
 // The block is another program's: what it says of itself need not be true.

@@ -41,7 +41,7 @@ constexpr char Help[] =
     "  selection                 prints the editor's selection: from to, characters as the control counts them\n"
     "  dialog TEXT [BUTTON [ID=VALUE...]]\n"
     "                            waits for a dialog or message box that contains TEXT, prints its texts, fills the\n"
-    "                            controls with these ids, and presses BUTTON\n"
+    "                            controls with these ids (a check box by 0 or 1), and presses BUTTON\n"
     "  close                     asks the window to close\n"
     "  dump                      lists all its windows: class, id, rectangle, style, text\n"
     "Exit code: 0 done, 1 not found in time, 2 usage, 3 no answer, 4 menu entry disabled.\n";
@@ -446,7 +446,12 @@ void Dialog(const Arguments& arguments) {
         bool filled = false;
         for (HWND child : children) {
             if (GetDlgCtrlID(child) != id) continue;
-            Send(child, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(arguments[at].c_str() + equals + 1));
+            const wchar_t* const value = arguments[at].c_str() + equals + 1;
+            if (_wcsicmp(ClassOf(child).c_str(), L"Button") == 0) {
+                Send(child, BM_SETCHECK, static_cast<WPARAM>(wcstol(value, nullptr, 0)), 0);
+            } else {
+                Send(child, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(value));
+            }
             filled = true;
             break;
         }
