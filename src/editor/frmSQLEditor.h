@@ -1,12 +1,15 @@
 #pragma once
 
 #include <array>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "automation/RuntimeError.h"
+#include "editor/Colours.h"
 #include "forms/Annotations.h"
 #include "forms/CommandButton.h"
 #include "forms/Container.h"
@@ -18,6 +21,7 @@
 #include "forms/Menu.h"
 #include "forms/RichTextBox.h"
 #include "forms/StatusBar.h"
+#include "forms/ToolWindow.h"
 #include "forms/Toolbar.h"
 #include "forms/TreeView.h"
 
@@ -60,6 +64,8 @@ public:
     RichTextBox rtbSQL;
     StatusBar sbStatusBar;
     FileDialog dlgCommonDialog;
+    ToolWindow winReplace;
+    ToolWindow winGoto;
     ImageListHandle imlImages;
     Annotations accAnnotations;
 
@@ -83,7 +89,7 @@ public:
     MenuItem mnuEditReplace{L"&Replace..."};
     MenuItem mnuEditGoto{L"&Goto..."};
     MenuItem mnuEditSelectAll{L"Select &All", {FCONTROL, 'A', L"Ctrl+A"}};
-    MenuItem mnuEditTimeDate{L"Time/&Date", {0, VK_F5, L"F5"}};
+    MenuItem mnuEditTimeDate{L"Time/&Date"};
 
     MenuItem mnuAction{L"&Action"};
     MenuItem mnuActionSelect{L"&Select"};
@@ -103,6 +109,10 @@ public:
 protected:
     void CreateControls() override;
     void FontsChanged() override;
+    bool Idle() override;
+    bool ToolMessage(MSG& message) override { return winReplace.Translate(message) || winGoto.Translate(message); }
+    void ToolsClose() noexcept override;
+    void ColoursChanged() override;
 
     // ---- Lifecycle
     const wchar_t* FirstCaption() const override { return L"SQL Editor"; }
@@ -184,6 +194,29 @@ private:
     void rtbSQL_Change();
     void rtbSQL_SelChange();
 
+    // ---- Keys for whole lines and statements (editor/frmSQLEditor_Lines.cpp)
+    bool rtbSQL_KeyPressed(int Key, int Shift);
+    std::pair<long, long> m_SelectedLines();
+    void m_ReplaceRaw(long From, long To, const std::wstring& Text, long SelectFrom, long SelectTo);
+    void m_ChangeLines(const std::function<void(std::vector<std::wstring>&)>& Change);
+    void m_MoveLines(bool Down);
+    void m_DoubleLines();
+    void m_DeleteLines();
+    void m_BreakLine();
+    void m_SelectStatement();
+    // Puts the text back that Display brought.
+    void m_RestoreDisplayed();
+
+    // ---- The windows of Ctrl+H and Ctrl+G (editor/frmSQLEditor_Find.cpp)
+    void m_OpenReplace();
+    void m_OpenGoto();
+    void winReplace_Pressed(int Id);
+    void winGoto_Pressed(int Id);
+    bool m_FindAgain();
+    void m_ReplaceOne();
+    void m_ReplaceAll();
+    void m_Result(const std::wstring& Text);
+
     // ---- Object browser (browser/frmSQLEditor_Browser.cpp)
     // `Opened`: the user opens the branch; false where it is only filled.
     void trvDBObjects_Expand(const Node& Node, bool Opened = false);
@@ -259,14 +292,16 @@ private:
     std::wstring m_DragText(Control& Source);
     bool m_CanDrop(Control& Source);
 
-    long connection_ = 0;                   // the one that the tree and the reference are of: see modGlobal::Connection
+    long connection_ = 0;  // the one that the tree and the reference are of: see modGlobal::Connection
+    Colours colours_{rtbSQL};
     bool displaying_ = false;               // Constructor or a Display is under way
     bool printing_ = false;                 // what the Print command began is not over
     std::optional<std::wstring> returned_;  // the text as it was when the window was closed
     bool changedSince_ = false;             // and whether it was changed after that
     bool moving_ = false;                   // the splitter is being dragged
-    short activeView_ = 0;   // 0 object browser, 1 ANSI SQL list, 2 database-specific tree, 3 host command list
-    float firstSplit_ = 0;   // where the splitter stands until it is moved, twips
-    long savedSplit_ = 0;    // split position, twips, from before the left pane was collapsed
-    std::wstring findText_;  // what Find Next looks for
+    short activeView_ = 0;    // 0 object browser, 1 ANSI SQL list, 2 database-specific tree, 3 host command list
+    float firstSplit_ = 0;    // where the splitter stands until it is moved, twips
+    long savedSplit_ = 0;     // split position, twips, from before the left pane was collapsed
+    std::wstring findText_;   // what Find Next looks for
+    std::wstring displayed_;  // the text that Display brought
 };

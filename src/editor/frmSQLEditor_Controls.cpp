@@ -266,6 +266,8 @@ void frmSQLEditor::CreateControls() {
     rtbSQL.CopyRequested = [this] { rtbSQL_CopyRequested(); };
     rtbSQL.CutRequested = [this] { rtbSQL_CutRequested(); };
     rtbSQL.Change = [this] { rtbSQL_Change(); };
+    rtbSQL.KeyPressed = [this](int Key, int Shift) { return rtbSQL_KeyPressed(Key, Shift); };
+    rtbSQL.MadePlain = [this] { colours_.MadePlain(); };
     rtbSQL.SelChange = [this] { rtbSQL_SelChange(); };
     rtbSQL.DragOver = [this](Control& Source, float X, float Y, DragState State) {
         rtbSQL_DragOver(Source, X, Y, State);

@@ -13,12 +13,14 @@ void frmSQLEditor::rtbSQL_Change() try {
     rtbSQL.DataChanged = true;
     changedSince_ = true;
     sbStatusBar.ClearNote();
+    colours_.TextChanged();
 } catch (...) {
     ReportError(Module, L"rtbSQL_Change");
 }
 
 void frmSQLEditor::rtbSQL_SelChange() try {
     sbStatusBar.ClearNote();
+    colours_.SelectionChanged();
     long Line = 0;
     long Column = 0;
     rtbSQL.CaretPosition(Line, Column);
@@ -158,10 +160,10 @@ void frmSQLEditor::mnuFindNext_Click() try { m_FindNext(); } catch (...) {
     ReportError(Module, L"mnuFindNext_Click");
 }
 
-// A text that is not there is not reported: the selection stays where it is.
+// A text that is not there is told in the status bar alone: the selection stays where it is.
 void frmSQLEditor::m_FindNext(const std::wstring* Text) try {
     if (Text != nullptr) findText_ = *Text;
-    if (!findText_.empty()) rtbSQL.Find(findText_);
+    if (!findText_.empty() && !rtbSQL.Find(findText_)) sbStatusBar.SetPanelText(2, L"Not found");
 } catch (...) {
     ReportError(Module, L"m_FindNext");
 }

@@ -68,7 +68,9 @@ void frmSQLEditor::Display(std::wstring& SQL) try {
     const Flagged displaying(displaying_);
     Load();
     if (connection_ != modGlobal::Connection()) m_ShowConnection();
+    colours_.SetLanguage(DBType);
     rtbSQL.SetText(SQL);
+    displayed_ = SQL;
     rtbSQL.DataChanged = false;
     returned_.reset();
     // What comes back is the editor's text, which has CR LF for CR and LF. Characters that the editor alone takes for

@@ -332,6 +332,9 @@ void Form::RunLoop() {
             if (waited == WAIT_TIMEOUT) continue;
         }
         MSG message;
+        // Each step is over soon, and none is begun while a message waits.
+        while (shown_ && !PeekMessageW(&message, nullptr, 0, 0, PM_NOREMOVE) && Idle()) call.Rethrow();
+        if (!shown_) break;
         const BOOL got = GetMessageW(&message, nullptr, 0, 0);
         if (got <= 0) {
             // The host is quitting: its own loop has to see that too.
@@ -349,6 +352,8 @@ void Form::RunLoop() {
                 swallowed = Dragging::Translate(message) || KeyPreview(message) || Menus.Translate(message) ||
                             Navigate(message);
             });
+        } else {
+            Events::Raise([&] { swallowed = ToolMessage(message); });
         }
         if (!swallowed) {
             TranslateMessage(&message);
@@ -388,6 +393,7 @@ void Form::Hide() {
     shown_ = false;
     Events::Call call;
     // Enabled before this window goes, else the activation would go to another program.
+    ToolsClose();
     EnableOthers();
     ShowWindow(handle_, SW_HIDE);
     ActivatePrevious();
@@ -481,6 +487,7 @@ LRESULT Form::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
         }
         case WM_SETTINGCHANGE:
             TellControls(message, wParam, lParam);
+            if (wParam == SPI_SETHIGHCONTRAST) ColoursChanged();
             if (wParam == SPI_SETNONCLIENTMETRICS || wParam == SPI_SETHIGHCONTRAST) {
                 RenewFonts();
                 LayOutAgain();
@@ -488,6 +495,7 @@ LRESULT Form::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
             break;
         case WM_SYSCOLORCHANGE:
             TellControls(message, wParam, lParam);
+            ColoursChanged();
             RedrawWindow(handle_, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_FRAME | RDW_ALLCHILDREN);
             break;
         case WM_THEMECHANGED:

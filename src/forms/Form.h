@@ -80,6 +80,15 @@ protected:
     virtual float MinimumHeight() const { return 0; }
     // The fonts were made, or made anew because the dots per inch or the user's choice changed.
     virtual void FontsChanged() = 0;
+    // The system's colours, or its scheme, are others.
+    virtual void ColoursChanged() {}
+    // The modal loop has nothing to do: one step of some milliseconds of what can wait. False: there is nothing left,
+    // until a message comes.
+    virtual bool Idle() { return false; }
+    // A message of the modal loop that may be one of the form's small windows. True: it was.
+    virtual bool ToolMessage(MSG&) { return false; }
+    // The form is hidden: its small windows go.
+    virtual void ToolsClose() noexcept {}
     // A key before it goes to the control that has the focus. True: it is swallowed.
     virtual bool KeyPreview(MSG& message);
 

@@ -182,6 +182,7 @@ void RichTextBox::Replace() {
     const bool zoomed = Send(EM_GETZOOM, reinterpret_cast<WPARAM>(&zoom), reinterpret_cast<LPARAM>(&of)) != 0;
     target_.Revoke();
     annotations_.Clear();
+    shaded_ = false;
     MakeWindow(container, id);
     SetWindowPos(Handle(), after != nullptr ? after : HWND_TOP, place.left, place.top, place.right - place.left,
                  place.bottom - place.top, SWP_NOACTIVATE);
@@ -213,6 +214,7 @@ void RichTextBox::SetText(const std::wstring& text) {
         if (rich_ || TextLength() > ReplaceBeyond) Replace();
         rich_ = false;
         FillWith(text);
+        ForgetShades();
         Send(EM_SETSEL, 0, 0);
         Send(EM_EMPTYUNDOBUFFER);
     }
@@ -401,6 +403,7 @@ bool RichTextBox::OnReflected(UINT message, WPARAM wParam, LPARAM lParam, LRESUL
 LRESULT RichTextBox::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
     LRESULT result = 0;
     if (OnKey(message, wParam, lParam, result)) return result;
+    const Noting noting(*this, message, wParam);
     switch (message) {
         case WM_DESTROY:
             // Somebody else destroys the window that the user is writing in.

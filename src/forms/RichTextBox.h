@@ -3,7 +3,9 @@
 #include <windows.h>
 #include <richedit.h>
 
+#include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <utility>
 #include <vector>
@@ -54,6 +56,10 @@ public:
     // it is. The user's own zoom (the wheel with the Ctrl key) lasts until another scale, or other dots, want another
     // size.
     void SetScale(float scale);
+    // The user's own zoom: a tenth larger or smaller for each step, as far as one can read it; 0: the scale again.
+    void Zoom(int steps);
+    // Puts the caret at the beginning of a line, counted from 1; behind the last one means the last one.
+    void GoToLine(long line);
     // What programs that read the screen call the control; its window's text is what it holds.
     void SetAccessibleName(const std::wstring& name);
 
@@ -112,6 +118,43 @@ public:
     // when there is no such file any more, or it cannot be read.
     bool FileChangedOutside() const;
 
+    // ---- A view of the text (forms/RichTextBox_View.cpp): how characters are shown beside what they are. Files, the
+    // printer, the undo history and Change know nothing of it. Positions are the control's own in this part: a line end
+    // is one character, CR.
+    struct Shade {
+        long From;
+        long To;
+        bool Ground;      // what the characters stand on, else they themselves
+        COLORREF Colour;  // CLR_DEFAULT: as in every window
+    };
+    // False: the control cannot, or not all of it.
+    bool Show(std::span<const Shade> shades);
+    // Shows everything as it is. MadePlain tells that it was not already, also where a file or a printer asked for it.
+    void ShowPlain();
+    Event MadePlain;
+    // Whether the text came with formats, which nobody is to change.
+    bool HasFormats() const noexcept { return rich_; }
+    // Grows each time the whole text is replaced by SetText or a file.
+    unsigned Texts() const noexcept { return texts_; }
+    // An input method is writing: what it underlines is to be left alone.
+    bool Composing() const noexcept { return composing_; }
+    long RawLength() const;
+    std::wstring RawText(long from, long to) const;
+    std::pair<long, long> RawSelection() const;
+    void RawSelect(long from, long to);
+    // Where the line of a position begins, and where it ends, before its CR.
+    long RawLineStart(long position) const;
+    long RawLineEnd(long position) const;
+    // The first and the last character that are to be seen, or so.
+    std::pair<long, long> Seen() const;
+    // While Change is raised: what may have changed, and what was selected before.
+    struct Edit {
+        enum class How { Anything, Near, Typed } Kind = How::Anything;
+        long From = 0;
+        long To = 0;
+    };
+    const Edit& LastEdit() const noexcept { return edit_; }
+
     // Prints the whole text into a document that was started (forms/RichTextBox_Print.cpp), lines wrapped at the
     // margins, and ends it. False: the user has stopped it, and nothing is printed. Error 482: the printer refused;
     // 32755: the user has cancelled it in a dialog of the printer's.
@@ -134,6 +177,16 @@ private:
     bool OnKey(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result);
     bool IsOfTakenKey(LPARAM lParam) noexcept;
 
+    // Keeps what a message that may change the text finds.
+    struct Noting {
+        RichTextBox& Box;
+        Edit Before;
+        Noting(RichTextBox& box, UINT message, WPARAM wParam);
+        ~Noting() { Box.edit_ = Before; }
+    };
+
+    void ForgetShades();
+    int LinePixels() const noexcept;
     void MakeWindow(HWND container, int id);
     void Prepare();
     void Replace();
@@ -160,6 +213,10 @@ private:
     bool filling_ = false;
     bool rich_ = false;     // the text came with formats of its own
     uint64_t fileSum_ = 0;  // of the bytes of FileName's file, as they were last loaded or saved
+    bool shaded_ = false;   // characters may be shown otherwise than they are
+    bool composing_ = false;
+    unsigned texts_ = 0;
+    Edit edit_;
     DropTarget target_;
     std::vector<std::function<void()>> later_;
     EdgeScroll edges_;

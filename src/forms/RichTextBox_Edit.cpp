@@ -2,6 +2,9 @@
 
 #include <richedit.h>
 
+#include <algorithm>
+#include <cmath>
+
 #include "forms/RichTextBox.h"
 #include "forms/Twips.h"
 
@@ -34,4 +37,24 @@ POINT RichTextBox::MenuPoint() const {
     if (!PtInRect(&client, point)) point = {};
     ClientToScreen(Handle(), &point);
     return point;
+}
+
+void RichTextBox::Zoom(int steps) {
+    constexpr long Least = 20;  // percent
+    constexpr long Most = 500;
+    int numerator = 0;
+    int denominator = 0;
+    Send(EM_GETZOOM, reinterpret_cast<WPARAM>(&numerator), reinterpret_cast<LPARAM>(&denominator));
+    const long now = denominator > 0 && numerator > 0 ? MulDiv(numerator, 100, denominator) : 100;
+    const long usual = std::lround(zoom_ * 100);
+    const long wanted = steps == 0 ? usual : std::clamp(now + steps * usual / 10, Least, Most);
+    Send(EM_SETZOOM, static_cast<WPARAM>(wanted), 100);
+}
+
+void RichTextBox::GoToLine(long line) {
+    const long last = static_cast<long>(Send(EM_GETLINECOUNT));
+    const auto start =
+        static_cast<long>(Send(EM_LINEINDEX, static_cast<WPARAM>(std::clamp(line, 1L, std::max(last, 1L)) - 1)));
+    RawSelect(start, start);
+    ScrollCaret();
 }

@@ -96,6 +96,7 @@ void RichTextBox::SaveFile(const std::wstring& path, FileKind kind) {
     TextFile::Format format = FileFormat;
     std::string bytes;
     if (kind == FileKind::RichText) {
+        ShowPlain();
         bytes = RichText();
         const std::wstring text = Text();
         // Rich text has no way to write some characters down.
@@ -135,6 +136,7 @@ void RichTextBox::SetRichText(std::string_view rtf) {
         stream.pfnCallback = &ReadBytes;
         Send(EM_STREAMIN, SF_RTF, reinterpret_cast<LPARAM>(&stream));
         rich_ = true;
+        ++texts_;
         GETTEXTLENGTHEX request{};
         request.flags = GTL_NUMCHARS | GTL_PRECISE;
         request.codepage = 1200;

@@ -1,0 +1,176 @@
+#include <windows.h>
+#include <commctrl.h>
+#include <richedit.h>
+#include <richole.h>
+#include <tom.h>
+
+#include <optional>
+
+#include "Bench.h"
+#include "EditorTree.h"
+#include "Fakes.h"
+#include "RawWindow.h"
+#include "Shown.h"
+#include "sql/Lexer.h"
+
+// What the colours cost: taking a text apart, the time until they are there, and typing where they are.
+namespace {
+
+std::wstring Sql100(size_t characters) {
+    const std::wstring statement =
+        L"SELECT customer_number, count(*) AS orders_of_the_customer  -- what they have bought\r\n"
+        L"FROM sales_department.customer_orders JOIN \"Order Details\" ON order_number = 'it''s'\r\n"
+        L"WHERE price_of_the_article > 12.50 AND article_group IN ('tools', 'furniture');\r\n";
+    std::wstring text;
+    while (text.size() < characters) text += statement;
+    text.resize(characters);
+    return text;
+}
+
+// Asked of the text object model, which selects and paints nothing.
+COLORREF ColourAt(HWND editor, LONG position) {
+    constexpr IID TextDocumentId = {0x8CC497C0, 0xA1DF, 0x11CE, {0x80, 0x98, 0x00, 0xAA, 0x00, 0x47, 0xBE, 0x5D}};
+    IUnknown* ole = nullptr;
+    SendMessageW(editor, EM_GETOLEINTERFACE, 0, reinterpret_cast<LPARAM>(&ole));
+    void* asked = nullptr;
+    if (ole == nullptr || FAILED(ole->QueryInterface(TextDocumentId, &asked))) return CLR_DEFAULT;
+    auto* const document = static_cast<ITextDocument*>(asked);
+    ITextRange* range = nullptr;
+    ITextFont* font = nullptr;
+    long colour = tomAutoColor;
+    if (SUCCEEDED(document->Range(position, position + 1, &range)) && SUCCEEDED(range->GetFont(&font))) {
+        font->GetForeColor(&colour);
+        font->Release();
+    }
+    if (range != nullptr) range->Release();
+    document->Release();
+    ole->Release();
+    return colour == static_cast<long>(tomAutoColor) ? CLR_DEFAULT : static_cast<COLORREF>(colour);
+}
+
+// Calls a step from the window's own loop, some time after the one before, until it answers true.
+class Until {
+public:
+    Until(UINT milliseconds, std::function<bool()> step) : step_(std::move(step)), every_(milliseconds) {
+        self = this;
+        Set();
+    }
+    ~Until() { self = nullptr; }
+
+private:
+    void Set() {
+        timer_ = SetTimer(nullptr, 0, every_, [](HWND, UINT, UINT_PTR id, DWORD) WINAPI {
+            KillTimer(nullptr, id);
+            if (self == nullptr) return;
+            if (ShownEditor() == nullptr || !self->step_()) self->Set();
+        });
+    }
+    static inline Until* self = nullptr;
+    std::function<bool()> step_;
+    UINT every_;
+    UINT_PTR timer_ = 0;
+};
+
+class ColoursBench : public ComponentFixture {
+protected:
+    ColoursBench() : editor_(Dll.Create()) { editor_.Call(L"Constructor", Variant::Nothing()); }
+    ~ColoursBench() override { editor_.Call(L"Destructor"); }
+    Object editor_;
+};
+
+}  // namespace
+
+TEST_F(ColoursBench, Lexing) {
+    for (const size_t size : Sizes({1024 * 1024}, 2000)) {
+        const std::wstring text = Sql100(size);
+        Compare(
+            {"taking a text apart, against copying it", size, 10},
+            [&] {
+                size_t length = 0;
+                const double time = Took([&] {
+                    Sql::Lexer lexer(text, Sql::DialectOf(0));
+                    for (Sql::Token token; lexer.Next(token);) length += token.Length;
+                });
+                EXPECT_EQ(size, length);
+                return time;
+            },
+            [&] {
+                size_t length = 0;
+                const double time = Took([&] {
+                    const std::wstring copy(text.data(), text.size());
+                    length += copy.size() + (copy.back() == L'?' ? 1 : 0);
+                });
+                EXPECT_EQ(size, length);
+                return time;
+            });
+    }
+}
+
+TEST_F(ColoursBench, UntilAllThatIsSeenHasItsColour) {
+    for (const size_t size : Sizes({100 * 1024}, 2000)) {
+        std::wstring text = Sql100(size);
+        double painted = 0;
+        double coloured = 0;
+        const WhenWaiting step([&] {
+            PaintNow(ShownEditor());
+            painted = Now();
+        });
+        const Until seen(10, [&] {
+            // The last statement that is seen begins with a keyword.
+            const HWND editor = EditorWindow::Editor();
+            RECT client;
+            GetClientRect(editor, &client);
+            POINTL below{0, client.bottom - 1};
+            const auto last = SendMessageW(editor, EM_CHARFROMPOS, 0, reinterpret_cast<LPARAM>(&below));
+            auto line = SendMessageW(editor, EM_EXLINEFROMCHAR, 0, last);
+            while (line > 0 && line % 3 != 0) --line;
+            const auto first = static_cast<LONG>(SendMessageW(editor, EM_LINEINDEX, static_cast<WPARAM>(line), 0));
+            if (ColourAt(editor, first) == CLR_DEFAULT) return false;
+            coloured = Now();
+            SendMessageW(ShownEditor(), WM_CLOSE, 0, 0);
+            return true;
+        });
+        editor_.Call(L"Display", ByRef(text));
+        PrintRow({"all that is seen coloured, against the 100 ms it may take", size, 1}, "ms", coloured - painted, 100);
+    }
+}
+
+TEST_F(ColoursBench, Typing) {
+    for (const size_t size : Sizes({100 * 1024}, 2000)) {
+        const std::wstring sql = Sql100(size);
+        std::wstring text = sql;
+        const Until typed(100, [&] {
+            const HWND editor = EditorWindow::Editor();
+            // The last line begins with a keyword or goes on with one: everything has its colour.
+            const auto end = static_cast<LONG>(SendMessageW(editor, EM_GETLINECOUNT, 0, 0)) - 1;
+            for (LONG line = end; line > end - 3; --line) {
+                const auto first = static_cast<LONG>(SendMessageW(editor, EM_LINEINDEX, static_cast<WPARAM>(line), 0));
+                if (ColourAt(editor, first) == CLR_DEFAULT && size > 500) return false;
+            }
+            const WindowPlan plan = WindowPlan::OfEditor();
+            RawWindow raw(plan);
+            SETTEXTEX set{ST_DEFAULT, 1200};
+            SendMessageW(raw.Editor(), EM_SETTEXTEX, reinterpret_cast<WPARAM>(&set),
+                         reinterpret_cast<LPARAM>(sql.c_str()));
+            raw.Show();
+            // In the first line, behind a name; a hundred characters and a paint after each.
+            const auto type = [](HWND control, HWND window) {
+                CHARRANGE place{22, 22};
+                SendMessageW(control, EM_EXSETSEL, 0, reinterpret_cast<LPARAM>(&place));
+                return Took([&] {
+                    for (int at = 0; at < 20; ++at) {
+                        SendMessageW(control, WM_CHAR, L"name_of_the_column, "[at], 1);
+                        PaintNow(window);
+                    }
+                });
+            };
+            Compare(
+                {"typing 20 characters in colours, against the bare control", size, 1.5},
+                [&] { return type(editor, ShownEditor()); }, [&] { return type(raw.Editor(), raw.Handle()); });
+            raw.Hide();
+            SendMessageW(ShownEditor(), WM_CLOSE, 0, 0);
+            return true;
+        });
+        editor_.Call(L"Display", ByRef(text));
+    }
+}

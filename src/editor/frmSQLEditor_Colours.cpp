@@ -1,0 +1,23 @@
+#include "component/modGlobal.h"
+#include "editor/frmSQLEditor.h"
+#include "errors/modErrorHandler.h"
+
+namespace {
+constexpr const wchar_t* Module = L"frmSQLEditor";
+}
+
+bool frmSQLEditor::Idle() try { return colours_.Idle(); } catch (...) {
+    // Once: the text stays as it is shown, and is whole.
+    colours_.GiveUp();
+    ReportError(Module, L"Idle");
+    return false;
+}
+
+void frmSQLEditor::ColoursChanged() try { colours_.SettingsChanged(); } catch (...) {
+    ReportError(Module, L"ColoursChanged");
+}
+
+void frmSQLEditor::ToolsClose() noexcept {
+    winReplace.Close();
+    winGoto.Close();
+}

@@ -1,0 +1,178 @@
+#include <gtest/gtest.h>
+#include <commctrl.h>
+
+#include <cmath>
+
+#include "Steps.h"
+
+namespace {
+
+double Contrast(COLORREF one, COLORREF other) {
+    const auto luminance = [](COLORREF colour) {
+        const auto part = [](int value) {
+            const double share = value / 255.0;
+            return share <= 0.03928 ? share / 12.92 : std::pow((share + 0.055) / 1.055, 2.4);
+        };
+        return 0.2126 * part(GetRValue(colour)) + 0.7152 * part(GetGValue(colour)) + 0.0722 * part(GetBValue(colour));
+    };
+    const double a = luminance(one) + 0.05;
+    const double b = luminance(other) + 0.05;
+    return a > b ? a / b : b / a;
+}
+
+bool CanUndo() { return SendMessageW(EditorWindow::Editor(), EM_CANUNDO, 0, 0) != 0; }
+
+}  // namespace
+
+class SqlColoursTest : public StepsFixture {};
+
+TEST_F(SqlColoursTest, TokensHaveTheirColours) {
+    Type(8);
+    const std::wstring sql = L"select count(a), 'b' 12 -- c\r\nfrom [d] left join e /* f\r\ng */";
+    EXPECT_EQ(
+        sql,
+        InSteps(sql, {[&] { return Pattern(sql) == L"aaaaaa bbbbb.... ccc dd ee e|aaaa fff aaaa aaaa . ee e|e ee"; },
+                      [] {
+                          EXPECT_FALSE(CanUndo());
+                          EXPECT_EQ(L"0-0", Selection());
+                          for (const LONG at : {0L, 7L, 17L, 21L, 24L, 34L}) {
+                              const COLORREF colour = ColourAt(at);
+                              EXPECT_NE(CLR_DEFAULT, colour) << at;
+                              EXPECT_GE(Contrast(colour, GetSysColor(COLOR_WINDOW)), 4.5) << at;
+                          }
+                          return true;
+                      }}));
+    EXPECT_EQ(L"", Errors.Places());
+}
+
+TEST_F(SqlColoursTest, EditsChangeTheColoursOfWhatTheyChange) {
+    const std::wstring text = InSteps(
+        L"a\r\nb\r\nc", {[] {
+                             SelectText(0, 0);
+                             Type(L"select");
+                             EXPECT_EQ(L".......", Pattern(L"selecta"));
+                             return true;
+                         },
+                         [] { return true; },
+                         [] {
+                             SelectText(6, 6);
+                             Type(L" ");
+                             EXPECT_EQ(L"aaaaaa .|.|.", Pattern(L"select a\r\nb\r\nc"));
+                             // A comment begins in the first line and takes the others with it.
+                             SelectText(7, 7);
+                             Type(L"/*");
+                             return true;
+                         },
+                         [] { return Pattern(L"select /*a\r\nb\r\nc") == L"aaaaaa bbb|b|b"; },
+                         [] {
+                             SelectText(9, 9);
+                             Type(L"*/");
+                             return true;
+                         },
+                         [] { return Pattern(L"select /**/a\r\nb\r\nc") == L"aaaaaa bbbb.|.|."; },
+                         [] {
+                             SelectText(7, 11);
+                             SendMessageW(EditorWindow::Editor(), EM_REPLACESEL, TRUE,
+                                          reinterpret_cast<LPARAM>(L"'x'\r\nfrom "));
+                             return true;
+                         },
+                         [] { return Pattern(L"select 'x'\r\nfrom a\r\nb\r\nc") == L"aaaaaa bbb|aaaa .|.|."; }});
+    EXPECT_EQ(L"select 'x'\r\nfrom a\r\nb\r\nc", text);
+    EXPECT_EQ(L"", Errors.Places());
+}
+
+TEST_F(SqlColoursTest, UndoGoesBackToTheBeginningAndLeavesTheColours) {
+    const std::wstring sql = L"select 1\r\nfrom b";
+    EXPECT_EQ(sql,
+              InSteps(sql, {[&] { return Pattern(sql) == L"aaaaaa b|aaaa ."; },
+                            [] {
+                                EXPECT_FALSE(CanUndo());
+                                SelectText(8, 8);
+                                Type(L" /* where");
+                                return true;
+                            },
+                            [] { return Pattern(L"select 1 /* where\r\nfrom b") == L"aaaaaa b cc ccccc|cccc c"; },
+                            [] {
+                                SelectText(0, 3);
+                                SendMessageW(EditorWindow::Editor(), WM_CLEAR, 0, 0);
+                                return true;
+                            },
+                            [] { return Pattern(L"ect 1 /* where\r\nfrom b") == L"... a bb bbbbb|bbbb b"; },
+                            [] {
+                                int steps = 0;
+                                while (CanUndo() && ++steps < 50) SendMessageW(EditorWindow::Editor(), EM_UNDO, 0, 0);
+                                EXPECT_LE(steps, 11);
+                                EXPECT_EQ(L"select 1\r\nfrom b", EditorWindow::Text());
+                                return true;
+                            },
+                            [&] { return Pattern(sql) == L"aaaaaa b|aaaa ."; },
+                            [] {
+                                EXPECT_FALSE(CanUndo());
+                                int steps = 0;
+                                while (SendMessageW(EditorWindow::Editor(), EM_CANREDO, 0, 0) != 0 && ++steps < 50) {
+                                    SendMessageW(EditorWindow::Editor(), EM_REDO, 0, 0);
+                                }
+                                EXPECT_EQ(L"ect 1 /* where\r\nfrom b", EditorWindow::Text());
+                                while (CanUndo() && --steps > -50) SendMessageW(EditorWindow::Editor(), EM_UNDO, 0, 0);
+                                return true;
+                            }}));
+    EXPECT_EQ(L"", Errors.Places());
+}
+
+TEST_F(SqlColoursTest, ColoursAreNoChange) {
+    const std::wstring sql = L"select 1";
+    InSteps(sql, {[&] { return Pattern(sql) == L"aaaaaa b"; },
+                  [] {
+                      // Nothing is asked: nothing was changed.
+                      BoxAnswerer boxes(IDCANCEL);
+                      EditorWindow::Choose(L"File", L"New");
+                      EXPECT_EQ(0, boxes.Boxes);
+                      EXPECT_EQ(L"", EditorWindow::Text());
+                      return true;
+                  },
+                  [] {
+                      Type(L"x");
+                      EXPECT_EQ(CLR_DEFAULT, ColourAt(0));
+                      return true;
+                  }});
+    EXPECT_EQ(L"", Errors.Places());
+}
+
+TEST_F(SqlColoursTest, LongTextsHaveNone) {
+    std::wstring sql = L"select 1\r\n";
+    sql.append(1024 * 1024, L'x');
+    InSteps(sql, {[] { return true; }, [] { return true; }, [] { return true; },
+                  [] {
+                      EXPECT_EQ(CLR_DEFAULT, ColourAt(0));
+                      return true;
+                  }});
+}
+
+TEST_F(SqlColoursTest, BracketsAndWordsAreMarked) {
+    const std::wstring sql = L"f(a, '(', (b)) a (";
+    InSteps(sql,
+            {[&] { return Pattern(sql)[6] != L'.'; },
+             [] {
+                 SelectText(1, 1);
+                 return true;
+             },
+             [] {
+                 return GroundAt(1) != CLR_DEFAULT && GroundAt(1) == GroundAt(13) && GroundAt(10) == CLR_DEFAULT &&
+                        GroundAt(6) == CLR_DEFAULT;
+             },
+             [] {
+                 SelectText(17, 17);
+                 return true;
+             },
+             [] { return GroundAt(17) != CLR_DEFAULT && GroundAt(1) == CLR_DEFAULT; },
+             [] {
+                 SelectText(2, 3);
+                 return true;
+             },
+             [] { return GroundAt(15) != CLR_DEFAULT && GroundAt(17) == CLR_DEFAULT && GroundAt(2) == CLR_DEFAULT; },
+             [] {
+                 EXPECT_FALSE(CanUndo());
+                 return true;
+             }});
+    EXPECT_EQ(L"", Errors.Places());
+}
