@@ -47,7 +47,7 @@ void clsListItem::Constructor(std::wstring Text, long Id, long list, long DBType
     deleteText_ = std::move(DeleteText);
     executeText_ = std::move(ExecuteText);
     if (!Commands.IsMissing()) {
-        for (const Variant& command : Commands.ToArray()) commands_->Add(command.ToText());
+        for (const Variant& command : Commands.ToArray()) AddCommand(command.ToText());
     }
 } catch (...) {
     ReportError(Module, L"Constructor");
@@ -57,9 +57,14 @@ void clsListItem::Constructor(long list, std::wstring SelectText, std::wstring I
                               std::wstring DeleteText, std::vector<std::wstring> Commands) try {
     Constructor(L"", 0, list, 0, L"", L"", L"", std::move(SelectText), std::move(InsertText), std::move(UpdateText),
                 std::move(DeleteText), L"");
-    for (std::wstring& command : Commands) commands_->Add(std::move(command));
+    for (std::wstring& command : Commands) AddCommand(std::move(command));
 } catch (...) {
     ReportError(Module, L"Constructor");
+}
+
+void clsListItem::AddCommand(std::wstring Command) {
+    if (!commands_) RaiseError(ErrorNumber::ObjectNotSet);
+    commands_->Add(std::move(Command));
 }
 
 void clsListItem::Destructor() try { commands_.reset(); } catch (...) {

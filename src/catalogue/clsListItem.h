@@ -42,6 +42,8 @@ public:
     std::wstring UpdateText() const;
 
 private:
+    void AddCommand(std::wstring Command);  // error 91 after Destructor
+
     std::wstring text_;
     long id_ = 0;
     long list_ = 0;

@@ -51,6 +51,85 @@ TEST_F(ListItemTest, GivesItsCommandsByPosition) {
     EXPECT_EQ(L"clsListItem.GetCommand 9|clsListItem.GetCommand 6", Errors.Places());
 }
 
+TEST_F(ListItemTest, AnEmptyArrayOfCommandsGivesNone) {
+    clsListItem item;
+    item.Constructor(L"kept", 0, 1, 0, L"", L"", L"", L"", L"", L"", L"", L"", Variant::ArrayOf({}));
+    EXPECT_EQ(L"", item.GetCommand(0));
+    EXPECT_EQ(L"", Errors.Places());
+}
+
+TEST_F(ListItemTest, CommandsThatAreNoArrayAreReported) {
+    for (const Variant& value : {Variant(L"count"), Variant(1L), Variant(), Variant::Null(), Variant::Nothing()}) {
+        clsListItem item;
+        Errors.Reports.clear();
+        item.Constructor(L"kept", 7, 1, 4, L"c", L"d", L"dd", L"s", L"i", L"u", L"del", L"e", value);
+        EXPECT_EQ(L"clsListItem.Constructor 13", Errors.Places());
+        // What was set before stays.
+        EXPECT_EQ(L"kept", item.Text());
+        EXPECT_EQ(L"e", item.ExecuteText());
+        EXPECT_EQ(L"", item.GetCommand(0));
+    }
+}
+
+TEST_F(ListItemTest, AfterTheDestructorACommandIsAnError) {
+    clsListItem item;
+    item.Constructor(L"kept", 0, 1, 0, L"", L"", L"", L"", L"", L"", L"", L"", Variant::ArrayOf({Variant(L"a")}));
+    item.Destructor();
+    EXPECT_EQ(L"", item.GetCommand(0));
+    EXPECT_EQ(L"clsListItem.GetCommand 91", Errors.Places());
+    EXPECT_EQ(L"kept", item.Text());
+    item.Destructor();  // nothing is left to release
+    Errors.Reports.clear();
+    item.Constructor(L"t", 0, 1, 0, L"", L"", L"", L"", L"", L"", L"", L"", Variant::ArrayOf({Variant(L"b")}));
+    EXPECT_EQ(L"t", item.Text());
+    EXPECT_EQ(L"clsListItem.Constructor 91", Errors.Places());
+    Errors.Reports.clear();
+    item.Constructor(1, L"s", L"", L"", L"", {L"b"});
+    EXPECT_EQ(L"s", item.SelectText());
+    EXPECT_EQ(L"clsListItem.Constructor 91", Errors.Places());
+}
+
+TEST_F(ListItemTest, TheActiveItemsConstructorKeepsWhatItIsGiven) {
+    clsListItem item;
+    item.Constructor(1, L"s", L"i", L"u", L"d", {L"count", L"describe"});
+    EXPECT_EQ(L"s", item.SelectText());
+    EXPECT_EQ(L"i", item.InsertText());
+    EXPECT_EQ(L"u", item.UpdateText());
+    EXPECT_EQ(L"d", item.DeleteText());
+    EXPECT_EQ(1, item.list());
+    EXPECT_EQ(0, item.Id());
+    EXPECT_EQ(0, item.DBType());
+    EXPECT_EQ(L"", item.Text() + item.Category() + item.Description() + item.DragDrop() + item.ExecuteText());
+    EXPECT_EQ(L"count", item.GetCommand(0));
+    EXPECT_EQ(L"describe", item.GetCommand(1));
+    EXPECT_EQ(L"", item.GetCommand(2));
+    EXPECT_EQ(L"", Errors.Places());
+}
+
+TEST_F(ListItemTest, EntriesWithoutACatalogueAreReported) {
+    modLists::m_CreateListItem(L"t", 1, 0, L"", L"", L"", L"", L"", L"", L"", L"");
+    EXPECT_EQ(L"modLists.m_CreateListItem 91", Errors.Places());
+    // With every report refused the first entry's failure leaves the procedure that makes them all.
+    ErrorHandler.reset();
+    Errors.Reports.clear();
+    Errors.CreateFailures = 1;
+    modLists::CreateListItems();
+    EXPECT_EQ(L"modLists.CreateListItems 429", Errors.Places());
+}
+
+TEST_F(ListItemTest, AnEntryKeepsEachTextInItsPlace) {
+    modGlobal::Main();
+    modLists::m_CreateListItem(L"t", 2, 8, L"c", L"d", L"dd", L"s", L"i", L"u", L"del", L"e");
+    const auto& item = ListItems->Item(L"283");
+    EXPECT_EQ(283, item->Id());
+    EXPECT_EQ(2, item->list());
+    EXPECT_EQ(8, item->DBType());
+    EXPECT_EQ(L"t|c|d|dd|s|i|u|del|e", item->Text() + L"|" + item->Category() + L"|" + item->Description() + L"|" +
+                                           item->DragDrop() + L"|" + item->SelectText() + L"|" + item->InsertText() +
+                                           L"|" + item->UpdateText() + L"|" + item->DeleteText() + L"|" +
+                                           item->ExecuteText());
+}
+
 TEST_F(ListItemTest, ACommandThatIsNoTextIsReported) {
     clsListItem item;
     item.Constructor(L"kept", 0, 1, 0, L"", L"", L"", L"", L"", L"", L"", L"",

@@ -323,3 +323,50 @@ TEST_F(DisplayTest, TheEndOfAnObjectLetsTheWindowGo) {
     { DisplayAndClose(Editor(), L"one"); }
     EXPECT_EQ(S_OK, Dll.CanUnload());
 }
+
+namespace {
+
+// The positions that a window is asked to take while it does not show.
+struct Positions {
+    HWND Window;
+    std::vector<WINDOWPOS> All;
+};
+Positions* positions = nullptr;
+
+}  // namespace
+
+TEST_F(DisplayTest, EachDisplayMakesTheWindowTopmostWhereItStands) {
+    const Object editor = Editor();
+    Positions seen{};
+    RECT before{};
+    DisplayAndClose(editor, L"one", [&] {
+        seen.Window = EditorWindow::Find();
+        SetWindowPos(seen.Window, nullptr, 150, 120, 640, 480, SWP_NOZORDER | SWP_NOACTIVATE);
+        GetWindowRect(seen.Window, &before);
+    });
+    positions = &seen;
+    const HHOOK hook = SetWindowsHookExW(
+        WH_CALLWNDPROC,
+        [](int code, WPARAM wParam, LPARAM lParam) WINAPI -> LRESULT {
+            const auto& message = *reinterpret_cast<const CWPSTRUCT*>(lParam);
+            if (code == HC_ACTION && message.message == WM_WINDOWPOSCHANGING && message.hwnd == positions->Window &&
+                !IsWindowVisible(message.hwnd)) {
+                positions->All.push_back(*reinterpret_cast<const WINDOWPOS*>(message.lParam));
+            }
+            return CallNextHookEx(nullptr, code, wParam, lParam);
+        },
+        nullptr, GetCurrentThreadId());
+    RECT after{};
+    DisplayAndClose(editor, L"two", [&] { GetWindowRect(seen.Window, &after); });
+    UnhookWindowsHookEx(hook);
+    EXPECT_TRUE(EqualRect(&before, &after));
+    // Before it shows it is asked for once, and neither moved nor sized by that.
+    int topmost = 0;
+    for (const WINDOWPOS& position : seen.All) {
+        if (position.hwndInsertAfter != HWND_TOPMOST) continue;
+        ++topmost;
+        EXPECT_EQ(UINT{SWP_NOSIZE | SWP_NOMOVE}, position.flags & (SWP_NOSIZE | SWP_NOMOVE | SWP_NOZORDER));
+    }
+    EXPECT_EQ(1, topmost);
+    EXPECT_EQ(L"", Errors.Places());
+}

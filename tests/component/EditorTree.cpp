@@ -141,6 +141,34 @@ std::wstring MenuEntries(const wchar_t* menu) {
     return L"<no such menu>";
 }
 
+namespace {
+
+std::wstring IconOf(HWND box) {
+    for (HWND child = GetWindow(box, GW_CHILD); child != nullptr; child = GetWindow(child, GW_HWNDNEXT)) {
+        const auto icon = reinterpret_cast<HICON>(SendMessageW(child, STM_GETICON, 0, 0));
+        wchar_t name[20]{};
+        GetClassNameW(child, name, 20);
+        if (lstrcmpiW(name, L"Static") != 0 || icon == nullptr) continue;
+        if (icon == LoadIconW(nullptr, IDI_INFORMATION)) return L"information";
+        if (icon == LoadIconW(nullptr, IDI_EXCLAMATION)) return L"exclamation";
+        if (icon == LoadIconW(nullptr, IDI_QUESTION)) return L"question";
+        return icon == LoadIconW(nullptr, IDI_HAND) ? L"hand" : L"another";
+    }
+    return L"none";
+}
+
+int ButtonsOf(HWND box) {
+    int buttons = 0;
+    for (HWND child = GetWindow(box, GW_CHILD); child != nullptr; child = GetWindow(child, GW_HWNDNEXT)) {
+        wchar_t name[20]{};
+        GetClassNameW(child, name, 20);
+        buttons += lstrcmpiW(name, L"Button") == 0 && (GetWindowLongW(child, GWL_STYLE) & WS_VISIBLE) != 0 ? 1 : 0;
+    }
+    return buttons;
+}
+
+}  // namespace
+
 BoxAnswerer::BoxAnswerer(int button) : Button(button) {
     answerer = this;
     timer_ = SetTimer(nullptr, 0, 20, [](HWND, UINT, UINT_PTR, DWORD) WINAPI {
@@ -152,6 +180,9 @@ BoxAnswerer::BoxAnswerer(int button) : Button(button) {
         GetDlgItemTextW(box, 0xFFFF, text, 1000);
         answerer->Text = text;
         answerer->All.push_back(answerer->Title + L": " + answerer->Text);
+        answerer->Icon = IconOf(box);
+        answerer->Owner = GetWindow(box, GW_OWNER);
+        answerer->Buttons = ButtonsOf(box);
         ++answerer->Boxes;
         SendMessageW(box, WM_COMMAND, static_cast<WPARAM>(answerer->Button), 0);
     });

@@ -60,6 +60,11 @@ public:
     std::wstring Text;
     std::wstring Title;
     std::vector<std::wstring> All;  // "title: text" of each
+    // Of the last one: "information", "exclamation", "question", "hand" or "none"; the window that it belongs to; how
+    // many buttons it has.
+    std::wstring Icon;
+    HWND Owner = nullptr;
+    int Buttons = 0;
     int Button;
 
 private:

@@ -33,7 +33,9 @@ Object MakeRecorder() {
     made->Define(L"DisplayAlerts", [](const Arguments&) { return Variant(currentErrors->DisplayAlerts ? -1L : 0L); });
     made->DefineLet(L"DisplayAlerts", [](const Variant& value) { currentErrors->DisplayAlerts = value.ToBoolean(); });
     made->Define(L"ErrorMessage", [](const Arguments& a) {
-        if (currentErrors->ErrorMessageFails) RaiseError(ObjectErrorBase + 77, L"brvError", L"the log is full");
+        if (currentErrors->ErrorMessageFails ||
+            (currentErrors->MessageFailures > 0 && currentErrors->MessageFailures-- > 0))
+            RaiseError(ObjectErrorBase + 77, L"brvError", L"the log is full");
         Report report;
         report.Module = a[0].ToText();
         report.Routine = a[1].ToText();

@@ -44,6 +44,7 @@ public:
     bool CannotBeCreated = false;
     int CreateFailures = 0;  // how many attempts fail, when not all do
     bool ErrorMessageFails = false;
+    int MessageFailures = 0;  // how many reports fail, when not all do
     int Created = 0;
     std::function<void()> OnReport;  // runs in each report, as an alert that lets messages through would
     // Every error component that is made is given to it, and what it gives back is handed out.

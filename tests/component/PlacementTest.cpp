@@ -224,3 +224,29 @@ TEST_F(PlacementTest, AWindowThatCouldNotBeMadeSavesNoPlacement) {
     }
     EXPECT_EQ(L"", Errors.Places());
 }
+
+TEST_F(PlacementTest, TheEndOfTheWindowSavesItsPlaceToo) {
+    const Object editor = Disconnected();
+    DisplayAndClose(editor, L"x", [] {
+        SetWindowPos(EditorWindow::Find(), nullptr, 150, 120, 640, 480, SWP_NOZORDER | SWP_NOACTIVATE);
+    });
+    Settings::Clear();
+    editor.Call(L"Destructor");
+    EXPECT_FLOAT_EQ(Twips(150), Stored(L"MainLeft"));
+    EXPECT_FLOAT_EQ(Twips(120), Stored(L"MainTop"));
+    EXPECT_FLOAT_EQ(Twips(640), Stored(L"MainWidth"));
+    EXPECT_FLOAT_EQ(Twips(480), Stored(L"MainHeight"));
+    // Once: there is no window any more.
+    Settings::Clear();
+    editor.Call(L"Destructor");
+    EXPECT_EQ(L"<none>", Settings::Get(L"MainLeft"));
+}
+
+TEST_F(PlacementTest, TheEndOfAWindowThatWasClosedMinimisedSavesNothing) {
+    const Object editor = Disconnected();
+    DisplayAndClose(editor, L"x", [] { ShowWindow(EditorWindow::Find(), SW_MINIMIZE); });
+    editor.Call(L"Destructor");
+    for (const wchar_t* key : {L"MainLeft", L"MainTop", L"MainWidth", L"MainHeight"})
+        EXPECT_EQ(L"<none>", Settings::Get(key)) << key;
+    EXPECT_EQ(L"", Errors.Places());
+}

@@ -204,7 +204,7 @@ TEST_F(ClipboardTest, AnotherProgramHoldsIt) {
         SelectText(0, 6);
         Choose(L"Copy");
         ASSERT_EQ(1U, Errors.Told.size());
-        EXPECT_NE(std::wstring::npos, Errors.Told[0].find(told));
+        EXPECT_EQ(std::wstring(L"Alert,") + told + L",<missing>", Errors.Told[0]);
         EXPECT_EQ(L"", Errors.Places());
         Choose(L"Cut");  // what cannot be copied is not taken away
         EXPECT_EQ(2U, Errors.Told.size());

@@ -117,6 +117,44 @@ TEST_F(LayoutTest, TheTabsAreStackedRoundTheActivePage) {
     });
 }
 
+TEST_F(LayoutTest, TheStackHasItsGapsAndTheButtonsTheirPlaces) {
+    Inside([] {
+        Resize(12000, 9000);
+        const float top = Of(EditorWindow::Child(TOOLBARCLASSNAMEW)).Bottom();
+        const float bottom = Of(EditorWindow::Child(STATUSCLASSNAMEW)).Top;
+        SendMessageW(Tab(1), BM_CLICK, 0, 0);
+        EXPECT_NEAR(top + 20, Of(Tab(0)).Top, Pixel);
+        EXPECT_NEAR(Of(Tab(0)).Bottom() + 20, Of(Tab(1)).Top, Pixel);
+        EXPECT_NEAR(Of(Tab(1)).Bottom() + 20, Of(Page(1)).Top, Pixel);
+        EXPECT_NEAR(Of(Page(1)).Bottom() + 20, Of(Tab(2)).Top, Pixel);
+        EXPECT_NEAR(Of(Tab(3)).Bottom() + 20, Of(Description()).Top, Pixel);
+        EXPECT_NEAR(bottom - 200, Of(Description()).Bottom(), Pixel);
+        for (int page = 0; page < 4; ++page) {
+            EXPECT_EQ(page == 1, IsWindowEnabled(Page(page)) != FALSE) << page;
+            EXPECT_EQ(page == 1, (SendMessageW(Tab(page), BM_GETSTATE, 0, 0) & BST_PUSHED) != 0) << page;
+        }
+        const Place hide = Of(Control(1004));
+        EXPECT_NEAR(Of(Tab(0)).Right(), hide.Right(), Pixel);
+        EXPECT_NEAR(300, hide.Width, Pixel);
+        EXPECT_NEAR(bottom - 200, hide.Top, Pixel);
+        EXPECT_NEAR(180, hide.Height, Pixel);
+        EXPECT_FALSE(IsWindowVisible(Control(1005)));
+        const Place grip = Of(Grip());
+        EXPECT_NEAR(Of(Tab(0)).Width, grip.Left, Pixel);
+        EXPECT_NEAR(140, grip.Width, Pixel);
+        EXPECT_NEAR(top, grip.Top, Pixel);
+        EXPECT_NEAR(bottom - top, grip.Height, Pixel);
+        EditorWindow::Choose(L"View", L"Object Browser");
+        EXPECT_FALSE(IsWindowVisible(Control(1004)));
+        EXPECT_FALSE(IsWindowVisible(Description()));
+        const Place unhide = Of(Control(1005));
+        EXPECT_NEAR(0, unhide.Left, Pixel);
+        EXPECT_NEAR(70, unhide.Width, Pixel);
+        EXPECT_NEAR(top, unhide.Top, Pixel);
+        EXPECT_NEAR(bottom - top, unhide.Height, Pixel);
+    });
+}
+
 TEST_F(LayoutTest, TheWindowKeepsItsLeastSize) {
     Inside([] {
         Resize(1500, 2000);
@@ -140,7 +178,24 @@ TEST_F(LayoutTest, AMinimisedWindowIsLeftAlone) {
         const HWND window = EditorWindow::Find();
         RECT before;
         GetWindowRect(window, &before);
+        const Place tab = Of(Tab(0));
+        const Place page = Of(Page(0));
+        const Place editor = Of(EditorWindow::Editor());
         ShowWindow(window, SW_MINIMIZE);
+        ASSERT_TRUE(IsIconic(window));
+        // Neither it nor what is in it was laid out for the size of an icon.
+        WINDOWPLACEMENT placement{};
+        placement.length = sizeof placement;
+        GetWindowPlacement(window, &placement);
+        EXPECT_EQ(before.right - before.left, placement.rcNormalPosition.right - placement.rcNormalPosition.left);
+        EXPECT_EQ(before.bottom - before.top, placement.rcNormalPosition.bottom - placement.rcNormalPosition.top);
+        RECT icon;
+        GetWindowRect(window, &icon);
+        EXPECT_LT(icon.right - icon.left, Pixels(3000));
+        EXPECT_FLOAT_EQ(tab.Width, Of(Tab(0)).Width);
+        EXPECT_FLOAT_EQ(page.Height, Of(Page(0)).Height);
+        EXPECT_FLOAT_EQ(editor.Width, Of(EditorWindow::Editor()).Width);
+        EXPECT_FLOAT_EQ(editor.Height, Of(EditorWindow::Editor()).Height);
         ShowWindow(window, SW_RESTORE);
         RECT after;
         GetWindowRect(window, &after);

@@ -1,4 +1,8 @@
+#include <windows.h>
+#include <commctrl.h>
+
 #include "Fakes.h"
+#include "catalogue/modLists.h"
 #include "component/modGlobal.h"
 #include "dictionary/clsDictionary.h"
 #include "editor/frmSQLEditor.h"
@@ -50,6 +54,27 @@ TEST_F(OwnerTest, TheFirstMatchIsTaken) {
     EXPECT_EQ(L"SCOTT", EditorForm->trvDBObjects.SelectedItem().Text());
 }
 
+TEST_F(OwnerTest, TheSchemaIsScrolledIntoView) {
+    Nodes& nodes = EditorForm->trvDBObjects.Items();
+    EditorForm->trvDBObjects.Expand = nullptr;  // as if they had been read
+    for (int at = 0; at < 200; ++at)
+        nodes.Add(L"schemas", TreeRelationship::Child, Variant::Missing(), L"S" + std::to_wstring(at));
+    nodes.Item(1).SetExpanded(true);
+    const HWND tree = EditorForm->trvDBObjects.Handle();
+    const auto firstSeen = [tree] { return SendMessageW(tree, TVM_GETNEXTITEM, TVGN_FIRSTVISIBLE, 0); };
+    const LRESULT before = firstSeen();
+    OwnerName = L"s190";
+    EditorForm->Constructor();
+    EXPECT_EQ(L"S190", EditorForm->trvDBObjects.SelectedItem().Text());
+    // The selection alone scrolls too: what shows is the whole row, not its beginning alone.
+    EXPECT_NE(before, firstSeen());
+    // One that is selected already is out of sight again, and is brought back.
+    SendMessageW(tree, WM_VSCROLL, SB_TOP, 0);
+    EXPECT_EQ(before, firstSeen());
+    EditorForm->Constructor();
+    EXPECT_NE(before, firstSeen());
+}
+
 TEST_F(OwnerTest, NoMatchSelectsNothing) {
     OwnerName = L"nobody";
     EditorForm->Constructor();
@@ -65,6 +90,24 @@ TEST_F(OwnerTest, AWindowWithoutItsCatalogueReportsAndLives) {
         L"modLists.PopulateAnsiSQLCommands 91|modLists.PopulateDatabaseSpecificCommands 91|"
         L"modLists.PopulateKolvexCommands 91",
         Errors.Places());
+}
+
+TEST_F(OwnerTest, FilledAgainThePanesAreTheSame) {
+    DBType = 8;
+    for (int times = 0; times < 2; ++times) {
+        modLists::PopulateAnsiSQLCommands();
+        modLists::PopulateKolvexCommands();
+        modLists::PopulateDatabaseSpecificCommands();
+    }
+    EXPECT_EQ(10, EditorForm->lstAnsiSQL.ListCount());
+    EXPECT_EQ(25, EditorForm->lstKolvex.ListCount());
+    EXPECT_EQ(10 + 134, EditorForm->trvDatabaseSpecific.Items().Count());
+    EXPECT_EQ(L"SQL Commands", EditorForm->trvDatabaseSpecific.SelectedItem().Key());
+    DBType = 5;
+    modLists::PopulateDatabaseSpecificCommands();
+    EXPECT_EQ(0, EditorForm->trvDatabaseSpecific.Items().Count());
+    DBType = 0;
+    EXPECT_EQ(L"", Errors.Places());
 }
 
 TEST_F(OwnerTest, WithoutAnOwnerNothingIsLookedFor) {

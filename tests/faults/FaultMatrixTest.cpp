@@ -148,7 +148,7 @@ constexpr Step StatementSteps[] = {
     ENTRY(Few, SelectTables, OfFolder, "Select"),
     ENTRY(Few, SelectTables, OfFolder, "Count rows in all tables"),
     ENTRY(Few, SelectTables, OfFolder, "Describe all tables"),
-    ENTRY(Few, SelectTables, OfFolder, "Sample rows from all tables"),
+    ENTRY(All, SelectTables, OfFolder, "Sample rows from all tables"),
     ENTRY(All, SelectTables, OfFolder, "Create"),
 };
 

@@ -318,6 +318,27 @@ TEST_F(FilesTest, ANewTextAndANewDisplayForgetTheFile) {
     EXPECT_EQ(L"", Errors.Places());
 }
 
+TEST_F(FilesTest, ASecondDisplayIsUnmodifiedAndHasNoFile) {
+    PutBytes(Here / L"a.sql", "x");
+    const Object editor = Dll.Create();
+    editor.Call(L"Constructor", Database.Make());
+    DisplayAndClose(editor, L"", [this] {
+        Load(Here / L"a.sql");
+        EXPECT_EQ(L"SQL Editor - a.sql", EditorWindow::Caption());
+        Type(L"y");
+        EXPECT_TRUE(Modified());
+    });
+    DisplayAndClose(editor, L"select 2", [this] {
+        EXPECT_EQ(L"SQL Editor", EditorWindow::Caption());
+        EXPECT_FALSE(Modified());
+        const Dialogs none;  // asks nothing
+        New();
+        EXPECT_EQ(L"", EditorWindow::Text());
+    });
+    EXPECT_EQ("x", BytesOf(Here / L"a.sql"));
+    EXPECT_EQ(L"", Errors.Places());
+}
+
 TEST_F(FilesTest, TheEndingDecidesWhatIsRichText) {
     const std::string rich = "{\\rtf1\\ansi{\\fonttbl{\\f0 Courier New;}}\\f0 select {\\b 1}\\par from dual}";
     for (const wchar_t* name : {L"a.rtf", L"A.RTF", L"noRtF", L"a.sql", L"a.rtf.txt"}) PutBytes(Here / name, rich);

@@ -376,6 +376,8 @@ TEST_F(FileDropTest, WhatCannotBeInsertedIsToldAndTheRestComes) {
     EXPECT_NE(std::wstring::npos, box.Text.find(folder_ + L": This is a folder")) << box.Text.size();
     EXPECT_NE(std::wstring::npos, box.Text.find(missing + L": "));
     EXPECT_NE(std::wstring::npos, box.Text.find(L"With 100 MB the file is too large"));
+    EXPECT_EQ(L"exclamation", box.Icon);
+    EXPECT_EQ(1, box.Buttons);
     EXPECT_EQ(L"", Errors.Places());
 }
 
@@ -384,6 +386,8 @@ TEST_F(FileDropTest, ALargeFileIsAskedFor) {
     EXPECT_EQ(L"x\r\none", Drop({Sparse(L"large.sql", 3), File(L"x.sql", "x")}, L"one"));
     EXPECT_EQ(1, box.Boxes);
     EXPECT_NE(std::wstring::npos, box.Text.find(L"is 3 MB large"));
+    EXPECT_EQ(L"question", box.Icon);
+    EXPECT_EQ(2, box.Buttons);
 }
 
 // The other program waits for the answer: a question would leave it hanging.
