@@ -139,7 +139,7 @@ TEST_F(ReportNamesTest, OfTheActiveItem) {
         EXPECT_EQ(L"m_SelectFromListBox 5 m_EnableActionMenu 5 ", Reported([&] { box.Click(); }));
         EXPECT_EQ(name + L"_Click 429 ", Reported([&] { box.Click(); }, 1));
         EXPECT_EQ(name + L"_MouseDown 429 ", Reported([&] { box.MouseDown(MouseButton::Right, 0, 0, 0); }, 1));
-        EXPECT_EQ(L"m_ReferenceContextMenu 429 ", Reported([&] { box.ContextMenuKey({}); }, 1));
+        EXPECT_EQ(L"m_ReferenceContextMenu 429 ", Reported([&] { box.ContextMenu({}); }, 1));
         EXPECT_EQ(L"cmdLeft_Click 429 ", Reported([&] { ShowTab(list.Page); }, 2));
         // Without a row there is no item, and so nothing to do: the host is not asked to create a table either.
         SendMessageW(list.View, LB_SETCURSEL, static_cast<WPARAM>(-1), 0);
@@ -160,7 +160,7 @@ TEST_F(ReportNamesTest, OfTheReferenceTree) {
     EXPECT_EQ(L"m_SelectFromTreeView 13 m_EnableActionMenu 13 ", Reported([&] { tree.NodeClick(entry); }));
     EXPECT_EQ(L"trvDatabaseSpecific_NodeClick 429 ", Reported([&] { tree.NodeClick(entry); }, 1));
     EXPECT_EQ(L"trvDatabaseSpecific_MouseDown 429 ", Reported([&] { tree.MouseDown(MouseButton::Right, 0, 0, 0); }, 1));
-    EXPECT_EQ(L"m_ReferenceContextMenu 429 ", Reported([&] { tree.ContextMenuKey({}); }, 1));
+    EXPECT_EQ(L"m_ReferenceContextMenu 429 ", Reported([&] { tree.ContextMenu({}); }, 1));
     EXPECT_EQ(L"m_GetActiveItem 13 ", Reported([this] { Form().mnuActionExecute.Click(); }));
     entry.SetTag(L"9999");
     EXPECT_EQ(L"m_SelectFromTreeView 5 m_EnableActionMenu 5 ", Reported([&] { tree.NodeClick(entry); }));
@@ -177,8 +177,7 @@ TEST_F(ReportNamesTest, OfTheObjectTree) {
     EXPECT_EQ(L"trvDBObjects_Expand 429 ", Reported([&] { tree.Expand(root); }, 2));
     EXPECT_EQ(L"trvDBObjects_NodeClick 429 ", Reported([&] { tree.NodeClick(root); }, 3));
     tree.SetSelectedItem(root);
-    EXPECT_EQ(L"trvDBObjects_MouseDown 429 ", Reported([&] { tree.MouseDown(MouseButton::Right, 0, 0, 0); }, 4));
-    EXPECT_EQ(L"trvDBObjects_ContextMenu 429 ", Reported([&] { tree.ContextMenuKey({}); }, 4));
+    EXPECT_EQ(L"trvDBObjects_ContextMenu 429 ", Reported([&] { tree.ContextMenu({}); }, 4));
     const Node gone = tree.Items().Add(L"schemas", TreeRelationship::Child, Variant::Missing(), L"gone");
     tree.Items().Remove(gone.Index());
     EXPECT_EQ(L"trvDBObjects_Expand 35601 ", Reported([&] { tree.Expand(gone); }));
