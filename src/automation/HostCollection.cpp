@@ -61,7 +61,11 @@ public:
         VARIANT raw;
         VariantInit(&raw);
         const HRESULT result = AskForNext(raw, fetched);
-        if (FAILED(result)) throw ErrorFromHresult(result, nullptr);
+        if (FAILED(result)) {
+            RuntimeError error =
+                ErrorFromHresult(result, nullptr);  // first: what fails while an exception is made ends the process
+            throw error;
+        }
         Variant got = Variant::Attach(raw);
         // Some say with the count alone that there is no more, and some with the result alone.
         if (result != S_OK || (fetched == 0 && got.IsEmpty())) return false;

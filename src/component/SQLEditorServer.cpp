@@ -1,6 +1,7 @@
 #include <windows.h>
 
 #include <cstring>
+#include <exception>
 #include <new>
 
 #include "automation/App.h"
@@ -169,6 +170,9 @@ private:
         AddRef();
         HRESULT result = S_OK;
         modGlobal::Own();
+        // The language's run-time library makes a note for each thread with the first exception, and ends the process
+        // when there is no memory for it: that is made now, and not when memory has run out.
+        static_cast<void>(std::uncaught_exceptions());
         const HostContexts host;
         try {
             const Surroundings surroundings;

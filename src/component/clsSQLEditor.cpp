@@ -45,7 +45,9 @@ clsSQLEditor::clsSQLEditor() {
 clsSQLEditor::~clsSQLEditor() {
     try {
         try {
-            Destructor();
+            // A collector of garbage may let go of the last reference on a thread of its own. The window stays on its
+            // thread as it is, hidden or shown, for the next object or the end of the process.
+            if (EditorForm == nullptr || EditorForm->OnItsThread()) Destructor();
         } catch (...) {
             ReportError(Module, L"Class_Terminate");
         }
@@ -105,6 +107,7 @@ void clsSQLEditor::Destructor() try {
     if (EditorForm == nullptr) return;
     // The window refuses to be unloaded and hides; letting go of it is what ends it.
     const auto Window = EditorForm;
+    if (!Window->OnItsThread()) CheckHresult(RPC_E_WRONG_THREAD);
     Window->Unload();
     EditorForm.reset();
 } catch (...) {

@@ -158,8 +158,9 @@ void frmSQLEditor::CreateImages() {
         const IconHandle Owned(Icon);
         if (Images) ImageList_ReplaceIcon(Images.get(), -1, Icon);
     }
-    tlbToolbar.SetImageList(Images.get());
-    imlImages = std::move(Images);
+    // The former list lives until the toolbar has the new one, whatever becomes of the telling.
+    std::swap(imlImages, Images);
+    tlbToolbar.SetImageList(imlImages.get());
 }
 
 // Names for programs that read the screen. The text of these windows is nowhere shown; both the text and the annotation

@@ -6,7 +6,25 @@
 #include "forms/NotTopmost.h"
 #include "forms/Painting.h"
 
+namespace {
+
+// An error component that shows the error pumps messages, and what comes of them may fail and be reported inside it: a
+// host's timer that goes on calling would fill the stack. How many reports may be inside each other.
+constexpr int Deepest = 16;
+int depth = 0;
+
+struct Deeper {
+    Deeper() noexcept { ++depth; }
+    ~Deeper() { --depth; }
+    Deeper(const Deeper&) = delete;
+    Deeper& operator=(const Deeper&) = delete;
+};
+
+}  // namespace
+
 void ReportError(const std::wstring& Module, const std::wstring& Routine, const Variant& DebugMessage) {
+    if (depth >= Deepest) return;
+    const Deeper deeper;
     const RuntimeError error = CurrentError();
     // Compiled code carries no line numbers.
     constexpr long Line = 0;

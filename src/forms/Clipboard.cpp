@@ -1,6 +1,8 @@
 #include "forms/Clipboard.h"
 
+#include <algorithm>
 #include <cstring>
+#include <memory>
 
 #include "automation/RuntimeError.h"
 #include "forms/RichText.h"
@@ -22,16 +24,24 @@ public:
     Opened& operator=(const Opened&) = delete;
 };
 
+struct Unlock {
+    HGLOBAL Memory;
+    void operator()(const void*) const noexcept { GlobalUnlock(Memory); }
+};
+
 // What a handle of the clipboard holds, without what the allocation has behind it.
 template <class Character>
 std::basic_string<Character> Contents(UINT format) {
     const HANDLE handle = GetClipboardData(format);
     if (handle == nullptr) return {};
-    const auto* locked = static_cast<const Character*>(GlobalLock(handle));
+    const std::unique_ptr<const void, Unlock> locked(GlobalLock(handle), Unlock{handle});
     if (locked == nullptr) return {};
-    std::basic_string<Character> text(locked, GlobalSize(handle) / sizeof(Character));
-    GlobalUnlock(handle);
-    return text.substr(0, text.find(Character{}));
+    const auto* const text = static_cast<const Character*>(locked.get());
+    const size_t length =
+        static_cast<size_t>(std::find(text, text + GlobalSize(handle) / sizeof(Character), Character{}) - text);
+    if (length > Clipboard::Longest)
+        RaiseError(ErrorNumber::OutOfMemory, L"The text on the clipboard is too large for the editor.");
+    return {text, length};
 }
 
 }  // namespace
@@ -44,7 +54,12 @@ void Clipboard::SetText(HWND owner, const std::wstring& text) {
     const size_t bytes = (plain.size() + 1) * sizeof(wchar_t);
     const HGLOBAL memory = GlobalAlloc(GMEM_MOVEABLE, bytes);
     if (memory == nullptr) RaiseError(ErrorNumber::OutOfMemory);
-    std::memcpy(GlobalLock(memory), plain.c_str(), bytes);
+    void* const locked = GlobalLock(memory);
+    if (locked == nullptr) {
+        GlobalFree(memory);
+        RaiseError(ErrorNumber::OutOfMemory);
+    }
+    std::memcpy(locked, plain.c_str(), bytes);
     GlobalUnlock(memory);
     try {
         const Opened opened(owner);

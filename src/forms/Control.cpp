@@ -57,6 +57,11 @@ void Control::DestroyFormer(HWND former) noexcept {
 
 bool Control::FormVisible() const noexcept { return form_ != nullptr && form_->Visible(); }
 
+void Control::TakeBack(HWND former) noexcept {
+    if (handle_ == former) return;
+    DestroyFormer(std::exchange(handle_, former));
+}
+
 UINT Control::Dpi() const noexcept { return DpiOf(handle_); }
 
 float Control::ScaleWidth() const noexcept {
@@ -173,10 +178,10 @@ bool Control::Reflect(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& resul
             child = reinterpret_cast<HWND>(lParam);
             break;
         case WM_NOTIFY:
-            if (IsAddress(lParam)) child = reinterpret_cast<const NMHDR*>(lParam)->hwndFrom;
+            child = reinterpret_cast<const NMHDR*>(lParam)->hwndFrom;
             break;
         case WM_DRAWITEM:
-            if (IsAddress(lParam)) child = reinterpret_cast<const DRAWITEMSTRUCT*>(lParam)->hwndItem;
+            child = reinterpret_cast<const DRAWITEMSTRUCT*>(lParam)->hwndItem;
             break;
         default:
             return false;
@@ -378,6 +383,8 @@ LRESULT Control::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
 LRESULT CALLBACK Control::Thunk(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     auto* control = reinterpret_cast<Control*>(GetWindowLongPtrW(window, GWLP_USERDATA));
     if (control == nullptr) return DefWindowProcW(window, message, wParam, lParam);
+    // The window was made before this procedure came: whoever sends these two would have it made over.
+    if (message == WM_NCCREATE || message == WM_CREATE || LacksAddress(message, wParam, lParam)) return 0;
     if (message == WhoAreYou()) {
         answered = control;
         return 0;

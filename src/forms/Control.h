@@ -113,6 +113,8 @@ protected:
     void Destroy() noexcept;
     // Destroys a window that this control had before it was made anew.
     void DestroyFormer(HWND former) noexcept;
+    // The new one failed half-way: it goes, and the control has its former window again.
+    void TakeBack(HWND former) noexcept;
 
     virtual LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam);
     // A notification that the container reflected: WM_COMMAND, WM_NOTIFY, WM_CTLCOLORSTATIC, ... False: not taken.

@@ -44,7 +44,7 @@ Form::~Form() {
     // The window procedure is not called any more: the reference that kept the code in the process can go. It is never
     // the last one, since the caller came through COM, which has its own.
     if (held_ != nullptr) FreeLibrary(held_);
-    if (ole_) OleUninitialize();
+    if (ole_ && OnItsThread()) OleUninitialize();
 }
 
 UINT Form::Dpi() const noexcept { return DpiOf(handle_); }
@@ -59,6 +59,7 @@ void Form::Load() {
     }
     // Set first: a load that fails is not run again, and what it touches finds the window loaded.
     loaded_ = true;
+    thread_ = GetCurrentThreadId();
     const Surroundings surroundings;
     Events::Call call;
     // Drag and drop and the clipboard need OLE, which the host may not have started on this thread.
@@ -409,7 +410,9 @@ void Form::Unload() {
 }
 
 LRESULT CALLBACK Form::Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (LacksAddress(message, wParam, lParam)) return 0;
     if (message == WM_NCCREATE) {
+        if (GetWindowLongPtrW(window, GWLP_USERDATA) != 0) return TRUE;  // it was made before
         auto* form = static_cast<Form*>(reinterpret_cast<const CREATESTRUCTW*>(lParam)->lpCreateParams);
         form->handle_ = window;
         SetWindowLongPtrW(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(form));
@@ -447,7 +450,6 @@ LRESULT Form::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
             if (ready_) Form_Resize();
             return 0;
         case WM_GETMINMAXINFO: {
-            if (!IsAddress(lParam)) return 0;
             auto& limits = *reinterpret_cast<MINMAXINFO*>(lParam);
             const UINT dpi = Dpi();
             limits.ptMinTrackSize.x = std::max<LONG>(limits.ptMinTrackSize.x, TwipsToPixels(MinimumWidth(), dpi));
@@ -472,7 +474,6 @@ LRESULT Form::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
             }
             return 0;
         case WM_DPICHANGED: {
-            if (!IsAddress(lParam)) return 0;
             RenewFonts();
             if (placing_) {
                 dpiChanged_ = true;

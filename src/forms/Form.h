@@ -30,6 +30,8 @@ public:
     bool Loaded() const noexcept { return loaded_; }
     // The form was loaded and has no window: none could be made, or somebody destroyed it. It never gets another one.
     bool Lost() const noexcept { return loaded_ && handle_ == nullptr; }
+    // Whether the calling thread is the one that the window was made on, or there is no window yet.
+    bool OnItsThread() const noexcept { return thread_ == 0 || thread_ == GetCurrentThreadId(); }
     HWND Handle() const noexcept { return handle_; }
     // The form whose window this is, or null.
     static Form* Of(HWND window) noexcept;
@@ -127,6 +129,7 @@ private:
     FontHandle formerFont_;
     ModuleLock lock_;
     HMODULE held_ = nullptr;
+    DWORD thread_ = 0;
     bool loaded_ = false;
     bool ready_ = false;  // Form_Load is over: sizes are laid out from here on
     bool shown_ = false;

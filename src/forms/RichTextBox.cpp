@@ -96,9 +96,9 @@ void RichTextBox::Prepare() {
     Send(EM_AUTOURLDETECT, 0);
     if (!face_.empty()) SetEditorFont(face_, points_);
     Send(EM_SETEVENTMASK, 0, ENM_CHANGE | ENM_SELCHANGE);
-    target_.Register(Handle());
     if (!later_.empty()) PostMessageW(Handle(), RunLater, 0, 0);
     if (!accessibleName_.empty()) annotations_.SetName(Handle(), accessibleName_);
+    target_.Register(Handle());
 }
 
 void RichTextBox::SetAccessibleName(const std::wstring& name) {
@@ -180,16 +180,24 @@ void RichTextBox::Replace() {
     int zoom = 0;
     int of = 0;
     const bool zoomed = Send(EM_GETZOOM, reinterpret_cast<WPARAM>(&zoom), reinterpret_cast<LPARAM>(&of)) != 0;
-    target_.Revoke();
     annotations_.Clear();
     shaded_ = false;
-    MakeWindow(container, id);
+    try {
+        MakeWindow(container, id);
+    } catch (...) {
+        TakeBack(old);
+        throw;
+    }
+    struct Former {
+        RichTextBox& Self;
+        HWND Window;
+        ~Former() { Self.DestroyFormer(Window); }
+    } former{*this, old};
     SetWindowPos(Handle(), after != nullptr ? after : HWND_TOP, place.left, place.top, place.right - place.left,
                  place.bottom - place.top, SWP_NOACTIVATE);
     if (zoomed && zoom != 0) Send(EM_SETZOOM, static_cast<WPARAM>(zoom), of);
     if (!visible) SetVisible(false);
     if (focus) ::SetFocus(Handle());
-    DestroyFormer(old);
 }
 
 void RichTextBox::FillWith(const std::wstring& text) {

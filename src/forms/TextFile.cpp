@@ -173,8 +173,10 @@ struct CloseFile {
 using FileHandle = std::unique_ptr<HANDLE, CloseFile>;
 
 FileHandle Open(const std::wstring& path, DWORD access, DWORD share, DWORD disposition, DWORD flags = 0) {
+    // Should it be a pipe after all, whoever listens there learns who is asking and may not act in that name.
     const HANDLE file =
-        CreateFileW(path.c_str(), access, share, nullptr, disposition, FILE_ATTRIBUTE_NORMAL | flags, nullptr);
+        CreateFileW(path.c_str(), access, share, nullptr, disposition,
+                    FILE_ATTRIBUTE_NORMAL | SECURITY_SQOS_PRESENT | SECURITY_IDENTIFICATION | flags, nullptr);
     return FileHandle(file == INVALID_HANDLE_VALUE ? nullptr : file);
 }
 
@@ -212,13 +214,40 @@ constexpr DWORD ShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELET
     RaiseSystemError(ErrorNumber::DeviceIOError, error);
 }
 
-// A form of the path that may be longer than MAX_PATH.
+bool StartsWith(std::wstring_view text, std::wstring_view with) noexcept {
+    return text.size() >= with.size() && CompareStringOrdinal(text.data(), static_cast<int>(with.size()), with.data(),
+                                                              static_cast<int>(with.size()), TRUE) == CSTR_EQUAL;
+}
+
+// Pipes, mailslots, consoles, disks as a whole and the like, of a full path. To open one is to talk to it already.
+bool IsDevice(std::wstring_view path) noexcept {
+    if (!StartsWith(path, L"\\\\")) return false;
+    std::wstring_view rest = path.substr(2);
+    if (StartsWith(rest, L"?\\UNC\\")) {
+        rest.remove_prefix(6);
+    } else if (StartsWith(rest, L"?\\") || StartsWith(rest, L".\\")) {
+        rest.remove_prefix(2);
+        const bool drive = rest.size() > 2 && rest[1] == L':' && rest[2] == L'\\';
+        return !drive && !StartsWith(rest, L"Volume{");
+    }
+    // On another computer, or on this one by its name: what stands for a share.
+    const size_t share = rest.find(L'\\');
+    if (share == std::wstring_view::npos) return false;
+    rest.remove_prefix(share + 1);
+    for (const std::wstring_view name : {L"pipe", L"mailslot", L"ipc$"}) {
+        if (StartsWith(rest, name) && (rest.size() == name.size() || rest[name.size()] == L'\\')) return true;
+    }
+    return false;
+}
+
+// A form of the path that may be longer than MAX_PATH. Error 75 for a device.
 std::wstring FullPath(const std::wstring& path) {
     if (path.empty() || path.find(L'\0') != std::wstring::npos) RaiseFileError(ERROR_INVALID_NAME);
     const DWORD size = GetFullPathNameW(path.c_str(), 0, nullptr, nullptr);
     if (size == 0) RaiseFileError(GetLastError());
     std::wstring full(size, L'\0');
     full.resize(GetFullPathNameW(path.c_str(), size, full.data(), nullptr));
+    if (IsDevice(full)) RaiseFileError(ERROR_ACCESS_DENIED);
     constexpr size_t Short = 180;  // leaves room for the name of the file beside it
     if (full.size() < Short || full.rfind(L"\\\\?\\", 0) == 0 || full.rfind(L"\\\\.\\", 0) == 0) return full;
     return full.rfind(L"\\\\", 0) == 0 ? L"\\\\?\\UNC\\" + full.substr(2) : L"\\\\?\\" + full;
@@ -385,6 +414,8 @@ std::string Encode(const std::wstring& text, Format& format) {
     AppendUtf16(bytes, lines, bigEndian);
     return bytes;
 }
+
+void CheckPath(const std::wstring& path) { FullPath(path); }
 
 std::string ReadBytes(const std::wstring& path, uint64_t limit) {
     const FileHandle file = Open(FullPath(path), GENERIC_READ, ShareAll, OPEN_EXISTING);

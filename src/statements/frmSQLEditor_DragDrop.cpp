@@ -44,6 +44,7 @@ std::wstring InMegabytes(uint64_t Bytes) { return std::to_wstring((Bytes + 512 *
 
 // Asks before a large file; raises error 75 for a folder and 7 for a file that the editor does not take.
 bool MayInsert(HWND Owner, const std::wstring& File) {
+    TextFile::CheckPath(File);
     WIN32_FILE_ATTRIBUTE_DATA Facts{};
     if (!GetFileAttributesExW(File.c_str(), GetFileExInfoStandard, &Facts)) return true;  // reading it says why
     if ((Facts.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0) {

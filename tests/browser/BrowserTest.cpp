@@ -238,3 +238,35 @@ TEST_F(BrowserTest, AFullTreeIsToldOnceAndStaysWithinItsLimit) {
         box.Text);
     EXPECT_EQ(L"", Errors.Places());
 }
+
+// A folder that was emptied by a failed read asks for room in a tree that is full since.
+TEST_F(BrowserTest, AFullTreeTakesNoMoreAndCanBeEmptied) {
+    bool fails = false;
+    Database.DictionaryMembers[L"Objects"] = [&](const Arguments&) {
+        if (fails) RaiseError(ErrorNumber::DeviceIOError);
+        std::vector<Variant> names;
+        for (int at = 0; at < 11000; ++at) names.push_back(Variant(L"T" + std::to_wstring(at)));
+        return Variant(MakeCollection(std::move(names)));
+    };
+    const BoxAnswerer box;
+    Inside([&] {
+        Open(At({}));
+        Open(At({0}));
+        Open(At({0, 0}));
+        fails = true;
+        Tree.Click(At({2}));
+        fails = false;
+        EXPECT_GT(32767, Tree.Count());
+        Tree.Click(At({3}));
+        EXPECT_EQ(32767, Tree.Count());
+        for (int time = 0; time < 3; ++time) Tree.Click(At({2}));
+        EXPECT_EQ(32767, Tree.Count());
+        Errors.Reports.clear();
+        Shut(At({0, 0}));
+        EXPECT_EQ(L"(undefined)|(undefined)", Children(At({0, 0})));
+        EXPECT_GT(1000, Tree.Count());
+        Shut(At({}));
+    });
+    EXPECT_LE(3, box.Boxes);
+    EXPECT_EQ(L"", Errors.Places());
+}

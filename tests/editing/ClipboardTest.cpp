@@ -32,6 +32,18 @@ TEST_F(ClipboardTest, CopyTakesTheTextOfTheControlThatHasTheFocus) {
     EXPECT_EQ(L"", Errors.Places());
 }
 
+TEST_F(ClipboardTest, ATextThatIsTooLargeIsRefusedAtOnce) {
+    PutText(std::wstring(4 * 1024 * 1024 + 1, L'x'));
+    Inside(
+        [] {
+            Choose(L"Paste");
+            EXPECT_EQ(L"mine", EditorWindow::Text());
+        },
+        L"mine");
+    EXPECT_EQ(L"frmSQLEditor.mnuEditPaste_Click 7", Errors.Places());
+    PutText(L"");
+}
+
 TEST_F(ClipboardTest, CopyingNothingLeavesTheClipboard) {
     PutText(L"kept");
     Inside([] {

@@ -122,6 +122,85 @@ TEST_F(HostFaultsTest, AFailedReportInsideACallOfTheHostLeavesNoGhost) {
     EXPECT_EQ(L"", Errors.Places());
 }
 
+// The session ends: what was written is with the host before that is asked.
+TEST_F(HostFaultsTest, TheTextGoesBackBeforeTheSessionEnds) {
+    editor_ = Dll.Create();
+    editor_.Call(L"Constructor", Object());
+    std::wstring sql = L"select 1";
+    const WhenShown shown([] {
+        const HWND window = EditorWindow::Find();
+        EditorWindow::SetText(L"select 2");
+        EXPECT_TRUE(SendMessageW(window, WM_QUERYENDSESSION, 0, 0));
+        EXPECT_FALSE(IsWindowVisible(window));
+    });
+    EXPECT_EQ(0, NumberOf([&] { editor_.Call(L"Display", ByRef(sql)); }));
+    EXPECT_EQ(L"select 2", sql);
+}
+
+// An error component that shows what is reported pumps messages, and a timer of the host calls Display each time.
+TEST_F(HostFaultsTest, ReportsInsideEachOtherHaveAnEnd) {
+    editor_ = Dll.Create();
+    editor_.Call(L"Constructor", Object());
+    int reports = 0;
+    Errors.Wrap = [&](const Object& made) {
+        auto* shows = new DynamicObject;
+        const Object held = Object::Attach(shows);
+        shows->Define(L"Constructor", [](const Arguments&) { return Variant(); });
+        shows->Define(L"ErrorMessage", [&, made](const Arguments&) {
+            if (++reports < 1000) {
+                std::wstring other = L"another";
+                editor_.Call(L"Display", ByRef(other));
+            }
+            return Variant();
+        });
+        return held;
+    };
+    EXPECT_EQ(0, Show([&] {
+                  std::wstring other = L"another";
+                  editor_.Call(L"Display", ByRef(other));
+                  EditorWindow::Close();
+              }));
+    EXPECT_LT(1, reports);
+    EXPECT_GT(100, reports);
+}
+
+// The last reference is let go of on another thread, as collectors of garbage do.
+TEST_F(HostFaultsTest, TheLastReleaseOnAnotherThreadLeavesTheWindowAlone) {
+    HWND window = nullptr;
+    IDispatch* raw = nullptr;
+    {
+        const Object editor = Dll.Create();
+        editor.Call(L"Constructor", Object());
+        DisplayAndClose(editor, L"x", [&] { window = EditorWindow::Find(); });
+        raw = editor.Dispatch();
+        raw->AddRef();
+    }
+    const HANDLE thread = CreateThread(
+        nullptr, 0,
+        [](void* last) WINAPI -> DWORD {
+            CoInitializeEx(nullptr, COINIT_MULTITHREADED);
+            const ULONG left = static_cast<IDispatch*>(last)->Release();
+            CoUninitialize();
+            return left;
+        },
+        raw, 0, nullptr);
+    // The window's thread pumps nothing meanwhile: nobody may wait for it.
+    ASSERT_EQ(WAIT_OBJECT_0, WaitForSingleObject(thread, 20000));
+    DWORD left = 99;
+    GetExitCodeThread(thread, &left);
+    CloseHandle(thread);
+    EXPECT_EQ(0U, left);
+    EXPECT_EQ(S_FALSE, Dll.CanUnload()) << "the window lives";
+    ASSERT_TRUE(IsWindow(window));
+    for (const UINT message : {WM_SETTINGCHANGE, WM_SYSCOLORCHANGE, WM_THEMECHANGED, WM_ENDSESSION}) {
+        SendMessageW(window, message, 0, 0);
+    }
+    // The next object has it.
+    const Object editor = Dll.Create();
+    EXPECT_EQ(L"y", DisplayAndClose(editor, L"y", [&] { EXPECT_EQ(window, EditorWindow::Find()); }));
+    EXPECT_EQ(L"", Errors.Places());
+}
+
 // What an event of the hidden window lets out is nobody's, and the next call begins without it.
 TEST_F(HostFaultsTest, AFailedEventOfTheHiddenWindowFailsNoOtherCall) {
     FailAnEvent();

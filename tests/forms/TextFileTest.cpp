@@ -159,6 +159,35 @@ TEST(TextFile, TellsWhyAFileCannotBeRead) {
     EXPECT_EQ(L"x", TextFile::Read(folder / L"locked.sql").Text);
 }
 
+// To open a pipe is to talk to whoever listens there, who could act in the user's name.
+TEST(TextFile, AskNothingOfADevice) {
+    const std::wstring name = L"\\\\.\\pipe\\brv-text-file-" + std::to_wstring(GetCurrentProcessId());
+    const HANDLE pipe =
+        CreateNamedPipeW(name.c_str(), PIPE_ACCESS_DUPLEX, PIPE_TYPE_BYTE | PIPE_NOWAIT, 1, 100, 100, 0, nullptr);
+    ASSERT_NE(INVALID_HANDLE_VALUE, pipe);
+    const std::wstring paths[] = {name,
+                                  L"\\\\?\\pipe" + name.substr(8),
+                                  L"\\\\.\\PIPE" + name.substr(8),
+                                  L"\\\\localhost\\pipe" + name.substr(8),
+                                  L"\\\\?\\UNC\\localhost\\pipe" + name.substr(8),
+                                  L"\\\\localhost\\mailslot\\x",
+                                  L"\\\\?\\GLOBALROOT\\Device\\Null",
+                                  L"\\\\.\\PhysicalDrive0"};
+    for (const std::wstring& path : paths) {
+        EXPECT_EQ(ErrorNumber::PathFileAccessError, NumberOf([&] { TextFile::CheckPath(path); }))
+            << testing::PrintToString(path);
+        EXPECT_EQ(ErrorNumber::PathFileAccessError, NumberOf([&] { TextFile::ReadBytes(path); }));
+        EXPECT_EQ(ErrorNumber::PathFileAccessError, NumberOf([&] { TextFile::Write(path, "x"); }));
+    }
+    EXPECT_FALSE(ConnectNamedPipe(pipe, nullptr));
+    EXPECT_EQ(static_cast<DWORD>(ERROR_PIPE_LISTENING), GetLastError()) << "somebody has opened it";
+    CloseHandle(pipe);
+    for (const wchar_t* path : {L"C:\\pipe\\x", L"\\\\server\\share\\pipe\\x", L"\\\\server\\pipes\\x", L"\\\\?\\C:\\x",
+                                L"\\\\.\\C:\\x", L"pipe\\x"}) {
+        EXPECT_EQ(0, NumberOf([&] { TextFile::CheckPath(path); })) << testing::PrintToString(path);
+    }
+}
+
 TEST(TextFile, RefusesAFileThatIsTooLargeAtOnce) {
     const Folder folder;
     const std::wstring path = folder / L"large.sql";
