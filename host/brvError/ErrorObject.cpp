@@ -74,8 +74,20 @@ HWND Owner() noexcept {
     return owner;
 }
 
+// A box pumps messages, and what a timer of the host does meanwhile may fail in turn, once a second or so: a box inside
+// a box inside a box, until the stack is used up. While one is open no other is shown.
+bool alertShows = false;
+
+struct Open {
+    Open() noexcept { alertShows = true; }
+    ~Open() { alertShows = false; }
+    Open(const Open&) = delete;
+    Open& operator=(const Open&) = delete;
+};
+
 // The texts are ones that fit.
 void Show(const std::wstring& message, const std::wstring& title, UINT icon) {
+    const Open shown;
     const HWND owner = Owner();
     const UINT placed = owner != nullptr ? 0 : MB_TASKMODAL | MB_TOPMOST | MB_SETFOREGROUND;
     MessageBoxW(owner, message.c_str(), title.c_str(), MB_OK | icon | placed);
@@ -104,7 +116,7 @@ void ErrorMessage(const State& state, const Arguments& arguments) {
         .Append({state.Program(), module, routine, number, source, description, TextFrom(arguments[3]),
                  TextFrom(arguments[4]), Member(error, L"LastDllError"), Member(error, L"HelpFile"),
                  Member(error, L"HelpContext")});
-    if (!state.DisplayAlerts) return;
+    if (!state.DisplayAlerts || alertShows) return;
     std::wstring text = description.empty() ? std::wstring(L"An error occurred that has no description.") : description;
     text = Shown(text) + L"\r\n\r\n" + Shown(Origin(module, routine, number, source));
     Show(text, Shown(state.Title), MB_ICONWARNING);
@@ -129,7 +141,7 @@ Object MakeErrorComponent() {
     made->Define(L"Alert", [state](const Arguments& arguments) {
         const std::wstring message = TextFrom(arguments[0]);
         const std::wstring title = TextFrom(arguments[1]);
-        if (state->DisplayAlerts) {
+        if (state->DisplayAlerts && !alertShows) {
             Show(Shown(message), Shown(title.empty() ? state->Title : title), MB_ICONINFORMATION);
         } else {
             // Nobody is there to close a box: what could not be shown is kept.

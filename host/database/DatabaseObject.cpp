@@ -191,7 +191,8 @@ void DefineActions(DynamicObject& object, const std::shared_ptr<State>& state) {
     });
     object.Define(L"ShowCreateTableDialog1", [state](const Arguments& arguments) -> Variant {
         NeedArguments(arguments, 2, 2);
-        const std::optional<std::wstring> statement = ShowCreateTableDialog(*state->Connected());
+        const auto session = state->Connected();  // a timer of the host may close the connection meanwhile
+        const std::optional<std::wstring> statement = ShowCreateTableDialog(*session);
         arguments.Let(0, Variant(statement.value_or(L"")));
         arguments.Let(1, Variant(!statement.has_value()));
         return {};

@@ -28,7 +28,21 @@ std::wstring SystemMessage(DWORD error) {
 namespace Console {
 namespace {
 
-void Write(DWORD stream, std::wstring_view text) {
+// What comes from a server, its error texts too, goes to the terminal as characters: a control character could begin a
+// sequence that the terminal obeys.
+std::wstring Harmless(std::wstring_view text) {
+    std::wstring harmless(text);
+    for (size_t i = 0; i < harmless.size(); ++i) {
+        const wchar_t c = harmless[i];
+        const bool lineEnd = c == L'\n' || (c == L'\r' && i + 1 < harmless.size() && harmless[i + 1] == L'\n');
+        if (!lineEnd && c != L'\t' && (c < L' ' || (c >= 0x7F && c < 0xA0))) harmless[i] = L'\xB7';
+    }
+    return harmless;
+}
+
+void Write(DWORD stream, std::wstring_view raw) {
+    const std::wstring harmless = Harmless(raw);
+    const std::wstring_view text = harmless;
     const HANDLE handle = GetStdHandle(stream);
     if (!handle || handle == INVALID_HANDLE_VALUE) return;
     DWORD mode = 0, written = 0;

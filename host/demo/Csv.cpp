@@ -1,13 +1,28 @@
 #include "host/demo/Csv.h"
 
+#include <string_view>
+
 #include "host/demo/Console.h"
+
+namespace {
+
+// A spreadsheet takes what begins so for a formula and runs it, whoever wrote it into the database.
+bool LooksLikeFormula(const std::wstring& text) {
+    if (text.empty() || std::wstring_view(L"=+-@\t\r").find(text.front()) == std::wstring_view::npos) return false;
+    if (text.front() != L'+' && text.front() != L'-') return true;
+    // A number with a sign is none.
+    const size_t digits = text.find_first_not_of(L"0123456789.,eE", 1);
+    return digits != std::wstring::npos || text.size() == 1;
+}
+
+}  // namespace
 
 std::wstring CsvRow(const std::vector<std::optional<std::wstring>>& fields) {
     std::wstring row;
     for (size_t i = 0; i < fields.size(); ++i) {
         if (i) row += L',';
         if (!fields[i]) continue;
-        const std::wstring& text = *fields[i];
+        const std::wstring text = LooksLikeFormula(*fields[i]) ? L"'" + *fields[i] : *fields[i];
         const bool quote = text.empty() || text.find_first_of(L",\"\r\n") != std::wstring::npos ||
                            text.front() == L' ' || text.back() == L' ';
         if (!quote) {
@@ -24,8 +39,15 @@ std::wstring CsvRow(const std::vector<std::optional<std::wstring>>& fields) {
     return row + L"\r\n";
 }
 
-CsvFile::CsvFile(std::wstring path) : path_(std::move(path)), temporary_(path_ + L".part") {
-    file_ = CreateFileW(temporary_.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+CsvFile::CsvFile(std::wstring path) : path_(std::move(path)) {
+    // Never what is there already, be it a link that somebody put there: then the next name is tried.
+    constexpr int attempts = 100;
+    for (int attempt = 0; file_ == INVALID_HANDLE_VALUE && attempt < attempts; ++attempt) {
+        temporary_ = path_ + L"." + std::to_wstring(GetCurrentProcessId()) + L"-" + std::to_wstring(attempt) + L".part";
+        file_ = CreateFileW(temporary_.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW,
+                            FILE_ATTRIBUTE_NORMAL | FILE_FLAG_OPEN_REPARSE_POINT, nullptr);
+        if (file_ == INVALID_HANDLE_VALUE && GetLastError() != ERROR_FILE_EXISTS) break;
+    }
     if (file_ == INVALID_HANDLE_VALUE) Fail();
     buffer_ = "\xEF\xBB\xBF";
 }

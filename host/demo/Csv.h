@@ -7,7 +7,8 @@
 #include <vector>
 
 // One row as RFC 4180 has it, line end included: fields that hold a comma, a quote or a line end, or begin or end with
-// a blank, are quoted. NULL (no value) is an empty field, an empty text is "".
+// a blank, are quoted. NULL (no value) is an empty field, an empty text is "". What a spreadsheet would take for a
+// formula gets an apostrophe before it.
 std::wstring CsvRow(const std::vector<std::optional<std::wstring>>& fields);
 
 // A CSV file in UTF-8 with a byte order mark, written beside its place and put there by Close: when something fails on

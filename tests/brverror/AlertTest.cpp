@@ -75,6 +75,30 @@ TEST_F(BrvErrorAlert, IsOwnedByATopmostWindowThatIsNotActive) {
     EXPECT_EQ(boxes[0].Owner, topmost);
 }
 
+// A timer of the host goes on while a box is open, and what it does fails each time.
+TEST_F(BrvErrorAlert, ShowsOneAtATimeAndLogsTheOthers) {
+    static Object component;
+    static int ticks;
+    component = Component::MakeConstructed();
+    ticks = 0;
+    const UINT_PTR timer = SetTimer(nullptr, 0, 10, [](HWND, UINT, UINT_PTR id, DWORD) WINAPI {
+        if (++ticks > 3) KillTimer(nullptr, id);
+        component.Call(L"ErrorMessage", L"m", L"timer", MakeError(5, L"s", L"again"), 0L);
+        component.Call(L"Alert", L"told");
+    });
+    const auto boxes = BoxesOf([&] {
+        const DWORD begun = GetTickCount();
+        // The box is closed as soon as it is seen: until a tick came inside one.
+        while (ticks == 0 && GetTickCount() - begun < 10000) component.Call(L"Alert", L"first");
+    });
+    KillTimer(nullptr, timer);
+    ASSERT_LT(0, ticks);
+    for (const auto& box : boxes) EXPECT_EQ(box.Text, L"first");
+    const auto entries = EntriesOf(Log.File());
+    EXPECT_EQ(static_cast<size_t>(ticks) * 2, entries.size());
+    component = Object();
+}
+
 TEST_F(BrvErrorAlert, TellsAMessageUnderTheTitleGivenOrTheProgramsOwn) {
     const Object component = Component::MakeConstructed();
     const auto boxes = BoxesOf([&] {

@@ -30,6 +30,38 @@ TEST(CsvRow, QuotesOnlyWhereItMust) {
 
 TEST(CsvRow, TellsNullFromAnEmptyText) { EXPECT_EQ(CsvRow({std::nullopt, L"", std::nullopt}), L",\"\",\r\n"); }
 
+// Whoever may write into a table could have a spreadsheet run what they like.
+TEST(CsvRow, LeavesNothingThatASpreadsheetRuns) {
+    EXPECT_EQ(CsvRow({L"=1+1", L"@SUM(1)", L"+cmd|' /C x'!A1", L"-x", L"\tx", L"-"}),
+              L"'=1+1,'@SUM(1),'+cmd|' /C x'!A1,'-x,'\tx,'-\r\n");
+    EXPECT_EQ(CsvRow({L"-5", L"+1.5", L"-1e5", L"a=1", L"1-1"}), L"-5,+1.5,-1e5,a=1,1-1\r\n");
+    EXPECT_EQ(CsvRow({L"=a,\"b\""}), L"\"'=a,\"\"b\"\"\"\r\n");
+}
+
+TEST(CsvFile, LeavesAloneWhatStandsUnderItsTemporaryName) {
+    const std::wstring path = TemporaryPath(L"brv-planted-");
+    const std::wstring planted = path + L"." + std::to_wstring(GetCurrentProcessId()) + L"-0.part";
+    for (const std::wstring& name : {path + L".part", planted}) {
+        const HANDLE file = CreateFileW(name.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
+        DWORD written = 0;
+        WriteFile(file, "mine", 4, &written, nullptr);
+        CloseHandle(file);
+    }
+    {
+        CsvFile file(path);
+        EXPECT_TRUE(file.Write({L"a"}));
+        EXPECT_TRUE(file.Close()) << ToUtf8(file.Failure());
+    }
+    EXPECT_EQ(Contents(path),
+              "\xEF\xBB\xBF"
+              "a\r\n");
+    for (const std::wstring& name : {path + L".part", planted}) {
+        EXPECT_EQ(Contents(name), "mine");
+        DeleteFileW(name.c_str());
+    }
+    DeleteFileW(path.c_str());
+}
+
 TEST(CsvFile, WritesUtf8WithAMark) {
     const std::wstring path = TemporaryPath(L"brv-utf8-");
     {

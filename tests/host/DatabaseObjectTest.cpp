@@ -2,6 +2,7 @@
 
 #include "automation/Collection.h"
 #include "automation/Object.h"
+#include "host/database/Resources.h"
 #include "tests/host/SampleDatabase.h"
 
 namespace {
@@ -149,6 +150,72 @@ TEST(DatabaseObject, RefusesArgumentsOfTheWrongKind) {
     EXPECT_EQ(ErrorOf([&] { dictionary.Get(L"Objects", 7); }).Number, ErrorNumber::InvalidProcedureCall);
     EXPECT_EQ(ErrorOf([&] { database.Get(L"FormatName"); }).Number, ErrorNumber::WrongArgumentCount);
     EXPECT_EQ(ErrorOf([&] { database.Get(L"NoSuchMember"); }).Number, ErrorNumber::NoSuchMember);
+}
+
+// A timer of the host closes the connection while the dialog shows.
+TEST(DatabaseObject, TheDialogOutlivesTheConnection) {
+    static Object database;
+    static std::wstring preview;
+    static std::vector<std::wstring> churn;
+    database = OpenDatabase();
+    preview.clear();
+    const UINT_PTR timer = SetTimer(nullptr, 0, 20, [](HWND, UINT, UINT_PTR id, DWORD) WINAPI {
+        HWND dialog = nullptr;
+        EnumThreadWindows(
+            GetCurrentThreadId(),
+            [](HWND window, LPARAM found) WINAPI -> BOOL {
+                if (IsWindowVisible(window) && GetDlgItem(window, IDC_PREVIEW) != nullptr)
+                    *reinterpret_cast<HWND*>(found) = window;
+                return TRUE;
+            },
+            reinterpret_cast<LPARAM>(&dialog));
+        if (dialog == nullptr) return;
+        KillTimer(nullptr, id);
+        database.Call(L"Close");
+        // What was freed is written over.
+        for (size_t size = 1; size < 2000; ++size) churn.emplace_back(size % 200, L'x');
+        SetDlgItemTextW(dialog, IDC_TABLE_NAME, L"Order table");
+        wchar_t text[2000]{};
+        GetDlgItemTextW(dialog, IDC_PREVIEW, text, 2000);
+        preview = text;
+        SendMessageW(dialog, WM_COMMAND, IDCANCEL, 0);
+    });
+    std::wstring statement;
+    bool cancelled = false;
+    database.Call(L"ShowCreateTableDialog1", ByRef(statement), ByRef(cancelled));
+    KillTimer(nullptr, timer);
+    EXPECT_TRUE(cancelled);
+    EXPECT_NE(preview.find(L"\"Order table\""), std::wstring::npos) << testing::PrintToString(preview);
+    EXPECT_FALSE(database.Get(L"Connected").ToBoolean());
+    churn.clear();
+    database = Object();
+}
+
+// The host leaves an activation context behind while the dialog shows.
+TEST(DatabaseObject, TheDialogLeavesAContextThatTheHostForgot) {
+    static HANDLE context;
+    ACTCTXW request = {};
+    request.cbSize = sizeof request;
+    request.dwFlags = ACTCTX_FLAG_HMODULE_VALID | ACTCTX_FLAG_RESOURCE_NAME_VALID;
+    Object database = OpenDatabase();
+    request.hModule = GetModuleHandleW(L"brvADO.dll");
+    request.lpResourceName = MAKEINTRESOURCEW(IDM_CONTROLS_MANIFEST);
+    context = CreateActCtxW(&request);
+    ASSERT_NE(context, INVALID_HANDLE_VALUE);
+    const UINT_PTR timer = SetTimer(nullptr, 0, 20, [](HWND, UINT, UINT_PTR id, DWORD) WINAPI {
+        const HWND dialog = GetActiveWindow();
+        if (dialog == nullptr || GetDlgItem(dialog, IDC_PREVIEW) == nullptr) return;
+        KillTimer(nullptr, id);
+        ULONG_PTR cookie = 0;
+        ActivateActCtx(context, &cookie);
+        SendMessageW(dialog, WM_COMMAND, IDCANCEL, 0);
+    });
+    std::wstring statement;
+    bool cancelled = false;
+    database.Call(L"ShowCreateTableDialog1", ByRef(statement), ByRef(cancelled));
+    KillTimer(nullptr, timer);
+    EXPECT_TRUE(cancelled);
+    ReleaseActCtx(context);
 }
 
 TEST(DatabaseObject, RunsStatements) {

@@ -97,6 +97,16 @@ TEST(KolvexDemo, StopsAtAFailingStatement) {
     EXPECT_FALSE(Contains(outcome, L"third"));
 }
 
+// The server repeats a name of the statement in its error text; a terminal would obey it.
+TEST(KolvexDemo, TellsNothingThatATerminalObeys) {
+    const Outcome outcome = RunSql(
+        L"select * from \"no\x1b[31m\x9b"
+        L"2J\x07such\"");
+    EXPECT_EQ(outcome.ExitCode, 1u);
+    EXPECT_TRUE(Contains(outcome, L"no\xB7[31m")) << testing::PrintToString(outcome.Output);
+    for (const wchar_t c : {L'\x1b', L'\x9b', L'\x07'}) EXPECT_EQ(outcome.Output.find(c), std::wstring::npos);
+}
+
 TEST(KolvexDemo, SaysThatItCannotConnect) {
     const Outcome outcome =
         RunDemo({L"--connect", L"Driver=SQLite3;NoCreat=1;Database=/no/such/folder/x.db", L"--no-editor"});
