@@ -1,5 +1,7 @@
 #include "forms/Toolbar.h"
 
+#include <algorithm>
+
 #include "automation/RuntimeError.h"
 #include "forms/Surroundings.h"
 #include "forms/Tooltip.h"
@@ -53,9 +55,22 @@ void Toolbar::SetImageList(HIMAGELIST images) {
 }
 
 // A button keeps the width that it had with another font or image until its text is given again.
-// The size of all buttons only grows by itself: it begins once more from the least.
+// The height of all buttons grows with a larger font or image and stays, unless it is set: to what font and image take.
 void Toolbar::MeasureButtons() {
-    Send(TB_SETBUTTONSIZE, 0, 0);
+    constexpr int Around = 7;  // pixels that the control leaves round what it shows
+    int imageWidth = 0;
+    int imageHeight = 0;
+    if (const auto images = reinterpret_cast<HIMAGELIST>(Send(TB_GETIMAGELIST))) {
+        ImageList_GetIconSize(images, &imageWidth, &imageHeight);
+    }
+    TEXTMETRICW metrics{};
+    const HDC context = GetDC(Handle());
+    const HGDIOBJ before = SelectObject(context, reinterpret_cast<HFONT>(Send(WM_GETFONT)));
+    GetTextMetricsW(context, &metrics);
+    SelectObject(context, before);
+    ReleaseDC(Handle(), context);
+    const int height = std::max(imageHeight, static_cast<int>(metrics.tmHeight)) + Around;
+    Send(TB_SETBUTTONSIZE, 0, MAKELPARAM(0, height));
     for (size_t at = 0; at < buttons_.size(); ++at) {
         TBBUTTONINFOW info{};
         info.cbSize = sizeof info;

@@ -68,7 +68,9 @@ TEST_F(MenusTest, TheViewMenuShowsWhatIsShown) {
         EditorWindow::Choose(L"View", L"Object Browser");
         EXPECT_TRUE(Checked(Menu(3), 1));
         // By the small button too.
-        SendMessageW(GetDlgItem(EditorWindow::Find(), 1004), WM_LBUTTONUP, 0, MAKELPARAM(2, 2));
+        const HWND button = GetDlgItem(EditorWindow::Find(), 1004);
+        SendMessageW(button, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(2, 2));
+        SendMessageW(button, WM_LBUTTONUP, 0, MAKELPARAM(2, 2));
         EXPECT_FALSE(Checked(Menu(3), 1));
     });
 }
