@@ -325,14 +325,17 @@ void Form::RunLoop() {
     const InHostContexts host;
     while (shown_) {
         Events::Call call;
-        if (Dragging::Active()) {
-            const DWORD waited =
-                MsgWaitForMultipleObjectsEx(0, nullptr, Dragging::RepeatInterval, QS_ALLINPUT, MWMO_INPUTAVAILABLE);
-            Events::Raise([] { Dragging::Repeat(); });
-            call.Rethrow();
-            if (waited == WAIT_TIMEOUT) continue;
-        }
         MSG message;
+        if (Dragging::Active()) {
+            MsgWaitForMultipleObjectsEx(0, nullptr, Dragging::RepeatInterval, QS_ALLINPUT, MWMO_INPUTAVAILABLE);
+            {
+                const Surroundings surroundings;
+                Events::Raise([] { Dragging::Repeat(); });
+            }
+            call.Rethrow();
+            // What came may be a message that was sent, which is over now and leaves nothing to get.
+            if (!PeekMessageW(&message, nullptr, 0, 0, PM_NOREMOVE)) continue;
+        }
         // Each step is over soon, and none is begun while a message waits.
         while (shown_ && !PeekMessageW(&message, nullptr, 0, 0, PM_NOREMOVE) && Idle()) call.Rethrow();
         if (!shown_) break;
