@@ -207,7 +207,7 @@ TEST_F(ReentranceTest, WhatIsDoneToTheTreeWhileTheHostIsAskedChangesNothing) {
                         const std::string name = std::string(step.Name) + ", in call " + std::to_string(occurrence) +
                                                  " of " + std::string(call.begin(), call.end()) + ": " + touch.Name;
                         // A test run has time for some: each call of each step, each thing that is done in some call.
-                        if (next++ % (occurrence == 1 ? 3 : 9) != 0 && !EveryCase()) continue;
+                        if (next++ % (occurrence == 1 ? 7 : 23) != 0 && !EveryCase()) continue;
                         SCOPED_TRACE(name);
                         Dog.Begin(name);
                         ++cases;
