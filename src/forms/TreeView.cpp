@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "forms/Events.h"
+#include "forms/NotTopmost.h"
 #include "forms/Painting.h"
 
 namespace {
@@ -137,6 +138,7 @@ POINT TreeView::MenuPoint() const {
 void TreeView::ExpandAll(const Node& node) {
     stopExpanding_ = false;
     const WaitCursor wait;
+    const NotTopmost notTopmost;  // once, however many branches are read
     const PaintingHeld held(*this);
     std::vector<Node> waiting{node};
     std::vector<Node> opened;

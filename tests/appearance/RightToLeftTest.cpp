@@ -222,7 +222,9 @@ TEST_F(RightToLeftFilesTest, OpenAndSaveKeepItInEveryEncoding) {
                       EXPECT_EQ(Mixed, EditorWindow::Text());
                       EXPECT_EQ(file.Panel, FormatPanel());
                       PutBytes(Here / name.c_str(), "");
+                      const BoxAnswerer overwrite(IDYES);  // what another program has changed
                       Save();
+                      EXPECT_EQ(1, overwrite.Boxes);
                       EXPECT_EQ(file.Bytes, BytesOf(Here / name.c_str())) << file.Bytes.size();
                   }));
     }
