@@ -10,7 +10,7 @@ namespace {
 bool LooksLikeFormula(const std::wstring& text) {
     if (text.empty() || std::wstring_view(L"=+-@\t\r").find(text.front()) == std::wstring_view::npos) return false;
     if (text.front() != L'+' && text.front() != L'-') return true;
-    // A number with a sign is none.
+    // A signed number is not a formula.
     const size_t digits = text.find_first_not_of(L"0123456789.,eE", 1);
     return digits != std::wstring::npos || text.size() == 1;
 }

@@ -360,7 +360,7 @@ LRESULT Control::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
             ScreenToClient(handle_, &inside);
             RECT client;
             GetClientRect(handle_, &client);
-            if (!PtInRect(&client, inside)) break;  // a scroll bar has a menu of its own
+            if (!PtInRect(&client, inside)) break;  // a scroll bar has its own menu
             ContextMenu(at);
             return 0;
         }

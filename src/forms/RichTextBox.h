@@ -211,7 +211,7 @@ private:
     float points_ = 10;
     float zoom_ = 1;
     bool filling_ = false;
-    bool rich_ = false;     // the text came with formats of its own
+    bool rich_ = false;     // the text brought formats with it
     uint64_t fileSum_ = 0;  // of the bytes of FileName's file, as they were last loaded or saved
     bool shaded_ = false;   // characters may be shown otherwise than they are
     bool composing_ = false;
