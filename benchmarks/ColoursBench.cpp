@@ -7,8 +7,8 @@
 #include <optional>
 
 #include "Bench.h"
-#include "EditorTree.h"
-#include "Fakes.h"
+#include "support/EditorTree.h"
+#include "support/Fakes.h"
 #include "RawWindow.h"
 #include "Shown.h"
 #include "sql/Lexer.h"

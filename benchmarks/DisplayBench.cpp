@@ -3,7 +3,7 @@
 #include <optional>
 
 #include "Bench.h"
-#include "Browsed.h"
+#include "support/Browsed.h"
 #include "RawWindow.h"
 #include "Shown.h"
 

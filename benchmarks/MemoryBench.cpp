@@ -8,7 +8,7 @@
 #include <string>
 
 #include "Bench.h"
-#include "Browsed.h"
+#include "support/Browsed.h"
 #include "RawWindow.h"
 #include "Shown.h"
 

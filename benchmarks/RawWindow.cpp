@@ -5,8 +5,8 @@
 #include <cstdio>
 #include <map>
 
-#include "EditorTree.h"
-#include "Fakes.h"
+#include "support/EditorTree.h"
+#include "support/Fakes.h"
 #include "forms/Surroundings.h"
 
 // ---- the plan

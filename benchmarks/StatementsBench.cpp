@@ -2,7 +2,7 @@
 #include <commctrl.h>
 
 #include "Bench.h"
-#include "Browsed.h"
+#include "support/Browsed.h"
 #include "Shown.h"
 
 // All statements of a folder. They are built for Create too, which inserts nothing when the host's dialog is cancelled:

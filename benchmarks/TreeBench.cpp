@@ -2,7 +2,7 @@
 #include <commctrl.h>
 
 #include "Bench.h"
-#include "Browsed.h"
+#include "support/Browsed.h"
 #include "automation/Collection.h"
 
 // The object browser against a raw tree control that gets the same items, from the same collections of the same host.

@@ -24,9 +24,9 @@ if(BRV_TRAPS)
     add_link_options(-fstack-protector-strong)
     add_compile_definitions($<$<COMPILE_LANGUAGE:CXX>:_GLIBCXX_ASSERTIONS>)
     # Takes the place of new and delete in each program and DLL from here on.
-    add_library(brv_checked_heap OBJECT ${CMAKE_SOURCE_DIR}/tests/traps/CheckedHeap.cpp)
+    add_library(brv_checked_heap OBJECT ${CMAKE_SOURCE_DIR}/tests/unit/traps/CheckedHeap.cpp)
     link_libraries(brv_checked_heap)
-    set(brv_heap_sweep ${CMAKE_SOURCE_DIR}/tests/traps/HeapSweep.cpp)
+    set(brv_heap_sweep ${CMAKE_SOURCE_DIR}/tests/unit/traps/HeapSweep.cpp)
 endif()
 
 # No run-time library beside a DLL or program; loaded at a random address; data not executable.
@@ -143,14 +143,14 @@ function(brv_add_program name)
 endfunction()
 
 # brv_add_test(<name> SOURCES ... [RC x.rc] [LIBRARIES ...] [LABELS ...] [ARGUMENTS ...] [TIMEOUT seconds])
-# A GoogleTest program and one ctest entry for it: each start of Wine costs more than most tests. Its main function is
-# GoogleTest's unless a source brings one. The label is the folder of the caller below tests/.
+# A GoogleTest program and one ctest entry for it: each start of Wine costs more than most tests. It is linked with what is in
+# tests/support, whose main function it has unless a source brings one. The label is the last folder of the caller's path.
 function(brv_add_test name)
     cmake_parse_arguments(PARSE_ARGV 1 arg "" "TIMEOUT" "SOURCES;RC;LIBRARIES;LABELS;ARGUMENTS")
     add_executable(${name} ${arg_SOURCES} ${brv_heap_sweep} ${arg_RC})
     brv_resource_inputs(${arg_RC})
     target_include_directories(${name} PRIVATE ${CMAKE_CURRENT_SOURCE_DIR})
-    target_link_libraries(${name} PRIVATE ${arg_LIBRARIES} gtest_main gtest)
+    target_link_libraries(${name} PRIVATE test_support ${arg_LIBRARIES})
     brv_precompile_test(${name})
     add_test(NAME ${name} COMMAND ${name} ${arg_ARGUMENTS})
     if(NOT arg_TIMEOUT)

@@ -1,4 +1,4 @@
-# Functions that scripts/appearances and tests/appearance share: how the screen looks to the programs of a Wine prefix. Sourced after
+# Functions that scripts/appearances and tests/window/appearance share: how the screen looks to the programs of a Wine prefix. Sourced after
 # scripts/setup.sh. Programs that start later see a change.
 
 # The prefix has these settings for itself: nothing else may run in it.

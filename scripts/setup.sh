@@ -295,7 +295,7 @@ leave_prefix() {
 
 # check_heaps: from here on the heaps of all programs of the prefix fill what is freed and what lies behind a block (FLG_HEAP_ENABLE_TAIL_CHECK,
 # FLG_HEAP_ENABLE_FREE_CHECK, FLG_HEAP_VALIDATE_PARAMETERS, as gflags sets them for the whole system). Windows looks at it when a block is
-# freed, Wine only when HeapValidate asks: the tests do so after each of them (tests/traps/HeapSweep.cpp).
+# freed, Wine only when HeapValidate asks: the tests do so after each of them (tests/unit/traps/HeapSweep.cpp).
 check_heaps() {
     run_wine reg add 'HKLM\System\CurrentControlSet\Control\Session Manager' /v GlobalFlag /t REG_DWORD /d 0x70 /f >/dev/null 2>&1 ||
         die "the checking of the heap could not be set"

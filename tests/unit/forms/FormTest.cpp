@@ -1,0 +1,344 @@
+#include "forms/Form.h"
+
+#include <functional>
+
+#include "support/Expect.h"
+#include "forms/CommandButton.h"
+#include "forms/RichTextBox.h"
+#include "forms/Twips.h"
+
+namespace {
+
+// The log without the resizes, of which a window manager may cause any number.
+std::wstring WithoutResizes(std::wstring log) {
+    for (size_t at; (at = log.find(L"resize ")) != std::wstring::npos;) log.erase(at, 7);
+    return log;
+}
+
+class TestForm : public Form {
+public:
+    std::wstring Log;
+    std::function<void()> OnLoad;
+    std::function<void()> OnActivate;
+    std::function<void()> OnUnload;
+    CommandButton First;
+    CommandButton Second;
+
+    using Form::Menus;
+
+protected:
+    void CreateControls() override {
+        Log += L"controls ";
+        First.Create(Handle(), 1, L"First");
+        Second.Create(Handle(), 2, L"Second");
+        First.Move(0, 0, 1500, 300);
+        Second.Move(0, 300, 1500, 300);
+    }
+    void FontsChanged() override {}
+    void Form_Load() override {
+        Log += L"load ";
+        if (OnLoad) OnLoad();
+    }
+    void Form_Activate() override {
+        Log += L"activate ";
+        if (OnActivate) OnActivate();
+    }
+    void Form_Resize() override { Log += L"resize "; }
+    void Form_Unload(bool& cancel) override {
+        cancel = true;
+        Log += L"unload ";
+        if (OnUnload) OnUnload();
+        Hide();
+    }
+};
+
+// Runs work once the modal loop turns, and gives up on a window that nobody closes.
+class Later {
+public:
+    static inline std::function<void()> Work;
+    explicit Later(std::function<void()> work) {
+        Work = std::move(work);
+        timer_ = SetTimer(nullptr, 0, 50, [](HWND, UINT, UINT_PTR id, DWORD) WINAPI {
+            KillTimer(nullptr, id);
+            Work();
+        });
+        watchdog_ = SetTimer(nullptr, 0, 20000, [](HWND, UINT, UINT_PTR, DWORD) WINAPI { ExitProcess(99); });
+    }
+    ~Later() {
+        KillTimer(nullptr, timer_);
+        KillTimer(nullptr, watchdog_);
+    }
+    Later(const Later&) = delete;
+    Later& operator=(const Later&) = delete;
+
+private:
+    UINT_PTR timer_;
+    UINT_PTR watchdog_;
+};
+
+HWND MakeHostWindow() {
+    return CreateWindowExW(0, L"Static", L"host", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 0, 0, 100, 100, nullptr, nullptr,
+                           nullptr, nullptr);
+}
+
+}  // namespace
+
+TEST(Form, LoadsOnceAndLaysOutAfterTheLoad) {
+    TestForm form;
+    form.OnLoad = [&] {
+        form.SetWidth(4500);
+        form.SetHeight(4500);
+    };
+    form.Load();
+    form.Load();
+    EXPECT_EQ(L"controls load resize ", form.Log);
+    form.SetWidth(6000);
+    EXPECT_EQ(L"controls load resize resize ", form.Log);
+}
+
+TEST(Form, ALoadThatFailsIsLaidOutAndNotRunAgain) {
+    TestForm form;
+    form.OnLoad = [] { RaiseError(13); };
+    EXPECT_EQ(13, NumberOf([&] { form.Load(); }));
+    EXPECT_EQ(L"controls load resize ", form.Log);
+    EXPECT_EQ(0, NumberOf([&] { form.Load(); }));
+}
+
+TEST(Form, PositionsAreInTwips) {
+    TestForm form;
+    form.Load();
+    Placement place = form.Place();
+    place.SetLeft(1000);
+    place.SetTop(1500);
+    form.MoveTo(place);
+    form.SetWidth(6500);
+    form.SetHeight(6000);
+    const UINT dpi = form.Dpi();
+    EXPECT_FLOAT_EQ(67 * 15, form.Left());
+    EXPECT_FLOAT_EQ(1500, form.Top());
+    EXPECT_FLOAT_EQ(PixelsToTwips(TwipsToPixels(6500, dpi), dpi), form.Width());
+    EXPECT_FLOAT_EQ(PixelsToTwips(TwipsToPixels(6000, dpi), dpi), form.Height());
+    EXPECT_EQ(ErrorNumber::Overflow, NumberOf([&] { form.SetWidth(1e30F); }));
+}
+
+namespace {
+RECT BoundsOf(HWND window) {
+    RECT bounds{};
+    GetWindowRect(window, &bounds);
+    return bounds;
+}
+}  // namespace
+
+// Position and size go to Windows together: one message each, and no stop on another monitor between them.
+TEST(Form, IsPlacedInOneStep) {
+    static int moves;
+    static HWND window;
+    TestForm form;
+    form.Load();
+    window = form.Handle();
+    moves = 0;
+    const HHOOK hook = SetWindowsHookExW(
+        WH_CALLWNDPROC,
+        [](int code, WPARAM wParam, LPARAM lParam) WINAPI -> LRESULT {
+            const auto& sent = *reinterpret_cast<const CWPSTRUCT*>(lParam);
+            if (sent.hwnd == window && sent.message == WM_WINDOWPOSCHANGED) ++moves;
+            return CallNextHookEx(nullptr, code, wParam, lParam);
+        },
+        nullptr, GetCurrentThreadId());
+    Placement place = form.Place();
+    place.SetLeft(1500);
+    place.SetTop(3000);
+    place.SetWidth(9000);
+    place.SetHeight(7500);
+    form.MoveTo(place);
+    UnhookWindowsHookEx(hook);
+    EXPECT_EQ(1, moves);
+    EXPECT_FLOAT_EQ(1500, form.Left());
+    EXPECT_FLOAT_EQ(3000, form.Top());
+    EXPECT_NEAR(9000, form.Width(), 8);
+    EXPECT_NEAR(7500, form.Height(), 8);
+}
+
+// A window comes to a monitor of other dots per inch while it is placed: Windows tells it so in the middle and suggests
+// another size.
+TEST(Form, KeepsTheSizeThatItIsPlacedWithWhenTheDotsChangeMeanwhile) {
+    static HWND window;
+    static bool told;
+    TestForm form;
+    form.Load();
+    window = form.Handle();
+    told = false;
+    const HHOOK hook = SetWindowsHookExW(
+        WH_CALLWNDPROCRET,
+        [](int code, WPARAM wParam, LPARAM lParam) WINAPI -> LRESULT {
+            const auto& sent = *reinterpret_cast<const CWPRETSTRUCT*>(lParam);
+            if (sent.hwnd == window && sent.message == WM_WINDOWPOSCHANGED && !told) {
+                told = true;
+                RECT twice = BoundsOf(window);
+                twice.right += twice.right - twice.left;
+                twice.bottom += twice.bottom - twice.top;
+                SetWindowPos(window, nullptr, 0, 0, twice.right, twice.bottom, SWP_NOMOVE | SWP_NOZORDER);
+                SendMessageW(window, WM_DPICHANGED, MAKEWPARAM(192, 192), reinterpret_cast<LPARAM>(&twice));
+            }
+            return CallNextHookEx(nullptr, code, wParam, lParam);
+        },
+        nullptr, GetCurrentThreadId());
+    Placement place = form.Place();
+    place.SetLeft(1500);
+    place.SetTop(3000);
+    place.SetWidth(9000);
+    place.SetHeight(7500);
+    form.MoveTo(place);
+    UnhookWindowsHookEx(hook);
+    EXPECT_TRUE(told);
+    EXPECT_FLOAT_EQ(1500, form.Left());
+    EXPECT_NEAR(9000, form.Width(), 8);
+    EXPECT_NEAR(7500, form.Height(), 8);
+    // Afterwards, as by the user's hand, the suggestion counts.
+    const RECT wanted{40, 50, 640, 550};
+    SendMessageW(window, WM_DPICHANGED, MAKEWPARAM(96, 96), reinterpret_cast<LPARAM>(&wanted));
+    EXPECT_EQ(600, BoundsOf(window).right - BoundsOf(window).left);
+}
+
+// The place is applied as it is; what is shown is seen.
+TEST(Form, AWindowBeyondEveryMonitorIsBroughtIntoViewWhenItIsShown) {
+    const RECT area = GetDesktop().front().WorkArea;
+    TestForm form;
+    form.Load();
+    Placement place = form.Place();
+    place.SetLeft(300000);
+    place.SetTop(1500);
+    place.SetWidth(6000);
+    place.SetHeight(6000);
+    form.MoveTo(place);
+    EXPECT_FLOAT_EQ(300000, form.Left());
+    RECT shown{};
+    {
+        const Later later([&] {
+            shown = BoundsOf(form.Handle());
+            SendMessageW(form.Handle(), WM_CLOSE, 0, 0);
+        });
+        form.ShowModal();
+    }
+    EXPECT_EQ(area.right, shown.right);
+    EXPECT_EQ(100, shown.top);
+    EXPECT_NEAR(400, shown.right - shown.left, 1);
+    // The screen was unplugged between two showings; this time the window is minimised too.
+    SetWindowPos(form.Handle(), nullptr, -9000, 100, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+    ShowWindow(form.Handle(), SW_SHOWMINNOACTIVE);
+    ShowWindow(form.Handle(), SW_HIDE);
+    {
+        const Later later([&] {
+            shown = BoundsOf(form.Handle());
+            SendMessageW(form.Handle(), WM_CLOSE, 0, 0);
+        });
+        form.ShowModal();
+    }
+    // Where a window manager has a say, it may stand anywhere on the screen.
+    EXPECT_GE(shown.left, area.left);
+    EXPECT_LE(shown.right, area.right);
+}
+
+TEST(Form, IsModalAndGivesTheHostItsWindowsBack) {
+    const HWND host = MakeHostWindow();
+    const HWND disabledBefore = MakeHostWindow();
+    EnableWindow(disabledBefore, FALSE);
+    TestForm form;
+    bool hostWasEnabled = true;
+    const Later later([&] {
+        hostWasEnabled = IsWindowEnabled(host) != FALSE;
+        SendMessageW(form.Handle(), WM_CLOSE, 0, 0);
+    });
+    form.ShowModal();
+    EXPECT_FALSE(hostWasEnabled);
+    EXPECT_TRUE(IsWindowEnabled(host));
+    EXPECT_FALSE(IsWindowEnabled(disabledBefore));
+    EXPECT_FALSE(IsWindowVisible(form.Handle()));
+    EXPECT_EQ(L"controls load activate unload ", WithoutResizes(form.Log));
+    DestroyWindow(host);
+    DestroyWindow(disabledBefore);
+}
+
+TEST(Form, ASecondShowIsAnErrorAndTheWindowStays) {
+    TestForm form;
+    long number = 0;
+    bool stayed = false;
+    const Later later([&] {
+        number = NumberOf([&] { form.ShowModal(); });
+        stayed = IsWindowVisible(form.Handle()) != FALSE;
+        form.Unload();
+    });
+    form.ShowModal();
+    EXPECT_EQ(ErrorNumber::FormAlreadyShown, number);
+    EXPECT_TRUE(stayed);
+}
+
+TEST(Form, AnErrorInTheModalLoopEndsItAndTheHostIsEnabledAgain) {
+    const HWND host = MakeHostWindow();
+    TestForm form;
+    form.First.Click = [] { RaiseError(42); };
+    form.Load();
+    const Later later([&] { PostMessageW(form.First.Handle(), BM_CLICK, 0, 0); });
+    EXPECT_EQ(42, NumberOf([&] { form.ShowModal(); }));
+    EXPECT_TRUE(IsWindowEnabled(host));
+    EXPECT_FALSE(form.Visible());
+    EXPECT_FALSE(IsWindowVisible(form.Handle()));
+    DestroyWindow(host);
+}
+
+TEST(Form, AnErrorOnActivationLeavesTheHostEnabled) {
+    const HWND host = MakeHostWindow();
+    TestForm form;
+    form.OnActivate = [] { RaiseError(43); };
+    EXPECT_EQ(43, NumberOf([&] { form.ShowModal(); }));
+    EXPECT_TRUE(IsWindowEnabled(host));
+    EXPECT_FALSE(form.Visible());
+    DestroyWindow(host);
+}
+
+TEST(Form, QuittingGoesOnInTheHostsLoop) {
+    TestForm form;
+    const Later later([] { PostQuitMessage(5); });
+    form.ShowModal();
+    EXPECT_FALSE(form.Visible());
+    MSG message;
+    ASSERT_TRUE(PeekMessageW(&message, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE));
+    EXPECT_EQ(5U, message.wParam);
+}
+
+TEST(Form, AMinimisedWindowComesBackRestored) {
+    TestForm form;
+    {
+        const Later later([&] {
+            ShowWindow(form.Handle(), SW_MINIMIZE);
+            form.Unload();
+        });
+        form.ShowModal();
+    }
+    bool minimised = true;
+    const Later later([&] {
+        minimised = form.WindowState() == Form::State::Minimized;
+        form.Unload();
+    });
+    form.ShowModal();
+    EXPECT_FALSE(minimised);
+}
+
+TEST(Form, KeepsTheModuleWhileItsWindowIsLoaded) {
+    EXPECT_TRUE(Server::CanUnload());
+    {
+        TestForm form;
+        form.Load();
+        EXPECT_FALSE(Server::CanUnload());
+    }
+    EXPECT_TRUE(Server::CanUnload());
+}
+
+TEST(Form, MayBeHiddenByAnEventAndShownAgain) {
+    TestForm form;
+    for (int round = 0; round < 3; ++round) {
+        const Later later([&] { form.Hide(); });
+        form.ShowModal();
+    }
+    EXPECT_EQ(L"controls load activate activate activate ", WithoutResizes(form.Log));
+}

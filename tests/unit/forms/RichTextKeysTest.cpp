@@ -1,0 +1,238 @@
+#include <richedit.h>
+
+#include <initializer_list>
+#include <string>
+
+#include "support/Expect.h"
+#include "forms/RichTextBox.h"
+
+namespace {
+
+// The state of the keyboard as this thread sees it, for the time that it lives.
+class Held {
+public:
+    Held(std::initializer_list<int> keys) {
+        GetKeyboardState(before_);
+        BYTE state[256]{};
+        for (const int key : keys) state[key] = 0x80;
+        SetKeyboardState(state);
+    }
+    ~Held() { SetKeyboardState(before_); }
+    Held(const Held&) = delete;
+    Held& operator=(const Held&) = delete;
+
+private:
+    BYTE before_[256]{};
+};
+
+struct Editor {
+    TopWindow Top;
+    RichTextBox Box;
+    std::wstring Asked;  // c, x and v for copy, cut and paste
+    Editor() {
+        Box.Create(Top.Handle(), 1);
+        Box.SetEditorFont(L"Courier New", 10);
+        Box.Move(0, 0, 6000, 5000);
+        Box.CopyRequested = [this] { Asked += L'c'; };
+        Box.CutRequested = [this] { Asked += L'x'; };
+        Box.PasteRequested = [this] { Asked += L'v'; };
+    }
+    // A key with these others held, as it comes from a keyboard: down, the character that Windows makes of it, up.
+    void Press(WPARAM key, std::initializer_list<int> held = {}, wchar_t character = 0) {
+        bool alt = false;
+        bool ctrl = false;
+        for (const int other : held) {
+            alt = alt || other == VK_MENU;
+            ctrl = ctrl || other == VK_CONTROL;
+        }
+        const bool system = alt && !ctrl;
+        const Held state(held);
+        const LPARAM place = 1 | static_cast<LPARAM>(key & 0xFF) << 16;
+        Box.Send(system ? WM_SYSKEYDOWN : WM_KEYDOWN, key, place);
+        if (character != 0) Box.Send(system ? WM_SYSCHAR : WM_CHAR, character, place);
+        Box.Send(system ? WM_SYSKEYUP : WM_KEYUP, key, place | static_cast<LPARAM>(0xC0000000));
+    }
+};
+
+DWORD Effects(const RichTextBox& box) {
+    CHARFORMAT2W format{};
+    format.cbSize = sizeof format;
+    box.Send(EM_GETCHARFORMAT, SCF_SELECTION, reinterpret_cast<LPARAM>(&format));
+    return format.dwEffects &
+           (CFE_BOLD | CFE_ITALIC | CFE_UNDERLINE | CFE_STRIKEOUT | CFE_SUBSCRIPT | CFE_SUPERSCRIPT | CFE_ALLCAPS);
+}
+
+WORD Alignment(const RichTextBox& box) {
+    PARAFORMAT2 format{};
+    format.cbSize = sizeof format;
+    box.Send(EM_GETPARAFORMAT, 0, reinterpret_cast<LPARAM>(&format));
+    return format.wAlignment;
+}
+
+}  // namespace
+
+TEST(RichTextKeys, EveryEnterIsALineEnd) {
+    Editor editor;
+    editor.Box.SetText(L"ab");
+    editor.Box.Select(1, 0);
+    editor.Press(VK_RETURN, {VK_SHIFT}, L'\r');
+    EXPECT_EQ(L"a\r\nb", editor.Box.Text());
+    EXPECT_EQ(3, editor.Box.SelStart());
+    editor.Press(VK_RETURN, {VK_CONTROL}, L'\n');
+    EXPECT_EQ(L"a\r\n\r\nb", editor.Box.Text());
+    editor.Press(VK_RETURN, {}, L'\r');
+    EXPECT_EQ(L"a\r\n\r\n\r\nb", editor.Box.Text());
+    EXPECT_EQ(7, editor.Box.SelStart());
+    editor.Box.Send(EM_UNDO);
+    editor.Box.Send(EM_UNDO);
+    editor.Box.Send(EM_UNDO);
+    EXPECT_EQ(L"ab", editor.Box.Text());
+    // A selection is replaced, as by any character.
+    editor.Box.Select(0, 2);
+    editor.Press(VK_RETURN, {VK_SHIFT}, L'\r');
+    EXPECT_EQ(L"\r\n", editor.Box.Text());
+}
+
+TEST(RichTextKeys, WhatIsTypedAfterAKeyThatDoesNothingIsWritten) {
+    Editor editor;
+    editor.Press(VK_OEM_7, {VK_CONTROL, VK_SHIFT}, L'"');
+    editor.Press(VK_SPACE, {VK_CONTROL}, L' ');
+    EXPECT_EQ(L"", editor.Box.Text());
+    editor.Press(VK_INSERT);
+    editor.Press('A', {}, L'a');
+    editor.Box.Send(WM_KEYDOWN, VK_INSERT, 1 | 0x52 << 16);  // held while another key is typed
+    editor.Press('B', {}, L'b');
+    EXPECT_EQ(L"ab", editor.Box.Text());
+}
+
+TEST(RichTextKeys, InsertDoesNotOverwrite) {
+    Editor editor;
+    editor.Box.SetText(L"abc");
+    editor.Press(VK_INSERT);
+    editor.Press('X', {}, L'x');
+    EXPECT_EQ(L"xabc", editor.Box.Text());
+    EXPECT_EQ(L"", editor.Asked);
+}
+
+TEST(RichTextKeys, TheOldKeysOfTheClipboardAreTheCommands) {
+    Editor editor;
+    editor.Box.SetText(L"abc");
+    editor.Box.Select(0, 2);
+    editor.Press(VK_INSERT, {VK_CONTROL});
+    editor.Press('C', {VK_CONTROL}, L'\x03');
+    EXPECT_EQ(L"cc", editor.Asked);
+    editor.Press(VK_DELETE, {VK_SHIFT});
+    editor.Press('X', {VK_CONTROL}, L'\x18');
+    EXPECT_EQ(L"ccxx", editor.Asked);
+    editor.Press(VK_INSERT, {VK_SHIFT});
+    editor.Press('V', {VK_CONTROL}, L'\x16');
+    EXPECT_EQ(L"ccxxvv", editor.Asked);
+    EXPECT_EQ(L"abc", editor.Box.Text());
+    editor.Asked.clear();
+    for (const UINT message : {UINT{WM_COPY}, UINT{WM_CUT}, UINT{WM_PASTE}, UINT{EM_PASTESPECIAL}})
+        editor.Box.Send(message);
+    EXPECT_EQ(L"cxvv", editor.Asked);
+    EXPECT_EQ(L"abc", editor.Box.Text());
+    editor.Press('A', {VK_CONTROL}, L'\x01');
+    EXPECT_EQ(L"abc", editor.Box.SelText());
+}
+
+TEST(RichTextKeys, NothingFormatsAlignsOrSubstitutes) {
+    Editor editor;
+    editor.Box.SetText(L"abc 41");
+    int changes = 0;
+    editor.Box.Change = [&changes] { ++changes; };
+    for (const bool selected : {true, false}) {
+        editor.Box.Select(selected ? 0 : 6, selected ? 6 : 0);
+        for (WPARAM key = 1; key < 0xFF; ++key) {
+            // Keys that only move, select, delete or undo, commands, and the buttons of the mouse.
+            if (key <= VK_XBUTTON2 || (key >= VK_PRIOR && key <= VK_DOWN) || key == VK_RETURN || key == VK_BACK ||
+                key == VK_DELETE || key == VK_TAB || key == VK_ESCAPE || key == VK_INSERT || key == VK_MENU ||
+                key == VK_SHIFT || key == VK_CONTROL || key == VK_APPS || key == VK_F10 ||
+                (key >= VK_LWIN && key <= VK_SLEEP)) {
+                continue;
+            }
+            const auto character = static_cast<wchar_t>(key >= 'A' && key <= 'Z' ? key - '@' : 0);
+            if (key != 'Y' && key != 'Z' && key != 'A') editor.Press(key, {VK_CONTROL}, character);
+            editor.Press(key, {VK_CONTROL, VK_SHIFT}, character);
+            editor.Press(key, {VK_CONTROL, VK_MENU});
+            editor.Press(key, {VK_CONTROL, VK_SHIFT, VK_MENU});
+        }
+        editor.Press('X', {VK_MENU}, L'x');
+        editor.Press('X', {VK_MENU, VK_SHIFT}, L'X');
+        EXPECT_EQ(0U, Effects(editor.Box));
+        EXPECT_EQ(PFA_LEFT, Alignment(editor.Box));
+        EXPECT_EQ(L"abc 41", editor.Box.Text());
+        EXPECT_EQ(0, changes);
+    }
+}
+
+TEST(RichTextKeys, KeysThatMoveSelectDeleteAndUndoAreTheControls) {
+    Editor editor;
+    editor.Box.SetText(L"one two three\r\nlast");
+    editor.Press(VK_RIGHT, {VK_CONTROL});
+    EXPECT_EQ(4, editor.Box.SelStart());
+    editor.Press(VK_RIGHT, {VK_CONTROL, VK_SHIFT});
+    EXPECT_EQ(L"two ", editor.Box.SelText());
+    editor.Press(VK_DELETE);
+    EXPECT_EQ(L"one three\r\nlast", editor.Box.Text());
+    editor.Press('Z', {VK_CONTROL}, L'\x1A');
+    EXPECT_EQ(L"one two three\r\nlast", editor.Box.Text());
+    editor.Press('Y', {VK_CONTROL}, L'\x19');
+    EXPECT_EQ(L"one three\r\nlast", editor.Box.Text());
+    editor.Press(VK_END, {VK_CONTROL});
+    EXPECT_EQ(15, editor.Box.SelStart());
+    editor.Press(VK_HOME, {VK_CONTROL, VK_SHIFT});
+    EXPECT_EQ(15, editor.Box.SelLength());
+}
+
+TEST(RichTextKeys, TheCharactersOfKeysAndOfOtherProgramsAreTextOrNothing) {
+    Editor editor;
+    for (const wchar_t code : {L'\x01', L'\n', L'\x0B', L'\x0C', L'\x1B', L'\x7F'}) editor.Box.Send(WM_CHAR, code, 1);
+    EXPECT_EQ(L"", editor.Box.Text());
+    // With AltGr, which is both keys.
+    editor.Press('Q', {VK_CONTROL, VK_MENU}, L'@');
+    editor.Press('E', {VK_CONTROL, VK_MENU}, L'\x20AC');
+    for (const wchar_t unit : {L'\x4E2D', L'\t', L'\x2028', L'x', L'\x0085'}) editor.Box.Send(WM_CHAR, unit, 1);
+    EXPECT_EQ(L"@\x20AC\x4E2D\t\r\nx\r\n", editor.Box.Text());
+}
+
+TEST(RichTextKeys, TheProgramIsAskedFirst) {
+    Editor editor;
+    std::wstring asked;
+    editor.Box.KeyPressed = [&asked](int key, int shift) {
+        asked += std::to_wstring(key) + L"," + std::to_wstring(shift) + L";";
+        return key == 'Q';
+    };
+    editor.Press('Q', {}, L'q');
+    editor.Press('Q', {VK_SHIFT, VK_CONTROL}, L'\x11');
+    editor.Press('R', {}, L'r');
+    EXPECT_EQ(L"81,0;81,3;82,0;", asked);
+    EXPECT_EQ(L"r", editor.Box.Text());
+}
+
+// A dialog that asks for the keys with the message that it has: the control takes itself for its child from then on.
+TEST(RichTextKeys, AskedByADialogItStaysAnEditor) {
+    Editor editor;
+    MSG message{editor.Box.Handle(), WM_KEYDOWN, VK_ESCAPE, 1, 0, {}};
+    const LRESULT code =
+        SendMessageW(editor.Box.Handle(), WM_GETDLGCODE, VK_ESCAPE, reinterpret_cast<LPARAM>(&message));
+    EXPECT_NE(0, code & DLGC_WANTALLKEYS);
+    EXPECT_NE(0, code & DLGC_WANTARROWS);
+    EXPECT_NE(0, code & DLGC_WANTTAB);
+    editor.Box.SetText(L"ab");
+    editor.Press(VK_RETURN, {}, L'\r');
+    EXPECT_EQ(L"\r\nab", editor.Box.Text());
+    editor.Press(VK_ESCAPE, {}, L'\x1B');
+    MSG next;
+    while (PeekMessageW(&next, nullptr, 0, 0, PM_REMOVE)) DispatchMessageW(&next);
+    EXPECT_TRUE(IsWindow(editor.Box.Handle()));
+    EXPECT_EQ(editor.Top.Handle(), GetParent(editor.Box.Handle()));
+}
+
+TEST(RichTextKeys, APaneIsNotClosed) {
+    Editor editor;
+    SendMessageW(editor.Top.Handle(), WM_CLOSE, 0, 0);
+    EXPECT_TRUE(IsWindow(editor.Top.Handle()));
+    EXPECT_TRUE(IsWindow(editor.Box.Handle()));
+}

@@ -1,0 +1,243 @@
+#include "forms/TextFile.h"
+
+#include <windows.h>
+
+#include "support/Expect.h"
+#include "support/Folder.h"
+
+using TextFile::Encoding;
+using TextFile::Format;
+using TextFile::LineEnd;
+using namespace std::string_literals;
+
+namespace {
+
+// What the bytes become when they are read and written again.
+std::string Again(const std::string& bytes) {
+    TextFile::Contents contents = TextFile::Decode(bytes);
+    return TextFile::Encode(contents.Text, contents.Form);
+}
+
+std::wstring Through(const std::wstring& text, Format format) {
+    return TextFile::Decode(TextFile::Encode(text, format)).Text;
+}
+
+}  // namespace
+
+TEST(TextFile, AMarkDecidesTheEncoding) {
+    const auto little = TextFile::Decode("\xFF\xFEs\0\xE9\0\x3D\xD8\0\xDE"s);
+    EXPECT_EQ(L"s\x00E9\xD83D\xDE00", little.Text);
+    EXPECT_EQ((Format{Encoding::Utf16LittleEndian, true}), little.Form);
+    const auto big = TextFile::Decode("\xFE\xFF\0s\0\xE9"s);
+    EXPECT_EQ(L"s\x00E9", big.Text);
+    EXPECT_EQ((Format{Encoding::Utf16BigEndian, true}), big.Form);
+    const auto utf8 = TextFile::Decode("\xEF\xBB\xBFs\xC3\xA9");
+    EXPECT_EQ(L"s\x00E9", utf8.Text);
+    EXPECT_EQ((Format{Encoding::Utf8, true}), utf8.Form);
+    for (const auto& [bytes, form] : {std::pair{"\xFF\xFE"s, Format{Encoding::Utf16LittleEndian, true}},
+                                      {"\xFE\xFF"s, {Encoding::Utf16BigEndian, true}},
+                                      {"\xEF\xBB\xBF"s, {Encoding::Utf8, true}},
+                                      {""s, {Encoding::Utf8, false}}}) {
+        EXPECT_EQ(L"", TextFile::Decode(bytes).Text);
+        EXPECT_EQ(form, TextFile::Decode(bytes).Form);
+        EXPECT_EQ(bytes, Again(bytes));
+    }
+}
+
+TEST(TextFile, WithoutAMarkItIsUtf8OrTheSystemsCodePage) {
+    EXPECT_EQ((Format{Encoding::Utf8, false}), TextFile::Decode("plain").Form);
+    EXPECT_EQ(L"\x20AC\xD83D\xDE00", TextFile::Decode("\xE2\x82\xAC\xF0\x9F\x98\x80").Text);
+    const auto western = TextFile::Decode("caf\xE9");
+    EXPECT_EQ(Encoding::SystemCodePage, western.Form.Kind);
+    EXPECT_FALSE(western.Form.ByteOrderMark);
+    wchar_t expected[5]{};
+    MultiByteToWideChar(CP_ACP, 0, "caf\xE9", -1, expected, 5);
+    EXPECT_EQ(expected, western.Text);
+}
+
+TEST(TextFile, WhatIsNoUtf8IsNotTakenForIt) {
+    for (const std::string bytes :
+         {"a\x80", "\xC0\x80", "\xC1\xBF", "\xC3", "\xE2\x82", "\xE0\x80\x80", "\xF0\x80\x80\x80", "\xF4\x90\x80\x80",
+          "\xF5\x80\x80\x80", "\xFF", "\xC3\xC3", "\xED\xA0\xBD\xED\xB8\x80", "\xEF\xBB\xBF\xE9", "\xFF\xFE\x41"}) {
+        EXPECT_EQ(Encoding::SystemCodePage, TextFile::Decode(bytes).Form.Kind) << bytes;
+        EXPECT_EQ(bytes, Again(bytes));
+    }
+}
+
+TEST(TextFile, EveryByteComesOutAsItWentIn) {
+    std::string all;
+    for (int byte = 0; byte < 256; ++byte) all += static_cast<char>(byte);
+    EXPECT_EQ(all, Again(all));
+    EXPECT_EQ(all + all, Again(all + all));
+    EXPECT_EQ("\xFF\xFE" + all, Again("\xFF\xFE" + all));
+    EXPECT_EQ("\xFE\xFF" + all, Again("\xFE\xFF" + all));
+    EXPECT_EQ("\xEF\xBB\xBF" + all, Again("\xEF\xBB\xBF" + all));
+}
+
+TEST(TextFile, EveryEncodingHoldsEveryText) {
+    for (const std::wstring& text :
+         {L""s, L"select 1"s, L"a\0b\0"s, L"\xFEFFx"s, L"x\xFEFF"s, L"\x00FF\x00FE"s, L"\x00C3\x00A9"s,
+          L"\x00EF\x00BB\x00BF"s, L"\xD83D\xDE00"s, L"x\xD83Dx"s, L"\xDE00\xD83D"s, L"\xD83D"s, L"\xFFFE\xFFFF"s,
+          L"caf\x00E9 \x4E2D"s, L"\x0081"s, L"a\r\nb\r\n"s, L"a\nb\rc\r\n"s}) {
+        for (const Encoding kind :
+             {Encoding::Utf8, Encoding::Utf16LittleEndian, Encoding::Utf16BigEndian, Encoding::SystemCodePage}) {
+            EXPECT_EQ(text, Through(text, {kind, false}));
+            EXPECT_EQ(text, Through(text, {kind, true}));
+        }
+    }
+}
+
+TEST(TextFile, ACharacterThatTheCodePageDoesNotHaveTurnsTheFileIntoUtf8WithAMark) {
+    Format format{Encoding::SystemCodePage, false};
+    EXPECT_EQ("caf\xE9", TextFile::Encode(TextFile::Decode("caf\xE9").Text, format));
+    EXPECT_EQ(Encoding::SystemCodePage, format.Kind);
+    EXPECT_EQ("\xEF\xBB\xBF\xE4\xB8\xAD", TextFile::Encode(L"\x4E2D", format));
+    EXPECT_EQ((Format{Encoding::Utf8, true}), format);
+    // One that only looks like one it has.
+    format = {Encoding::SystemCodePage, false};
+    EXPECT_EQ("\xEF\xBB\xBF\xE2\x88\x92", TextFile::Encode(L"\x2212", format));
+}
+
+TEST(TextFile, LineEndsOfOneKindAreKept) {
+    for (const auto& [bytes, lines] : {std::pair{"a\nb\n"s, LineEnd::Lf},
+                                       {"a\rb"s, LineEnd::Cr},
+                                       {"a\r\nb"s, LineEnd::CrLf},
+                                       {"a"s, LineEnd::CrLf},
+                                       {"a\nb\r\n"s, LineEnd::CrLf},
+                                       {"a\nb\r"s, LineEnd::CrLf}}) {
+        EXPECT_EQ(lines, TextFile::Decode(bytes).Form.Lines);
+    }
+    Format format{Encoding::Utf8, false, LineEnd::Lf};
+    EXPECT_EQ("a\nb\n\n", TextFile::Encode(L"a\r\nb\r\n\r\n", format));
+    format.Lines = LineEnd::Cr;
+    EXPECT_EQ("a\rb\r", TextFile::Encode(L"a\r\nb\r\n", format));
+    format.Lines = LineEnd::CrLf;
+    EXPECT_EQ("a\r\nb\n", TextFile::Encode(L"a\r\nb\n", format));
+}
+
+TEST(TextFile, IsWrittenAndReadByEveryKindOfPath) {
+    const Folder folder;
+    TextFile::Write(folder / L"new.sql", "select 1");
+    EXPECT_EQ("select 1", BytesOf(folder / L"new.sql"));
+    TextFile::Write(folder / L"new.sql", "");
+    EXPECT_EQ("", BytesOf(folder / L"new.sql"));
+    EXPECT_EQ(L"", TextFile::Read(folder / L"new.sql").Text);
+    TextFile::Write(folder / L"\x4E2D \x05D0.sql", "a\0b"s);
+    EXPECT_EQ(L"a\0b"s, TextFile::Read(folder / L"\x4E2D \x05D0.sql").Text);
+    EXPECT_EQ(2U, folder.Names().size());
+}
+
+TEST(TextFile, APathMayBeLong) {
+    const Folder folder;
+    const std::wstring part(100, L'x');
+    const std::wstring first = L"\\\\?\\" + (folder / part.c_str());
+    const std::wstring second = first + L"\\" + part;
+    const std::wstring third = second + L"\\" + part;
+    for (const std::wstring& path : {first, second, third}) ASSERT_TRUE(CreateDirectoryW(path.c_str(), nullptr));
+    const std::wstring plain = third.substr(4) + L"\\long.sql";
+    TextFile::Write(plain, "one");
+    TextFile::Write(plain, "two");
+    EXPECT_EQ(L"two", TextFile::Read(plain).Text);
+    EXPECT_TRUE(DeleteFileW((third + L"\\long.sql").c_str()));
+    for (const std::wstring& path : {third, second, first})
+        EXPECT_TRUE(RemoveDirectoryW(path.c_str()));  // nothing was left
+}
+
+TEST(TextFile, TellsWhyAFileCannotBeRead) {
+    const Folder folder;
+    EXPECT_EQ(53, NumberOf([&] { TextFile::Read(folder / L"none.sql"); }));
+    EXPECT_EQ(76, NumberOf([&] { TextFile::Read(folder / L"none\\none.sql"); }));
+    EXPECT_EQ(75, NumberOf([&] { TextFile::Read(folder / L""); }));
+    EXPECT_EQ(52, NumberOf([&] { TextFile::Read(L""); }));
+    EXPECT_EQ(52, NumberOf([&] { TextFile::Read(L"a\0b"s); }));
+    EXPECT_EQ(75, NumberOf([&] { TextFile::Read(L"NUL"); }));
+    Put(folder / L"locked.sql", "x");
+    const HANDLE held =
+        CreateFileW((folder / L"locked.sql").c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+    EXPECT_EQ(70, NumberOf([&] { TextFile::Read(folder / L"locked.sql"); }));
+    CloseHandle(held);
+    EXPECT_EQ(L"x", TextFile::Read(folder / L"locked.sql").Text);
+}
+
+// To open a pipe is to talk to whoever listens there, who could act in the user's name.
+TEST(TextFile, AskNothingOfADevice) {
+    const std::wstring name = L"\\\\.\\pipe\\brv-text-file-" + std::to_wstring(GetCurrentProcessId());
+    const HANDLE pipe =
+        CreateNamedPipeW(name.c_str(), PIPE_ACCESS_DUPLEX, PIPE_TYPE_BYTE | PIPE_NOWAIT, 1, 100, 100, 0, nullptr);
+    ASSERT_NE(INVALID_HANDLE_VALUE, pipe);
+    const std::wstring paths[] = {name,
+                                  L"\\\\?\\pipe" + name.substr(8),
+                                  L"\\\\.\\PIPE" + name.substr(8),
+                                  L"\\\\localhost\\pipe" + name.substr(8),
+                                  L"\\\\?\\UNC\\localhost\\pipe" + name.substr(8),
+                                  L"\\\\localhost\\mailslot\\x",
+                                  L"\\\\?\\GLOBALROOT\\Device\\Null",
+                                  L"\\\\.\\PhysicalDrive0"};
+    for (const std::wstring& path : paths) {
+        EXPECT_EQ(ErrorNumber::PathFileAccessError, NumberOf([&] { TextFile::CheckPath(path); }))
+            << testing::PrintToString(path);
+        EXPECT_EQ(ErrorNumber::PathFileAccessError, NumberOf([&] { TextFile::ReadBytes(path); }));
+        EXPECT_EQ(ErrorNumber::PathFileAccessError, NumberOf([&] { TextFile::Write(path, "x"); }));
+    }
+    EXPECT_FALSE(ConnectNamedPipe(pipe, nullptr));
+    EXPECT_EQ(static_cast<DWORD>(ERROR_PIPE_LISTENING), GetLastError()) << "somebody has opened it";
+    CloseHandle(pipe);
+    for (const wchar_t* path : {L"C:\\pipe\\x", L"\\\\server\\share\\pipe\\x", L"\\\\server\\pipes\\x", L"\\\\?\\C:\\x",
+                                L"\\\\.\\C:\\x", L"pipe\\x"}) {
+        EXPECT_EQ(0, NumberOf([&] { TextFile::CheckPath(path); })) << testing::PrintToString(path);
+    }
+}
+
+TEST(TextFile, RefusesAFileThatIsTooLargeAtOnce) {
+    const Folder folder;
+    const std::wstring path = folder / L"large.sql";
+    const HANDLE file = CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, 0, nullptr);
+    LARGE_INTEGER size{};
+    size.QuadPart = int64_t{5} << 30;
+    SetFilePointerEx(file, size, nullptr, FILE_BEGIN);
+    SetEndOfFile(file);
+    CloseHandle(file);
+    const DWORD before = GetTickCount();
+    EXPECT_EQ(7, NumberOf([&] { TextFile::Read(path); }));
+    EXPECT_LT(GetTickCount() - before, 1000U);
+    Put(path, "12345678");
+    EXPECT_EQ(7, NumberOf([&] { TextFile::Read(path, 7); }));
+    EXPECT_EQ(L"12345678", TextFile::Read(path, 8).Text);
+}
+
+TEST(TextFile, AFailureToWriteLeavesEverythingAsItWas) {
+    const Folder folder;
+    const std::wstring path = folder / L"kept.sql";
+    Put(path, "old");
+
+    ASSERT_TRUE(SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_READONLY));
+    EXPECT_EQ(75, NumberOf([&] { TextFile::Write(path, "new"); }));
+    SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_NORMAL);
+
+    for (const DWORD share : {0, FILE_SHARE_READ, FILE_SHARE_READ | FILE_SHARE_WRITE}) {
+        const HANDLE held = CreateFileW(path.c_str(), GENERIC_READ, share, nullptr, OPEN_EXISTING, 0, nullptr);
+        EXPECT_EQ(70, NumberOf([&] { TextFile::Write(path, "new"); })) << share;
+        CloseHandle(held);
+    }
+    CreateDirectoryW((folder / L"sub").c_str(), nullptr);
+    EXPECT_EQ(75, NumberOf([&] { TextFile::Write(folder / L"sub", "new"); }));
+    EXPECT_EQ(76, NumberOf([&] { TextFile::Write(folder / L"none\\kept.sql", "new"); }));
+    EXPECT_EQ(52, NumberOf([&] { TextFile::Write(L"", "new"); }));
+    EXPECT_EQ(75, NumberOf([&] { TextFile::Write(L"NUL", "new"); }));
+
+    EXPECT_EQ("old", BytesOf(path));
+    EXPECT_EQ((std::vector<std::wstring>{L"kept.sql", L"sub"}), folder.Names());
+}
+
+TEST(TextFile, ANewTextTakesTheOldOnesPlaceAndAttributes) {
+    const Folder folder;
+    const std::wstring path = folder / L"kept.sql";
+    Put(path, "old");
+    ASSERT_TRUE(SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_HIDDEN));
+    ASSERT_TRUE(GetFileAttributesW(path.c_str()) & FILE_ATTRIBUTE_HIDDEN);
+    const std::string long_(3 << 20, 'x');
+    TextFile::Write(path, long_);
+    EXPECT_EQ(long_, BytesOf(path));
+    EXPECT_TRUE(GetFileAttributesW(path.c_str()) & FILE_ATTRIBUTE_HIDDEN);
+    EXPECT_EQ(1U, folder.Names().size());
+}

@@ -1,0 +1,39 @@
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+
+#include "automation/App.h"
+#include "SampleDatabase.h"
+
+namespace App {
+const wchar_t* const Title = L"host_tests";
+const short Major = 1;
+const short Minor = 0;
+const short Revision = 0;
+}  // namespace App
+
+std::wstring SampleConnectionString() {
+    wchar_t path[1024] = {};
+    const DWORD length = GetEnvironmentVariableW(L"BRV_SHOP_DB", path, 1024);
+    if (length == 0 || length >= 1024) {
+        throw std::runtime_error("BRV_SHOP_DB must name the sample database made from host/demo/shop.sql");
+    }
+    return std::wstring(L"Driver=SQLite3;StepAPI=1;NoCreat=1;Database=") + path;
+}
+
+std::shared_ptr<Session> OpenSample() { return std::make_shared<Session>(SampleConnectionString(), 5); }
+
+std::shared_ptr<Session> OpenEmpty() { return std::make_shared<Session>(L"Driver=SQLite3;Database=:memory:", 5); }
+
+void RunSql(Session& session, const std::wstring& sql) {
+    Odbc::Statement statement(*session.Live());
+    statement.Execute(sql);
+}
+
+int main(int count, char** values) {
+    testing::InitGoogleTest(&count, values);
+    CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
+    const int result = RUN_ALL_TESTS();
+    CoUninitialize();
+    return result;
+}

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "support/EditorTree.h"
+#include "support/Fakes.h"
+#include "Fault.h"
+#include "Model.h"
+
+// A component with a host of which any call can be made to fail, and what there is to see of it.
+class FaultyHostFixture : public ComponentFixture {
+protected:
+    FaultyHostFixture();
+
+    // The host anew: all names are looked up again. Its collections count and give items, and cannot be enumerated.
+    Object MakeHost();
+    Object MakeList(const std::wstring& name, std::vector<Variant> items);
+    Object MakeColumn(const std::wstring& name);
+
+    // What was reported and told since the last time, as the model says it.
+    std::vector<std::wstring> Reported();
+    void Compare(const Outcome& expected, const std::vector<std::wstring>& boxes);
+
+    static bool Gone() { return EditorWindow::Find() == nullptr; }
+    static void Pump();
+    // What is in the editor beside what was there; a failure when that is lost.
+    static std::wstring Beside(std::wstring text);
+
+    EditorTree Tree;
+    Faults Wanted;
+    Watchdog Dog;
+};

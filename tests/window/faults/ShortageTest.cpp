@@ -1,0 +1,361 @@
+#include <windows.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+
+#include "support/Browsed.h"
+#include "Fault.h"
+#include "Shortage.h"
+
+// Each allocation that the component makes in a step fails once, and then it and all that follow: nothing ends the
+// process, no text is lost, the tree holds what its model holds, no block stays behind, and the step succeeds when it
+// is taken again. A test run takes a sample of the allocations of a long step; with BRV_ALL in the environment it takes
+// them all.
+namespace {
+
+struct Step {
+    const char* Name;
+    void (*Prepare)(const EditorTree& tree);
+    void (*Act)(const EditorTree& tree);
+};
+
+void OpenSchema(const EditorTree& tree) {
+    tree.Click(tree.At({}));  // reads the schemas again and throws away what was below them
+    if (tree.Next(TVGN_CHILD, tree.At({})) == nullptr) tree.Click(tree.At({}));
+    tree.Open(tree.At({0}));
+}
+
+void SelectTable(const EditorTree& tree) {
+    OpenSchema(tree);
+    tree.Open(tree.At({0, 0}));
+    tree.Select(tree.At({0, 0, 0}));
+}
+
+void Choose(const wchar_t* menu, const wchar_t* entry) { EditorWindow::Choose(menu, entry); }
+
+constexpr Step Steps[] = {
+    {"click the root", [](const EditorTree&) {}, [](const EditorTree& tree) { tree.Click(tree.At({})); }},
+    {"expand Tables", OpenSchema,
+     [](const EditorTree& tree) {
+         tree.Open(tree.At({0, 0}));
+     }},
+    {"click a schema", OpenSchema, [](const EditorTree& tree) { tree.Click(tree.At({0})); }},
+    {"click a table", SelectTable,
+     [](const EditorTree& tree) {
+         tree.Click(tree.At({0, 0, 0}));
+     }},
+    {"close a schema", SelectTable, [](const EditorTree& tree) { tree.Shut(tree.At({0})); }},
+    {"open everything", OpenSchema,
+     [](const EditorTree& tree) {
+         tree.Select(tree.At({0}));
+         tree.Key(VK_MULTIPLY);
+     }},
+    {"Action > Select", SelectTable, [](const EditorTree&) { Choose(L"Action", L"Select"); }},
+    {"Action > Insert", SelectTable, [](const EditorTree&) { Choose(L"Action", L"Insert"); }},
+    {"upper case", [](const EditorTree&) { SendMessageW(EditorWindow::Editor(), EM_SETSEL, 0, -1); },
+     [](const EditorTree&) { Choose(L"Edit", L"Make Upper Case"); }},
+    {"copy and paste",
+     [](const EditorTree&) {
+         SetFocus(EditorWindow::Editor());
+         SendMessageW(EditorWindow::Editor(), EM_SETSEL, 0, 4);
+     },
+     [](const EditorTree&) {
+         Choose(L"Edit", L"Copy");
+         Choose(L"Edit", L"Paste");
+     }},
+    {"type", [](const EditorTree&) {},
+     [](const EditorTree&) { SendMessageW(EditorWindow::Editor(), WM_CHAR, L'x', 0); }},
+    {"look at the pages", [](const EditorTree&) {},
+     [](const EditorTree&) {
+         for (const int page : {1, 2, 3, 0}) ShowPage(page);
+     }},
+    {"hide and show the panes", [](const EditorTree&) {},
+     [](const EditorTree&) {
+         for (int time = 0; time < 2; ++time) {
+             Choose(L"View", L"Object Browser");
+             Choose(L"View", L"Status Bar");
+         }
+     }},
+};
+
+// As WhenShown, where the window may never be shown.
+class IfShown {
+public:
+    explicit IfShown(std::function<void()> work) : work_(std::move(work)) {
+        current = this;
+        timer_ = SetTimer(nullptr, 0, 10, [](HWND, UINT, UINT_PTR, DWORD) WINAPI { current->Look(); });
+    }
+    ~IfShown() { KillTimer(nullptr, timer_); }
+    IfShown(const IfShown&) = delete;
+    IfShown& operator=(const IfShown&) = delete;
+    bool Shown() const { return shown_; }
+
+private:
+    void Look() {
+        if (shown_ || EditorWindow::Find() == nullptr) return;
+        shown_ = true;
+        work_();
+    }
+    static inline IfShown* current = nullptr;
+    std::function<void()> work_;
+    UINT_PTR timer_;
+    bool shown_ = false;
+};
+
+class ShortageTest : public BrowsedFixture {
+protected:
+    static constexpr const wchar_t* Mine = L"-- mine";
+
+    // Every so many allocations one is taken.
+    static long Stride(long count, long most) { return EveryCase() || count <= most ? 1 : (count + most - 1) / most; }
+
+    // The control shows what the model holds: each of its items is a node that can be asked.
+    void CheckTree(HTREEITEM item) {
+        for (; item != nullptr; item = Tree.Next(TVGN_NEXT, item)) {
+            Tree.Select(item);
+            EXPECT_EQ(item, Tree.Selected());
+            CheckTree(Tree.Next(TVGN_CHILD, item));
+        }
+    }
+    void SetText() {
+        EditorWindow::SetText(Mine);
+        SendMessageW(EditorWindow::Editor(), EM_SETSEL, static_cast<WPARAM>(-1), -1);
+    }
+    void Take(const Step& step) {
+        SetText();
+        step.Prepare(Tree);
+        step.Act(Tree);
+    }
+    // The text, and all that the tree shows.
+    std::wstring State(HTREEITEM item) {
+        std::wstring state;
+        for (; item != nullptr; item = Tree.Next(TVGN_NEXT, item))
+            state += Tree.Text(item) + L"(" + State(Tree.Next(TVGN_CHILD, item)) + L")";
+        return state;
+    }
+    std::wstring State() { return EditorWindow::Text() + L"|" + State(Tree.At({})); }
+
+    static std::string Narrow(std::wstring text) {
+        for (wchar_t& unit : text) unit = unit > 126 || unit < 32 ? L'?' : unit;
+        return {text.begin(), text.end()};
+    }
+    // First that; then it may be missed what could not be made.
+    void OnlyShortageWasReported() {
+        for (const Report& report : Errors.Reports) {
+            EXPECT_TRUE(report.Number == ErrorNumber::OutOfMemory ||
+                        (report.Number == ErrorNumber::ObjectNotSet && &report != &Errors.Reports.front()))
+                << Narrow(report.Place() + L" " + report.Description);
+        }
+        Errors.Reports.clear();
+    }
+
+    Watchdog Dog;
+};
+
+}  // namespace
+
+TEST_F(ShortageTest, AnAllocationOfAStepFails) {
+    const Shortage shortage(Dll.Handle());
+    const Object editor = Dll.Create();
+    editor.Call(L"Constructor", Database.Make());
+    const char* const only = std::getenv("BRV_STEP");
+    long cases = 0;
+    std::wstring sql = Mine;
+    const WhenShown shown([&] {
+        Tree.Open(Tree.At({}));
+        for (const Step& step : Steps) {
+            // In a test run the steps that fill and empty the tree; the others with BRV_ALL or by their name.
+            constexpr std::ptrdiff_t Filling = 5;
+            if (only == nullptr && !EveryCase() && &step - Steps >= Filling) break;
+            if (only != nullptr && std::string(only) != step.Name) continue;
+            Dog.Begin(step.Name);
+            Take(step);
+            SetText();
+            step.Prepare(Tree);
+            Shortage::Begin(0, false);
+            step.Act(Tree);
+            const long count = Shortage::End();
+            const std::wstring right = State();
+            // With the error component, which is made for the first report and kept.
+            Shortage::Begin(1, false);
+            Take(step);
+            Shortage::End();
+            Errors.Reports.clear();
+            CheckTree(Tree.At({}));
+            Take(step);
+            const long living = Shortage::Living();
+            EXPECT_LT(0, count) << step.Name;
+            const long stride = Stride(count, 6);
+            for (long which = 1; which <= count; which += stride) {
+                SCOPED_TRACE(std::string(step.Name) + ", allocation " + std::to_string(which) + " of " +
+                             std::to_string(count));
+                Dog.Begin(std::string(step.Name) + " " + std::to_string(which));
+                ++cases;
+                SetText();
+                step.Prepare(Tree);
+                Shortage::Begin(which, false);
+                step.Act(Tree);
+                Shortage::End();
+                if (EditorWindow::Find() == nullptr) {
+                    ADD_FAILURE() << "the window is gone";
+                    return;
+                }
+                OnlyShortageWasReported();
+                EXPECT_NE(std::wstring::npos, EditorWindow::Text().find(L"mine") & EditorWindow::Text().find(L"MINE"));
+                CheckTree(Tree.At({}));
+                Take(step);
+                EXPECT_EQ(right, State());
+                EXPECT_EQ(L"", Errors.Places());
+                EXPECT_EQ(living, Shortage::Living()) << "blocks that stayed behind";
+                Errors.Reports.clear();
+            }
+            std::printf("shortage, %s: %ld allocations\n", step.Name, count);
+        }
+        SetText();
+        EditorWindow::Close();
+    });
+    const long number = NumberOf([&] { editor.Call(L"Display", ByRef(sql)); });
+    EXPECT_TRUE(number == 0 || number == ErrorNumber::OutOfMemory) << number;
+    EXPECT_EQ(Mine, sql);
+    std::printf("shortage, steps: %ld cases\n", cases);
+}
+
+// Not yet: the process still ends (abort) in the first step. To be run by --gtest_also_run_disabled_tests.
+TEST_F(ShortageTest, DISABLED_AllAllocationsFailFromOneOn) {
+    const Shortage shortage(Dll.Handle());
+    const Object editor = Dll.Create();
+    editor.Call(L"Constructor", Database.Make());
+    const char* const only = std::getenv("BRV_STEP");
+    for (const Step& step : Steps) {
+        if (only != nullptr && std::string(only) != step.Name) continue;
+        long count = 0;
+        std::wstring right;
+        const auto display = [&](const std::function<void()>& work) {
+            std::wstring sql = L"-- of the host";
+            const WhenShown shown([&] {
+                Tree.Open(Tree.At({}));
+                SetText();
+                work();
+                EditorWindow::Close();
+            });
+            const long number = NumberOf([&] { editor.Call(L"Display", ByRef(sql)); });
+            EXPECT_TRUE(number == 0 || number == ErrorNumber::OutOfMemory) << number;
+            return sql;
+        };
+        display([&] {
+            Take(step);
+            SetText();
+            step.Prepare(Tree);
+            Shortage::Begin(0, false);
+            step.Act(Tree);
+            count = Shortage::End();
+            right = State();
+        });
+        const long stride = Stride(count, 2);
+        for (long which = 1; which <= count; which += stride) {
+            SCOPED_TRACE(std::string(step.Name) + ", from allocation " + std::to_string(which) + " of " +
+                         std::to_string(count));
+            Dog.Begin(std::string(step.Name) + " from " + std::to_string(which));
+            const std::wstring sql = display([&] {
+                step.Prepare(Tree);
+                Shortage::Begin(which, true);
+                step.Act(Tree);
+                Shortage::End();
+                CheckTree(Tree.At({}));
+            });
+            EXPECT_NE(std::wstring::npos, sql.find(L"mine") & sql.find(L"MINE")) << Narrow(sql);
+            OnlyShortageWasReported();
+            display([&] {
+                Take(step);
+                EXPECT_EQ(right, State());
+            });
+            EXPECT_EQ(L"", Errors.Places());
+        }
+    }
+}
+
+// From the first call to the end of the object: what is not shown leaves the host's SQL as it was.
+TEST_F(ShortageTest, DISABLED_AnAllocationOfTheStartFails) {
+    const Shortage shortage(Dll.Handle());
+    struct Ended {
+        bool Shown = false;
+        std::wstring Root;
+        std::wstring Sql;
+        std::vector<long> Numbers;
+    };
+    // `length`: of the text of the second Display, for which the editor takes a fresh control when it is long.
+    const auto run = [&](long which, bool forGood) {
+        Ended ended;
+        ended.Sql = L"-- of the host";
+        Shortage::Begin(which, forGood);
+        const auto call = [&](const std::function<void()>& work) { ended.Numbers.push_back(NumberOf(work)); };
+        {
+            Object editor;
+            call([&] {
+                IClassFactory* factory = nullptr;
+                CLSID id;
+                CLSIDFromProgID(L"brvSQLEditor.clsSQLEditor", &id);
+                CheckHresult(Dll.GetClassObject(id, IID_IClassFactory, reinterpret_cast<void**>(&factory)));
+                IDispatch* made = nullptr;
+                const HRESULT result = factory->CreateInstance(nullptr, IID_IDispatch, reinterpret_cast<void**>(&made));
+                factory->Release();
+                CheckHresult(result);
+                editor = Object::Attach(made);
+            });
+            if (editor) {
+                call([&] { editor.Call(L"Constructor", Database.Make()); });
+                std::wstring longer(40000, L'x');
+                for (std::wstring* sql : {&ended.Sql, &longer, &ended.Sql}) {
+                    const std::wstring before = *sql;
+                    const IfShown shown([&] {
+                        ended.Root = EditorWindow::Root();
+                        EXPECT_EQ(before, EditorWindow::Text()) << "what is shown is the host's";
+                        EditorWindow::Close();
+                    });
+                    call([&] { editor.Call(L"Display", ByRef(*sql)); });
+                    EXPECT_EQ(before, *sql);
+                    ended.Shown = shown.Shown();
+                }
+                call([&] { editor.Call(L"Destructor"); });
+            }
+        }
+        Shortage::End();
+        return ended;
+    };
+    run(0, false);
+    EXPECT_EQ(S_OK, Dll.CanUnload());
+    run(0, false);
+    EXPECT_EQ(S_OK, Dll.CanUnload());
+    const long living = Shortage::Living();
+    Shortage::Begin(0, false);
+    run(0, false);
+    EXPECT_EQ(S_OK, Dll.CanUnload());
+    const long count = Shortage::End();
+    EXPECT_EQ(living, Shortage::Living());
+    long cases = 0;
+    for (const bool forGood : {false, true}) {
+        const long stride = Stride(count, forGood ? 2 : 5);
+        for (long which = 1; which <= count; which += stride) {
+            SCOPED_TRACE(std::string("allocation ") + std::to_string(which) + (forGood ? " and all that follow" : "") +
+                         " of " + std::to_string(count));
+            Dog.Begin("the start, " + std::to_string(which));
+            ++cases;
+            const Ended ended = run(which, forGood);
+            for (const long number : ended.Numbers)
+                EXPECT_TRUE(number == 0 || number == ErrorNumber::OutOfMemory ||
+                            number == ErrorNumber::CannotCreateObject)
+                    << number;
+            Errors.Reports.clear();
+            EXPECT_EQ(S_OK, Dll.CanUnload());
+            EXPECT_EQ(nullptr, EditorWindow::Find());
+            const Ended again = run(0, false);
+            EXPECT_TRUE(again.Shown);
+            EXPECT_EQ(L"Schemas", again.Root);
+            EXPECT_EQ(L"", Errors.Places());
+            EXPECT_EQ(S_OK, Dll.CanUnload());
+            EXPECT_EQ(living, Shortage::Living()) << "blocks that stayed behind";
+        }
+    }
+    std::printf("shortage, start: %ld cases of %ld allocations\n", cases, count);
+}
