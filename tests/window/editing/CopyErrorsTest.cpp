@@ -1,4 +1,5 @@
 #include "support/Editing.h"
+#include "support/PatchedFunction.h"
 
 class CopyErrorsTest : public EditingFixture {
 protected:
@@ -21,6 +22,31 @@ TEST_F(CopyErrorsTest, WhereNoNodeIsSelectedTheErrorIsReportedAndNotTold) {
         EXPECT_TRUE(Errors.Told.empty());
         EXPECT_EQ(L"kept", ClipboardText());
     });
+}
+
+// The clipboard was opened and does not take the text: that is not the message of one that is locked.
+TEST_F(CopyErrorsTest, AClipboardThatRefusesTheTextIsReportedAndNotTold) {
+    Inside(
+        [this] {
+            SelectText(0, 3);
+            Focus(EditorWindow::Editor());
+            const PatchedFunction refused(
+                L"user32.dll", "SetClipboardData",
+                reinterpret_cast<void*>(static_cast<HANDLE(WINAPI*)(UINT, HANDLE)>([](UINT, HANDLE) WINAPI -> HANDLE {
+                    SetLastError(ERROR_NOT_ENOUGH_MEMORY);
+                    return nullptr;
+                })));
+            ASSERT_TRUE(refused);
+            Choose(L"Copy");
+            EXPECT_EQ(L"frmSQLEditor.mnuEditCopy_Click 7", Errors.Places());
+            Errors.Reports.clear();
+            Choose(L"Cut");
+            EXPECT_EQ(L"frmSQLEditor.mnuEditCopy_Click 7", Errors.Places());
+            EXPECT_EQ(L"one two", EditorWindow::Text());  // what was not copied is not cut
+            Errors.Reports.clear();
+        },
+        L"one two");
+    EXPECT_TRUE(Errors.Told.empty());
 }
 
 TEST_F(CopyErrorsTest, WhereNoRowIsSelectedNothingIsCopied) {

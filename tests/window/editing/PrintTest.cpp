@@ -1,7 +1,9 @@
 #include <windows.h>
+#include <commdlg.h>
 #include <dlgs.h>
 
 #include "support/Editing.h"
+#include "support/PatchedFunction.h"
 
 namespace {
 
@@ -55,5 +57,67 @@ TEST_F(PrintTest, TheSelectionIsCollapsedAndThePagesCannotBeChosen) {
     EXPECT_FALSE(box.Pages);
     // Cancelled, or told by the system that there is no printer: either way the user knows.
     EXPECT_EQ(L"", Errors.Places());
+    EXPECT_TRUE(Errors.Told.empty());
+}
+
+// ---- What the system answers to Print
+
+namespace {
+
+struct Answer {
+    DWORD Error;  // what the print dialog failed with
+    BOOL Chosen;  // whether it came to an end with OK
+    DWORD Flags;  // with which it was asked for
+    HWND Owner;
+    int Copies;
+};
+Answer answer;
+
+BOOL WINAPI PrintDlgInstead(PRINTDLGW* dialog) {
+    answer.Flags = dialog->Flags;
+    answer.Owner = dialog->hwndOwner;
+    answer.Copies = dialog->nCopies;
+    return answer.Chosen;
+}
+DWORD WINAPI ErrorInstead() { return answer.Error; }
+
+class PrintAnswersTest : public EditingFixture {
+protected:
+    // Chooses Print where the dialog ends like that; returns what was reported.
+    std::string Print(DWORD error, BOOL chosen) {
+        answer = {error, chosen, 0, nullptr, 0};
+        const PatchedFunction dialog(L"comdlg32.dll", "PrintDlgW", reinterpret_cast<void*>(&PrintDlgInstead));
+        const PatchedFunction failure(L"comdlg32.dll", "CommDlgExtendedError", reinterpret_cast<void*>(&ErrorInstead));
+        EXPECT_TRUE(dialog && failure);
+        Errors.Reports.clear();
+        EditorWindow::Choose(L"File", L"Print...");
+        EXPECT_TRUE(IsWindowEnabled(EditorWindow::Find()));
+        return Narrow(Errors.Places());
+    }
+    static std::string Narrow(const std::wstring& text) { return {text.begin(), text.end()}; }
+};
+
+}  // namespace
+
+TEST_F(PrintAnswersTest, TheDialogIsAskedForADeviceAndWithoutPageNumbers) {
+    Inside([this] {
+        EXPECT_EQ("", Print(0, FALSE));  // cancelled
+        EXPECT_EQ(264U, answer.Flags);
+        EXPECT_EQ(EditorWindow::Find(), answer.Owner);
+        EXPECT_EQ(1, answer.Copies);
+    });
+    EXPECT_TRUE(Errors.Told.empty());
+}
+
+TEST_F(PrintAnswersTest, ReportsWhatTheDialogHasNotSaidItself) {
+    Inside([this] {
+        EXPECT_EQ("", Print(PDERR_NODEFAULTPRN, FALSE));
+        for (const DWORD error : {PDERR_NODEVICES, PDERR_PRINTERNOTFOUND, PDERR_INITFAILURE, PDERR_PARSEFAILURE})
+            EXPECT_EQ("frmSQLEditor.mnuFilePrint_Click 482", Print(error, FALSE)) << error;
+        EXPECT_EQ("frmSQLEditor.mnuFilePrint_Click 482", Print(0, TRUE)) << "no device context";
+        ASSERT_EQ(1U, Errors.Reports.size());
+        EXPECT_EQ(L"Printer error: the printer's driver cannot be used.", Errors.Reports[0].Description);
+        EXPECT_EQ("", Print(0, FALSE));  // the next one is asked for as ever
+    });
     EXPECT_TRUE(Errors.Told.empty());
 }
