@@ -2,8 +2,8 @@
 
 #include "Bench.h"
 #include "catalogue/clsListItem.h"
-#include "catalogue/modLists.h"
-#include "component/modGlobal.h"
+#include "catalogue/modLists_Lists.h"
+#include "shared/modGlobal.h"
 
 // The reference is built once, when the component is loaded. Linked here, not reached through the DLL.
 namespace {

@@ -2,8 +2,8 @@
 
 #include "catalogue/Catalogue.h"
 #include "catalogue/clsListItem.h"
-#include "catalogue/modLists.h"
-#include "component/modGlobal.h"
+#include "catalogue/modLists_Lists.h"
+#include "shared/modGlobal.h"
 #include "errors/modErrorHandler.h"
 
 namespace {

@@ -1,6 +1,6 @@
 #include "catalogue/clsListItem.h"
-#include "catalogue/modLists.h"
-#include "component/modGlobal.h"
+#include "catalogue/modLists_Lists.h"
+#include "shared/modGlobal.h"
 #include "dictionary/clsDictionary.h"
 #include "editor/frmSQLEditor.h"
 #include "errors/modErrorHandler.h"

@@ -1,4 +1,4 @@
-#include "catalogue/modLists.h"
+#include "catalogue/modLists_Lists.h"
 
 #include "automation/Variant.h"
 #include "errors/modErrorHandler.h"

@@ -12,7 +12,7 @@
 #include "brvSQLEditor_h.h"
 #include "brvSQLEditor_i.c"  // NOLINT(bugprone-suspicious-include): the identifiers, made once
 #include "component/clsSQLEditor.h"
-#include "component/modGlobal.h"
+#include "shared/modGlobal.h"
 #include "errors/modErrorHandler.h"
 #include "forms/Events.h"
 #include "forms/Surroundings.h"

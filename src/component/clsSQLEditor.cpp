@@ -1,6 +1,6 @@
 #include "component/clsSQLEditor.h"
 
-#include "component/modGlobal.h"
+#include "shared/modGlobal.h"
 #include "dictionary/clsDictionary.h"
 #include "editor/frmSQLEditor.h"
 #include "errors/modErrorHandler.h"

@@ -1,9 +1,9 @@
-#include "component/modGlobal.h"
+#include "shared/modGlobal.h"
 
 #include "automation/App.h"
 #include "automation/Version.h"
 #include "catalogue/clsListItem.h"
-#include "catalogue/modLists.h"
+#include "catalogue/modLists_Lists.h"
 #include "dictionary/clsDictionary.h"
 #include "editor/frmSQLEditor.h"
 #include "errors/clsErrorHandler.h"

@@ -12,7 +12,7 @@
 #include "editor/Colours.h"
 #include "forms/Annotations.h"
 #include "forms/CommandButton.h"
-#include "forms/Container.h"
+#include "forms/PictureBox.h"
 #include "forms/DropTarget.h"
 #include "forms/FileDialog.h"
 #include "forms/Form.h"

@@ -1,4 +1,4 @@
-#include "component/modGlobal.h"
+#include "shared/modGlobal.h"
 #include "editor/frmSQLEditor.h"
 #include "errors/modErrorHandler.h"
 

@@ -1,7 +1,7 @@
 #include "errors/modErrorHandler.h"
 
 #include "automation/App.h"
-#include "component/modGlobal.h"
+#include "shared/modGlobal.h"
 #include "errors/clsErrorHandler.h"
 #include "forms/NotTopmost.h"
 #include "forms/Painting.h"

@@ -5,7 +5,7 @@
 #include <memory>
 
 #include "automation/RuntimeError.h"
-#include "forms/RichText.h"
+#include "forms/Rtf.h"
 
 namespace {
 

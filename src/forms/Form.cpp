@@ -10,7 +10,7 @@
 #include "automation/App.h"
 #include "automation/HostContexts.h"
 #include "automation/RuntimeError.h"
-#include "forms/Container.h"
+#include "forms/PictureBox.h"
 #include "forms/Events.h"
 #include "forms/Messages.h"
 #include "forms/Surroundings.h"

@@ -6,7 +6,7 @@
 #include "automation/RuntimeError.h"
 #include "automation/Text.h"
 #include "forms/PlainText.h"
-#include "forms/RichText.h"
+#include "forms/Rtf.h"
 #include "forms/RichTextBox.h"
 
 namespace {

@@ -6,7 +6,7 @@
 
 #include "automation/App.h"
 #include "forms/Handles.h"
-#include "forms/RichText.h"
+#include "forms/Rtf.h"
 #include "forms/Surroundings.h"
 
 float RichTextCorrection(int measured, int expected, UINT dpi, UINT systemDpi) noexcept {

@@ -1,6 +1,6 @@
-#include "browser/modLists.h"
+#include "browser/modLists_Tree.h"
 #include "catalogue/clsListItem.h"
-#include "component/modGlobal.h"
+#include "shared/modGlobal.h"
 #include "editor/frmSQLEditor.h"
 #include "errors/modErrorHandler.h"
 #include "forms/NotTopmost.h"

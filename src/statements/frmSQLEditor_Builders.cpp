@@ -5,8 +5,8 @@
 #include <string_view>
 #include <utility>
 
-#include "browser/modLists.h"
-#include "component/modGlobal.h"
+#include "browser/modLists_Tree.h"
+#include "shared/modGlobal.h"
 #include "editor/frmSQLEditor.h"
 #include "errors/modErrorHandler.h"
 #include "statements/Dialects.h"

@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "automation/RuntimeError.h"
-#include "forms/Container.h"
+#include "forms/PictureBox.h"
 
 // The number of the run-time error that the work raises, 0 when it raises none.
 template <class Work>

@@ -2,7 +2,7 @@
 
 #include "support/Expect.h"
 #include "forms/CommandButton.h"
-#include "forms/Container.h"
+#include "forms/PictureBox.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 #include <richedit.h>
 
 #include "support/Expect.h"
-#include "forms/RichText.h"
+#include "forms/Rtf.h"
 #include "forms/RichTextBox.h"
 
 using namespace std::string_literals;

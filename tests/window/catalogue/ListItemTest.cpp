@@ -1,8 +1,8 @@
 #include "catalogue/clsListItem.h"
 
 #include "support/Fakes.h"
-#include "catalogue/modLists.h"
-#include "component/modGlobal.h"
+#include "catalogue/modLists_Lists.h"
+#include "shared/modGlobal.h"
 #include "errors/clsErrorHandler.h"
 
 namespace {

@@ -2,7 +2,7 @@
 
 #include "support/Fakes.h"
 #include "automation/App.h"
-#include "component/modGlobal.h"
+#include "shared/modGlobal.h"
 #include "errors/clsErrorHandler.h"
 #include "errors/modErrorHandler.h"
 

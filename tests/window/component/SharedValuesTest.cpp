@@ -1,6 +1,6 @@
 #include "support/Fakes.h"
 #include "component/clsSQLEditor.h"
-#include "component/modGlobal.h"
+#include "shared/modGlobal.h"
 #include "dictionary/clsDictionary.h"
 #include "editor/frmSQLEditor.h"
 #include "errors/clsErrorHandler.h"

@@ -2,8 +2,8 @@
 #include <commctrl.h>
 
 #include "support/Fakes.h"
-#include "catalogue/modLists.h"
-#include "component/modGlobal.h"
+#include "catalogue/modLists_Lists.h"
+#include "shared/modGlobal.h"
 #include "dictionary/clsDictionary.h"
 #include "editor/frmSQLEditor.h"
 #include "errors/clsErrorHandler.h"

@@ -3,8 +3,8 @@
 
 #include "support/EditorTree.h"
 #include "support/Fakes.h"
-#include "browser/modLists.h"
-#include "component/modGlobal.h"
+#include "browser/modLists_Tree.h"
+#include "shared/modGlobal.h"
 #include "dictionary/clsDictionary.h"
 #include "editor/frmSQLEditor.h"
 #include "errors/clsErrorHandler.h"

@@ -10,7 +10,7 @@
 #include "RichTexts.h"
 #include "support/TestData.h"
 #include "Windows.h"
-#include "forms/RichText.h"
+#include "forms/Rtf.h"
 #include "forms/TextFile.h"
 
 // What other programs drop on the editor: texts of any bytes, with and without an end, damaged lists of files, files of

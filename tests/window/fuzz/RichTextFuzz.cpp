@@ -6,7 +6,7 @@
 #include "support/Dialogs.h"
 #include "support/Expect.h"
 #include "RichTexts.h"
-#include "forms/RichText.h"
+#include "forms/Rtf.h"
 #include "forms/RichTextBox.h"
 
 // Rich text of any damage, read from files. Either the control reads it, and what the editor then holds is a text with

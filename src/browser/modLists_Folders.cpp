@@ -1,9 +1,9 @@
 #include <vector>
 
 #include "automation/Collection.h"
-#include "browser/modLists.h"
-#include "catalogue/modLists.h"
-#include "component/modGlobal.h"
+#include "browser/modLists_Tree.h"
+#include "catalogue/modLists_Lists.h"
+#include "shared/modGlobal.h"
 #include "dictionary/clsDictionary.h"
 #include "editor/frmSQLEditor.h"
 #include "errors/modErrorHandler.h"

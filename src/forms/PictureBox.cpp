@@ -1,4 +1,4 @@
-#include "forms/Container.h"
+#include "forms/PictureBox.h"
 
 #include <vector>
 

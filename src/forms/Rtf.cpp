@@ -1,4 +1,4 @@
-#include "forms/RichText.h"
+#include "forms/Rtf.h"
 
 #include <richedit.h>
 

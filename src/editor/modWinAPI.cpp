@@ -1,4 +1,4 @@
-#include "component/modWinAPI.h"
+#include "editor/modWinAPI.h"
 
 #include "errors/modErrorHandler.h"
 #include "forms/Events.h"

@@ -1,8 +1,8 @@
 #include <string>
 
 #include "automation/RuntimeError.h"
-#include "browser/modLists.h"
-#include "component/modGlobal.h"
+#include "browser/modLists_Tree.h"
+#include "shared/modGlobal.h"
 #include "dictionary/clsDictionary.h"
 #include "editor/frmSQLEditor.h"
 #include "errors/modErrorHandler.h"

@@ -5,7 +5,7 @@
 #include "automation/Variant.h"
 #include "forms/Nodes.h"
 
-// The object tree. (The catalogue's half of this module is in catalogue/modLists.h.)
+// The object tree. (The catalogue's half of this module is in catalogue/modLists_Lists.h.)
 namespace modLists {
 // The words that say what kind of node a node is: its tag.
 namespace NodeKind {

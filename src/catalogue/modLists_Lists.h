@@ -4,7 +4,7 @@
 
 class Variant;
 
-// The catalogue and the panes that show it. (The object tree's half of this module is in browser/modLists.h.)
+// The catalogue and the panes that show it. (The object tree's half of this module is in browser/modLists_Tree.h.)
 namespace modLists {
 // Fills the catalogue with all its entries, in their order. Called once, at start-up, on the empty collection.
 void CreateListItems();
