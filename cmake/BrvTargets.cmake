@@ -109,7 +109,7 @@ endfunction()
 # has made.
 function(brv_add_com_server name)
     cmake_parse_arguments(PARSE_ARGV 1 arg "TYPE_LIBRARY" "DEF" "SOURCES;RC;LIBRARIES")
-    add_library(${name} SHARED ${arg_SOURCES} ${arg_DEF} ${arg_RC})
+    add_library(${name} SHARED ${arg_SOURCES} ${CMAKE_SOURCE_DIR}/src/automation/ThreadStorage.cpp ${arg_DEF} ${arg_RC})
     set_target_properties(${name} PROPERTIES PREFIX "" IMPORT_PREFIX "lib" OUTPUT_NAME ${name})
     if(arg_TYPE_LIBRARY)
         add_dependencies(${name} ${name}_idl)

@@ -112,3 +112,31 @@ TEST(UnloadTest, TheCatalogueGoesWithTheModule) {
     std::printf("a life of the module leaves %.0f bytes\n", left);
     EXPECT_LT(left, 100000) << "the catalogue alone is more";
 }
+
+// A process has 1,088 indices of thread-local storage for all its libraries. Hosts unload the module when they are idle
+// and load it again: a life that kept an index would use them up.
+TEST(UnloadTest, ALifeTakesNoIndexOfThreadLocalStorageAlong) {
+    const auto freeIndices = [] {
+        std::vector<DWORD> taken;
+        for (DWORD index = TlsAlloc(); index != TLS_OUT_OF_INDEXES; index = TlsAlloc()) taken.push_back(index);
+        for (const DWORD index : taken) TlsFree(index);
+        return static_cast<long>(taken.size());
+    };
+    FakeErrors errors;
+    const auto live = [&errors] {
+        {
+            const Object editor = Object::Create(L"brvSQLEditor.clsSQLEditor");
+            editor.Call(L"Constructor", 5L);  // reported: an exception was thrown and caught inside the module
+        }
+        EXPECT_NE(L"", errors.Places());
+        errors.Reports.clear();
+        CoFreeUnusedLibrariesEx(0, 0);
+        ASSERT_FALSE(IsLoaded());
+    };
+    live();
+    const long before = freeIndices();
+    ASSERT_LT(100, before);
+    constexpr long Lives = 20;
+    for (long at = 0; at < Lives; ++at) live();
+    EXPECT_EQ(0, before - freeIndices()) << "in " << Lives << " lives";
+}
