@@ -46,6 +46,9 @@ public:
     bool m_IsGone() const noexcept;
     std::shared_ptr<void> Hold() noexcept override { return weak_from_this().lock(); }
 
+    // The panels of the status bar.
+    enum Panel { ConnectionPanel = 1, CaretPanel, FormatPanel, LengthPanel, ChangedPanel, ZoomPanel };
+
     // ---- Controls (made and wired in editor/frmSQLEditor_Controls.cpp). Public, since modLists fills them.
 
     Toolbar tlbToolbar;
@@ -113,6 +116,8 @@ protected:
     bool ToolMessage(MSG& message) override { return winReplace.Translate(message) || winGoto.Translate(message); }
     void ToolsClose() noexcept override;
     void ColoursChanged() override;
+    void MenuHighlighted(const MenuItem* Entry) override;
+    void MenusClosed() override;
 
     // ---- Lifecycle
     const wchar_t* FirstCaption() const override { return L"SQL Editor"; }
@@ -217,6 +222,19 @@ private:
     void m_ReplaceAll();
     void m_Result(const std::wstring& Text);
 
+    // ---- Status bar (editor/frmSQLEditor_Status.cpp)
+    static constexpr const wchar_t* ChangedText = L"Changed";
+    void m_ShowCaret();
+    void m_ShowLengths();
+    void m_ShowChanged(bool Changed);
+    void m_NoteChange();
+    void m_CompareWithDisplayed();
+    void rtbSQL_Zoomed();
+    // What an entry does, for the status bar. The host is not asked.
+    std::wstring m_Hint(const MenuItem& Entry);
+    std::wstring m_ActionHint(const MenuItem& Entry);
+    std::wstring m_ActiveName();
+
     // ---- Object browser (browser/frmSQLEditor_Browser.cpp)
     // `Opened`: the user opens the branch; false where it is only filled.
     void trvDBObjects_Expand(const Node& Node, bool Opened = false);
@@ -299,9 +317,11 @@ private:
     std::optional<std::wstring> returned_;  // the text as it was when the window was closed
     bool changedSince_ = false;             // and whether it was changed after that
     bool moving_ = false;                   // the splitter is being dragged
-    short activeView_ = 0;    // 0 object browser, 1 ANSI SQL list, 2 database-specific tree, 3 host command list
-    float firstSplit_ = 0;    // where the splitter stands until it is moved, twips
-    long savedSplit_ = 0;     // split position, twips, from before the left pane was collapsed
-    std::wstring findText_;   // what Find Next looks for
-    std::wstring displayed_;  // the text that Display brought
+    short activeView_ = 0;      // 0 object browser, 1 ANSI SQL list, 2 database-specific tree, 3 host command list
+    float firstSplit_ = 0;      // where the splitter stands until it is moved, twips
+    long savedSplit_ = 0;       // split position, twips, from before the left pane was collapsed
+    std::wstring findText_;     // what Find Next looks for
+    std::wstring displayed_;    // the text that Display brought
+    long displayedLength_ = 0;  // of it in the editor
+    bool comparing_ = false;    // it has to be compared with the editor's
 };

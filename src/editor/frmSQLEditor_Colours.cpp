@@ -6,7 +6,13 @@ namespace {
 constexpr const wchar_t* Module = L"frmSQLEditor";
 }
 
-bool frmSQLEditor::Idle() try { return colours_.Idle(); } catch (...) {
+bool frmSQLEditor::Idle() try {
+    if (comparing_) {
+        m_CompareWithDisplayed();
+        return true;
+    }
+    return colours_.Idle();
+} catch (...) {
     // Once: the text stays as it is shown, and is whole.
     colours_.GiveUp();
     ReportError(Module, L"Idle");

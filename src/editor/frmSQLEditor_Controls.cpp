@@ -223,7 +223,9 @@ void frmSQLEditor::CreateControls() {
     rtbSQL.SetEditorFont(FixedPitchFace(Window), 10);
     imgSplitterV.Create(Window, IdSplitter);
     picSplitterV.Create(Window, IdSplitterBar, WS_CLIPSIBLINGS);
-    sbStatusBar.Create(Window, IdStatusBar, {1500, 1400});
+    sbStatusBar.Create(Window, IdStatusBar, {1500, 1400, 1500, 900, 600});
+    sbStatusBar.KeepRoom(ChangedPanel, ChangedText);
+    sbStatusBar.SetPanelTip(ZoomPanel, L"Ctrl+Plus, Ctrl+Minus, Ctrl+0");
     m_ShowFileFormat();  // a panel of a bar that shows is painted at once
     dlgCommonDialog.Filter = L"SQL Files (*.sql;*.txt)|*.sql;*.txt|Rich Text (*.rtf)|*.rtf|All Files (*.*)|*.*";
     dlgCommonDialog.DefaultExt = L"sql";
@@ -270,6 +272,7 @@ void frmSQLEditor::CreateControls() {
     rtbSQL.KeyPressed = [this](int Key, int Shift) { return rtbSQL_KeyPressed(Key, Shift); };
     rtbSQL.MadePlain = [this] { colours_.MadePlain(); };
     rtbSQL.SelChange = [this] { rtbSQL_SelChange(); };
+    rtbSQL.Zoomed = [this] { rtbSQL_Zoomed(); };
     rtbSQL.DragOver = [this](Control& Source, float X, float Y, DragState State) {
         rtbSQL_DragOver(Source, X, Y, State);
     };
@@ -329,6 +332,7 @@ void frmSQLEditor::FontsChanged() {
     lblDescription.SetFont(Font);
     sbStatusBar.SetFont(Font);
     rtbSQL.SetScale(FontScale());
+    rtbSQL_Zoomed();
     CreateImages();
     m_PlaceSplitterFirst();
 }

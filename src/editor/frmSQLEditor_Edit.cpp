@@ -14,6 +14,8 @@ void frmSQLEditor::rtbSQL_Change() try {
     changedSince_ = true;
     sbStatusBar.ClearNote();
     colours_.TextChanged();
+    m_ShowLengths();
+    m_NoteChange();
 } catch (...) {
     ReportError(Module, L"rtbSQL_Change");
 }
@@ -21,10 +23,8 @@ void frmSQLEditor::rtbSQL_Change() try {
 void frmSQLEditor::rtbSQL_SelChange() try {
     sbStatusBar.ClearNote();
     colours_.SelectionChanged();
-    long Line = 0;
-    long Column = 0;
-    rtbSQL.CaretPosition(Line, Column);
-    sbStatusBar.SetPanelText(2, L"Ln " + std::to_wstring(Line) + L", Col " + std::to_wstring(Column));
+    m_ShowCaret();
+    m_ShowLengths();
 } catch (...) {
     ReportError(Module, L"rtbSQL_SelChange");
 }
@@ -163,7 +163,7 @@ void frmSQLEditor::mnuFindNext_Click() try { m_FindNext(); } catch (...) {
 // A text that is not there is told in the status bar alone: the selection stays where it is.
 void frmSQLEditor::m_FindNext(const std::wstring* Text) try {
     if (Text != nullptr) findText_ = *Text;
-    if (!findText_.empty() && !rtbSQL.Find(findText_)) sbStatusBar.SetPanelText(2, L"Not found");
+    if (!findText_.empty() && !rtbSQL.Find(findText_)) sbStatusBar.SetPanelText(CaretPanel, L"Not found");
 } catch (...) {
     ReportError(Module, L"m_FindNext");
 }

@@ -44,7 +44,7 @@ void frmSQLEditor::m_TellNotDone(const std::wstring& What, const RuntimeError& W
 void frmSQLEditor::m_ShowFileFormat() try {
     sbStatusBar.ClearNote();
     const bool Rich = RichTextBox::KindOf(rtbSQL.FileName) == RichTextBox::FileKind::RichText;
-    sbStatusBar.SetPanelText(3, Rich ? L"Rich text" : Described(rtbSQL.FileFormat));
+    sbStatusBar.SetPanelText(FormatPanel, Rich ? L"Rich text" : Described(rtbSQL.FileFormat));
 } catch (...) {
     ReportError(Module, L"m_ShowFileFormat");
 }

@@ -68,7 +68,7 @@ void frmSQLEditor::m_OpenReplace() {
 
 void frmSQLEditor::m_Result(const std::wstring& Text) {
     if (winReplace.IsOpen()) winReplace.SetText(ResultId, Text);
-    sbStatusBar.SetPanelText(2, Text);
+    sbStatusBar.SetPanelText(CaretPanel, Text);
 }
 
 // Selects the next place behind the selection, else the first one of all.

@@ -71,6 +71,10 @@ void frmSQLEditor::Display(std::wstring& SQL) try {
     colours_.SetLanguage(DBType);
     rtbSQL.SetText(SQL);
     displayed_ = SQL;
+    displayedLength_ = rtbSQL.TextLength();
+    comparing_ = false;
+    m_ShowChanged(false);
+    m_ShowLengths();
     rtbSQL.DataChanged = false;
     returned_.reset();
     // What comes back is the editor's text, which has CR LF for CR and LF. Characters that the editor alone takes for
@@ -82,8 +86,8 @@ void frmSQLEditor::Display(std::wstring& SQL) try {
         if (!Same) SQL = std::move(Text);
     };
     const bool Connected = Dictionary != nullptr && Dictionary->Connected();
-    sbStatusBar.SetPanelText(1, Connected ? HostDatabase.Get(L"DBTypeName", ByRef(DBType)).ToText()
-                                          : std::wstring(L"Not connected to a database"));
+    sbStatusBar.SetPanelText(ConnectionPanel, Connected ? HostDatabase.Get(L"DBTypeName", ByRef(DBType)).ToText()
+                                                        : std::wstring(L"Not connected to a database"));
     modWinAPI::SetWindowTopMost(*this);
     try {
         ShowModal();

@@ -446,6 +446,13 @@ LRESULT Form::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
         case WM_COMMAND:
             if (lParam == 0 && Menus.OnCommand(LOWORD(wParam))) return 0;
             break;
+        case WM_MENUSELECT:
+            if (lParam == 0 && HIWORD(wParam) == 0xFFFF) {
+                MenusClosed();
+            } else {
+                MenuHighlighted(Menus.Highlighted(wParam, lParam));
+            }
+            break;
         case WM_INITMENUPOPUP:
             if (HIWORD(lParam) == 0) Menus.OnInitPopup(reinterpret_cast<HMENU>(wParam));
             break;
@@ -503,6 +510,7 @@ LRESULT Form::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
             RedrawWindow(handle_, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_FRAME | RDW_ALLCHILDREN);
             break;
         case WM_THEMECHANGED:
+            ColoursChanged();
             // With another theme, or none, the bars have another height: once they have heard of it too.
             PostMessageW(handle_, LayOutLater, 0, 0);
             break;

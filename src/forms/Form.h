@@ -82,6 +82,9 @@ protected:
     virtual float MinimumHeight() const { return 0; }
     // The fonts were made, or made anew because the dots per inch or the user's choice changed.
     virtual void FontsChanged() = 0;
+    // The user goes through the menus: on an entry or a menu, or on nothing of the form's (null). MenusClosed follows.
+    virtual void MenuHighlighted(const MenuItem*) {}
+    virtual void MenusClosed() {}
     // The system's colours, or its scheme, are others.
     virtual void ColoursChanged() {}
     // The modal loop has nothing to do: one step of some milliseconds of what can wait. False: there is nothing left,

@@ -129,6 +129,19 @@ bool MenuBar::OnCommand(UINT id) {
     return true;
 }
 
+const MenuItem* MenuBar::Highlighted(WPARAM wParam, LPARAM lParam) const noexcept {
+    const UINT flags = HIWORD(wParam);
+    if ((flags & (MF_SYSMENU | MF_SEPARATOR)) != 0) return nullptr;
+    if ((flags & MF_POPUP) == 0) return Find(LOWORD(wParam));
+    // What opens another menu is told by its position.
+    const HMENU popup = GetSubMenu(reinterpret_cast<HMENU>(lParam), LOWORD(wParam));
+    if (popup == nullptr) return nullptr;
+    for (const MenuItem* item : byId_) {
+        if (item->menu_ == popup) return item;
+    }
+    return nullptr;
+}
+
 void MenuBar::OnInitPopup(HMENU popup) {
     for (MenuItem* item : byId_) {
         if (item->menu_ == popup && item->Click) {

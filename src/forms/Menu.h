@@ -72,6 +72,8 @@ public:
 
     // WM_COMMAND: whether the id was one of an entry. Entries that are disabled or hidden are not chosen.
     bool OnCommand(UINT id);
+    // WM_MENUSELECT: the menu or the entry that is highlighted; null: none of ours.
+    const MenuItem* Highlighted(WPARAM wParam, LPARAM lParam) const noexcept;
     // WM_INITMENUPOPUP: lets the menu prepare itself.
     void OnInitPopup(HMENU popup);
     // Translates the shortcuts; the window must be the one with the bar.

@@ -427,6 +427,12 @@ LRESULT RichTextBox::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
         case WM_RBUTTONDOWN:
             SetFocus();
             break;
+        case WM_MOUSEWHEEL:
+        case EM_SETZOOM: {
+            const LRESULT done = Control::OnMessage(message, wParam, lParam);
+            if (Zoomed) Zoomed();
+            return done;
+        }
         case RunLater:
             DoLater();
             return 0;

@@ -58,6 +58,9 @@ public:
     void SetScale(float scale);
     // The user's own zoom: a tenth larger or smaller for each step, as far as one can read it; 0: the scale again.
     void Zoom(int steps);
+    // The user's own zoom in percent of that scale, and that it may be another one now, whatever changed it.
+    long ZoomPercent() const;
+    Event Zoomed;
     // Puts the caret at the beginning of a line, counted from 1; behind the last one means the last one.
     void GoToLine(long line);
     // What programs that read the screen call the control; its window's text is what it holds.

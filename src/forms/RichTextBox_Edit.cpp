@@ -42,13 +42,19 @@ POINT RichTextBox::MenuPoint() const {
 void RichTextBox::Zoom(int steps) {
     constexpr long Least = 20;  // percent
     constexpr long Most = 500;
+    const long percent = steps == 0 ? 100 : ZoomPercent() + steps * 10;
+    const float wanted = zoom_ * static_cast<float>(std::clamp(percent, Least, Most));
+    Send(EM_SETZOOM, static_cast<WPARAM>(std::lround(wanted)), 100);
+}
+
+long RichTextBox::ZoomPercent() const {
     int numerator = 0;
     int denominator = 0;
     Send(EM_GETZOOM, reinterpret_cast<WPARAM>(&numerator), reinterpret_cast<LPARAM>(&denominator));
-    const long now = denominator > 0 && numerator > 0 ? MulDiv(numerator, 100, denominator) : 100;
-    const long usual = std::lround(zoom_ * 100);
-    const long wanted = steps == 0 ? usual : std::clamp(now + steps * usual / 10, Least, Most);
-    Send(EM_SETZOOM, static_cast<WPARAM>(wanted), 100);
+    // Not zoomed, it answers with zeros.
+    const float now =
+        denominator > 0 && numerator > 0 ? static_cast<float>(numerator) / static_cast<float>(denominator) : 1.0F;
+    return std::lround(now * 100 / zoom_);
 }
 
 void RichTextBox::GoToLine(long line) {

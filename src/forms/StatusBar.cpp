@@ -1,75 +1,113 @@
 #include "forms/StatusBar.h"
 
+#include <windowsx.h>
 #include <commctrl.h>
 
 #include <algorithm>
-#include <numeric>
+#include <utility>
 
 #include "automation/RuntimeError.h"
 #include "forms/Surroundings.h"
 #include "forms/Twips.h"
 
 namespace {
+
 constexpr float PanelMargin = 180;  // twips, on both sides of a panel's text together
+
+// In a status bar's text a tab character is none: it says where the text stands.
+std::wstring Plain(std::wstring text) {
+    std::replace_if(
+        text.begin(), text.end(), [](wchar_t c) { return c < L' '; }, L' ');
+    return text;
 }
+
+}  // namespace
 
 void StatusBar::Create(HWND container, int id, std::vector<float> widths) {
     CreateWindowOf(STATUSCLASSNAMEW, WS_VISIBLE | SBARS_SIZEGRIP | CCS_BOTTOM | WS_CLIPSIBLINGS, 0, container, id, L"");
-    widths_ = std::move(widths);
-    texts_.resize(widths_.size() + 1);
+    panels_.resize(widths.size() + 1);
+    for (size_t at = 0; at < widths.size(); ++at) panels_[at + 1].Least = widths[at];
     // The panels are there before their first text; Arrange gives them their places.
-    std::vector<int> edges(texts_.size(), 0);
-    edges.back() = -1;
-    Send(SB_SETPARTS, edges.size(), reinterpret_cast<LPARAM>(edges.data()));
-    needed_.resize(widths_.size() + 1);
+    edges_.assign(panels_.size(), 0);
+    edges_.back() = -1;
+    Send(SB_SETPARTS, edges_.size(), reinterpret_cast<LPARAM>(edges_.data()));
+}
+
+size_t StatusBar::IndexOf(int panel) const {
+    if (panel < 1 || panel > static_cast<int>(panels_.size())) RaiseError(ErrorNumber::IndexOutOfBounds);
+    return static_cast<size_t>(panel - 1);
 }
 
 void StatusBar::SetPanelText(int panel, const std::wstring& text) {
-    if (panel < 1 || panel > static_cast<int>(texts_.size())) RaiseError(ErrorNumber::IndexOutOfBounds);
-    auto& kept = texts_[static_cast<size_t>(panel - 1)];
-    if (kept == text) return;
-    kept = text;
+    const size_t at = IndexOf(panel);
+    Panel& changed = panels_[at];
+    if (changed.Text == text) return;
+    changed.Text = text;
     ClearNote();
-    Send(SB_SETTEXTW, static_cast<WPARAM>(panel - 1), reinterpret_cast<LPARAM>(text.c_str()));
-    int& needed = needed_[static_cast<size_t>(panel - 1)];
-    const int before = needed;
-    if (panel == 1) needed = 0;
-    Measure(static_cast<size_t>(panel - 1));
-    if (panel == 1 || needed > before) PlacePanels();
+    if (at < edges_.size()) Send(SB_SETTEXTW, at, reinterpret_cast<LPARAM>(text.c_str()));
+    const int before = changed.Needed;
+    if (panel == 1) changed.Needed = 0;
+    Measure(changed);
+    if (panel == 1 || changed.Needed > before) PlacePanels();
 }
 
-std::wstring StatusBar::PanelText(int panel) const {
-    if (panel < 1 || panel > static_cast<int>(texts_.size())) RaiseError(ErrorNumber::IndexOutOfBounds);
-    return texts_[static_cast<size_t>(panel - 1)];
+std::wstring StatusBar::PanelText(int panel) const { return panels_[IndexOf(panel)].Text; }
+
+void StatusBar::KeepRoom(int panel, const std::wstring& text) {
+    Panel& kept = panels_[IndexOf(panel)];
+    kept.Room = text;
+    Measure(kept);
 }
+
+void StatusBar::SetPanelTip(int panel, const std::wstring& tip) { panels_[IndexOf(panel)].Tip = tip; }
 
 void StatusBar::ShowNote(const std::wstring& note) {
     note_ = note;
-    Send(SB_SETTEXTW, SB_SIMPLEID, reinterpret_cast<LPARAM>(note_.c_str()));
-    Send(SB_SIMPLE, TRUE);
-    PlacePanels();
+    ShowOver();
 }
 
 void StatusBar::ClearNote() {
     if (note_.empty()) return;
     note_.clear();
-    Send(SB_SIMPLE, FALSE);
-    PlacePanels();
+    ShowOver();
+}
+
+void StatusBar::ShowHint(const std::wstring& hint) {
+    if (hint_ == hint) return;
+    hint_ = hint;
+    ShowOver();
+}
+
+void StatusBar::ClearHint() {
+    if (!hint_) return;
+    hint_.reset();
+    ShowOver();
+}
+
+void StatusBar::ShowOver() {
+    const bool over = hint_ || !note_.empty();
+    if (over) {
+        const std::wstring text = Plain(hint_ ? *hint_ : note_);
+        Send(SB_SETTEXTW, SB_SIMPLEID, reinterpret_cast<LPARAM>(text.c_str()));
+    }
+    if ((Send(SB_ISSIMPLE) != 0) != over) Send(SB_SIMPLE, over ? TRUE : FALSE);
 }
 
 void StatusBar::SetFont(HFONT font) {
     font_ = font;
     Control::SetFont(font);
     tip_.SetFont(font);
-    for (size_t panel = 0; panel < texts_.size(); ++panel) {
-        needed_[panel] = 0;
+    for (Panel& panel : panels_) {
+        panel.Needed = 0;
         Measure(panel);
     }
 }
 
 // A panel behind the first keeps the width of the widest text that it had: others move once, not with each digit that
 // comes and goes.
-void StatusBar::Measure(size_t panel) { needed_[panel] = std::max(needed_[panel], WidthOf(texts_[panel])); }
+void StatusBar::Measure(Panel& panel) {
+    panel.Needed = std::max({panel.Needed, WidthOf(panel.Text), panel.Room.empty() ? 0 : WidthOf(panel.Room)});
+}
 
 int StatusBar::WidthOf(const std::wstring& text) const {
     SIZE size{};
@@ -85,29 +123,66 @@ void StatusBar::PlacePanels() {
     const UINT dpi = Dpi();
     RECT bar;
     GetClientRect(Handle(), &bar);
-    const int grip = SystemMetricFor(SM_CXVSCROLL, dpi);
     const int width = static_cast<int>(bar.right);
-    std::vector<int> others;
-    const auto left = [&] { return width - grip - std::accumulate(others.begin(), others.end(), 0); };
-    for (size_t at = 0; at < widths_.size(); ++at) {
-        others.push_back(std::max(TwipsToPixels(widths_[at], dpi), needed_[at + 1]));
+    const int room = width - SystemMetricFor(SM_CXVSCROLL, dpi);  // without the grip
+    const auto place = [&](bool wide, size_t count) {
+        std::vector<int> edges(count);
+        int edge = room;
+        for (size_t at = count; at-- > 0;) {
+            edges[at] = edge;
+            edge -= wide ? std::max(TwipsToPixels(panels_[at].Least, dpi), panels_[at].Needed) : panels_[at].Needed;
+        }
+        return edges;
+    };
+    const int own = panels_[0].Needed;
+    std::vector<int> edges = place(true, panels_.size());
+    // In a narrow window the other panels have what their texts take, and as many of them are shown as leave the first
+    // one what its own takes, or half of the bar.
+    if (edges[0] < std::max(width / 2, own)) edges = place(false, panels_.size());
+    while (edges.size() > 2 && edges[0] < std::min(width / 2, own)) edges = place(false, edges.size() - 1);
+    whole_ = edges.size() == panels_.size() && own <= edges[0];
+    edges[0] = std::max(edges[0], std::min(width / 2, own));
+    edges.back() = edges.size() > 1 ? -1 : room;
+    if (edges == edges_) return;
+    const size_t before = edges_.size();
+    edges_ = std::move(edges);
+    Send(SB_SETPARTS, edges_.size(), reinterpret_cast<LPARAM>(edges_.data()));
+    for (size_t at = before; at < edges_.size(); ++at)
+        Send(SB_SETTEXTW, at, reinterpret_cast<LPARAM>(panels_[at].Text.c_str()));
+}
+
+std::wstring StatusBar::TipAt(int x) const {
+    RECT bar;
+    GetClientRect(Handle(), &bar);
+    if (hint_ || !note_.empty()) {
+        const std::wstring& over = hint_ ? *hint_ : note_;
+        return WidthOf(over) > bar.right ? over : std::wstring();
     }
-    // In a narrow window the other panels have what their texts take, and the connection has at least half of the bar.
-    if (left() < std::max(width / 2, needed_[0])) others.assign(needed_.begin() + 1, needed_.end());
-    int edge = std::max(left(), width / 2);
-    if (note_.empty()) {
-        tip_.SetText(Handle(), needed_[0] > edge ? texts_[0] : std::wstring());
-    } else {
-        tip_.SetText(Handle(), WidthOf(note_) > width ? note_ : std::wstring());
+    for (size_t at = 0; at < edges_.size(); ++at) {
+        if (edges_[at] >= 0 && x >= edges_[at]) continue;
+        if (!panels_[at].Tip.empty()) return panels_[at].Tip;
+        break;
     }
-    std::vector<int> edges{edge};
-    for (const int other : others) edges.push_back(edge += other);
-    if (edges.size() > 1) edges.back() = -1;
-    Send(SB_SETPARTS, edges.size(), reinterpret_cast<LPARAM>(edges.data()));
+    std::wstring all;
+    if (whole_) return all;
+    for (const Panel& panel : panels_) {
+        if (!panel.Text.empty()) all.append(all.empty() ? L"" : L"\r\n").append(panel.Text);
+    }
+    return all;
+}
+
+void StatusBar::RenewTip(int x) {
+    std::wstring tip = TipAt(x);
+    if (tip == shownTip_) return;
+    tip_.SetText(Handle(), tip);
+    shownTip_ = std::move(tip);
 }
 
 LRESULT StatusBar::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
-    if (message == WM_MOUSEMOVE) tip_.OnMouse(message, wParam, lParam);
+    if (message == WM_MOUSEMOVE) {
+        RenewTip(GET_X_LPARAM(lParam));
+        tip_.OnMouse(message, wParam, lParam);
+    }
     return Control::OnMessage(message, wParam, lParam);
 }
 

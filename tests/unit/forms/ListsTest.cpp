@@ -1,3 +1,6 @@
+#include <windows.h>
+#include <commctrl.h>
+
 #include "support/Expect.h"
 #include "forms/Label.h"
 #include "forms/ListBox.h"
@@ -45,10 +48,75 @@ TEST(StatusBar, PanelsAreCountedFromOne) {
     bar.SetPanelText(1, L"Oracle 8i & more");
     EXPECT_EQ(L"Oracle 8i & more", bar.PanelText(1));
     wchar_t shown[100]{};
-    bar.Send(0x0400 + 13 /* SB_GETTEXTW */, 0, reinterpret_cast<LPARAM>(shown));
+    bar.Send(SB_GETTEXTW, 0, reinterpret_cast<LPARAM>(shown));
     EXPECT_STREQ(L"Oracle 8i & more", shown);
     EXPECT_EQ(ErrorNumber::IndexOutOfBounds, NumberOf([&] { bar.SetPanelText(0, L""); }));
     EXPECT_EQ(ErrorNumber::IndexOutOfBounds, NumberOf([&] { bar.SetPanelText(3, L""); }));
+}
+
+TEST(StatusBar, AHintStandsOverANoteAndThatOverThePanels) {
+    TopWindow top;
+    StatusBar bar;
+    bar.Create(top.Handle(), 1, {1000});
+    const auto shown = [&] {
+        if (bar.Send(SB_ISSIMPLE) == 0) return std::wstring(L"<panels>");
+        wchar_t text[100]{};
+        bar.Send(SB_GETTEXTW, 0, reinterpret_cast<LPARAM>(text));
+        return std::wstring(text);
+    };
+    bar.SetPanelText(1, L"a");
+    bar.ShowNote(L"note");
+    EXPECT_EQ(L"note", shown());
+    bar.ShowHint(L"hint");
+    EXPECT_EQ(L"hint", shown());
+    bar.ShowHint(L"");
+    EXPECT_EQ(L"", shown());
+    bar.ShowNote(L"other");
+    EXPECT_EQ(L"", shown());
+    bar.ClearHint();
+    EXPECT_EQ(L"other", shown());
+    bar.ShowHint(L"hint");
+    bar.SetPanelText(2, L"b");
+    EXPECT_EQ(L"hint", shown());
+    bar.ClearHint();
+    EXPECT_EQ(L"<panels>", shown());
+}
+
+TEST(StatusBar, PanelsThatHaveNoRoomComeBack) {
+    TopWindow top;
+    StatusBar bar;
+    bar.Create(top.Handle(), 1, {600, 600, 600});
+    bar.SetFont(static_cast<HFONT>(GetStockObject(DEFAULT_GUI_FONT)));
+    const auto edges = [&] {
+        std::vector<int> all(static_cast<size_t>(bar.Send(SB_GETPARTS)));
+        bar.Send(SB_GETPARTS, all.size(), reinterpret_cast<LPARAM>(all.data()));
+        return all;
+    };
+    const auto widen = [&](int width) {
+        SetWindowPos(top.Handle(), nullptr, 0, 0, width, 200, SWP_NOMOVE | SWP_NOZORDER);
+        bar.Arrange();
+        return edges();
+    };
+    EXPECT_EQ(4U, widen(600).size());
+    bar.SetPanelText(1, std::wstring(20, L'M'));
+    bar.SetPanelText(2, L"second");
+    bar.KeepRoom(3, std::wstring(10, L'M'));
+    bar.SetPanelText(4, L"fourth");
+    std::vector<int> wide = widen(600);
+    EXPECT_EQ(4U, wide.size());
+    // Its room is kept.
+    EXPECT_GT(wide[2] - wide[1], 60);
+    bar.SetPanelText(3, std::wstring(10, L'M'));
+    EXPECT_EQ(wide, edges());
+    const std::vector<int> narrow = widen(250);
+    ASSERT_GT(4U, narrow.size());
+    EXPECT_LE(2U, narrow.size());
+    EXPECT_GE(narrow[0], 250 / 2 - 20);
+    bar.SetPanelText(4, L"other");
+    EXPECT_EQ(wide, widen(600));
+    wchar_t text[100]{};
+    bar.Send(SB_GETTEXTW, 3, reinterpret_cast<LPARAM>(text));
+    EXPECT_STREQ(L"other", text);
 }
 
 TEST(Label, KeepsAnAmpersandAndWraps) {

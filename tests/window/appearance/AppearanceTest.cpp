@@ -130,7 +130,7 @@ void AppearanceFixture::ExpectThatTheToolbarFits() {
 void AppearanceFixture::ExpectThatTheStatusBarFits() {
     const Context context(StatusBar());
     const auto parts = static_cast<int>(SendMessageW(StatusBar(), SB_GETPARTS, 0, 0));
-    ASSERT_EQ(3, parts);
+    ASSERT_LE(3, parts);
     RECT client;
     GetClientRect(StatusBar(), &client);
     for (int part = 0; part < parts; ++part) {
