@@ -3,7 +3,6 @@
 #include <commctrl.h>
 
 #include <algorithm>
-#include <cmath>
 
 #include "catalogue/Catalogue.h"
 
@@ -13,34 +12,6 @@ constexpr size_t RunsAtOnce = 40;  // about 6 ms under Wine
 constexpr size_t CharactersAtOnce = 32 * 1024;
 constexpr size_t NearEnough = 16 * 1024;  // characters that are read again at once for an edit
 constexpr size_t PairWithin = 20000;      // lines that are looked through for the other bracket
-constexpr double LeastContrast = 4.5;
-
-double Luminance(COLORREF colour) {
-    const auto part = [](int value) {
-        const double share = value / 255.0;
-        return share <= 0.03928 ? share / 12.92 : std::pow((share + 0.055) / 1.055, 2.4);
-    };
-    return 0.2126 * part(GetRValue(colour)) + 0.7152 * part(GetGValue(colour)) + 0.0722 * part(GetBValue(colour));
-}
-
-double Contrast(COLORREF one, COLORREF other) {
-    const double a = Luminance(one) + 0.05;
-    const double b = Luminance(other) + 0.05;
-    return a > b ? a / b : b / a;
-}
-
-COLORREF Mixed(COLORREF one, COLORREF other, int percent) {
-    const auto part = [percent](int from, int to) { return (from * (100 - percent) + to * percent) / 100; };
-    return RGB(part(GetRValue(one), GetRValue(other)), part(GetGValue(one), GetGValue(other)),
-               part(GetBValue(one), GetBValue(other)));
-}
-
-bool IsHighContrast() noexcept {
-    HIGHCONTRASTW scheme{};
-    scheme.cbSize = sizeof scheme;
-    return SystemParametersInfoW(SPI_GETHIGHCONTRAST, sizeof scheme, &scheme, 0) &&
-           (scheme.dwFlags & HCF_HIGHCONTRASTON) != 0;
-}
 
 // The control's ends of lines are CR already; what else ends a line for it is left to it.
 size_t CommonStart(std::wstring_view one, std::wstring_view other) {
@@ -70,39 +41,20 @@ void Colours::SetLanguage(long dbType) {
     lines_.SetLanguage(*dialect_, std::move(words));
 }
 
-// A palette that goes with the window's colour, whatever it is: each colour moves towards black or white until it can
-// be read on it.
+// Asked of the system once, until it tells that something is another way now.
 void Colours::MakePalette() {
-    const COLORREF window = GetSysColor(COLOR_WINDOW);
-    const COLORREF text = GetSysColor(COLOR_WINDOWTEXT);
-    const bool light = Contrast(window, RGB(0, 0, 0)) >= Contrast(window, RGB(255, 255, 255));
-    const COLORREF limit = light ? RGB(0, 0, 0) : RGB(255, 255, 255);
-    using Table = std::array<COLORREF, 7>;
-    constexpr Table onLight = {CLR_DEFAULT,      RGB(0, 0, 200), RGB(130, 0, 130), RGB(163, 21, 21),
-                               RGB(0, 110, 110), RGB(0, 110, 0), RGB(130, 80, 0)};
-    constexpr Table onDark = {CLR_DEFAULT,        RGB(110, 170, 255), RGB(220, 150, 255), RGB(235, 150, 130),
-                              RGB(120, 210, 210), RGB(130, 200, 110), RGB(225, 195, 120)};
-    grounds_ = {CLR_DEFAULT, Mixed(window, text, 18), Mixed(window, RGB(255, 0, 0), 30), Mixed(window, text, 9)};
-    colours_ = light ? onLight : onDark;
-    for (size_t at = 1; at < colours_.size(); ++at) {
-        const auto reads = [&](COLORREF colour) {
-            return Contrast(colour, window) >= LeastContrast &&
-                   std::all_of(grounds_.begin() + 1, grounds_.end(),
-                               [&](COLORREF ground) { return Contrast(colour, ground) >= LeastContrast; });
-        };
-        const COLORREF base = colours_[at];
-        for (int percent = 0; percent <= 100 && !reads(colours_[at]); percent += 5)
-            colours_[at] = Mixed(base, limit, percent);
-    }
-    palette_ = true;
+    if (palette_) return;
+    palette_ = Palette::For(GetSysColor(COLOR_WINDOW), GetSysColor(COLOR_WINDOWTEXT));
+    contrast_ = IsContrastTheme();
 }
 
-bool Colours::Off() const {
-    return failed_ || box_.HasFormats() || static_cast<size_t>(box_.RawLength()) > Longest || IsHighContrast();
+bool Colours::Off() {
+    MakePalette();
+    return failed_ || box_.HasFormats() || static_cast<size_t>(box_.RawLength()) > Longest || contrast_;
 }
 
 void Colours::SettingsChanged() {
-    palette_ = false;
+    palette_.reset();
     box_.ShowPlain();
 }
 
@@ -187,7 +139,7 @@ bool Colours::Apply(size_t from, size_t to, size_t most) {
     shades.reserve(runs.size());
     for (const Sql::Run& run : runs) {
         shades.push_back({static_cast<long>(run.Position), static_cast<long>(run.Position + run.Length), run.Ground,
-                          run.Ground ? grounds_[run.Value] : colours_[run.Value]});
+                          run.Ground ? palette_->Ground[run.Value] : palette_->Text[run.Value]});
     }
     if (!box_.Show(shades)) failed_ = true;
     return true;
@@ -195,7 +147,7 @@ bool Colours::Apply(size_t from, size_t to, size_t most) {
 
 // What is seen comes first, and alone when an edit waits for it. Whether there is more to do.
 bool Colours::Work(bool everything) {
-    if (!palette_) MakePalette();
+    MakePalette();
     const auto [first, last] = box_.Seen();
     const size_t from = lines_.LineAt(static_cast<size_t>(std::max(first, 0L)));
     const size_t to = lines_.LineAt(static_cast<size_t>(std::max(last, 0L))) + 1;

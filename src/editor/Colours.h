@@ -1,9 +1,10 @@
 #pragma once
 
-#include <array>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "editor/Palette.h"
 #include "forms/RichTextBox.h"
 #include "sql/Lines.h"
 
@@ -30,7 +31,7 @@ public:
 private:
     static constexpr size_t Longest = 1024 * 1024;  // characters
 
-    bool Off() const;
+    bool Off();
     void Near(const RichTextBox::Edit& edit);
     bool Read();
     void Compare(std::wstring_view text);
@@ -51,7 +52,6 @@ private:
     bool marksDue_ = false;
     std::wstring reading_;  // what was read so far
     std::pair<size_t, size_t> markedLines_{};
-    std::array<COLORREF, 7> colours_{};
-    std::array<COLORREF, 4> grounds_{};
-    bool palette_ = false;
+    std::optional<Palette> palette_;
+    bool contrast_ = false;  // a contrast theme has colours enough
 };

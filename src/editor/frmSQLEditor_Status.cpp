@@ -1,4 +1,4 @@
-#include "browser/modLists.h"
+#include "browser/modLists_Tree.h"
 #include "editor/frmSQLEditor.h"
 #include "errors/modErrorHandler.h"
 #include "forms/PlainText.h"

@@ -1,4 +1,4 @@
-#include "Steps.h"
+#include "support/Steps.h"
 
 namespace {
 

@@ -1,26 +1,21 @@
 #include <gtest/gtest.h>
 #include <commctrl.h>
 
-#include <cmath>
-
-#include "Steps.h"
+#include "support/Steps.h"
+#include "editor/Palette.h"
+#include "support/ContrastTheme.h"
 
 namespace {
 
-double Contrast(COLORREF one, COLORREF other) {
-    const auto luminance = [](COLORREF colour) {
-        const auto part = [](int value) {
-            const double share = value / 255.0;
-            return share <= 0.03928 ? share / 12.92 : std::pow((share + 0.055) / 1.055, 2.4);
-        };
-        return 0.2126 * part(GetRValue(colour)) + 0.7152 * part(GetGValue(colour)) + 0.0722 * part(GetBValue(colour));
-    };
-    const double a = luminance(one) + 0.05;
-    const double b = luminance(other) + 0.05;
-    return a > b ? a / b : b / a;
-}
-
 bool CanUndo() { return SendMessageW(EditorWindow::Editor(), EM_CANUNDO, 0, 0) != 0; }
+
+std::function<bool()> Told(UINT message, WPARAM what, bool contrast) {
+    return [=] {
+        ContrastTheme::Choose(contrast);
+        SendMessageW(EditorWindow::Find(), message, what, 0);
+        return true;
+    };
+}
 
 }  // namespace
 
@@ -38,7 +33,7 @@ TEST_F(SqlColoursTest, TokensHaveTheirColours) {
                           for (const LONG at : {0L, 7L, 17L, 21L, 24L, 34L}) {
                               const COLORREF colour = ColourAt(at);
                               EXPECT_NE(CLR_DEFAULT, colour) << at;
-                              EXPECT_GE(Contrast(colour, GetSysColor(COLOR_WINDOW)), 4.5) << at;
+                              EXPECT_GE(ContrastOf(colour, GetSysColor(COLOR_WINDOW)), 4.5) << at;
                           }
                           return true;
                       }}));
@@ -174,5 +169,65 @@ TEST_F(SqlColoursTest, BracketsAndWordsAreMarked) {
                  EXPECT_FALSE(CanUndo());
                  return true;
              }});
+    EXPECT_EQ(L"", Errors.Places());
+}
+
+TEST_F(SqlColoursTest, ContrastThemesHaveNone) {
+    const ContrastTheme theme(true);
+    ASSERT_TRUE(theme);
+    const std::wstring sql = L"select 1";
+    const auto plain = [&] { return Pattern(sql) == L"...... ."; };
+    const auto coloured = [&] { return Pattern(sql) == L"aaaaaa b"; };
+    const auto some = [] { return true; };  // the loop is idle between steps
+    InSteps(sql, {some, some,
+                  [&] {
+                      EXPECT_TRUE(plain());
+                      return true;
+                  },
+                  // Each of the messages that may tell of it.
+                  Told(WM_SETTINGCHANGE, SPI_SETHIGHCONTRAST, false), coloured, Told(WM_THEMECHANGED, 0, true), plain,
+                  Told(WM_SYSCOLORCHANGE, 0, false), coloured, Told(WM_SETTINGCHANGE, SPI_SETHIGHCONTRAST, true), plain,
+                  [&] {
+                      EXPECT_FALSE(CanUndo());
+                      ContrastTheme::Choose(true);
+                      Type(L"x");
+                      return true;
+                  },
+                  some,
+                  [&] {
+                      EXPECT_EQ(CLR_DEFAULT, ColourAt(8));
+                      EXPECT_EQ(0, ContrastTheme::TimesAsked()) << "each key asks the system";
+                      SendMessageW(EditorWindow::Editor(), EM_UNDO, 0, 0);
+                      return true;
+                  },
+                  Told(WM_THEMECHANGED, 0, false), coloured});
+    EXPECT_EQ(L"", Errors.Places());
+}
+
+TEST_F(SqlColoursTest, TheColoursFollowTheWindows) {
+    const int indices[] = {COLOR_WINDOW, COLOR_WINDOWTEXT};
+    const COLORREF former[] = {GetSysColor(COLOR_WINDOW), GetSysColor(COLOR_WINDOWTEXT)};
+    const COLORREF dark[] = {RGB(20, 20, 20), RGB(240, 240, 240)};
+    const std::wstring sql = L"select 'a' f(";
+    const auto reads = [](COLORREF window) {
+        return [=] {
+            for (const LONG at : {0L, 8L})
+                if (ColourAt(at) == CLR_DEFAULT || ContrastOf(ColourAt(at), window) < 4.5) return false;
+            return GetSysColor(COLOR_WINDOW) == window;
+        };
+    };
+    InSteps(sql, {reads(former[0]),
+                  [&] {
+                      SetSysColors(2, indices, dark);
+                      return true;
+                  },
+                  reads(dark[0]),
+                  [&] {
+                      EXPECT_LT(ContrastOf(ColourAt(0), former[0]), 4.5);
+                      SetSysColors(2, indices, former);
+                      return true;
+                  },
+                  reads(former[0])});
+    EXPECT_EQ(former[0], GetSysColor(COLOR_WINDOW));
     EXPECT_EQ(L"", Errors.Places());
 }

@@ -12,6 +12,9 @@ protected:
     // the text that came back.
     std::wstring InSteps(const std::wstring& sql, std::vector<std::function<bool()>> steps);
 
+    // How long the loop may be idle between two steps, in milliseconds.
+    static inline UINT Pause = 30;
+
     // As colours: the one that the character behind a position is shown in, CLR_DEFAULT for the window's own.
     static COLORREF ColourAt(LONG position);
     static COLORREF GroundAt(LONG position);

@@ -1,4 +1,4 @@
-#include "Steps.h"
+#include "support/Steps.h"
 
 #include <map>
 
@@ -10,6 +10,7 @@ struct Running {
     DWORD Since = 0;
     UINT_PTR Timer = 0;
     TIMERPROC Tick = nullptr;
+    UINT Pause = 0;
 };
 Running* running = nullptr;
 
@@ -34,13 +35,14 @@ std::wstring StepsFixture::InSteps(const std::wstring& sql, std::vector<std::fun
     Running all{std::move(steps)};
     running = &all;
     all.Since = GetTickCount();
+    all.Pause = Pause;
     // Set again behind each step: a timer that is due already would leave the loop no moment to be idle.
     const auto tick = [](HWND, UINT, UINT_PTR id, DWORD) WINAPI {
         KillTimer(nullptr, id);
         if (running == nullptr) return;
         struct Again {
             ~Again() {
-                if (running != nullptr) running->Timer = SetTimer(nullptr, 0, 30, running->Tick);
+                if (running != nullptr) running->Timer = SetTimer(nullptr, 0, running->Pause, running->Tick);
             }
         } const again;
         if (EditorWindow::Find() == nullptr) return;
