@@ -10,6 +10,7 @@
 
 #include "automation/RuntimeError.h"
 #include "editor/Colours.h"
+#include "editor/NameList.h"
 #include "forms/Annotations.h"
 #include "forms/CommandButton.h"
 #include "forms/PictureBox.h"
@@ -19,6 +20,7 @@
 #include "forms/Label.h"
 #include "forms/ListBox.h"
 #include "forms/Menu.h"
+#include "forms/PopupList.h"
 #include "forms/RichTextBox.h"
 #include "forms/StatusBar.h"
 #include "forms/ToolWindow.h"
@@ -69,6 +71,7 @@ public:
     FileDialog dlgCommonDialog;
     ToolWindow winReplace;
     ToolWindow winGoto;
+    PopupList lstNames;
     ImageListHandle imlImages;
     Annotations accAnnotations;
 
@@ -113,7 +116,7 @@ protected:
     void CreateControls() override;
     void FontsChanged() override;
     bool Idle() override;
-    bool ToolMessage(MSG& message) override { return winReplace.Translate(message) || winGoto.Translate(message); }
+    bool ToolMessage(MSG& message) override;
     void ToolsClose() noexcept override;
     void ColoursChanged() override;
     void MenuHighlighted(const MenuItem* Entry) override;
@@ -235,6 +238,19 @@ private:
     std::wstring m_ActionHint(const MenuItem& Entry);
     std::wstring m_ActiveName();
 
+    // ---- The list of names of Ctrl+Space (editor/frmSQLEditor_Complete.cpp)
+    void m_Complete();
+    void m_FollowName();
+    void m_TakeName();
+    bool m_NameKey(int Key, int Shift);
+    PopupList::Row m_NameRow(size_t Row) const;
+    void m_AddEverything();
+    void m_AddTables(const Node& Schema);
+    void m_AddColumns(const Node& Table);
+    void m_AddOwner(const std::wstring& Name);
+    std::wstring m_AddQualified(const std::wstring& Text, size_t Caret, const std::vector<std::wstring>& Qualifiers);
+    void lstNames_Chosen();
+
     // ---- Object browser (browser/frmSQLEditor_Browser.cpp)
     // `Opened`: the user opens the branch; false where it is only filled.
     void trvDBObjects_Expand(const Node& Node, bool Opened = false);
@@ -324,4 +340,10 @@ private:
     std::wstring displayed_;    // the text that Display brought
     long displayedLength_ = 0;  // of it in the editor
     bool comparing_ = false;    // it has to be compared with the editor's
+    NameList names_;            // that the open list shows
+    std::vector<std::wstring> nameOwners_;  // tables of columns, schemas of tables
+    std::pair<long, long> namePlace_{};     // of what the chosen name replaces
+    std::wstring whyNoName_;
+    bool nameQualified_ = false;  // something and a point stand before it
+    bool choosingName_ = false;
 };

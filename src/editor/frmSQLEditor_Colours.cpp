@@ -26,4 +26,10 @@ void frmSQLEditor::ColoursChanged() try { colours_.SettingsChanged(); } catch (.
 void frmSQLEditor::ToolsClose() noexcept {
     winReplace.Close();
     winGoto.Close();
+    lstNames.Close();
+}
+
+bool frmSQLEditor::ToolMessage(MSG& message) {
+    if (lstNames.IsPressElsewhere(message)) lstNames.Close();
+    return winReplace.Translate(message) || winGoto.Translate(message);
 }

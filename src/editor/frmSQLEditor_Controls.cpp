@@ -273,6 +273,9 @@ void frmSQLEditor::CreateControls() {
     rtbSQL.MadePlain = [this] { colours_.MadePlain(); };
     rtbSQL.SelChange = [this] { rtbSQL_SelChange(); };
     rtbSQL.Zoomed = [this] { rtbSQL_Zoomed(); };
+    rtbSQL.LostFocus = [this] { lstNames.Close(); };
+    lstNames.RowOf = [this](size_t Row) { return m_NameRow(Row); };
+    lstNames.Chosen = [this] { lstNames_Chosen(); };
     rtbSQL.DragOver = [this](Control& Source, float X, float Y, DragState State) {
         rtbSQL_DragOver(Source, X, Y, State);
     };

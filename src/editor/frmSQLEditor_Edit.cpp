@@ -16,6 +16,7 @@ void frmSQLEditor::rtbSQL_Change() try {
     colours_.TextChanged();
     m_ShowLengths();
     m_NoteChange();
+    m_FollowName();
 } catch (...) {
     ReportError(Module, L"rtbSQL_Change");
 }
@@ -25,6 +26,7 @@ void frmSQLEditor::rtbSQL_SelChange() try {
     colours_.SelectionChanged();
     m_ShowCaret();
     m_ShowLengths();
+    m_FollowName();
 } catch (...) {
     ReportError(Module, L"rtbSQL_SelChange");
 }

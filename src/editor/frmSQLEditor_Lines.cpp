@@ -203,6 +203,7 @@ void frmSQLEditor::m_RestoreDisplayed() {
 // has done what it does.
 bool frmSQLEditor::rtbSQL_KeyPressed(int Key, int Shift) try {
     using namespace ShiftState;
+    if (m_NameKey(Key, Shift)) return true;
     if (Key == VK_RETURN && Shift == 0) {
         m_BreakLine();
         return true;
@@ -223,6 +224,8 @@ bool frmSQLEditor::rtbSQL_KeyPressed(int Key, int Shift) try {
         m_DoubleLines();
     } else if (Key == 'K' && Shifted) {
         m_DeleteLines();
+    } else if (Key == VK_SPACE && !Shifted) {
+        m_Complete();
     } else if (Key == VK_SPACE && Shifted) {
         m_SelectStatement();
     } else if (Key == 'R' && Shifted) {

@@ -32,8 +32,10 @@ Control::~Control() { Destroy(); }
 void Control::CreateWindowOf(const wchar_t* windowClass, DWORD style, DWORD exStyle, HWND container, int id,
                              const wchar_t* text) {
     const Surroundings surroundings;
-    const HWND window = CreateWindowExW(exStyle, windowClass, text, style | WS_CHILD, 0, 0, 0, 0, container,
-                                        reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)), App::Module(), nullptr);
+    const bool popup = (style & WS_POPUP) != 0;
+    const HWND window =
+        CreateWindowExW(exStyle, windowClass, text, popup ? style : style | WS_CHILD, 0, 0, 0, 0, container,
+                        popup ? nullptr : reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)), App::Module(), nullptr);
     if (window == nullptr) RaiseSystemError(ErrorNumber::OutOfMemory, GetLastError());
     handle_ = window;
     form_ = Form::Of(GetAncestor(container, GA_ROOT));
@@ -367,6 +369,11 @@ LRESULT Control::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
         case WM_SETFOCUS: {
             const LRESULT result = Original(message, wParam, lParam);
             if (GotFocus) GotFocus();
+            return result;
+        }
+        case WM_KILLFOCUS: {
+            const LRESULT result = Original(message, wParam, lParam);
+            if (LostFocus) LostFocus();
             return result;
         }
         case WM_SIZE: {

@@ -79,6 +79,7 @@ public:
     Event Click;
     Event Resize;
     Event GotFocus;
+    Event LostFocus;
     MouseEvent MouseDown;
     MouseEvent MouseMove;
     MouseEvent MouseUp;
@@ -107,7 +108,8 @@ public:
     static bool Reflect(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result);
 
 protected:
-    // Makes the window and takes its messages over. Called once, or again after Destroy.
+    // Makes the window and takes its messages over. Called once, or again after Destroy. With WS_POPUP in `style` it is
+    // a top-level window that `container` owns.
     void CreateWindowOf(const wchar_t* windowClass, DWORD style, DWORD exStyle, HWND container, int id,
                         const wchar_t* text);
     void Destroy() noexcept;

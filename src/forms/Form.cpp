@@ -353,8 +353,8 @@ void Form::RunLoop() {
         if (ours) {
             surroundings.emplace();
             Events::Raise([&] {
-                swallowed = Dragging::Translate(message) || KeyPreview(message) || Menus.Translate(message) ||
-                            Navigate(message);
+                swallowed = ToolMessage(message) || Dragging::Translate(message) || KeyPreview(message) ||
+                            Menus.Translate(message) || Navigate(message);
             });
         } else {
             Events::Raise([&] { swallowed = ToolMessage(message); });

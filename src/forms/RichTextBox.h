@@ -145,6 +145,8 @@ public:
     std::wstring RawText(long from, long to) const;
     std::pair<long, long> RawSelection() const;
     void RawSelect(long from, long to);
+    // Where a character stands, in pixels of the screen: its left edge, and the top and the bottom of its line.
+    RECT RawPlace(long position) const;
     // Where the line of a position begins, and where it ends, before its CR.
     long RawLineStart(long position) const;
     long RawLineEnd(long position) const;

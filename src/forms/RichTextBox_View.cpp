@@ -180,6 +180,14 @@ std::pair<long, long> RichTextBox::Seen() const {
             static_cast<long>(Send(EM_CHARFROMPOS, 0, reinterpret_cast<LPARAM>(&below)))};
 }
 
+RECT RichTextBox::RawPlace(long position) const {
+    POINTL place{};
+    Send(EM_POSFROMCHAR, reinterpret_cast<WPARAM>(&place), position);
+    POINT corner{place.x, place.y};
+    ClientToScreen(Handle(), &corner);
+    return {corner.x, corner.y, corner.x, corner.y + LinePixels()};
+}
+
 int RichTextBox::LinePixels() const noexcept {
     return MulDiv(static_cast<int>(points_ * zoom_ * 1.5F), static_cast<int>(Dpi()), 72);
 }

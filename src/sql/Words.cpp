@@ -63,6 +63,12 @@ void Words::AddFunction(std::wstring_view text) {
     }
 }
 
+std::vector<std::wstring_view> Words::Keywords() const {
+    std::vector<std::wstring_view> all(std::begin(Keywords::Standard), std::end(Keywords::Standard));
+    all.insert(all.end(), own_.begin(), own_.end());
+    return all;
+}
+
 Words::Meaning Words::Of(std::wstring_view word) const noexcept {
     if (word.size() > LongestWord) return Meaning::Nothing;
     wchar_t capitals[LongestWord];

@@ -25,6 +25,9 @@ public:
     // calls then need.
     void AddFunction(std::wstring_view text);
 
+    // All keywords, in capitals.
+    std::vector<std::wstring_view> Keywords() const;
+
     // Upper and lower case are the same.
     Meaning Of(std::wstring_view word) const noexcept;
 

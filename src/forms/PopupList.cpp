@@ -1,0 +1,204 @@
+#include "forms/PopupList.h"
+
+#include <commctrl.h>
+#include <windowsx.h>
+
+#include <algorithm>
+#include <utility>
+
+#include "forms/Surroundings.h"
+
+namespace {
+
+constexpr long MostRows = 12;    // shown at a time
+constexpr int WidthAt96 = 360;   // pixels
+constexpr int NotePercent = 35;  // of the width
+
+}  // namespace
+
+RECT PopupList::PlaceBeside(const RECT& line, SIZE size, const RECT& workArea) {
+    size.cx = std::min(size.cx, workArea.right - workArea.left);
+    const LONG below = std::max(workArea.bottom - line.bottom, 0L);
+    const LONG above = std::max(line.top - workArea.top, 0L);
+    const bool under = size.cy <= below || below >= above;
+    const LONG height = std::min(size.cy, under ? below : above);
+    const LONG left = std::clamp(line.left, workArea.left, workArea.right - size.cx);
+    const LONG top = std::clamp(under ? line.bottom : line.top - height, workArea.top, workArea.bottom - height);
+    return {left, top, left + size.cx, top + height};
+}
+
+void PopupList::Open(HWND owner, const RECT& line, HFONT font, const std::wstring& accessibleName) {
+    Close();
+    line_ = line;
+    rows_ = 0;
+    pressed_ = -1;
+    const bool topmost = (GetWindowLongPtrW(owner, GWL_EXSTYLE) & WS_EX_TOPMOST) != 0;
+    CreateWindowOf(
+        WC_LISTVIEWW,
+        WS_POPUP | WS_BORDER | LVS_REPORT | LVS_OWNERDATA | LVS_NOCOLUMNHEADER | LVS_SINGLESEL | LVS_SHOWSELALWAYS,
+        WS_EX_TOOLWINDOW | WS_EX_NOACTIVATE | (topmost ? WS_EX_TOPMOST : 0), owner, 0, accessibleName.c_str());
+    SetFont(font);
+    Send(LVM_SETEXTENDEDLISTVIEWSTYLE, 0, LVS_EX_FULLROWSELECT | LVS_EX_DOUBLEBUFFER);
+    for (int column = 0; column < 2; ++column) {
+        LVCOLUMNW made{};
+        Send(LVM_INSERTCOLUMNW, static_cast<WPARAM>(column), reinterpret_cast<LPARAM>(&made));
+    }
+}
+
+void PopupList::Close() noexcept {
+    Destroy();
+    rows_ = 0;
+}
+
+void PopupList::SetRows(size_t count, std::wstring whyNone) {
+    if (!IsOpen()) return;
+    rows_ = count;
+    whyNone_ = std::move(whyNone);
+    Send(LVM_SETITEMCOUNT, std::max<size_t>(count, 1));
+    if (!IsOpen()) return;
+    Arrange();
+    Select(count > 0 ? 0 : -1);
+    InvalidateRect(Handle(), nullptr, FALSE);
+}
+
+// As high as its rows are, up to a dozen.
+void PopupList::Arrange() {
+    const auto shown = static_cast<long>(std::min<size_t>(std::max<size_t>(rows_, 1), MostRows));
+    RECT row{LVIR_BOUNDS, 0, 0, 0};
+    Send(LVM_GETITEMRECT, 0, reinterpret_cast<LPARAM>(&row));
+    const LONG rowHeight = std::max(row.bottom - row.top, 1L);
+    const auto style = static_cast<DWORD>(GetWindowLongPtrW(Handle(), GWL_STYLE));
+    RECT window{0, 0, MulDiv(WidthAt96, static_cast<int>(Dpi()), 96), shown * rowHeight};
+    AdjustWindowRectEx(&window, style & ~static_cast<DWORD>(WS_VSCROLL | WS_HSCROLL), FALSE,
+                       static_cast<DWORD>(GetWindowLongPtrW(Handle(), GWL_EXSTYLE)));
+    MONITORINFO monitor{};
+    monitor.cbSize = sizeof monitor;
+    if (!GetMonitorInfoW(MonitorFromRect(&line_, MONITOR_DEFAULTTONEAREST), &monitor))
+        monitor.rcWork = {0, 0, GetSystemMetrics(SM_CXSCREEN), GetSystemMetrics(SM_CYSCREEN)};
+    const RECT place = PlaceBeside(line_, {window.right - window.left, window.bottom - window.top}, monitor.rcWork);
+    SetWindowPos(Handle(), nullptr, place.left, place.top, place.right - place.left, place.bottom - place.top,
+                 SWP_NOACTIVATE | SWP_NOZORDER | SWP_NOOWNERZORDER | SWP_SHOWWINDOW);
+    RECT client{};
+    GetClientRect(Handle(), &client);
+    const LONG bar = static_cast<long>(rows_) > Send(LVM_GETCOUNTPERPAGE) &&
+                             (GetWindowLongPtrW(Handle(), GWL_STYLE) & WS_VSCROLL) == 0
+                         ? SystemMetricFor(SM_CXVSCROLL, Dpi())
+                         : 0;
+    const LONG width = std::max(client.right - bar, 0L);
+    const LONG note = rows_ > 0 ? width * NotePercent / 100 : 0;
+    Send(LVM_SETCOLUMNWIDTH, 0, width - note);
+    Send(LVM_SETCOLUMNWIDTH, 1, note);
+}
+
+void PopupList::Select(long row) {
+    LVITEMW state{};
+    state.stateMask = LVIS_SELECTED | LVIS_FOCUSED;
+    Send(LVM_SETITEMSTATE, static_cast<WPARAM>(-1), reinterpret_cast<LPARAM>(&state));
+    if (row < 0) return;
+    state.state = LVIS_SELECTED | LVIS_FOCUSED;
+    Send(LVM_SETITEMSTATE, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&state));
+    Send(LVM_ENSUREVISIBLE, static_cast<WPARAM>(row), FALSE);
+    // The control says so itself only while it has the focus.
+    if (IsOpen()) NotifyWinEvent(EVENT_OBJECT_SELECTION, Handle(), OBJID_CLIENT, row + 1);
+}
+
+void PopupList::Move(long rows) {
+    if (rows_ == 0) return;
+    Select(std::clamp(std::max(Selected(), 0L) + rows, 0L, static_cast<long>(rows_) - 1));
+}
+
+long PopupList::PageRows() const { return std::max(static_cast<long>(Send(LVM_GETCOUNTPERPAGE)), 1L); }
+
+long PopupList::Selected() const {
+    if (!IsOpen() || rows_ == 0) return -1;
+    return static_cast<long>(Send(LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_SELECTED));
+}
+
+long PopupList::RowAt(LPARAM point) const {
+    LVHITTESTINFO hit{};
+    hit.pt = {GET_X_LPARAM(point), GET_Y_LPARAM(point)};
+    const auto row = static_cast<long>(Send(LVM_HITTEST, 0, reinterpret_cast<LPARAM>(&hit)));
+    return row >= 0 && row < static_cast<long>(rows_) ? row : -1;
+}
+
+bool PopupList::IsPressElsewhere(const MSG& message) const noexcept {
+    if (!IsOpen() || message.hwnd == Handle()) return false;
+    switch (message.message) {
+        case WM_LBUTTONDOWN:
+        case WM_RBUTTONDOWN:
+        case WM_MBUTTONDOWN:
+        case WM_NCLBUTTONDOWN:
+        case WM_NCRBUTTONDOWN:
+            return true;
+        default:
+            return false;
+    }
+}
+
+LRESULT PopupList::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
+    switch (message) {
+        case WM_MOUSEACTIVATE:
+            return MA_NOACTIVATE;
+        case WM_LBUTTONDOWN:
+        case WM_LBUTTONDBLCLK:
+            // Handled here: the class would take the focus.
+            pressed_ = RowAt(lParam);
+            if (pressed_ >= 0) Select(pressed_);
+            return 0;
+        case WM_LBUTTONUP: {
+            const long pressed = std::exchange(pressed_, -1);
+            if (pressed >= 0 && pressed == RowAt(lParam) && Chosen) Chosen();
+            return 0;
+        }
+        case WM_RBUTTONDOWN:
+        case WM_RBUTTONUP:
+        case WM_MBUTTONDOWN:
+            return 0;
+        case WM_CLOSE:
+            Close();
+            return 0;
+        default:
+            return Control::OnMessage(message, wParam, lParam);
+    }
+}
+
+// The selected row has the colours of a selection though the focus is elsewhere; the reason why there is none is grey.
+LRESULT PopupList::Draw(LPARAM lParam) const {
+    auto& draw = *reinterpret_cast<NMLVCUSTOMDRAW*>(lParam);
+    switch (draw.nmcd.dwDrawStage) {
+        case CDDS_PREPAINT:
+            return CDRF_NOTIFYITEMDRAW;
+        case CDDS_ITEMPREPAINT:
+            if (rows_ == 0) {
+                draw.clrText = GetSysColor(COLOR_GRAYTEXT);
+            } else if (static_cast<long>(draw.nmcd.dwItemSpec) == Selected()) {
+                draw.nmcd.uItemState &= ~static_cast<UINT>(CDIS_SELECTED | CDIS_FOCUS);
+                draw.clrText = GetSysColor(COLOR_HIGHLIGHTTEXT);
+                draw.clrTextBk = GetSysColor(COLOR_HIGHLIGHT);
+            }
+            return CDRF_NEWFONT;
+        default:
+            return CDRF_DODEFAULT;
+    }
+}
+
+bool PopupList::OnReflected(UINT message, WPARAM, LPARAM lParam, LRESULT& result) {
+    if (message != WM_NOTIFY) return false;
+    const UINT code = reinterpret_cast<const NMHDR*>(lParam)->code;
+    if (code == NM_CUSTOMDRAW) {
+        result = Draw(lParam);
+        return true;
+    }
+    if (code != LVN_GETDISPINFOW) return false;
+    LVITEMW& item = reinterpret_cast<NMLVDISPINFOW*>(lParam)->item;
+    if ((item.mask & LVIF_TEXT) == 0 || item.pszText == nullptr || item.cchTextMax <= 0) return true;
+    std::wstring text;
+    if (rows_ == 0) {
+        if (item.iSubItem == 0) text = whyNone_;
+    } else if (item.iItem >= 0 && static_cast<size_t>(item.iItem) < rows_ && RowOf) {
+        Row row = RowOf(static_cast<size_t>(item.iItem));
+        text = std::move(item.iSubItem == 0 ? row.Text : row.Note);
+    }
+    lstrcpynW(item.pszText, text.c_str(), item.cchTextMax);
+    return true;
+}

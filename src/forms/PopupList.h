@@ -1,0 +1,57 @@
+#pragma once
+
+#include <string>
+
+#include "forms/Control.h"
+
+// A list that opens beside a place in another control and leaves the focus there: keys come through Move. Its rows are
+// asked for while they are drawn, so that a long list opens as fast as a short one.
+class PopupList : public Control {
+public:
+    struct Row {
+        std::wstring Text;
+        std::wstring Note;  // beside it, in a column of its own
+    };
+
+    // Opens the list without rows. `line`: the line that it stands beside, in pixels of the screen. `owner`: a
+    // top-level window; the list is topmost where that one is. `font` is not owned. Error 7 when Windows makes no
+    // window.
+    void Open(HWND owner, const RECT& line, HFONT font, const std::wstring& accessibleName);
+    void Close() noexcept;
+    bool IsOpen() const noexcept { return Handle() != nullptr; }
+
+    // Shows so many rows, the first one selected, or a single row with the reason why there are none.
+    void SetRows(size_t count, std::wstring whyNone);
+    // Selects another row: so many further down, or up. PageRows: how many a page has.
+    void Move(long rows);
+    long PageRows() const;
+    // -1: there are no rows.
+    long Selected() const;
+
+    // The row's texts, from 0.
+    std::function<Row(size_t row)> RowOf;
+    // The selected row was clicked.
+    Event Chosen;
+
+    // A message of the modal loop: the mouse is pressed somewhere else.
+    bool IsPressElsewhere(const MSG& message) const noexcept;
+
+    // Where a list of that size stands beside a line: below it, or above where there is more room, and within the work
+    // area. All in pixels.
+    static RECT PlaceBeside(const RECT& line, SIZE size, const RECT& workArea);
+
+protected:
+    LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
+    bool OnReflected(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result) override;
+
+private:
+    long RowAt(LPARAM point) const;
+    void Select(long row);
+    LRESULT Draw(LPARAM lParam) const;
+    void Arrange();
+
+    RECT line_{};
+    size_t rows_ = 0;
+    std::wstring whyNone_;
+    long pressed_ = -1;
+};

@@ -1,0 +1,315 @@
+#include <commctrl.h>
+
+#include "support/Steps.h"
+
+namespace {
+
+HWND NameList() {
+    for (HWND list = nullptr; (list = FindWindowExW(nullptr, list, WC_LISTVIEWW, nullptr)) != nullptr;) {
+        if (GetWindow(list, GW_OWNER) == EditorWindow::Find() && IsWindowVisible(list)) return list;
+    }
+    return nullptr;
+}
+
+std::wstring Cell(int row, int column) {
+    wchar_t text[300] = L"";
+    LVITEMW item{};
+    item.iSubItem = column;
+    item.pszText = text;
+    item.cchTextMax = 300;
+    SendMessageW(NameList(), LVM_GETITEMTEXTW, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
+    return text;
+}
+
+long RowCount() {
+    return NameList() == nullptr ? -1 : static_cast<long>(SendMessageW(NameList(), LVM_GETITEMCOUNT, 0, 0));
+}
+
+// "name (note)" of the first rows, "*" before the selected one.
+std::wstring Rows(long most = 6) {
+    if (NameList() == nullptr) return L"<closed>";
+    std::wstring all;
+    const auto selected = SendMessageW(NameList(), LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_SELECTED);
+    for (long row = 0; row < std::min(RowCount(), most); ++row) {
+        if (row > 0) all += L"|";
+        if (row == selected) all += L"*";
+        all += Cell(row, 0);
+        if (!Cell(row, 1).empty()) all += L" (" + Cell(row, 1) + L")";
+    }
+    return all;
+}
+
+}  // namespace
+
+// The keys are pressed as a keyboard presses them, and go through the window's own loop.
+class CompletionTest : public StepsFixture {
+protected:
+    using Step = std::function<bool()>;
+    // Reads schemas and the tables of HR, and puts the caret ("|") into the text.
+    Step Ready(const std::wstring& text) {
+        return [this, text] {
+            SetForegroundWindow(EditorWindow::Find());
+            Tree.Click(Tree.At({}));
+            if (Tree.Named(Tree.At({}), L"HR") == nullptr) Tree.Click(Tree.At({}));
+            Tree.Click(Tree.Named(Tree.At({}), L"HR"));
+            Put(text);
+            return true;
+        };
+    }
+    static void Put(std::wstring text) {
+        const size_t caret = text.find(L'|');
+        text.erase(caret, 1);
+        EditorWindow::SetText(text);
+        const auto lines = static_cast<LONG>(std::count(text.begin(), text.begin() + static_cast<long>(caret), L'\r'));
+        SetFocus(EditorWindow::Editor());
+        SelectText(static_cast<LONG>(caret) - lines, static_cast<LONG>(caret) - lines);
+    }
+    static Step Press(WORD key, int modifiers = 0) {
+        return [key, modifiers] {
+            Key(key, modifiers);
+            return true;
+        };
+    }
+    static Step Shows(const std::wstring& rows, long most = 6) {
+        return [rows, most, tries = 0]() mutable {
+            if (Rows(most) == rows) return true;
+            if (++tries < 40) return false;
+            EXPECT_EQ(rows, Rows(most));
+            return true;
+        };
+    }
+    static Step Holds(const std::wstring& text) {
+        return [text, tries = 0]() mutable {
+            if (EditorWindow::Text() == text && NameList() == nullptr) return true;
+            if (++tries < 40) return false;
+            EXPECT_EQ(text, EditorWindow::Text());
+            EXPECT_EQ(nullptr, NameList());
+            return true;
+        };
+    }
+    static Step Writes(const std::wstring& text) {
+        return [text] {
+            Type(text);
+            return true;
+        };
+    }
+};
+
+TEST_F(CompletionTest, NamesThatWereReadComeBeforeTheLanguage) {
+    Type(8);
+    InSteps(L"", {Ready(L"select * from or|"), Press(VK_SPACE, FCONTROL),
+                  Shows(L"*ORDERS (table, HR)|ORDERS (view, HR)|OR (keyword)|ORDER (keyword)", 4), Press(VK_RETURN),
+                  Holds(L"select * from HR.ORDERS"), [] {
+                      SendMessageW(EditorWindow::Editor(), EM_UNDO, 0, 0);
+                      EXPECT_EQ(L"select * from or", EditorWindow::Text());  // one step
+                      EXPECT_EQ(EditorWindow::Editor(), GetFocus());
+                      return true;
+                  }});
+    EXPECT_EQ(L"", Errors.Places());
+}
+
+TEST_F(CompletionTest, NothingOpensWithoutTheKey) {
+    InSteps(L"", {Ready(L"select * from |"), Writes(L"or."), Press(VK_RETURN), Holds(L"select * from or.\r\n")});
+}
+
+TEST_F(CompletionTest, AliasesLeadToTheColumnsOfTheirTableWhichIsRead) {
+    Type(8);
+    InSteps(L"", {Ready(L"select o.| from HR.ORDERS o"), Press(VK_SPACE, FCONTROL),
+                  Shows(L"*ID (column, ORDERS)|NAME (column, ORDERS)"),
+                  [this] {
+                      EXPECT_EQ(L"HR,ORDERS", Asked);
+                      EXPECT_EQ(L"ORDERS", Tree.Text(Tree.Selected()));  // as after a click on it
+                      Asked.clear();
+                      return true;
+                  },
+                  Press(VK_DOWN), Shows(L"ID (column, ORDERS)|*NAME (column, ORDERS)"), Press(VK_TAB),
+                  Holds(L"select o.NAME from HR.ORDERS o"),
+                  [] {
+                      Put(L"select orders.n| from ORDERS");
+                      return true;
+                  },
+                  Press(VK_SPACE, FCONTROL), Shows(L"*NAME (column, ORDERS)"),
+                  [this] {
+                      EXPECT_EQ(L"", Asked);  // they were read
+                      return true;
+                  },
+                  Press(VK_ESCAPE), Holds(L"select orders.n from ORDERS")});
+    EXPECT_EQ(L"", Errors.Places());
+}
+
+TEST_F(CompletionTest, TheListFollowsWhatIsWritten) {
+    InSteps(L"", {Ready(L"|"),
+                  Press(VK_SPACE, FCONTROL),
+                  [] { return RowCount() > 100; },
+                  Writes(L"o"),
+                  [] { return Rows(1) == L"*odd \"name\" (table, HR)"; },
+                  Writes(L"rders"),
+                  Shows(L"*ORDERS (table, HR)|ORDERS (view, HR)"),
+                  Press(VK_BACK),
+                  Press(VK_BACK),
+                  Press(VK_BACK),
+                  Press(VK_BACK),
+                  [] { return Rows(1) == L"*ORDERS (table, HR)" && RowCount() > 2; },
+                  Writes(L"x"),
+                  Shows(L"No name begins like that."),
+                  Press(VK_RETURN),
+                  Holds(L"orx"),
+                  Press(VK_BACK),
+                  Press(VK_SPACE, FCONTROL),
+                  [] { return RowCount() > 2; },
+                  Writes(L" "),
+                  Holds(L"or ")});
+    EXPECT_EQ(L"", Errors.Places());
+}
+
+TEST_F(CompletionTest, NamesInTheMiddleOfAWordAndAQuote) {
+    Type(8);
+    InSteps(L"", {Ready(L"select na|xx from HR.\"od|"),
+                  [] {
+                      Put(L"select ORD|xx from t");
+                      return true;
+                  },
+                  Press(VK_SPACE, FCONTROL), Shows(L"*ORDERS (table, HR)|ORDERS (view, HR)|ORDER (keyword)"),
+                  Press(VK_RETURN), Holds(L"select HR.ORDERS from t"),
+                  [] {
+                      Put(L"select * from HR.\"od|");
+                      return true;
+                  },
+                  Press(VK_SPACE, FCONTROL), Shows(L"*odd \"name\" (table, HR)|odd \"name\" (view, HR)"),
+                  Press(VK_RETURN), Holds(L"select * from HR.[odd \"name\"]")});
+    EXPECT_EQ(L"", Errors.Places());
+}
+
+TEST_F(CompletionTest, SchemasLeadToTheirTables) {
+    Type(8);
+    InSteps(L"", {Ready(L"select * from hr.|"), Press(VK_SPACE, FCONTROL),
+                  Shows(L"*odd \"name\" (table, HR)|odd \"name\" (view, HR)|ORDERS (table, HR)|ORDERS (view, HR)"),
+                  Press(VK_NEXT), Press(VK_RETURN), Holds(L"select * from hr.ORDERS")});
+    EXPECT_EQ(L"", Errors.Places());
+}
+
+TEST_F(CompletionTest, AnEmptyListSaysWhy) {
+    InSteps(L"", {Ready(L"select x.| from customer x"), Press(VK_SPACE, FCONTROL),
+                  Shows(L"\"customer\" is not among the tables that the object browser has read."), Press(VK_DOWN),
+                  Press(VK_TAB), Holds(L"select x. from customer x"),
+                  [] {
+                      Put(L"-- or|");
+                      return true;
+                  },
+                  Press(VK_SPACE, FCONTROL),
+                  [] {
+                      EXPECT_EQ(nullptr, NameList());
+                      return true;
+                  }});
+    EXPECT_EQ(L"", Errors.Places());
+}
+
+TEST_F(CompletionTest, KeywordsFollowTheCaseOfWhatWasBegun) {
+    InSteps(L"", {Ready(L"betw|"), Press(VK_SPACE, FCONTROL), Shows(L"*BETWEEN (keyword)", 1), Press(VK_RETURN),
+                  Holds(L"between"),
+                  [] {
+                      Put(L"BETW|");
+                      return true;
+                  },
+                  Press(VK_SPACE, FCONTROL), Shows(L"*BETWEEN (keyword)", 1), Press(VK_TAB), Holds(L"BETWEEN")});
+}
+
+TEST_F(CompletionTest, TheReferenceOfTheDatabase) {
+    Type(4);
+    InSteps(L"", {Ready(L"sysd|"), Press(VK_SPACE, FCONTROL), Shows(L"*SYSDATE (function)"), Press(VK_ESCAPE),
+                  [] {
+                      Put(L"varchar2|");
+                      return true;
+                  },
+                  Press(VK_SPACE, FCONTROL), [] { return Rows(1) == L"*VARCHAR2 (type)"; }, Press(VK_ESCAPE)});
+}
+
+TEST_F(CompletionTest, AClickElsewhereOrAnotherPaneClosesIt) {
+    InSteps(L"", {Ready(L"or|"), Press(VK_SPACE, FCONTROL), [] { return NameList() != nullptr; },
+                  [this] {
+                      SetFocus(Tree.Handle());
+                      EXPECT_EQ(nullptr, NameList());
+                      SetFocus(EditorWindow::Editor());
+                      return true;
+                  },
+                  Press(VK_SPACE, FCONTROL), [] { return NameList() != nullptr; },
+                  [] {
+                      PostMessageW(EditorWindow::Find(), WM_NCLBUTTONDOWN, HTCLIENT, 0);
+                      return true;
+                  },
+                  [] { return NameList() == nullptr; },
+                  [] {
+                      Put(L"a or|");
+                      return true;
+                  },
+                  Press(VK_SPACE, FCONTROL), [] { return NameList() != nullptr; }, Press(VK_HOME), Holds(L"a or")});
+}
+
+TEST_F(CompletionTest, AClickTakesTheRow) {
+    Type(8);
+    InSteps(L"", {Ready(L"or|"), Press(VK_SPACE, FCONTROL), [] { return RowCount() > 2; },
+                  [] {
+                      RECT row{LVIR_LABEL, 0, 0, 0};
+                      SendMessageW(NameList(), LVM_GETITEMRECT, 1, reinterpret_cast<LPARAM>(&row));
+                      const LPARAM at = MAKELPARAM(row.left + 4, (row.top + row.bottom) / 2);
+                      EXPECT_EQ(MA_NOACTIVATE, SendMessageW(NameList(), WM_MOUSEACTIVATE, 0, 0));
+                      SendMessageW(NameList(), WM_LBUTTONDOWN, MK_LBUTTON, at);
+                      EXPECT_EQ(EditorWindow::Editor(), GetFocus());
+                      SendMessageW(NameList(), WM_LBUTTONUP, 0, at);
+                      return true;
+                  },
+                  Holds(L"HR.ORDERS")});
+    EXPECT_EQ(L"", Errors.Places());
+}
+
+// Reported once, and the text stays as it was.
+TEST_F(CompletionTest, AFailureOfTheHostLeavesTheTextAlone) {
+    Type(8);
+    Database.Members[L"FormatName"] = [](const Arguments&) -> Variant { RaiseError(1234, L"no", L"host"); };
+    InSteps(L"", {Ready(L"select * from HR.ord|"), Press(VK_SPACE, FCONTROL), [] { return RowCount() == 2; },
+                  Press(VK_RETURN), Holds(L"select * from HR.ord"),
+                  [this] {
+                      EXPECT_EQ(L"frmSQLEditor.rtbSQL_KeyPressed 1234", Errors.Places());
+                      Errors.Reports.clear();
+                      Put(L"ord|");
+                      return true;
+                  },
+                  Press(VK_SPACE, FCONTROL), [] { return RowCount() > 2; }, Press(VK_RETURN), Holds(L"ord"),
+                  [this] {
+                      EXPECT_EQ(L"frmSQLEditor.m_BuildTable 1234", Errors.Places());
+                      Errors.Reports.clear();
+                      Database.DictionaryMembers[L"Columns"] = [](const Arguments&) -> Variant {
+                          RaiseError(1235, L"no", L"host");
+                      };
+                      return true;
+                  }});
+    Database.DictionaryMembers[L"Columns"] = [](const Arguments&) -> Variant { RaiseError(1235, L"no", L"host"); };
+    InSteps(L"", {Ready(L"select o.| from ORDERS o"), Press(VK_SPACE, FCONTROL),
+                  Shows(L"The columns of \"ORDERS\" could not be read."), Press(VK_ESCAPE),
+                  Holds(L"select o. from ORDERS o")});
+    EXPECT_EQ(L"clsDictionary.Get Columns 1235", Errors.Places());
+}
+
+// A host that closes the window, or writes into it, while it is asked.
+TEST_F(CompletionTest, TheHostDoesSomethingElseWhileItIsAsked) {
+    Type(8);
+    Database.DictionaryMembers[L"Columns"] = [](const Arguments&) {
+        EditorWindow::SetText(L"meanwhile");
+        return Variant(MakeCollection({Column(L"ID", 3L)}));
+    };
+    InSteps(L"", {Ready(L"select o.| from ORDERS o"), Press(VK_SPACE, FCONTROL), Holds(L"meanwhile")});
+    Database.DictionaryMembers[L"Columns"] = [](const Arguments&) {
+        EditorWindow::Close();
+        return Variant(MakeCollection({Column(L"ID", 3L)}));
+    };
+    const Object editor = Dll.Create();
+    editor.Call(L"Constructor", Database.Make());
+    std::wstring text = L"select o. from ORDERS o";
+    const WhenShown shown([this] {
+        Ready(L"select o.| from ORDERS o")();
+        Key(VK_SPACE, FCONTROL);
+    });
+    editor.Call(L"Display", ByRef(text));
+    EXPECT_EQ(L"select o. from ORDERS o", text);
+    EXPECT_EQ(nullptr, NameList());
+}
