@@ -45,7 +45,9 @@ COLORREF ColourAt(HWND editor, LONG position) {
     if (range != nullptr) range->Release();
     document->Release();
     ole->Release();
-    return colour == static_cast<long>(tomAutoColor) ? CLR_DEFAULT : static_cast<COLORREF>(colour);
+    // Wine answers with what the automatic colour is now.
+    const auto found = static_cast<COLORREF>(colour);
+    return colour == static_cast<long>(tomAutoColor) || found == GetSysColor(COLOR_WINDOWTEXT) ? CLR_DEFAULT : found;
 }
 
 // Calls a step from the window's own loop, some time after the one before, until it answers true.
@@ -106,17 +108,13 @@ TEST_F(ColoursBench, Lexing) {
     }
 }
 
+// The colours come after the first paint. On the machine of docs/performance.md the bare side takes 110 ms, and they
+// may take 100.
 TEST_F(ColoursBench, UntilAllThatIsSeenHasItsColour) {
     for (const size_t size : Sizes({100 * 1024}, 2000)) {
-        std::wstring text = Sql100(size);
-        double painted = 0;
-        double coloured = 0;
-        const WhenWaiting step([&] {
-            PaintNow(ShownEditor());
-            painted = Now();
-        });
-        const Until seen(10, [&] {
-            // The last statement that is seen begins with a keyword.
+        const std::wstring sql = Sql100(size);
+        // The last statement that is seen begins with a keyword.
+        const auto colour = [] {
             const HWND editor = EditorWindow::Editor();
             RECT client;
             GetClientRect(editor, &client);
@@ -124,14 +122,28 @@ TEST_F(ColoursBench, UntilAllThatIsSeenHasItsColour) {
             const auto last = SendMessageW(editor, EM_CHARFROMPOS, 0, reinterpret_cast<LPARAM>(&below));
             auto line = SendMessageW(editor, EM_EXLINEFROMCHAR, 0, last);
             while (line > 0 && line % 3 != 0) --line;
-            const auto first = static_cast<LONG>(SendMessageW(editor, EM_LINEINDEX, static_cast<WPARAM>(line), 0));
-            if (ColourAt(editor, first) == CLR_DEFAULT) return false;
-            coloured = Now();
-            SendMessageW(ShownEditor(), WM_CLOSE, 0, 0);
-            return true;
+            return ColourAt(editor,
+                            static_cast<LONG>(SendMessageW(editor, EM_LINEINDEX, static_cast<WPARAM>(line), 0)));
+        };
+        CompareRounds({{"all that is seen coloured, against the 100 ms it may take", size, 1}}, [&] {
+            Round round{0, 100};
+            double painted = 0;
+            std::wstring text = sql;
+            const WhenWaiting step([&] {
+                PaintNow(ShownEditor());
+                painted = Now();
+                EXPECT_EQ(CLR_DEFAULT, colour());
+            });
+            const Until seen(10, [&] {
+                if (painted == 0 || colour() == CLR_DEFAULT) return false;
+                PaintNow(ShownEditor());
+                round.Ours = Now() - painted;
+                SendMessageW(ShownEditor(), WM_CLOSE, 0, 0);
+                return true;
+            });
+            editor_.Call(L"Display", ByRef(text));
+            return std::vector{round};
         });
-        editor_.Call(L"Display", ByRef(text));
-        PrintRow({"all that is seen coloured, against the 100 ms it may take", size, 1}, "ms", coloured - painted, 100);
     }
 }
 

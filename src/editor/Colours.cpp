@@ -9,9 +9,29 @@
 namespace {
 
 constexpr size_t RunsAtOnce = 40;  // about 6 ms under Wine
+constexpr long IdleStep = 12;      // milliseconds
 constexpr size_t CharactersAtOnce = 32 * 1024;
 constexpr size_t NearEnough = 16 * 1024;  // characters that are read again at once for an edit
 constexpr size_t PairWithin = 20000;      // lines that are looked through for the other bracket
+
+// True when so many milliseconds have gone by.
+class Until {
+public:
+    explicit Until(long milliseconds) noexcept {
+        QueryPerformanceFrequency(&end_);
+        const long long length = end_.QuadPart * milliseconds / 1000;
+        QueryPerformanceCounter(&end_);
+        end_.QuadPart += length;
+    }
+    explicit operator bool() const noexcept {
+        LARGE_INTEGER now;
+        QueryPerformanceCounter(&now);
+        return now.QuadPart >= end_.QuadPart;
+    }
+
+private:
+    LARGE_INTEGER end_;
+};
 
 // The control's ends of lines are CR already; what else ends a line for it is left to it.
 size_t CommonStart(std::wstring_view one, std::wstring_view other) {
@@ -164,14 +184,18 @@ bool Colours::Work(bool everything) {
     return Apply(0, lines_.Count(), RunsAtOnce);
 }
 
+// For as long as a key may wait. What is shown so far is painted after that, and not after each of the smaller steps.
 bool Colours::Idle() {
-    if (box_.Composing()) return false;
-    if (Off()) {
-        box_.ShowPlain();
-        return false;
-    }
-    if (stale_) return Read();
-    return Work(true);
+    const Until over(IdleStep);
+    do {
+        if (box_.Composing()) return false;
+        if (Off()) {
+            box_.ShowPlain();
+            return false;
+        }
+        if (!(stale_ ? Read() : Work(true))) return false;
+    } while (!over);
+    return true;
 }
 
 void Colours::FindMarks() {

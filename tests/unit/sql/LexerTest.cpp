@@ -39,6 +39,32 @@ TEST(Lexer, KnowsNumbers) {
     EXPECT_EQ(L"number:1e|operator:+", Tokens(L"1e+"));
 }
 
+TEST(Lexer, TellsWhatLooksLikeTheBeginningOfAText) {
+    EXPECT_EQ(L"word:ux|operator:&|text:'a'", Tokens(L"ux&'a'"));
+    // A tag is no parameter, and has no sign of one.
+    EXPECT_EQ(L"word:$1$|word:a|word:$1$", Tokens(L"$1$ a $1$", 27));
+    EXPECT_EQ(L"word:$a@$|word:b|word:$a@$", Tokens(L"$a@$ b $a@$", 27));
+    EXPECT_EQ(L"text:q'<a'>'|word:b|text:q'(a)'|word:c", Tokens(L"q'<a'>'b q'(a)'c", 4));
+    // Behind a bracket it is the index of an array.
+    EXPECT_EQ(L"word:f|operator:(|word:x|operator:)|operator:[|number:1|operator:]", Tokens(L"f(x)[1]", 8));
+    EXPECT_EQ(L"number:1_000.5|word:a", Tokens(L"1_000.5 a"));
+}
+
+// Lines are compared by it: nothing of what was closed is kept.
+TEST(Lexer, LeavesNoStateBehindWhatIsClosed) {
+    for (const std::wstring text :
+         {L"'a'", L"E'a'", L"\"a\"", L"[a]", L"q'!a!'", L"$t$a$t$", L"/*a*/", L"/*a/*b*/c*/", L"--a", L"nq'[a]'"}) {
+        for (const long type : {0L, 4L, 8L, 17L, 27L}) {
+            Lexer lexer(text, DialectOf(type));
+            for (Token token; lexer.Next(token);) {
+            }
+            if (lexer.Now().Inside == State::In::Nothing) {
+                EXPECT_EQ(State(), lexer.Now()) << testing::PrintToString(text) << type;
+            }
+        }
+    }
+}
+
 TEST(Lexer, KnowsOperatorsOfTwoCharacters) {
     EXPECT_EQ(
         L"word:a|operator:<=|word:b|operator:<>|word:c|operator:!=|word:d|operator:|||word:e|operator:::|word:int",
@@ -58,6 +84,9 @@ TEST(Lexer, NestsCommentsWhereTheProductDoes) {
     const wchar_t* const text = L"/* a /* b */ c */";
     for (const long type : {8L, 13L, 26L, 27L, 40L})
         EXPECT_EQ(L"comment:/* a /* b */ c */", Tokens(text, type)) << type;
+    // Nothing between the ends, and none that shares a character with another one.
+    EXPECT_EQ(L"comment:/*/**/*/|word:a", Tokens(L"/*/**/*/a", 8));
+    EXPECT_EQ(L"comment:/*/*/**/*/*/|word:a", Tokens(L"/*/*/**/*/*/a", 8));
     for (const long type : {0L, 1L, 2L, 4L, 17L, 24L, 28L, 99L, -1L})
         EXPECT_EQ(L"comment:/* a /* b */|word:c|operator:*|operator:/", Tokens(text, type)) << type;
 }
@@ -82,6 +111,15 @@ TEST(Lexer, KnowsStrings) {
     EXPECT_EQ(L"text:'a\\'|word:b", Tokens(L"'a\\' b"));
     EXPECT_EQ(L"text:E'a\\'b'|word:c", Tokens(L"E'a\\'b'c", 27));
     EXPECT_EQ(L"text:E'a\\r\\n|text:\\'b'|word:c", Tokens(L"E'a\r\n\\'b'c", 27));
+    // A line ends behind a backslash too, whatever ends it.
+    for (const wchar_t* const end : {L"\r", L"\n", L"\r\n"}) {
+        const std::wstring first = std::wstring(L"E'a\\") + end;
+        const std::wstring text = first + L"b'";
+        Lexer lexer(text, DialectOf(27));
+        Token token;
+        ASSERT_TRUE(lexer.Next(token));
+        EXPECT_EQ(first.size(), token.Length);
+    }
     EXPECT_EQ(L"word:E|text:'a\\'|word:d|text:'c", Tokens(L"E'a\\'d'c", 8));
     EXPECT_EQ(L"text:'don\\'t'|operator:,|text:'C:\\'|operator:,|number:1", Tokens(L"'don\\'t', 'C:\\', 1", 17));
     EXPECT_EQ(L"text:G'a'|text:UX'0061'", Tokens(L"G'a' UX'0061'", 13));

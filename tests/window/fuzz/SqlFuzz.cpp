@@ -12,13 +12,14 @@ using namespace Sql;
 
 std::wstring AnySql(Random& random, size_t pieces) {
     static const std::vector<std::wstring> all = {
-        L"'",        L"''",    L"\"",       L"`",        L"[",       L"]",       L"--",         L"/*",        L"*/",
-        L"//",       L"#",     L"$$",       L"$a$",      L"$",       L"q'[",     L"]'",         L"nq'!",      L"!'",
-        L"E'",       L"\\'",   L"\\",       L"N'",       L"U&'",     L"U&\"",    L"1",          L"1.5e",      L"..",
-        L".5",       L"0x1f",  L"a",        L"b_1",      L"@x",      L"#t",      L"\r\n",       L"\r",        L"\n",
-        L" ",        L"\t",    L";",        L";",        L"(",       L")",       L"GO",         L"\r\n/\r\n", L"begin",
-        L"end",      L"case",  L"if",       L"begin ",   L" end",    L"create ", L"procedure ", L" is ",      L" as ",
-        L"package ", L"body ", L"trigger ", L"declare ", L"select ", L"count(",  L"left ",      L"tran "};
+        L"'",        L"''",     L"\"",   L"`",        L"[",        L"]",       L"--",         L"/*",        L"*/",
+        L"//",       L"#",      L"$$",   L"$a$",      L"$",        L"q'[",     L"]'",         L"nq'!",      L"!'",
+        L"E'",       L"\\'",    L"\\",   L"N'",       L"U&'",      L"U&\"",    L"1",          L"1.5e",      L"..",
+        L".5",       L"0x1f",   L"a",    L"b_1",      L"@x",       L"#t",      L"\r\n",       L"\r",        L"\n",
+        L" ",        L"\t",     L";",    L";",        L"(",        L")",       L"GO",         L"\r\n/\r\n", L"begin",
+        L"end",      L"case",   L"if",   L"begin ",   L" end",     L"create ", L"procedure ", L" is ",      L" as ",
+        L"/*/**/*/", L"\\\r\n", L"\\\r", L"E'\\\r\n", L"package ", L"body ",   L"trigger ",   L"declare ",  L"select ",
+        L"count(",   L"left ",  L"tran "};
     std::wstring text;
     for (size_t left = random.Below(pieces + 1); left > 0; --left)
         text += random.OneIn(12) ? AnyText(random, 6) : random.Pick(all);
