@@ -117,6 +117,7 @@ protected:
     void FontsChanged() override;
     bool Idle() override;
     bool ToolMessage(MSG& message) override;
+    bool KeyPreview(MSG& message) override;
     void ToolsClose() noexcept override;
     void ColoursChanged() override;
     void MenuHighlighted(const MenuItem* Entry) override;
@@ -251,6 +252,12 @@ private:
     std::wstring m_AddQualified(const std::wstring& Text, size_t Caret, const std::vector<std::wstring>& Qualifiers);
     void lstNames_Chosen();
 
+    // ---- Finding nodes (browser/frmSQLEditor_Search.cpp)
+    void m_ShowNode(const Node& Node);
+    void m_FindObject();
+    void m_FindNode();
+    void m_FindNextNode();
+
     // ---- Object browser (browser/frmSQLEditor_Browser.cpp)
     // `Opened`: the user opens the branch; false where it is only filled.
     void trvDBObjects_Expand(const Node& Node, bool Opened = false);
@@ -344,6 +351,7 @@ private:
     std::vector<std::wstring> nameOwners_;  // tables of columns, schemas of tables
     std::pair<long, long> namePlace_{};     // of what the chosen name replaces
     std::wstring whyNoName_;
+    std::wstring nodeText_;       // what was looked for in the object browser
     bool nameQualified_ = false;  // something and a point stand before it
     bool choosingName_ = false;
 };

@@ -2,6 +2,7 @@
 #include <string_view>
 
 #include "automation/Text.h"
+#include "browser/ReadNodes.h"
 #include "browser/modLists_Tree.h"
 #include "catalogue/Catalogue.h"
 #include "editor/frmSQLEditor.h"
@@ -15,65 +16,11 @@
 namespace {
 
 constexpr const wchar_t* Module = L"frmSQLEditor";
-constexpr long LongestName = 200;  // characters; who has moved on so far writes something else
+constexpr long LongestName = 200;  // characters
 
 namespace NodeKind = modLists::NodeKind;
 
-bool IsPlaceholder(const Node& Node) { return Node.Tag() == NodeKind::Undefined; }
-
-// Calls `Step` with each schema's folders of tables and of views.
-template <class Step>
-void ForEachFolder(Nodes& Nodes, Step&& step) {
-    if (Nodes.Count() == 0) return;
-    for (Node Schema = Nodes.Item(1).Child(); Schema; Schema = Schema.Next()) {
-        if (IsPlaceholder(Schema)) continue;
-        for (Node Folder = Schema.Child(); Folder; Folder = Folder.Next()) step(Schema, Folder);
-    }
-}
-
-// Calls `Step` with each table and view that was read.
-template <class Step>
-void ForEachTable(Nodes& Nodes, Step&& step) {
-    ForEachFolder(Nodes, [&](const Node& Schema, const Node& Folder) {
-        for (Node Table = Folder.Child(); Table; Table = Table.Next()) {
-            if (!IsPlaceholder(Table)) step(Schema, Table);
-        }
-    });
-}
-
-Node ColumnsOf(const Node& Table) {
-    const Node Columns = Table.Child();
-    return Columns && Columns.Tag() == NodeKind::Columns ? Columns : Node();
-}
-
-bool AreColumnsRead(const Node& Table) {
-    const Node Columns = ColumnsOf(Table);
-    const Node First = Columns ? Columns.Child() : Node();
-    return First && !IsPlaceholder(First);
-}
-
-// The table of that name, in any case of letters; without a schema the one of the default schema before any other.
-Node FindTable(Nodes& Nodes, const std::wstring& Schema, const std::wstring& Name) {
-    Node Found;
-    int Best = 0;
-    ForEachTable(Nodes, [&](const Node& Parent, const Node& Table) {
-        if (!SameName(Table.Text(), Name)) return;
-        if (!Schema.empty() && !SameName(Parent.Text(), Schema)) return;
-        const int Rank = 1 + (Table.Text() == Name ? 1 : 0) + (SameName(Parent.Text(), OwnerName) ? 2 : 0);
-        if (Rank <= Best) return;
-        Best = Rank;
-        Found = Table;
-    });
-    return Found;
-}
-
-Node FindSchema(Nodes& Nodes, const std::wstring& Name) {
-    if (Nodes.Count() == 0) return {};
-    for (Node Schema = Nodes.Item(1).Child(); Schema; Schema = Schema.Next()) {
-        if (!IsPlaceholder(Schema) && SameName(Schema.Text(), Name)) return Schema;
-    }
-    return {};
-}
+using namespace ReadNodes;
 
 // What a name of the reference is called in a statement: what stands before its bracket, when that is one word.
 std::wstring_view WordOf(std::wstring_view Text) {
@@ -176,7 +123,6 @@ std::wstring frmSQLEditor::m_AddQualified(const std::wstring& Text, size_t Caret
             // As a click on it: the tree shows what was read.
             trvDBObjects.SetSelectedItem(Table);
             trvDBObjects_NodeClick(Table);
-            if (AreColumnsRead(Table)) Table.EnsureVisible();
         }
         m_AddColumns(Table);
         return L"The columns of \"" + TableName + L"\" could not be read.";

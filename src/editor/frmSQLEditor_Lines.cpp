@@ -212,6 +212,10 @@ bool frmSQLEditor::rtbSQL_KeyPressed(int Key, int Shift) try {
         m_MoveLines(Key == VK_DOWN);
         return true;
     }
+    if (Key == VK_F12 && Shift == 0) {
+        m_FindObject();
+        return true;
+    }
     if ((Shift & Ctrl) == 0 || (Shift & Alt) != 0) return false;
     const bool Shifted = Shift == (Ctrl | ShiftState::Shift);
     if (WritesCharacter(Key, Shifted, L'/')) {

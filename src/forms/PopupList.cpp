@@ -162,16 +162,14 @@ LRESULT PopupList::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
     }
 }
 
-// The selected row has the colours of a selection though the focus is elsewhere; the reason why there is none is grey.
+// The selected row has the colours of a selection though the focus is elsewhere.
 LRESULT PopupList::Draw(LPARAM lParam) const {
     auto& draw = *reinterpret_cast<NMLVCUSTOMDRAW*>(lParam);
     switch (draw.nmcd.dwDrawStage) {
         case CDDS_PREPAINT:
             return CDRF_NOTIFYITEMDRAW;
         case CDDS_ITEMPREPAINT:
-            if (rows_ == 0) {
-                draw.clrText = GetSysColor(COLOR_GRAYTEXT);
-            } else if (static_cast<long>(draw.nmcd.dwItemSpec) == Selected()) {
+            if (rows_ > 0 && static_cast<long>(draw.nmcd.dwItemSpec) == Selected()) {
                 draw.nmcd.uItemState &= ~static_cast<UINT>(CDIS_SELECTED | CDIS_FOCUS);
                 draw.clrText = GetSysColor(COLOR_HIGHLIGHTTEXT);
                 draw.clrTextBk = GetSysColor(COLOR_HIGHLIGHT);

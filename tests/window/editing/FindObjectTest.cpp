@@ -1,0 +1,140 @@
+#include "support/Steps.h"
+
+// F12 and Ctrl+Shift+F, by the keyboard and through the window's own loop.
+class FindObjectTest : public StepsFixture {
+protected:
+    using Step = std::function<bool()>;
+
+    Step Read() {
+        return [this] {
+            SetForegroundWindow(EditorWindow::Find());
+            Tree.Click(Tree.At({}));
+            if (Tree.Named(Tree.At({}), L"HR") == nullptr) Tree.Click(Tree.At({}));
+            const HTREEITEM schema = Tree.Named(Tree.At({}), L"HR");
+            Tree.Click(schema);
+            Tree.Open(schema);
+            const HTREEITEM tables = Tree.Next(TVGN_CHILD, schema);
+            Tree.Open(tables);
+            Tree.Click(Tree.Named(tables, L"ORDERS"));
+            Asked.clear();
+            return true;
+        };
+    }
+    // F12 at the caret ("|"), and what is selected then, from the root on.
+    std::vector<Step> Find(std::wstring text, const std::wstring& path) {
+        const size_t caret = text.find(L'|');
+        text.erase(caret, 1);
+        return {[this, text, caret] {
+                    Tree.Select(nullptr);
+                    EditorWindow::SetText(text);
+                    SetFocus(EditorWindow::Editor());
+                    SelectText(static_cast<LONG>(caret), static_cast<LONG>(caret));
+                    Key(VK_F12);
+                    return true;
+                },
+                [this, path, text, tries = 0]() mutable {
+                    if (Path() != path && ++tries < 40) return false;
+                    EXPECT_EQ(path, Path()) << testing::PrintToString(text);
+                    EXPECT_EQ(L"", Asked);
+                    EXPECT_EQ(EditorWindow::Editor(), GetFocus());
+                    return true;
+                }};
+    }
+    std::wstring Path() const {
+        std::wstring path;
+        for (HTREEITEM at = Tree.Selected(); at != nullptr; at = Tree.Next(TVGN_PARENT, at))
+            path = Tree.Text(at) + (path.empty() ? L"" : L"/") + path;
+        return path.empty() ? L"<none>" : path;
+    }
+    void Run(std::vector<std::vector<Step>> all) {
+        std::vector<Step> steps{Read()};
+        for (std::vector<Step>& some : all) steps.insert(steps.end(), some.begin(), some.end());
+        InSteps(L"", std::move(steps));
+        EXPECT_EQ(L"", Errors.Places());
+    }
+    std::wstring Root(const std::wstring& rest) { return L"schemas/" + rest; }
+};
+
+TEST_F(FindObjectTest, TheNameAtTheCaretIsSelected) {
+    std::wstring root;
+    Run({{[&] {
+        root = EditorWindow::Root();
+        return true;
+    }}});
+    Run({Find(L"select * from orders|", root + L"/HR/Tables/ORDERS"),
+         Find(L"select * from |ORDERS o", root + L"/HR/Tables/ORDERS"),
+         Find(L"select o|.id from orders o", root + L"/HR/Tables/ORDERS"),
+         Find(L"select o.i|d from orders o", root + L"/HR/Tables/ORDERS/Columns/ID"),
+         Find(L"select name| from orders", root + L"/HR/Tables/ORDERS/Columns/NAME"),
+         Find(L"select name|", root + L"/HR/Tables/ORDERS/Columns/NAME"),
+         Find(L"select hr.orders.na|me", root + L"/HR/Tables/ORDERS/Columns/NAME"),
+         Find(L"select * from hr.or|ders", root + L"/HR/Tables/ORDERS"),
+         Find(L"select * from \"Sales & C|o\".x", root + L"/Sales & Co"),
+         Find(L"select * from hr.\"odd \"\"na|me\"\"\"", root + L"/HR/Tables/odd \"name\""),
+         Find(L"select * from sales.or|ders", L"<none>"), Find(L"select 'orders|'", L"<none>"),
+         Find(L"select nothing|", L"<none>"), Find(L"|", L"<none>")});
+}
+
+TEST_F(FindObjectTest, WhatIsNotFoundIsSaid) {
+    std::vector<Step> steps = Find(L"customer|", L"<none>");
+    steps.push_back([] {
+        EXPECT_NE(std::wstring::npos,
+                  EditorWindow::Status().find(L"\"customer\" is not in the object browser. "
+                                              L"Branches that were not opened yet are not searched."))
+            << testing::PrintToString(EditorWindow::Status());
+        return true;
+    });
+    Run({steps});
+}
+
+TEST_F(FindObjectTest, AnotherPageGivesWay) {
+    std::wstring root;
+    std::vector<Step> steps = Find(L"orders|", L"Schemas/HR/Tables/ORDERS");
+    steps.insert(steps.begin(), [] {
+        ShowPage(2);
+        return true;
+    });
+    steps.push_back([this] {
+        EXPECT_TRUE(IsWindowEnabled(GetParent(Tree.Handle())));
+        EXPECT_FALSE(IsWindowEnabled(GetParent(View(2))));
+        return true;
+    });
+    Run({steps});
+}
+
+TEST_F(FindObjectTest, TheTreeIsSearchedAndF3GoesOn) {
+    const auto answer = [] {
+        SetTimer(nullptr, 0, 20, [](HWND, UINT, UINT_PTR id, DWORD) WINAPI {
+            const HWND box = FindWindowW(L"#32770", L"Find");
+            if (box == nullptr || !IsWindowVisible(box)) return;
+            KillTimer(nullptr, id);
+            SetDlgItemTextW(box, 101, L"orD");
+            SendMessageW(box, WM_COMMAND, IDOK, 0);
+        });
+        SetFocus(EditorWindow::Editor());
+        Key('F', FCONTROL | FSHIFT);
+        return true;
+    };
+    const auto is = [this](const wchar_t* path) {
+        return [this, path, tries = 0]() mutable {
+            if (Path() != path && ++tries < 40) return false;
+            EXPECT_EQ(path, Path());
+            EXPECT_EQ(L"", Asked);
+            return true;
+        };
+    };
+    const auto next = [] {
+        Key(VK_F3);
+        return true;
+    };
+    Run({{[this] {
+              Tree.Select(nullptr);
+              return true;
+          },
+          answer, is(L"Schemas/HR/Tables/ORDERS"),
+          [this] {
+              EXPECT_EQ(Tree.Handle(), GetFocus());
+              return true;
+          },
+          next, is(L"Schemas/HR/Views/ORDERS"), next, is(L"Schemas/HR/Tables/ORDERS")}});
+}
