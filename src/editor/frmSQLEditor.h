@@ -116,6 +116,7 @@ protected:
     void CreateControls() override;
     void FontsChanged() override;
     bool Idle() override;
+    bool KeyPreview(MSG& message) override;
     bool ToolMessage(MSG& message) override;
     bool KeyPreview(MSG& message) override;
     void ToolsClose() noexcept override;
@@ -158,6 +159,8 @@ private:
     void imgSplitterV_MouseMove(int Button, int Shift, float X, float Y);
     void imgSplitterV_MouseUp(int Button, int Shift, float X, float Y);
     void imgSplitterV_CaptureLost();
+    // Moves the bar, as far as it may go.
+    void m_DragSplitterTo(float Position);
     void picHide_Click();
     void picUnhide_Click();
     void picLeft_Resize(int Index);
@@ -215,6 +218,13 @@ private:
     void m_SelectStatement();
     // Puts the text back that Display brought.
     void m_RestoreDisplayed();
+
+    // ---- Keys for the panes (editor/frmSQLEditor_Keys.cpp)
+    Control& m_View(int Index);
+    void m_NextPane(bool Back);
+    void m_InsertDragText(Control& Source);
+    // Moves the splitter by so many twips; to the right, it shows a left pane that is collapsed.
+    void m_MoveSplitter(float By);
 
     // ---- The windows of Ctrl+H and Ctrl+G (editor/frmSQLEditor_Find.cpp)
     void m_OpenReplace();

@@ -137,6 +137,11 @@ void frmSQLEditor::m_BringPageToFront(int Index) {
     picLeft[static_cast<size_t>(Index)].PlaceBehind(cmdLeft[static_cast<size_t>(Index)]);
 }
 
+void frmSQLEditor::m_DragSplitterTo(float Position) {
+    const float Furthest = ScaleWidth() - SplitLimit;
+    picSplitterV.SetLeft(Position < SplitLimit ? SplitLimit : Position > Furthest ? Furthest : Position);
+}
+
 // Any button drags the splitter.
 void frmSQLEditor::imgSplitterV_MouseDown(int, int, float, float) try {
     SetCapture(imgSplitterV.Handle());
@@ -149,10 +154,7 @@ void frmSQLEditor::imgSplitterV_MouseDown(int, int, float, float) try {
 }
 
 void frmSQLEditor::imgSplitterV_MouseMove(int, int, float X, float) try {
-    if (!moving_) return;
-    const float Furthest = ScaleWidth() - SplitLimit;
-    const float Position = imgSplitterV.Left() + X;
-    picSplitterV.SetLeft(Position < SplitLimit ? SplitLimit : Position > Furthest ? Furthest : Position);
+    if (moving_) m_DragSplitterTo(imgSplitterV.Left() + X);
 } catch (...) {
     ReportError(Module, L"imgSplitterV_MouseMove");
 }

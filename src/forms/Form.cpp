@@ -378,11 +378,10 @@ bool Form::Navigate(const MSG& message) {
         SendMessageW(message.hwnd, BM_CLICK, 0, 0);
         return true;
     }
-    // F6 goes from pane to pane in every program of Windows; Ctrl+Tab leaves controls that take the Tab key for
-    // themselves.
-    if (!(tab || (message.wParam == VK_F6 && !ctrl))) return false;
-    if (tab && !ctrl &&
-        (SendMessageW(message.hwnd, WM_GETDLGCODE, VK_TAB, 0) & (DLGC_WANTTAB | DLGC_WANTALLKEYS)) != 0 && !back) {
+    // Ctrl+Tab leaves controls that take the Tab key for themselves.
+    if (!tab) return false;
+    if (!ctrl && (SendMessageW(message.hwnd, WM_GETDLGCODE, VK_TAB, 0) & (DLGC_WANTTAB | DLGC_WANTALLKEYS)) != 0 &&
+        !back) {
         return false;
     }
     const HWND next = GetNextDlgTabItem(handle_, GetFocus(), back);

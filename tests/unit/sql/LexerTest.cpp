@@ -45,6 +45,7 @@ TEST(Lexer, TellsWhatLooksLikeTheBeginningOfAText) {
     EXPECT_EQ(L"word:$1$|word:a|word:$1$", Tokens(L"$1$ a $1$", 27));
     EXPECT_EQ(L"word:$a@$|word:b|word:$a@$", Tokens(L"$a@$ b $a@$", 27));
     EXPECT_EQ(L"text:q'<a'>'|word:b|text:q'(a)'|word:c", Tokens(L"q'<a'>'b q'(a)'c", 4));
+    EXPECT_EQ(L"operator:(|word:a|operator:)|word:$t$b$t$", Tokens(L"(a)$t$b$t$", 27));
     // Behind a bracket it is the index of an array.
     EXPECT_EQ(L"word:f|operator:(|word:x|operator:)|operator:[|number:1|operator:]", Tokens(L"f(x)[1]", 8));
     EXPECT_EQ(L"number:1_000.5|word:a", Tokens(L"1_000.5 a"));
@@ -69,6 +70,7 @@ TEST(Lexer, KnowsOperatorsOfTwoCharacters) {
     EXPECT_EQ(
         L"word:a|operator:<=|word:b|operator:<>|word:c|operator:!=|word:d|operator:|||word:e|operator:::|word:int",
         Tokens(L"a<=b<>c!=d||e::int"));
+    EXPECT_EQ(L"word:a|operator:->|word:b|operator:=>|number:1", Tokens(L"a->b=>1"));
     EXPECT_EQ(L"word:x|operator::=|operator:-|number:1", Tokens(L"x:=-1"));
 }
 

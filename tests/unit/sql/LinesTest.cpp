@@ -44,6 +44,11 @@ TEST_F(LinesTest, WordsAreLookedAtInTheirPlace) {
     EXPECT_EQ(L"0+9=1 10+4=2 18+1=4", Done());
 }
 
+TEST_F(LinesTest, APointAndABracketCountForTheNextWordAlone) {
+    Model.SetText(L"x.y select left\t(a", true);
+    EXPECT_EQ(L"4+6=1 11+4=2", Done());
+}
+
 TEST_F(LinesTest, WhatIsNotKnownIsSetAlsoWhereItIsPlain) {
     Model.SetText(L"a select\rb", false);
     EXPECT_EQ(L"0+1=0 2+6=1 0+8!0 9+1=0 9+1!0", Done());
@@ -128,6 +133,27 @@ TEST_F(LinesTest, MarksComeAndGo) {
     EXPECT_EQ(L"0+1=0 0+1!0", Done());
     Model.SetMarks({});
     EXPECT_EQ(L"5+1!0", Done());
+}
+
+TEST_F(LinesTest, AMarkThatAnEditMovesGoes) {
+    Model.SetText(L"(a)\r(b)", true);
+    Done();
+    Model.SetMarks({{0, 1, Mark::Pair}, {4, 1, Mark::Pair}});
+    EXPECT_EQ(L"0+1!1 4+1!1", Done());
+    // The one in the other line has moved with its text; the rest are as they were.
+    Model.Replace(2, 0, L"x", true);
+    Model.SetMarks({{0, 1, Mark::Pair}});
+    EXPECT_EQ(L"5+1!0", Done());
+
+    Model.SetText(L"abcd", true);
+    Model.SetMarks({{2, 1, Mark::Same}});
+    EXPECT_EQ(L"2+1!3", Done());
+    Model.Replace(2, 0, L"x", true);
+    EXPECT_EQ(L"3+1!0", Done());
+
+    Model.SetText(L"ab\rcd", true);
+    Model.SetMarks({{1, 3, Mark::Same}});
+    EXPECT_EQ(L"1+1!3 3+1!3", Done());
 }
 
 TEST_F(LinesTest, AnotherLanguageColoursEverythingAgain) {

@@ -1,0 +1,138 @@
+#include "support/EditorTree.h"
+#include "support/Steps.h"
+
+// The keyboard goes from pane to pane and does there what dragging does. Real keys, to whatever has the focus.
+class PaneKeysTest : public StepsFixture {
+protected:
+    void TearDown() override { EXPECT_EQ(L"", Errors.Places()); }
+
+    static std::function<bool()> Press(WORD key, int modifiers = 0) {
+        return [=] {
+            Key(key, modifiers);
+            return true;
+        };
+    }
+    static std::function<bool()> Focused(const std::function<HWND()>& window) {
+        return [=] { return GetFocus() == window(); };
+    }
+    static std::function<bool()> Focus(const std::function<HWND()>& window) {
+        return [=] {
+            SetForegroundWindow(EditorWindow::Find());
+            SetFocus(window());
+            return true;
+        };
+    }
+    static HWND Editor() { return EditorWindow::Editor(); }
+    static HWND Toolbar() { return GetDlgItem(EditorWindow::Find(), 1000); }
+    static HWND Tree0() { return View(0); }
+    static int LeftWidth() {
+        RECT page;
+        GetWindowRect(GetParent(View(0)), &page);
+        return IsWindowVisible(GetParent(View(0))) ? static_cast<int>(page.right - page.left) : 0;
+    }
+};
+
+TEST_F(PaneKeysTest, CtrlEnterInsertsWhatADragWouldDrop) {
+    std::wstring before;
+    const auto grown = [&] { return EditorWindow::Text().size() > before.size(); };
+    const auto keep = [&] {
+        before = EditorWindow::Text();
+        return true;
+    };
+    const std::wstring text = InSteps(
+        L"a b",
+        {[&] {
+             SelectText(1, 1);
+             Tree.Open(Tree.At({}));
+             Tree.Open(Tree.At({0}));
+             Tree.Open(Tree.At({0, 0}));
+             Tree.Click(Tree.At({0, 0, 0}));
+             return true;
+         },
+         Focus(Tree0), Press(VK_RETURN, FCONTROL), [] { return EditorWindow::Text() == L"aORDERS b"; }, Focused(Tree0),
+         [] {
+             EXPECT_EQ(L"1-7", Selection());
+             return true;
+         },
+         // Behind what was inserted, and a folder's names.
+         [&] {
+             Tree.Click(Tree.At({0, 0}));
+             return true;
+         },
+         Focus(Tree0), Press(VK_RETURN, FCONTROL),
+         [] { return EditorWindow::Text() == L"aORDERSORDERS\r\nodd \"name\" b"; }, Press('Z', FCONTROL), keep,
+         // One step of undo for each.
+         Focus(Editor), Press('Z', FCONTROL), Press('Z', FCONTROL), [] { return EditorWindow::Text() == L"a b"; },
+         // A placeholder is nothing.
+         [&] {
+             Tree.Open(Tree.At({1}));
+             Tree.Select(Tree.At({1, 0, 0}));
+             return true;
+         },
+         Focus(Tree0), Press(VK_RETURN, FCONTROL), Press('2', FALT), Focused([] { return View(1); }), keep,
+         Press(VK_RETURN, FCONTROL), grown, Focused([] { return View(1); }), Press('4', FALT),
+         Focused([] { return View(3); }), keep, Press(VK_HOME), Press(VK_RETURN, FCONTROL), grown, Press('3', FALT),
+         Focused([] { return View(2); }), keep,
+         // A category drops nothing, an entry its syntax.
+         Press(VK_HOME), Press(VK_RETURN, FCONTROL),
+         [&] {
+             EXPECT_EQ(before, EditorWindow::Text());
+             return true;
+         },
+         Press(VK_RIGHT), Press(VK_RIGHT), Press(VK_RETURN, FCONTROL), grown, Focused([] { return View(2); })});
+    EXPECT_NE(L"a b", text);
+}
+
+TEST_F(PaneKeysTest, AltAndADigitChooseThePage) {
+    EXPECT_EQ(L"a", InSteps(L"a", {Focus(Editor), Press('3', FALT), Focused([] { return View(2); }), Press('2', FALT),
+                                   Focused([] { return View(1); }), Press('4', FALT), Focused([] { return View(3); }),
+                                   Press('1', FALT), Focused(Tree0),
+                                   // A pane that is collapsed comes back.
+                                   [] {
+                                       EditorWindow::Choose(L"View", L"Object Browser");
+                                       EXPECT_EQ(0, LeftWidth());
+                                       return true;
+                                   },
+                                   Focus(Editor), Press('2', FALT), Focused([] { return View(1); }),
+                                   [] { return LeftWidth() > 0; }}));
+}
+
+TEST_F(PaneKeysTest, F6GoesFromPaneToPane) {
+    InSteps(L"a", {Focus(Editor), Press(VK_F6), Focused(Toolbar), Press(VK_F6), Focused(Tree0), Press(VK_F6),
+                   Focused(Editor), Press(VK_F6, FSHIFT), Focused(Tree0), Press(VK_F6, FSHIFT), Focused(Toolbar),
+                   Press(VK_F6, FSHIFT), Focused(Editor),
+                   // From one of its buttons to the SQL.
+                   Focus([] { return GetDlgItem(EditorWindow::Find(), 1011); }), Press(VK_F6), Focused(Editor),
+                   [] {
+                       EditorWindow::Choose(L"View", L"Object Browser");
+                       return true;
+                   },
+                   Focus(Toolbar), Press(VK_F6), Focused(Editor), Press(VK_F6), Focused(Toolbar)});
+}
+
+TEST_F(PaneKeysTest, TheSplitterMovesByKeys) {
+    int width = 0;
+    InSteps(L"a", {Focus(Editor),
+                   [&] {
+                       SetWindowPos(EditorWindow::Find(), nullptr, 0, 0, 900, 500, SWP_NOMOVE | SWP_NOZORDER);
+                       width = LeftWidth();
+                       return true;
+                   },
+                   Press(VK_RIGHT, FCONTROL | FALT), [&] { return LeftWidth() == width + 10; },
+                   Press(VK_LEFT, FCONTROL | FALT), [&] { return LeftWidth() == width; },
+                   [] {
+                       // As far as dragging goes: 1500 twips.
+                       for (int times = 0; times < 10; ++times) Key(VK_LEFT, FCONTROL | FALT);
+                       return true;
+                   },
+                   [] { return LeftWidth() == 100; }, [] { return LeftWidth() == 100; },
+                   Press(VK_RIGHT, FCONTROL | FALT), [] { return LeftWidth() == 110; }, Focused(Editor),
+                   [] {
+                       EditorWindow::Choose(L"View", L"Object Browser");
+                       return LeftWidth() == 0;
+                   },
+                   Press(VK_LEFT, FCONTROL | FALT), [] { return LeftWidth() == 0; }, Press(VK_RIGHT, FCONTROL | FALT),
+                   [] { return LeftWidth() == 110; },
+                   // The caret has not moved.
+                   [] { return Selection() == L"0-0"; }});
+}
