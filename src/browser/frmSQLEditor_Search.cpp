@@ -13,7 +13,6 @@
 // F12 in the editor and Ctrl+Shift+F: finds a node among those that were read. The host is not asked.
 namespace {
 
-constexpr const wchar_t* Module = L"frmSQLEditor";
 constexpr const wchar_t* OnlyRead = L" Branches that were not opened yet are not searched.";
 
 using namespace ReadNodes;
@@ -120,24 +119,4 @@ void frmSQLEditor::m_FindNextNode() {
         At = Following(At);
     }
     sbStatusBar.ShowNote(L"\"" + nodeText_ + L"\" is in no name of the object browser." + OnlyRead);
-}
-
-// F3 goes on where the search was, when it was in the tree; elsewhere it is Find Next.
-bool frmSQLEditor::KeyPreview(MSG& message) try {
-    if (message.message != WM_KEYDOWN) return false;
-    const bool Ctrl = GetKeyState(VK_CONTROL) < 0;
-    const bool Shift = GetKeyState(VK_SHIFT) < 0;
-    const bool Alt = GetKeyState(VK_MENU) < 0;
-    if (message.wParam == 'F' && Ctrl && Shift && !Alt) {
-        m_FindNode();
-        return true;
-    }
-    if (message.wParam == VK_F3 && !Ctrl && !Shift && !Alt && !nodeText_.empty() && trvDBObjects.HasFocus()) {
-        m_FindNextNode();
-        return true;
-    }
-    return false;
-} catch (...) {
-    ReportError(Module, L"KeyPreview");
-    return true;
 }

@@ -118,7 +118,6 @@ protected:
     bool Idle() override;
     bool KeyPreview(MSG& message) override;
     bool ToolMessage(MSG& message) override;
-    bool KeyPreview(MSG& message) override;
     void ToolsClose() noexcept override;
     void ColoursChanged() override;
     void MenuHighlighted(const MenuItem* Entry) override;

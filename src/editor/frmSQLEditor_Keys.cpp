@@ -30,6 +30,15 @@ bool frmSQLEditor::KeyPreview(MSG& message) try {
         m_NextPane(Shift);
         return true;
     }
+    if (Key == 'F' && Ctrl && Shift && !Alt) {
+        m_FindNode();
+        return true;
+    }
+    // F3 goes on where the search was, when it was in the tree; elsewhere it is Find Next.
+    if (Key == VK_F3 && !Ctrl && !Shift && !Alt && !nodeText_.empty() && trvDBObjects.HasFocus()) {
+        m_FindNextNode();
+        return true;
+    }
     if (Ctrl && Alt && !Shift && (Key == VK_LEFT || Key == VK_RIGHT)) {
         m_MoveSplitter(Key == VK_RIGHT ? SplitterStep : -SplitterStep);
         return true;
