@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "automation/Collection.h"
 #include "automation/DynamicObject.h"
 #include "automation/Object.h"
 #include "automation/RuntimeError.h"

@@ -6,7 +6,7 @@
 #include <algorithm>
 
 #include "automation/App.h"
-#include "automation/Collection.h"
+#include "automation/HostCollection.h"
 #include "automation/Object.h"
 #include "automation/RuntimeError.h"
 #include "automation/Version.h"

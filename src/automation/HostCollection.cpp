@@ -1,5 +1,6 @@
-#include "automation/Collection.h"
+#include "automation/HostCollection.h"
 #include "automation/HostContexts.h"
+#include "automation/RuntimeError.h"
 
 namespace {
 

@@ -4,6 +4,8 @@
 #include "forms/MsgBox.h"
 #include "forms/NotTopmost.h"
 #include "forms/Painting.h"
+#include "forms/WaitCursor.h"
+#include "shared/Vocabulary.h"
 
 namespace {
 
@@ -47,9 +49,9 @@ void frmSQLEditor::trvDBObjects_Expand(const Node& Node, bool Opened) try {
     if (Kind == modLists::NodeKind::Schemas) {
         modLists::PopulateDBObjSchemas(Nodes, Node);
     } else if (Kind == modLists::NodeKind::Tables) {
-        modLists::PopulateDBObjTablesViews(1, Nodes, Node, mnuViewSystem.Checked());
+        modLists::PopulateDBObjTablesViews(ObjectType::Tables, Nodes, Node, mnuViewSystem.Checked());
     } else if (Kind == modLists::NodeKind::Views) {
-        modLists::PopulateDBObjTablesViews(2, Nodes, Node, mnuViewSystem.Checked());
+        modLists::PopulateDBObjTablesViews(ObjectType::Views, Nodes, Node, mnuViewSystem.Checked());
     } else if (Kind == modLists::NodeKind::Columns) {
         modLists::PopulateDBObjColumns(Nodes, Node);
     }

@@ -1,20 +1,21 @@
 #include <vector>
 
-#include "automation/Collection.h"
+#include "automation/HostCollection.h"
+#include "automation/RuntimeError.h"
 #include "browser/modLists_Tree.h"
-#include "catalogue/modLists_Lists.h"
-#include "shared/modGlobal.h"
 #include "dictionary/clsDictionary.h"
 #include "editor/frmSQLEditor.h"
 #include "errors/modErrorHandler.h"
 #include "forms/MsgBox.h"
+#include "shared/Vocabulary.h"
+#include "shared/modGlobal.h"
+#include "sql/DatabaseTypes.h"
 
 namespace {
 
 constexpr const wchar_t* Module = L"modLists";
 // Stands for the connection's default schema.
 constexpr const wchar_t* CurrentSchema = L"Current Schema";
-constexpr long ActiveDirectory = 1;
 
 // Held for the time of a procedure: the host may give the component another dictionary meanwhile.
 std::shared_ptr<clsDictionary> Adapter() {
@@ -34,7 +35,7 @@ HWND MessageOwner() { return EditorForm != nullptr ? EditorForm->Handle() : null
 
 void TellThatThereIsNoDictionary() {
     const std::wstring Text =
-        DBType == ActiveDirectory
+        DBType == DatabaseType::ActiveDirectory
             ? L"Active directory does not support this feature. Use the LDAP path as table name. For example: select * "
               L"from "
               L"'LDAP://DC=example,DC=com'."
@@ -80,6 +81,13 @@ void AddProperty(Nodes& Nodes, const Node& Column, const Node& Properties, const
 
 }  // namespace
 
+std::wstring modLists::m_VntToStr(const Variant& Value) try {
+    return Value.IsNull() ? std::wstring(L"null") : Value.ToText();
+} catch (...) {
+    ReportError(Module, L"m_VntToStr");
+    return {};
+}
+
 void modLists::PopulateDBObjSchemas(::Nodes& Nodes, const ::Node& Node) try {
     const HostCollection Schemas = Adapter()->Schemas(L"", true);
     m_ClearNode(Nodes, Node);
@@ -107,8 +115,9 @@ void modLists::PopulateDBObjTablesViews(long ObjectType, ::Nodes& Nodes, const :
     m_ClearNode(Nodes, Node);
     const HostCollection Objects = Adapter()->Objects(ObjectType, SchemaName, L"", IncludeSys);
     Objects.ForEach([&](const Variant& Name) {
-        const ::Node Object = m_AddNode(Nodes, Name.ToText(), ObjectType == 1 ? NodeKind::Table : NodeKind::View,
-                                        Node.Index(), TreeRelationship::Child);
+        const ::Node Object =
+            m_AddNode(Nodes, Name.ToText(), ObjectType == ObjectType::Tables ? NodeKind::Table : NodeKind::View,
+                      Node.Index(), TreeRelationship::Child);
         AddDefaultDBObjectItems(Nodes, Object);
         return true;
     });

@@ -25,6 +25,9 @@ inline constexpr const wchar_t* Undefined = L"undefined";
 // Raised by m_AddNode, source the application title, when the tree holds as many nodes as it can.
 inline constexpr long NodeLimitError = -2147221502;  // ObjectErrorBase + 2
 
+// A value as it is shown: "null" for Null, else its ordinary text.
+std::wstring m_VntToStr(const Variant& Value);
+
 // Adds a node and sets its tag. The node that fills the tree up to its limit is added, and then NodeLimitError is
 // raised. Any other failure is reported and gives nothing.
 Node m_AddNode(Nodes& Nodes, const std::wstring& Text, const std::wstring& Tag,

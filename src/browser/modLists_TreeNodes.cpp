@@ -2,10 +2,10 @@
 
 #include "automation/RuntimeError.h"
 #include "browser/modLists_Tree.h"
-#include "shared/modGlobal.h"
 #include "dictionary/clsDictionary.h"
 #include "editor/frmSQLEditor.h"
 #include "errors/modErrorHandler.h"
+#include "shared/modGlobal.h"
 
 namespace {
 

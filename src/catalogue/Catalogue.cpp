@@ -6,11 +6,14 @@
 #include "catalogue/Catalogue_HostCommands.h"
 #include "catalogue/Catalogue_Oracle.h"
 #include "catalogue/Catalogue_SQLServer.h"
+#include "shared/Vocabulary.h"
+#include "sql/DatabaseTypes.h"
 
 namespace {
 
-constexpr long AnsiSQL = 1, DatabaseSpecific = 2, HostCommands = 3;  // lists
-constexpr long AnyDatabase = 0, Oracle = 4, SQLServer = 8;           // database types
+using CatalogueList::DatabaseSpecific, CatalogueList::HostCommands;
+constexpr long AnsiSQL = CatalogueList::AnsiSql;
+constexpr long AnyDatabase = 0, Oracle = DatabaseType::Oracle, SQLServer = DatabaseType::SqlServer;
 
 constexpr std::wstring_view NoCategory = L"";
 constexpr std::wstring_view SQLCommands = L"SQL Commands";

@@ -30,8 +30,8 @@ enum class TextRule {
 struct CatalogueSection {
     std::wstring_view Heading;
     long FirstId;
-    long list;                   // 1 ANSI SQL, 2 database-specific, 3 the host's own commands
-    long DBType;                 // 4 Oracle, 8 SQL Server, 0 any database
+    long list;                   // a CatalogueList
+    long DBType;                 // a DatabaseType, 0 any database
     std::wstring_view Category;  // of a database-specific section, else empty
     TextRule Rule;
     std::span<const CatalogueEntry> Entries;

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "automation/Collection.h"
+#include "automation/Variant.h"
 
 // One entry of the reference, or the record of the active item of the object browser. Filled once by Constructor and
 // only read afterwards. A getter that fails reports and returns an empty text or 0.

@@ -3,8 +3,8 @@
 #include "catalogue/Catalogue.h"
 #include "catalogue/clsListItem.h"
 #include "catalogue/modLists_Lists.h"
-#include "shared/modGlobal.h"
 #include "errors/modErrorHandler.h"
+#include "shared/modGlobal.h"
 
 namespace {
 constexpr const wchar_t* Module = L"modLists";

@@ -2,8 +2,6 @@
 
 #include <string>
 
-class Variant;
-
 // The catalogue and the panes that show it. (The object tree's half of this module is in browser/modLists_Tree.h.)
 namespace modLists {
 // Fills the catalogue with all its entries, in their order. Called once, at start-up, on the empty collection.
@@ -13,9 +11,6 @@ void CreateListItems();
 void m_CreateListItem(std::wstring Text, long list, long DBType, std::wstring Category, std::wstring Description,
                       std::wstring DragDrop, std::wstring SelectText, std::wstring InsertText, std::wstring UpdateText,
                       std::wstring DeleteText, std::wstring ExecuteText);
-
-// A value as it is shown: "null" for Null, else its ordinary text.
-std::wstring m_VntToStr(const Variant& Value);
 
 // The panes of the editor window. Each is emptied and filled from the catalogue.
 void PopulateAnsiSQLCommands();

@@ -1,10 +1,12 @@
 #include "catalogue/clsListItem.h"
 #include "catalogue/modLists_Lists.h"
-#include "shared/modGlobal.h"
 #include "dictionary/clsDictionary.h"
 #include "editor/frmSQLEditor.h"
 #include "errors/modErrorHandler.h"
 #include "forms/Painting.h"
+#include "shared/Vocabulary.h"
+#include "shared/modGlobal.h"
+#include "sql/DatabaseTypes.h"
 
 namespace {
 
@@ -24,11 +26,15 @@ void FillList(ListBox& List, long Number) {
 
 }  // namespace
 
-void modLists::PopulateAnsiSQLCommands() try { FillList(modGlobal::Window().lstAnsiSQL, 1); } catch (...) {
+void modLists::PopulateAnsiSQLCommands() try {
+    FillList(modGlobal::Window().lstAnsiSQL, CatalogueList::AnsiSql);
+} catch (...) {
     ReportError(Module, L"PopulateAnsiSQLCommands");
 }
 
-void modLists::PopulateKolvexCommands() try { FillList(modGlobal::Window().lstKolvex, 3); } catch (...) {
+void modLists::PopulateKolvexCommands() try {
+    FillList(modGlobal::Window().lstKolvex, CatalogueList::HostCommands);
+} catch (...) {
     ReportError(Module, L"PopulateKolvexCommands");
 }
 
@@ -38,7 +44,7 @@ void modLists::PopulateDatabaseSpecificCommands() try {
     Nodes.Clear();
     if (Dictionary == nullptr) return;
     if (!Dictionary->Connected()) return;
-    if (DBType == 4 || DBType == 8) {
+    if (DBType == DatabaseType::Oracle || DBType == DatabaseType::SqlServer) {
         for (const wchar_t* Category :
              {L"SQL Commands", L"Single Row Number Functions", L"Single Row Character Functions", L"Group Functions",
               L"Date Functions", L"Conversion Functions", L"Other Functions", L"Format Models", L"Pseudo Columns",
@@ -47,7 +53,7 @@ void modLists::PopulateDatabaseSpecificCommands() try {
         }
     }
     for (const auto& Entry : modGlobal::Catalogue()) {
-        if (Entry->list() != 2 || Entry->DBType() != DBType) continue;
+        if (Entry->list() != CatalogueList::DatabaseSpecific || Entry->DBType() != DBType) continue;
         const Node Added = Nodes.Add(Entry->Category(), TreeRelationship::Child, Variant::Missing(), Entry->Text());
         Added.SetTag(std::to_wstring(Entry->Id()));
     }

@@ -3,8 +3,8 @@
 
 #include "automation/Server.h"
 #include "component/clsSQLEditor.h"
+#include "forms/WindowClass.h"
 #include "shared/modGlobal.h"
-#include "forms/PictureBox.h"
 
 extern "C" BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, LPVOID processEnds) {
     if (reason == DLL_PROCESS_ATTACH) DisableThreadLibraryCalls(module);

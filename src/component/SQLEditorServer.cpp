@@ -12,10 +12,10 @@
 #include "brvSQLEditor_h.h"
 #include "brvSQLEditor_i.c"  // NOLINT(bugprone-suspicious-include): the identifiers, made once
 #include "component/clsSQLEditor.h"
-#include "shared/modGlobal.h"
 #include "errors/modErrorHandler.h"
 #include "forms/Events.h"
 #include "forms/Surroundings.h"
+#include "shared/modGlobal.h"
 
 // The door: clsSQLEditor as a COM object with a dual interface. Invoke is written by hand, since Display takes its text
 // in three ways and a type library marshaller refuses the one that every script engine uses (VT_BYREF | VT_VARIANT).

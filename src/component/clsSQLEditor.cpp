@@ -1,9 +1,9 @@
 #include "component/clsSQLEditor.h"
 
-#include "shared/modGlobal.h"
 #include "dictionary/clsDictionary.h"
 #include "editor/frmSQLEditor.h"
 #include "errors/modErrorHandler.h"
+#include "shared/modGlobal.h"
 
 namespace {
 

@@ -4,6 +4,7 @@
 #include "automation/RuntimeError.h"
 #include "errors/modErrorHandler.h"
 #include "forms/NotTopmost.h"
+#include "shared/Vocabulary.h"
 
 namespace {
 constexpr const wchar_t* Module = L"clsDictionary";

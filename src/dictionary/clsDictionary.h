@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "automation/Collection.h"
+#include "automation/HostCollection.h"
 
 // Adapter over the dictionary object of the host's database component: forwards by name, gives the arguments their
 // defaults, and decides which errors of the host go to the caller and which are reported.
@@ -35,10 +35,3 @@ public:
 private:
     Object dictionary_;
 };
-
-// The source and the numbers by which the host's database component tells of what its dictionary cannot do.
-namespace HostDatabaseError {
-inline constexpr const wchar_t* Source = L"brvADO";
-inline constexpr long NoDictionary = -2147221503;  // ObjectErrorBase + 1
-inline constexpr long NoColumns = -2147221494;     // ObjectErrorBase + 10
-}  // namespace HostDatabaseError

@@ -13,13 +13,13 @@
 #include "editor/NameList.h"
 #include "forms/Annotations.h"
 #include "forms/CommandButton.h"
-#include "forms/PictureBox.h"
 #include "forms/DropTarget.h"
 #include "forms/FileDialog.h"
 #include "forms/Form.h"
 #include "forms/Label.h"
 #include "forms/ListBox.h"
 #include "forms/Menu.h"
+#include "forms/PictureBox.h"
 #include "forms/PopupList.h"
 #include "forms/RichTextBox.h"
 #include "forms/StatusBar.h"
@@ -146,8 +146,13 @@ private:
 
     // ---- Controls
     void CreateMenus();
+    void CreatePanes();
     void CreateImages();
     void NameControls();
+    // What happens where: the events of the trees and lists, of the editor, and of what lies between the panes.
+    void WireViews();
+    void WireEditor();
+    void WirePanes();
     void m_PlaceSplitterFirst();
 
     // ---- Layout

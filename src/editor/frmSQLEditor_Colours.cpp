@@ -1,6 +1,6 @@
-#include "shared/modGlobal.h"
 #include "editor/frmSQLEditor.h"
 #include "errors/modErrorHandler.h"
+#include "shared/modGlobal.h"
 
 namespace {
 constexpr const wchar_t* Module = L"frmSQLEditor";

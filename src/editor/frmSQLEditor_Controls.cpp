@@ -5,27 +5,12 @@
 #include <algorithm>
 
 #include "automation/App.h"
+#include "editor/ControlIds.h"
 #include "editor/frmSQLEditor.h"
 #include "forms/Surroundings.h"
 #include "forms/Twips.h"
 
 namespace {
-
-// Control ids, for whoever drives the window from outside.
-enum ControlId {
-    IdToolbar = 1000,
-    IdStatusBar,
-    IdEditor,
-    IdDescription,
-    IdHide,
-    IdUnhide,
-    IdSplitter,
-    IdSplitterBar,
-    IdRight,
-    IdLeftButton = 1010,
-    IdLeftPage = 1020,
-    IdView = 1030,
-};
 
 constexpr WORD ReturnIcon = 2;
 constexpr float LeastFirstSplit = 2400;  // twips
@@ -76,67 +61,6 @@ std::wstring FixedPitchFace(HWND Window) {
 }
 
 }  // namespace
-
-void frmSQLEditor::CreateMenus() {
-    for (MenuItem* entry : {&mnuFileNew, &mnuFileOpen, &mnuFileSave, &mnuFileSaveAs}) mnuFile.Append(*entry);
-    mnuFile.AppendSeparator();
-    mnuFile.Append(mnuFilePrint);
-    mnuFile.AppendSeparator();
-    mnuFile.Append(mnuFileClose);
-
-    for (MenuItem* entry : {&mnuEditCut, &mnuEditCopy, &mnuEditPaste, &mnuEditDelete}) mnuEdit.Append(*entry);
-    mnuEdit.AppendSeparator();
-    for (MenuItem* entry : {&mnuEditMakeLowerCase, &mnuEditMakeUpperCase}) mnuEdit.Append(*entry);
-    mnuEdit.AppendSeparator();
-    for (MenuItem* entry : {&mnuFind, &mnuFindNext, &mnuEditReplace, &mnuEditGoto}) mnuEdit.Append(*entry);
-    mnuEdit.AppendSeparator();
-    for (MenuItem* entry : {&mnuEditSelectAll, &mnuEditTimeDate}) mnuEdit.Append(*entry);
-
-    for (MenuItem* entry : {&mnuActionSelect, &mnuActionInsert, &mnuActionUpdate, &mnuActionDelete, &mnuActionExecute,
-                            &mnuActionCreate, &mnuActionTasks}) {
-        mnuAction.Append(*entry);
-    }
-    for (MenuItem& task : mnuActionTask) mnuActionTasks.Append(task);
-
-    for (MenuItem* entry : {&mnuViewStatusBar, &mnuViewObjectBrowser, &mnuViewSystem}) mnuView.Append(*entry);
-    mnuViewStatusBar.SetChecked(true);
-    mnuViewObjectBrowser.SetChecked(true);
-
-    mnuFileNew.Click = [this] { mnuFileNew_Click(); };
-    mnuFileOpen.Click = [this] { mnuFileOpen_Click(); };
-    mnuFileSave.Click = [this] { mnuFileSave_Click(); };
-    mnuFileSaveAs.Click = [this] { mnuFileSaveAs_Click(); };
-    mnuFilePrint.Click = [this] { mnuFilePrint_Click(); };
-    mnuFileClose.Click = [this] { mnuFileClose_Click(); };
-    mnuEdit.Click = [this] { mnuEdit_Click(); };
-    mnuEditCut.Click = [this] { mnuEditCut_Click(); };
-    mnuEditCopy.Click = [this] { mnuEditCopy_Click(); };
-    mnuEditPaste.Click = [this] { mnuEditPaste_Click(); };
-    mnuEditDelete.Click = [this] { mnuEditDelete_Click(); };
-    mnuEditMakeLowerCase.Click = [this] { mnuEditMakeLowerCase_Click(); };
-    mnuEditMakeUpperCase.Click = [this] { mnuEditMakeUpperCase_Click(); };
-    mnuFind.Click = [this] { mnuFind_Click(); };
-    mnuFindNext.Click = [this] { mnuFindNext_Click(); };
-    mnuEditSelectAll.Click = [this] { mnuEditSelectAll_Click(); };
-    mnuEditTimeDate.Click = [this] { mnuEditTimeDate_Click(); };
-    mnuViewStatusBar.Click = [this] { mnuViewStatusBar_Click(); };
-    mnuViewSystem.Click = [this] { mnuViewSystem_Click(); };
-    mnuViewObjectBrowser.Click = [this] { mnuViewObjectBrowser_Click(); };
-
-    mnuAction.Click = [this] { mnuAction_Click(); };
-    mnuActionSelect.Click = [this] { mnuActionSelect_Click(); };
-    mnuActionInsert.Click = [this] { mnuActionInsert_Click(); };
-    mnuActionUpdate.Click = [this] { mnuActionUpdate_Click(); };
-    mnuActionDelete.Click = [this] { mnuActionDelete_Click(); };
-    mnuActionExecute.Click = [this] { mnuActionExecute_Click(); };
-    mnuActionCreate.Click = [this] { mnuActionCreate_Click(); };
-    for (size_t Index = 0; Index < mnuActionTask.size(); ++Index) {
-        mnuActionTask[Index].Click = [this, Index] { mnuActionTask_Click(static_cast<short>(Index)); };
-    }
-
-    for (MenuItem* menu : {&mnuFile, &mnuEdit, &mnuAction, &mnuView}) Menus.Append(*menu);
-    Menus.Create(Handle());
-}
 
 void frmSQLEditor::CreateImages() {
     const Surroundings surroundings;
@@ -191,11 +115,9 @@ void frmSQLEditor::NameControls() {
     accAnnotations.SetRole(picRight.Handle(), ROLE_SYSTEM_GROUPING);
 }
 
-void frmSQLEditor::CreateControls() {
+// The order of creation is the order of the Tab key.
+void frmSQLEditor::CreatePanes() {
     const HWND Window = Handle();
-    CreateMenus();
-
-    // The order of creation is the order of the Tab key.
     tlbToolbar.Create(Window, IdToolbar);
     for (int Index = 0; Index < 4; ++Index) {
         static constexpr const wchar_t* Captions[] = {L"Database Objects", L"ANSI SQL", L"Database Specific",
@@ -227,14 +149,9 @@ void frmSQLEditor::CreateControls() {
     sbStatusBar.KeepRoom(ChangedPanel, ChangedText);
     sbStatusBar.SetPanelTip(ZoomPanel, L"Ctrl+Plus, Ctrl+Minus, Ctrl+0");
     m_ShowFileFormat();  // a panel of a bar that shows is painted at once
-    dlgCommonDialog.Filter = L"SQL Files (*.sql;*.txt)|*.sql;*.txt|Rich Text (*.rtf)|*.rtf|All Files (*.*)|*.*";
-    dlgCommonDialog.DefaultExt = L"sql";
+}
 
-    tlbToolbar.ButtonClick = [this](const Toolbar::Button& Button) { tlbToolbar_ButtonClick(Button); };
-    NameControls();
-    CreateImages();
-    tlbToolbar.AddButton({L"return", L"Return SQL to Kolvex", L"Close the editor and return the SQL to Kolvex", 0});
-
+void frmSQLEditor::WireViews() {
     trvDBObjects.Expand = [this](const Node& Node) { trvDBObjects_Expand(Node, true); };
     trvDBObjects.Collapse = [this](const Node& Node) { trvDBObjects_Collapse(Node); };
     trvDBObjects.NodeClick = [this](const Node& Node) { trvDBObjects_NodeClick(Node); };
@@ -264,6 +181,9 @@ void frmSQLEditor::CreateControls() {
                           static_cast<Control*>(&trvDatabaseSpecific)}) {
         View->ContextMenu = [this](const POINT& At) { m_ReferenceContextMenu(At); };
     }
+}
+
+void frmSQLEditor::WireEditor() {
     rtbSQL.ContextMenu = [this](const POINT& At) { rtbSQL_ContextMenu(At); };
     rtbSQL.PasteRequested = [this] { mnuEditPaste_Click(); };
     rtbSQL.CopyRequested = [this] { rtbSQL_CopyRequested(); };
@@ -282,7 +202,9 @@ void frmSQLEditor::CreateControls() {
     rtbSQL.DragDrop = [this](Control& Source, float X, float Y) { rtbSQL_DragDrop(Source, X, Y); };
     rtbSQL.AcceptsDrag = [this](Control& Source) { return m_CanDrop(Source); };
     rtbSQL.OLEDragDrop = [this](const DroppedData& Data) { rtbSQL_OLEDragDrop(Data); };
+}
 
+void frmSQLEditor::WirePanes() {
     picHide.Click = [this] { picHide_Click(); };
     picHide.Paint = [](HDC Context, const RECT& Client) {
         PaintBox(Context, Client);
@@ -308,6 +230,22 @@ void frmSQLEditor::CreateControls() {
     lstAnsiSQL.SetMouseEdges(0, Edge);
     trvDatabaseSpecific.SetMouseEdges(0, Edge);
     lstKolvex.SetMouseEdges(0, Edge);
+}
+
+void frmSQLEditor::CreateControls() {
+    CreateMenus();
+    CreatePanes();
+    dlgCommonDialog.Filter = L"SQL Files (*.sql;*.txt)|*.sql;*.txt|Rich Text (*.rtf)|*.rtf|All Files (*.*)|*.*";
+    dlgCommonDialog.DefaultExt = L"sql";
+
+    tlbToolbar.ButtonClick = [this](const Toolbar::Button& Button) { tlbToolbar_ButtonClick(Button); };
+    NameControls();
+    CreateImages();
+    tlbToolbar.AddButton({L"return", L"Return SQL to Kolvex", L"Close the editor and return the SQL to Kolvex", 0});
+
+    WireViews();
+    WireEditor();
+    WirePanes();
 
     // As cmdLeft_Click leaves them, which finds nothing to change when the window is shown for the first time.
     for (size_t At = 1; At < picLeft.size(); ++At) picLeft[At].SetEnabled(false);

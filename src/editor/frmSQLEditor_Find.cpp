@@ -4,7 +4,7 @@
 #include "editor/frmSQLEditor.h"
 #include "errors/modErrorHandler.h"
 #include "forms/DialogTemplate.h"
-#include "forms/Surroundings.h"
+#include "forms/Dpi.h"
 
 // The windows of Ctrl+H and Ctrl+G. Positions are the control's, a line end being one character.
 namespace {

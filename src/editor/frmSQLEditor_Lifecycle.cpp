@@ -5,14 +5,14 @@
 #include "automation/Text.h"
 #include "browser/modLists_Tree.h"
 #include "catalogue/modLists_Lists.h"
-#include "shared/modGlobal.h"
-#include "editor/modWinAPI.h"
 #include "dictionary/clsDictionary.h"
 #include "editor/frmSQLEditor.h"
+#include "editor/modWinAPI.h"
 #include "errors/modErrorHandler.h"
 #include "forms/Flagged.h"
 #include "forms/PlainText.h"
 #include "forms/Settings.h"
+#include "shared/modGlobal.h"
 
 namespace {
 

@@ -1,10 +1,10 @@
 #include "errors/modErrorHandler.h"
 
 #include "automation/App.h"
-#include "shared/modGlobal.h"
 #include "errors/clsErrorHandler.h"
 #include "forms/NotTopmost.h"
 #include "forms/Painting.h"
+#include "shared/modGlobal.h"
 
 namespace {
 

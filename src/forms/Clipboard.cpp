@@ -5,7 +5,7 @@
 #include <memory>
 
 #include "automation/RuntimeError.h"
-#include "forms/Rtf.h"
+#include "forms/RichEdit.h"
 
 namespace {
 

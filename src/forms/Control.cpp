@@ -8,6 +8,7 @@
 
 #include "automation/App.h"
 #include "automation/RuntimeError.h"
+#include "forms/Dpi.h"
 #include "forms/Events.h"
 #include "forms/Form.h"
 #include "forms/Messages.h"

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "forms/Surroundings.h"
+#include "forms/Dpi.h"
 #include "forms/Twips.h"
 
 namespace {

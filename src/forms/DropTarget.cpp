@@ -8,7 +8,7 @@
 #include <string_view>
 
 #include "automation/Server.h"
-#include "forms/Rtf.h"
+#include "forms/RichEdit.h"
 
 namespace {
 

@@ -10,11 +10,12 @@
 #include "automation/App.h"
 #include "automation/HostContexts.h"
 #include "automation/RuntimeError.h"
-#include "forms/PictureBox.h"
+#include "forms/Dpi.h"
 #include "forms/Events.h"
 #include "forms/Messages.h"
 #include "forms/Surroundings.h"
 #include "forms/Twips.h"
+#include "forms/WindowClass.h"
 
 namespace {
 

@@ -3,6 +3,7 @@
 #include "automation/App.h"
 #include "automation/RuntimeError.h"
 #include "forms/DialogTemplate.h"
+#include "forms/Dpi.h"
 #include "forms/Events.h"
 #include "forms/Surroundings.h"
 

@@ -1,46 +1,10 @@
 #include "forms/PictureBox.h"
 
-#include <vector>
-
-#include "automation/App.h"
-#include "automation/RuntimeError.h"
 #include "forms/Events.h"
+#include "forms/WindowClass.h"
 
 namespace {
-
 constexpr const wchar_t* PictureBoxClass = L"brvPictureBox";
-
-struct Registered {
-    const wchar_t* Name;
-};
-
-std::vector<Registered>& Classes() {
-    static std::vector<Registered> classes;
-    return classes;
-}
-
-}  // namespace
-
-void RegisterWindowClass(const wchar_t* name, WNDPROC procedure, UINT style) {
-    WNDCLASSEXW windowClass{};
-    windowClass.cbSize = sizeof windowClass;
-    if (GetClassInfoExW(App::Module(), name, &windowClass)) return;
-    windowClass = {};
-    windowClass.cbSize = sizeof windowClass;
-    windowClass.style = style;
-    windowClass.lpfnWndProc = procedure;
-    windowClass.hInstance = App::Module();
-    windowClass.hCursor = LoadCursorW(nullptr, IDC_ARROW);
-    windowClass.hbrBackground = reinterpret_cast<HBRUSH>(static_cast<INT_PTR>(COLOR_BTNFACE + 1));
-    windowClass.lpszClassName = name;
-    windowClass.hIcon = LoadIconW(App::Module(), MAKEINTRESOURCEW(1));
-    if (RegisterClassExW(&windowClass) == 0) RaiseSystemError(ErrorNumber::OutOfMemory, GetLastError());
-    Classes().push_back({name});
-}
-
-void UnregisterWindowClasses() noexcept {
-    for (const Registered& registered : Classes()) UnregisterClassW(registered.Name, App::Module());
-    Classes().clear();
 }
 
 void PictureBox::Create(HWND container, int id, DWORD style, DWORD exStyle) {

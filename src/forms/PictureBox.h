@@ -24,7 +24,3 @@ private:
     HCURSOR cursor_ = nullptr;
     bool clicking_ = false;  // the left button went down here and is held
 };
-
-// Window classes are registered once a module, and given back when the module goes.
-void RegisterWindowClass(const wchar_t* name, WNDPROC procedure, UINT style);
-void UnregisterWindowClasses() noexcept;

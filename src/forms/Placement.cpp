@@ -5,7 +5,7 @@
 
 #include "automation/RuntimeError.h"
 #include "automation/SystemLibrary.h"
-#include "forms/Surroundings.h"
+#include "forms/Dpi.h"
 #include "forms/Twips.h"
 
 namespace {

@@ -11,7 +11,7 @@
 #include "forms/Events.h"
 #include "forms/Messages.h"
 #include "forms/PlainText.h"
-#include "forms/Rtf.h"
+#include "forms/RichEdit.h"
 #include "forms/RichTextSize.h"
 #include "forms/ThemedBorder.h"
 

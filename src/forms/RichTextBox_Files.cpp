@@ -6,8 +6,9 @@
 #include "automation/RuntimeError.h"
 #include "automation/Text.h"
 #include "forms/PlainText.h"
-#include "forms/Rtf.h"
+#include "forms/RichEdit.h"
 #include "forms/RichTextBox.h"
+#include "forms/Rtf.h"
 
 namespace {
 
@@ -125,7 +126,7 @@ void RichTextBox::SetRichText(std::string_view rtf) {
     // Whatever is wrong with it is found out where nothing can be lost.
     std::wstring text;
     std::string cleaned;
-    if (!IsRichText(rtf) || !ForControl(rtf, cleaned) || !ReadRichText(rtf, text)) RaiseError(InvalidFileFormat);
+    if (!IsRichText(rtf) || !SanitizeRtf(rtf, cleaned) || !ReadRichText(rtf, text)) RaiseError(InvalidFileFormat);
     bool counts = true;
     {
         const Filling filling(filling_);

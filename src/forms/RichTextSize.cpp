@@ -5,8 +5,9 @@
 #include <cmath>
 
 #include "automation/App.h"
+#include "forms/Dpi.h"
 #include "forms/Handles.h"
-#include "forms/Rtf.h"
+#include "forms/RichEdit.h"
 #include "forms/Surroundings.h"
 
 float RichTextCorrection(int measured, int expected, UINT dpi, UINT systemDpi) noexcept {

@@ -7,7 +7,7 @@
 #include <utility>
 
 #include "automation/RuntimeError.h"
-#include "forms/Surroundings.h"
+#include "forms/Dpi.h"
 #include "forms/Twips.h"
 
 namespace {

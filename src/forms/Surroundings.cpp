@@ -3,14 +3,9 @@
 #include <iterator>
 
 #include "automation/App.h"
+#include "forms/UserFunction.h"
 
 namespace {
-
-template <class Function>
-Function UserFunction(const char* name) noexcept {
-    const HMODULE user = GetModuleHandleW(L"user32.dll");
-    return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(user, name)));
-}
 
 // A DLL keeps its manifest as resource 2, a program as resource 1. Made once a module and never released: an activation
 // context is a small thing, and windows that are still to be made may need it until the module goes.
@@ -53,35 +48,4 @@ Surroundings::Surroundings() noexcept : activeContext_(ModuleContext()) {
 
 Surroundings::~Surroundings() {
     if (dpiContext_ != nullptr) SetThreadContext()(static_cast<DPI_AWARENESS_CONTEXT>(dpiContext_));
-}
-
-UINT DpiOf(HWND window) noexcept {
-    static const auto forWindow = UserFunction<UINT(WINAPI*)(HWND)>("GetDpiForWindow");
-    if (forWindow != nullptr && window != nullptr) {
-        if (const UINT dpi = forWindow(window)) return dpi;
-    }
-    const HDC screen = GetDC(nullptr);
-    const int dpi = GetDeviceCaps(screen, LOGPIXELSX);
-    ReleaseDC(nullptr, screen);
-    return dpi > 0 ? static_cast<UINT>(dpi) : 96U;
-}
-
-int SystemMetricFor(int index, UINT dpi) noexcept {
-    static const auto forDpi = UserFunction<int(WINAPI*)(int, UINT)>("GetSystemMetricsForDpi");
-    if (forDpi != nullptr) return forDpi(index, dpi);
-    return MulDiv(GetSystemMetrics(index), static_cast<int>(dpi), static_cast<int>(DpiOf(nullptr)));
-}
-
-NONCLIENTMETRICSW MetricsFor(UINT dpi) noexcept {
-    static const auto forDpi = UserFunction<BOOL(WINAPI*)(UINT, UINT, PVOID, UINT, UINT)>("SystemParametersInfoForDpi");
-    NONCLIENTMETRICSW metrics{};
-    metrics.cbSize = sizeof metrics;
-    if (forDpi != nullptr && forDpi(SPI_GETNONCLIENTMETRICS, sizeof metrics, &metrics, 0, dpi)) return metrics;
-    SystemParametersInfoW(SPI_GETNONCLIENTMETRICS, sizeof metrics, &metrics, 0);
-    const auto screen = static_cast<int>(DpiOf(nullptr));
-    for (LOGFONTW* font :
-         {&metrics.lfMessageFont, &metrics.lfMenuFont, &metrics.lfStatusFont, &metrics.lfCaptionFont}) {
-        font->lfHeight = MulDiv(font->lfHeight, static_cast<int>(dpi), screen);
-    }
-    return metrics;
 }

@@ -3,7 +3,7 @@
 #include <uxtheme.h>
 #include <vsstyle.h>
 
-#include "forms/Surroundings.h"
+#include "forms/Dpi.h"
 
 void PaintThemedBorder(HWND window) noexcept {
     // Before the theme is opened: without that style there is no border.

@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "automation/RuntimeError.h"
-#include "forms/Surroundings.h"
 #include "forms/Tooltip.h"
 #include "forms/Twips.h"
 

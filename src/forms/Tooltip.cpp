@@ -5,6 +5,7 @@
 #include <cstddef>
 
 #include "automation/App.h"
+#include "forms/Dpi.h"
 #include "forms/Surroundings.h"
 #include "forms/Twips.h"
 

@@ -11,6 +11,7 @@
 #include "forms/Events.h"
 #include "forms/NotTopmost.h"
 #include "forms/Painting.h"
+#include "forms/WaitCursor.h"
 
 namespace {
 
@@ -205,17 +206,52 @@ LRESULT TreeView::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
         }
         return 0;
     }
+    Answer answer;
     switch (message) {
         case WM_SETREDRAW:
             if (wParam != 0) nodes_.OrderMirrors();
             break;
+        case WM_LBUTTONDOWN:
+        case WM_LBUTTONUP:
+        case WM_MOUSEMOVE:
+        case WM_CAPTURECHANGED:
+        case WM_RBUTTONDOWN:
+            answer = OnMouse(message, wParam, lParam);
+            break;
+        case WM_SETFOCUS:
+            return OnFocus(wParam, lParam);
+        case WM_KEYDOWN:
+            answer = OnKeyDown(wParam);
+            break;
+        case WM_CHAR:
+            // Keys with a meaning of their own are not looked for among the texts.
+            if (wParam == L'*' || wParam == L' ' || wParam == L'\r') return 0;
+            break;
+        case TVM_EXPAND:
+        case TVM_DELETEITEM:
+        case TVM_SELECTITEM:
+            if (!quiet_) answer = FromAProgram(message, wParam, lParam);
+            break;
+        case TVM_SETITEMA:
+        case TVM_SETITEMW:
+            // An item's parameter leads to its node.
+            if (lParam == 0 || (reinterpret_cast<const TVITEMW*>(lParam)->mask & TVIF_PARAM) != 0) return FALSE;
+            break;
+        default:
+            break;
+    }
+    return answer ? *answer : Control::OnMessage(message, wParam, lParam);
+}
+
+TreeView::Answer TreeView::OnMouse(UINT message, WPARAM wParam, LPARAM lParam) {
+    switch (message) {
         case WM_LBUTTONDOWN: {
             // By itself the control waits in a loop of its own for the button to come up or to be dragged away, and
             // tells of a click before it selects or after, by its version. An expand button stays its own.
             bool button = false;
             const Node node = NodeAt(lParam, button);
             clicking_ = false;
-            if (button) break;
+            if (button) return {};
             RaiseMouse(MouseDown, MouseButton::Left, lParam);
             SetFocus();
             before_ = SelectedItem();
@@ -226,7 +262,7 @@ LRESULT TreeView::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
             return 0;
         }
         case WM_LBUTTONUP: {
-            if (!clicking_) break;
+            if (!clicking_) return {};
             clicking_ = false;
             before_ = Node();
             const Node node = std::exchange(clicked_, Node());
@@ -236,62 +272,66 @@ LRESULT TreeView::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
             return 0;
         }
         case WM_MOUSEMOVE:
-            if (!clicking_) break;
+            if (!clicking_) return {};
             RaiseMouse(MouseMove, MouseButtons(wParam), lParam);
             return 0;
-        case WM_CAPTURECHANGED:
-            if (reinterpret_cast<HWND>(lParam) != Handle()) ForgetClick();
-            break;
         case WM_RBUTTONDOWN:
             // The control would wait in a loop of its own here too.
             SetFocus();
             RaiseMouse(MouseDown, MouseButton::Right, lParam);
             return 0;
-        case WM_SETFOCUS: {
-            const bool selected = static_cast<bool>(SelectedItem());
-            LRESULT result;
-            {
-                const Quiet quiet(quiet_);
-                result = Control::OnMessage(message, wParam, lParam);
-            }
-            if (!selected && !focusing_ && SelChange) {
-                if (const Node first = SelectedItem()) SelChange(first);
-            }
-            return result;
-        }
-        case WM_KEYDOWN:
-            if (wParam >= VK_PRIOR && wParam <= VK_DOWN && !SelectedItem()) {
-                // Nothing to move from: the keys begin at the first node.
-                if (nodes_.Count() == 0) break;
-                const Node first = nodes_.Item(1).FirstSibling();
-                SetSelectedItem(first);
-                if (NodeClick) NodeClick(first);
-                return 0;
-            }
-            if (wParam == VK_MULTIPLY) {
-                if (const Node selected = SelectedItem()) ExpandAll(selected);
-                return 0;
-            }
-            if (wParam == VK_RETURN || wParam == VK_SPACE) {
-                // What a click on the selected node is to the mouse.
-                const Node selected = SelectedItem();
-                if (selected && NodeClick) NodeClick(selected);
-                return 0;
-            }
-            break;
-        case WM_CHAR:
-            // Keys with a meaning of their own are not looked for among the texts.
-            if (wParam == L'*' || wParam == L' ' || wParam == L'\r') return 0;
-            break;
+        default:  // WM_CAPTURECHANGED
+            if (reinterpret_cast<HWND>(lParam) != Handle()) ForgetClick();
+            return {};
+    }
+}
+
+LRESULT TreeView::OnFocus(WPARAM wParam, LPARAM lParam) {
+    const bool selected = static_cast<bool>(SelectedItem());
+    LRESULT result;
+    {
+        const Quiet quiet(quiet_);
+        result = Control::OnMessage(WM_SETFOCUS, wParam, lParam);
+    }
+    if (!selected && !focusing_ && SelChange) {
+        if (const Node first = SelectedItem()) SelChange(first);
+    }
+    return result;
+}
+
+TreeView::Answer TreeView::OnKeyDown(WPARAM key) {
+    const Node selected = SelectedItem();
+    if (key >= VK_PRIOR && key <= VK_DOWN && !selected) {
+        // Nothing to move from: the keys begin at the first node.
+        if (nodes_.Count() == 0) return {};
+        const Node first = nodes_.Item(1).FirstSibling();
+        SetSelectedItem(first);
+        if (NodeClick) NodeClick(first);
+        return 0;
+    }
+    if (key == VK_MULTIPLY) {
+        if (selected) ExpandAll(selected);
+        return 0;
+    }
+    if (key == VK_RETURN || key == VK_SPACE) {
+        // What a click on the selected node is to the mouse.
+        if (selected && NodeClick) NodeClick(selected);
+        return 0;
+    }
+    return {};
+}
+
+TreeView::Answer TreeView::FromAProgram(UINT message, WPARAM wParam, LPARAM lParam) {
+    switch (message) {
         case TVM_EXPAND: {
-            // From another program: the control itself tells of it at the first time alone, and not of closing.
-            if (quiet_ || lParam == 0) break;
+            // The control itself tells of it at the first time alone, and not of closing.
+            if (lParam == 0) return {};
             TVITEMW item{};
             item.mask = TVIF_PARAM | TVIF_STATE | TVIF_HANDLE;
             item.hItem = reinterpret_cast<HTREEITEM>(lParam);
             item.stateMask = TVIS_EXPANDED;
             const WPARAM action = wParam & TVE_TOGGLE;
-            if (action == 0 || !Original(TVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&item))) break;
+            if (action == 0 || !Original(TVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&item))) return {};
             const bool shown = (item.state & TVIS_EXPANDED) != 0;
             const bool open = action == TVE_TOGGLE ? !shown : action == TVE_EXPAND;
             if (open == shown) return FALSE;
@@ -302,15 +342,9 @@ LRESULT TreeView::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
         }
         case TVM_DELETEITEM:
             // Items come and go with their nodes alone.
-            if (!quiet_) return FALSE;
-            break;
-        case TVM_SETITEMA:
-        case TVM_SETITEMW:
-            // An item's parameter leads to its node.
-            if (lParam == 0 || (reinterpret_cast<const TVITEMW*>(lParam)->mask & TVIF_PARAM) != 0) return FALSE;
-            break;
+            return FALSE;
         case TVM_SELECTITEM: {
-            if (quiet_ || wParam != TVGN_CARET) break;
+            if (wParam != TVGN_CARET) return {};
             const Node before = SelectedItem();
             LRESULT result;
             {
@@ -324,9 +358,8 @@ LRESULT TreeView::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
             return result;
         }
         default:
-            break;
+            return {};
     }
-    return Control::OnMessage(message, wParam, lParam);
 }
 
 bool TreeView::OnReflected(UINT message, WPARAM, LPARAM lParam, LRESULT& result) {

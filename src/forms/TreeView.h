@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 
 #include "forms/Control.h"
 #include "forms/Nodes.h"
@@ -75,6 +76,13 @@ private:
     void ExpandAll(const Node& node);
     // Whether the message is input, from the user or from another program, that is refused now.
     bool Refuses(UINT message) const noexcept;
+    // What OnMessage answers; nothing: the control does what it does with the message.
+    using Answer = std::optional<LRESULT>;
+    Answer OnMouse(UINT message, WPARAM wParam, LPARAM lParam);
+    LRESULT OnFocus(WPARAM wParam, LPARAM lParam);
+    Answer OnKeyDown(WPARAM key);
+    // What another program, such as a screen reader, asks of the control: it is to do as the user does.
+    Answer FromAProgram(UINT message, WPARAM wParam, LPARAM lParam);
     // Raises SelChange when something else is selected than `before`.
     void TellFrom(const Node& before);
     void ForgetClick();  // the button comes up elsewhere, or drags

@@ -1,5 +1,7 @@
 #include "sql/Dialect.h"
 
+#include "sql/DatabaseTypes.h"
+
 namespace Sql {
 
 namespace {
@@ -69,24 +71,24 @@ constexpr Dialect postgres = {.NestedComments = true, .DollarQuotes = true, .Esc
 
 const Dialect& DialectOf(long dbType) noexcept {
     switch (dbType) {
-        case 2:
+        case DatabaseType::Informix:
             return informix;
-        case 4:
+        case DatabaseType::Oracle:
             return oracle;
-        case 8:
-        case 26:  // Adaptive Server Enterprise
+        case DatabaseType::SqlServer:
+        case DatabaseType::AdaptiveServer:
             return sqlServer;
-        case 13:
+        case DatabaseType::Db2:
             return db2;
-        case 17:
+        case DatabaseType::MySql:
             return mySql;
-        case 24:
+        case DatabaseType::Access:
             return access;
-        case 27:
+        case DatabaseType::Postgres:
             return postgres;
-        case 28:
+        case DatabaseType::Firebird:
             return firebird;
-        case 40:
+        case DatabaseType::SqlAnywhere:
             return sqlAnywhere;
         default:
             return common;

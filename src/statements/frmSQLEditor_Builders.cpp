@@ -6,9 +6,9 @@
 #include <utility>
 
 #include "browser/modLists_Tree.h"
-#include "shared/modGlobal.h"
 #include "editor/frmSQLEditor.h"
 #include "errors/modErrorHandler.h"
+#include "shared/modGlobal.h"
 #include "statements/Dialects.h"
 
 // Statements for a node of the object browser. Each reads the tree as it stands and asks the host for nothing but

@@ -1,14 +1,15 @@
 #include "automation/App.h"
 #include "browser/modLists_Tree.h"
 #include "catalogue/clsListItem.h"
-#include "shared/modGlobal.h"
 #include "editor/frmSQLEditor.h"
 #include "errors/modErrorHandler.h"
 #include "forms/MsgBox.h"
 #include "forms/PlainText.h"
+#include "forms/RichEdit.h"
 #include "forms/Rtf.h"
 #include "forms/TextFile.h"
 #include "forms/Twips.h"
+#include "shared/modGlobal.h"
 
 namespace {
 
