@@ -7,11 +7,10 @@
 #include <optional>
 
 #include "Bench.h"
-#include "support/EditorTree.h"
-#include "support/Fakes.h"
 #include "RawWindow.h"
 #include "Shown.h"
 #include "sql/Lexer.h"
+#include "support/Component.h"
 
 // What the colours cost: taking a text apart, the time until they are there, and typing where they are.
 namespace {

@@ -3,9 +3,9 @@
 #include <optional>
 
 #include "Bench.h"
-#include "support/Browsed.h"
 #include "RawWindow.h"
 #include "Shown.h"
+#include "support/Browsed.h"
 
 // The way to a window that the user sees: from the call of Display on an object that has none yet until everything is
 // painted, against a window that is made and shown by bare calls and shows the same: classes, styles, places, fonts,

@@ -8,9 +8,9 @@
 #include <string>
 
 #include "Bench.h"
-#include "support/Browsed.h"
 #include "RawWindow.h"
 #include "Shown.h"
+#include "support/Browsed.h"
 
 // What the window costs in memory while it shows many tables, against a window of bare controls that shows the same.
 // Each side has processes of its own, so that nothing of the other is in its heap: this program, started again for a

@@ -5,9 +5,8 @@
 #include <cstdio>
 #include <map>
 
-#include "support/EditorTree.h"
-#include "support/Fakes.h"
 #include "forms/Surroundings.h"
+#include "support/Component.h"
 
 // ---- the plan
 

@@ -3,7 +3,7 @@
 #include <functional>
 
 #include "Bench.h"
-#include "support/Fakes.h"
+#include "support/Component.h"
 
 // Runs a step in the moment when the editor's window waits for its first message: shown, not yet painted. No timer,
 // whose interval would be in the measurement.

@@ -2,8 +2,8 @@
 #include <commctrl.h>
 
 #include "Bench.h"
-#include "support/Browsed.h"
 #include "Shown.h"
+#include "support/Browsed.h"
 
 // All statements of a folder. They are built for Create too, which inserts nothing when the host's dialog is cancelled:
 // what the editor takes for the text is measured elsewhere.

@@ -5,10 +5,10 @@
 #include <optional>
 
 #include "Bench.h"
-#include "support/EditorTree.h"
-#include "support/Fakes.h"
 #include "RawWindow.h"
 #include "Shown.h"
+#include "support/Component.h"
+#include "support/EditorTree.h"
 
 // The way of the SQL through the editor, against a rich edit control of the same styles in a window that shows the
 // same, which gets and gives the text the fastest way.

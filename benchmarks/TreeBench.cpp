@@ -2,8 +2,8 @@
 #include <commctrl.h>
 
 #include "Bench.h"
+#include "automation/HostCollection.h"
 #include "support/Browsed.h"
-#include "automation/Collection.h"
 
 // The object browser against a raw tree control that gets the same items, from the same collections of the same host.
 // The component is the built DLL, worked by messages.

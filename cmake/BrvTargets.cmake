@@ -142,11 +142,16 @@ function(brv_add_program name)
     target_link_libraries(${name} PRIVATE ${arg_LIBRARIES})
 endfunction()
 
-# brv_add_test(<name> SOURCES ... [RC x.rc] [LIBRARIES ...] [LABELS ...] [ARGUMENTS ...] [TIMEOUT seconds])
+# brv_add_test(<name> SOURCES ... [APP] [RC x.rc] [LIBRARIES ...] [LABELS ...] [ARGUMENTS ...] [TIMEOUT seconds])
 # A GoogleTest program and one ctest entry for it: each start of Wine costs more than most tests. It is linked with what is in
-# tests/support, whose main function it has unless a source brings one. The label is the last folder of the caller's path.
+# tests/support, whose main function it has unless a source brings one. With APP it is a program with a title, its name, and a
+# version, 1.2.3 (see automation/App.h). The label is the last folder of the caller's path.
 function(brv_add_test name)
-    cmake_parse_arguments(PARSE_ARGV 1 arg "" "TIMEOUT" "SOURCES;RC;LIBRARIES;LABELS;ARGUMENTS")
+    cmake_parse_arguments(PARSE_ARGV 1 arg "APP" "TIMEOUT" "SOURCES;RC;LIBRARIES;LABELS;ARGUMENTS")
+    if(arg_APP)
+        configure_file(${CMAKE_SOURCE_DIR}/cmake/TestApp.cpp.in ${CMAKE_BINARY_DIR}/generated/${name}App.cpp @ONLY)
+        list(APPEND arg_SOURCES ${CMAKE_BINARY_DIR}/generated/${name}App.cpp)
+    endif()
     add_executable(${name} ${arg_SOURCES} ${brv_heap_sweep} ${arg_RC})
     brv_resource_inputs(${arg_RC})
     target_include_directories(${name} PRIVATE ${CMAKE_CURRENT_SOURCE_DIR})

@@ -1,7 +1,8 @@
 #pragma once
 
+#include "support/Component.h"
 #include "support/EditorTree.h"
-#include "support/Fakes.h"
+#include "support/Menus.h"
 
 // A host whose dictionary holds a few schemas with two tables and two views each, so that the object browser has
 // something to show.
@@ -59,13 +60,6 @@ protected:
     }
     void Type(long code) {
         Database.Members[L"DBType"] = [code](const Arguments&) { return Variant(code); };
-    }
-
-    // Shows the window on `sql` and runs `work` inside; returns the text that came back.
-    std::wstring Inside(const std::function<void()>& work, const std::wstring& sql = L"select 1") {
-        const Object editor = Dll.Create();
-        editor.Call(L"Constructor", Database.Make());
-        return DisplayAndClose(editor, sql, work);
     }
 
     EditorTree Tree;

@@ -1,5 +1,6 @@
 #include "support/Dialogs.h"
 
+#include <gtest/gtest.h>
 #include <commctrl.h>
 #include <dlgs.h>
 
@@ -9,6 +10,7 @@
 namespace {
 
 std::map<UINT_PTR, Dialogs*> all;
+BoxAnswerer* answerer = nullptr;
 
 std::wstring TextOf(HWND window) {
     wchar_t text[2000]{};
@@ -34,6 +36,30 @@ HWND Waiting() {
         },
         reinterpret_cast<LPARAM>(&found));
     return found;
+}
+
+std::wstring IconOf(HWND box) {
+    for (HWND child = GetWindow(box, GW_CHILD); child != nullptr; child = GetWindow(child, GW_HWNDNEXT)) {
+        const auto icon = reinterpret_cast<HICON>(SendMessageW(child, STM_GETICON, 0, 0));
+        wchar_t name[20]{};
+        GetClassNameW(child, name, 20);
+        if (lstrcmpiW(name, L"Static") != 0 || icon == nullptr) continue;
+        if (icon == LoadIconW(nullptr, IDI_INFORMATION)) return L"information";
+        if (icon == LoadIconW(nullptr, IDI_EXCLAMATION)) return L"exclamation";
+        if (icon == LoadIconW(nullptr, IDI_QUESTION)) return L"question";
+        return icon == LoadIconW(nullptr, IDI_HAND) ? L"hand" : L"another";
+    }
+    return L"none";
+}
+
+int ButtonsOf(HWND box) {
+    int buttons = 0;
+    for (HWND child = GetWindow(box, GW_CHILD); child != nullptr; child = GetWindow(child, GW_HWNDNEXT)) {
+        wchar_t name[20]{};
+        GetClassNameW(child, name, 20);
+        buttons += lstrcmpiW(name, L"Button") == 0 && (GetWindowLongW(child, GWL_STYLE) & WS_VISIBLE) != 0 ? 1 : 0;
+    }
+    return buttons;
 }
 
 // Where a file dialog takes the name: a field of its own or that of a list of names.
@@ -110,92 +136,26 @@ void Dialogs::Look() {
     PostMessageW(dialog, WM_COMMAND, static_cast<WPARAM>(answer.Button), 0);
 }
 
-Folder::Folder() {
-    wchar_t temporary[MAX_PATH];
-    GetTempPathW(MAX_PATH, temporary);
-    path_ = std::wstring(temporary) + L"sql files " + std::to_wstring(GetCurrentProcessId()) + L"\\";
-    CreateDirectoryW(path_.c_str(), nullptr);
+BoxAnswerer::BoxAnswerer(int button) : Button(button) {
+    answerer = this;
+    timer_ = SetTimer(nullptr, 0, 20, [](HWND, UINT, UINT_PTR, DWORD) WINAPI {
+        const HWND box = FindWindowW(L"#32770", nullptr);
+        if (box == nullptr || answerer == nullptr || !IsWindowVisible(box)) return;
+        wchar_t text[1000]{};
+        GetWindowTextW(box, text, 1000);
+        answerer->Title = text;
+        GetDlgItemTextW(box, 0xFFFF, text, 1000);
+        answerer->Text = text;
+        answerer->All.push_back(answerer->Title + L": " + answerer->Text);
+        answerer->Icon = IconOf(box);
+        answerer->Owner = GetWindow(box, GW_OWNER);
+        answerer->Buttons = ButtonsOf(box);
+        ++answerer->Boxes;
+        SendMessageW(box, WM_COMMAND, static_cast<WPARAM>(answerer->Button), 0);
+    });
 }
 
-Folder::~Folder() {
-    for (const std::wstring& name : List()) {
-        SetFileAttributesW((path_ + name).c_str(), FILE_ATTRIBUTE_NORMAL);
-        DeleteFileW((path_ + name).c_str());
-        RemoveDirectoryW((path_ + name).c_str());
-    }
-    RemoveDirectoryW(path_.c_str());
-}
-
-std::vector<std::wstring> Folder::List() const {
-    std::vector<std::wstring> names;
-    WIN32_FIND_DATAW found{};
-    const HANDLE search = FindFirstFileW((path_ + L"*").c_str(), &found);
-    if (search == INVALID_HANDLE_VALUE) return names;
-    do {
-        const std::wstring name = found.cFileName;
-        if (name != L"." && name != L"..") names.push_back(name);
-    } while (FindNextFileW(search, &found));
-    FindClose(search);
-    std::sort(names.begin(), names.end());
-    return names;
-}
-
-std::wstring Folder::Names() const {
-    std::wstring all;
-    for (const std::wstring& name : List()) all += name + L"|";
-    return all;
-}
-
-std::string BytesOf(const std::wstring& path) {
-    const HANDLE file = CreateFileW(path.c_str(), GENERIC_READ, 7, nullptr, OPEN_EXISTING, 0, nullptr);
-    if (file == INVALID_HANDLE_VALUE) return "<none>";
-    std::string bytes(GetFileSize(file, nullptr), '\0');
-    DWORD read = 0;
-    ReadFile(file, bytes.data(), static_cast<DWORD>(bytes.size()), &read, nullptr);
-    CloseHandle(file);
-    EXPECT_EQ(bytes.size(), read);
-    return bytes;
-}
-
-void PutBytes(const std::wstring& path, const std::string& bytes) {
-    const HANDLE file = CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
-    DWORD written = 0;
-    WriteFile(file, bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr);
-    CloseHandle(file);
-    ASSERT_EQ(bytes.size(), written);
-}
-
-std::wstring FilesFixture::Inside(const std::wstring& sql, const std::function<void()>& steps) {
-    const Object editor = Dll.Create();
-    editor.Call(L"Constructor", Database.Make());
-    return DisplayAndClose(editor, sql, steps);
-}
-
-void FilesFixture::Type(const std::wstring& text) {
-    const HWND editor = EditorWindow::Editor();
-    SendMessageW(editor, EM_SETSEL, 0x7FFFFFFF, 0x7FFFFFFF);
-    SendMessageW(editor, EM_REPLACESEL, TRUE, reinterpret_cast<LPARAM>(text.c_str()));
-}
-
-void FilesFixture::Load(const std::wstring& path) {
-    Dialogs dialogs;
-    dialogs.File(path);
-    Open();
-    ASSERT_EQ(1U, dialogs.All.size());
-    ASSERT_EQ(L"SQL Editor - " + path.substr(path.find_last_of(L'\\') + 1), EditorWindow::Caption());
-}
-
-bool FilesFixture::Modified() {
-    const std::wstring text = EditorWindow::Text();
-    Dialogs dialogs;
-    dialogs.Cancel();  // Open asks or shows its dialog: both are cancelled
-    Open();
-    EXPECT_EQ(text, EditorWindow::Text());
-    return dialogs.All.size() == 1 && dialogs.All[0].Name.empty() && dialogs.All[0].Buttons.size() == 3;
-}
-
-std::wstring FilesFixture::FormatPanel() {
-    wchar_t text[200]{};
-    SendMessageW(EditorWindow::Child(STATUSCLASSNAMEW), SB_GETTEXTW, 2, reinterpret_cast<LPARAM>(text));
-    return text;
+BoxAnswerer::~BoxAnswerer() {
+    KillTimer(nullptr, timer_);
+    answerer = nullptr;
 }

@@ -1,9 +1,9 @@
 #pragma once
 
+#include <windows.h>
+
 #include <string>
 #include <vector>
-
-#include "support/Fakes.h"
 
 // Answers the message boxes and file dialogs that come up while it lives, in their order. One that nobody expects is a
 // failure and is closed, and so is an answer that nobody asked for.
@@ -43,40 +43,24 @@ private:
     UINT_PTR timer_;
 };
 
-// A folder of its own that goes with everything in it.
-class Folder {
+// Answers the message boxes that come while it lives, each with a button (IDOK, IDYES, ...), and keeps what they said.
+class BoxAnswerer {
 public:
-    Folder();
-    ~Folder();
-    Folder(const Folder&) = delete;
-    Folder& operator=(const Folder&) = delete;
-
-    std::wstring operator/(const wchar_t* name) const { return path_ + name; }
-    std::wstring Names() const;  // of the files in it, each followed by a bar
+    explicit BoxAnswerer(int button = IDOK);
+    ~BoxAnswerer();
+    BoxAnswerer(const BoxAnswerer&) = delete;
+    BoxAnswerer& operator=(const BoxAnswerer&) = delete;
+    int Boxes = 0;
+    std::wstring Text;
+    std::wstring Title;
+    std::vector<std::wstring> All;  // "title: text" of each
+    // Of the last one: "information", "exclamation", "question", "hand" or "none"; the window that it belongs to; how
+    // many buttons it has.
+    std::wstring Icon;
+    HWND Owner = nullptr;
+    int Buttons = 0;
+    int Button;
 
 private:
-    std::vector<std::wstring> List() const;
-    std::wstring path_;
-};
-
-std::string BytesOf(const std::wstring& path);
-void PutBytes(const std::wstring& path, const std::string& bytes);
-
-// The window's File menu, with the dialogs answered.
-class FilesFixture : public ComponentFixture {
-protected:
-    // Shows the window on the text, runs the steps in it, and closes it. Reports are left in Errors.
-    std::wstring Inside(const std::wstring& sql, const std::function<void()>& steps);
-    static void New() { EditorWindow::Choose(L"File", L"New"); }
-    static void Open() { EditorWindow::Choose(L"File", L"Open..."); }
-    static void Save() { EditorWindow::Choose(L"File", L"Save"); }
-    static void SaveAs() { EditorWindow::Choose(L"File", L"Save As..."); }
-    static void Type(const std::wstring& text);  // at the end
-    // Opens a file that must come in.
-    void Load(const std::wstring& path);
-    // Whether New would ask; the text is kept when it does.
-    bool Modified();
-    static std::wstring FormatPanel();
-
-    Folder Here;
+    UINT_PTR timer_;
 };

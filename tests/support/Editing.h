@@ -1,20 +1,15 @@
 #pragma once
 
-#include <windows.h>
-#include <richedit.h>
+#include <cstring>
 
 #include "support/Browsed.h"
 
 class EditingFixture : public BrowsedFixture {
 protected:
-    static void SelectText(LONG from, LONG to) {
-        CHARRANGE range{from, to};
-        SendMessageW(EditorWindow::Editor(), EM_EXSETSEL, 0, reinterpret_cast<LPARAM>(&range));
-    }
+    static void SelectText(LONG from, LONG to) { EditorWindow::Select(from, to); }
     // "from-to", as the control counts.
     static std::wstring Selection() {
-        CHARRANGE range{};
-        SendMessageW(EditorWindow::Editor(), EM_EXGETSEL, 0, reinterpret_cast<LPARAM>(&range));
+        const CHARRANGE range = EditorWindow::Selection();
         return std::to_wstring(range.cpMin) + L"-" + std::to_wstring(range.cpMax);
     }
     static void Choose(const wchar_t* entry) { EditorWindow::Choose(L"Edit", entry); }

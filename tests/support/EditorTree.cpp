@@ -1,20 +1,21 @@
 #include "support/EditorTree.h"
 
+#include <gtest/gtest.h>
+
 #include <cstring>
 
-#include "support/Fakes.h"
+#include "editor/ControlIds.h"
+#include "support/EditorWindow.h"
 
-HWND View(int page) { return GetDlgItem(GetDlgItem(EditorWindow::Find(), 1020 + page), 1030 + page); }
+HWND View(int page) { return GetDlgItem(EditorWindow::Control(IdLeftPage + page), IdView + page); }
 
-void ShowPage(int page) { SendMessageW(GetDlgItem(EditorWindow::Find(), 1010 + page), BM_CLICK, 0, 0); }
+void ShowPage(int page) { SendMessageW(EditorWindow::Control(IdLeftButton + page), BM_CLICK, 0, 0); }
 
 std::wstring Description() {
     wchar_t text[4000]{};
-    GetWindowTextW(GetDlgItem(EditorWindow::Find(), 1003), text, 4000);
+    GetWindowTextW(EditorWindow::Control(IdDescription), text, 4000);
     return text;
 }
-
-// ---- EditorTree
 
 HWND EditorTree::Handle() const { return View(view_); }
 
@@ -103,121 +104,4 @@ void EditorTree::Open(HTREEITEM item) const {
 void EditorTree::Shut(HTREEITEM item) const {
     Select(item);
     Key(VK_LEFT);
-}
-
-// ---- menus
-
-namespace {
-
-std::wstring EntriesOf(HMENU menu) {
-    std::wstring entries;
-    for (int at = 0; at < GetMenuItemCount(menu); ++at) {
-        wchar_t text[200]{};
-        GetMenuStringW(menu, static_cast<UINT>(at), text, 200, MF_BYPOSITION);
-        const UINT state = GetMenuState(menu, static_cast<UINT>(at), MF_BYPOSITION);
-        if ((state & MF_SEPARATOR) != 0 && (state & MF_POPUP) == 0) continue;
-        std::wstring caption(text);
-        caption = caption.substr(0, caption.find(L'\t'));
-        for (size_t mark; (mark = caption.find(L'&')) != std::wstring::npos;) caption.erase(mark, 1);
-        if (!entries.empty()) entries += L"|";
-        entries += caption + ((state & (MF_GRAYED | MF_DISABLED)) != 0 ? L"-" : L"+");
-        if (const HMENU below = GetSubMenu(menu, at)) entries += L"[" + EntriesOf(below) + L"]";
-    }
-    return entries;
-}
-
-BoxAnswerer* answerer = nullptr;
-MenuCatcher* catcher = nullptr;
-
-}  // namespace
-
-std::wstring MenuEntries(const wchar_t* menu) {
-    const HMENU bar = GetMenu(EditorWindow::Find());
-    for (int at = 0; at < GetMenuItemCount(bar); ++at) {
-        wchar_t text[200]{};
-        GetMenuStringW(bar, static_cast<UINT>(at), text, 200, MF_BYPOSITION);
-        if (std::wstring(text) == std::wstring(L"&") + menu) return EntriesOf(GetSubMenu(bar, at));
-    }
-    return L"<no such menu>";
-}
-
-namespace {
-
-std::wstring IconOf(HWND box) {
-    for (HWND child = GetWindow(box, GW_CHILD); child != nullptr; child = GetWindow(child, GW_HWNDNEXT)) {
-        const auto icon = reinterpret_cast<HICON>(SendMessageW(child, STM_GETICON, 0, 0));
-        wchar_t name[20]{};
-        GetClassNameW(child, name, 20);
-        if (lstrcmpiW(name, L"Static") != 0 || icon == nullptr) continue;
-        if (icon == LoadIconW(nullptr, IDI_INFORMATION)) return L"information";
-        if (icon == LoadIconW(nullptr, IDI_EXCLAMATION)) return L"exclamation";
-        if (icon == LoadIconW(nullptr, IDI_QUESTION)) return L"question";
-        return icon == LoadIconW(nullptr, IDI_HAND) ? L"hand" : L"another";
-    }
-    return L"none";
-}
-
-int ButtonsOf(HWND box) {
-    int buttons = 0;
-    for (HWND child = GetWindow(box, GW_CHILD); child != nullptr; child = GetWindow(child, GW_HWNDNEXT)) {
-        wchar_t name[20]{};
-        GetClassNameW(child, name, 20);
-        buttons += lstrcmpiW(name, L"Button") == 0 && (GetWindowLongW(child, GWL_STYLE) & WS_VISIBLE) != 0 ? 1 : 0;
-    }
-    return buttons;
-}
-
-}  // namespace
-
-BoxAnswerer::BoxAnswerer(int button) : Button(button) {
-    answerer = this;
-    timer_ = SetTimer(nullptr, 0, 20, [](HWND, UINT, UINT_PTR, DWORD) WINAPI {
-        const HWND box = FindWindowW(L"#32770", nullptr);
-        if (box == nullptr || answerer == nullptr || !IsWindowVisible(box)) return;
-        wchar_t text[1000]{};
-        GetWindowTextW(box, text, 1000);
-        answerer->Title = text;
-        GetDlgItemTextW(box, 0xFFFF, text, 1000);
-        answerer->Text = text;
-        answerer->All.push_back(answerer->Title + L": " + answerer->Text);
-        answerer->Icon = IconOf(box);
-        answerer->Owner = GetWindow(box, GW_OWNER);
-        answerer->Buttons = ButtonsOf(box);
-        ++answerer->Boxes;
-        SendMessageW(box, WM_COMMAND, static_cast<WPARAM>(answerer->Button), 0);
-    });
-}
-
-BoxAnswerer::~BoxAnswerer() {
-    KillTimer(nullptr, timer_);
-    answerer = nullptr;
-}
-
-MenuCatcher::MenuCatcher() {
-    catcher = this;
-    hook_ = SetWindowsHookExW(
-        WH_CALLWNDPROC,
-        [](int code, WPARAM wParam, LPARAM lParam) WINAPI -> LRESULT {
-            const auto& message = *reinterpret_cast<const CWPSTRUCT*>(lParam);
-            if (code == HC_ACTION && catcher != nullptr && message.message == WM_INITMENUPOPUP) {
-                ++catcher->Menus;
-                catcher->Entries = EntriesOf(reinterpret_cast<HMENU>(message.wParam));
-            }
-            return CallNextHookEx(nullptr, code, wParam, lParam);
-        },
-        nullptr, GetCurrentThreadId());
-    timer_ = SetTimer(nullptr, 0, 20, [](HWND, UINT, UINT_PTR, DWORD) WINAPI {
-        const HWND shown = FindWindowW(L"#32768", nullptr);
-        if (shown == nullptr || catcher == nullptr) return;
-        RECT place;
-        GetWindowRect(shown, &place);
-        catcher->At = {place.left, place.top};
-        EndMenu();
-    });
-}
-
-MenuCatcher::~MenuCatcher() {
-    UnhookWindowsHookEx(hook_);
-    KillTimer(nullptr, timer_);
-    catcher = nullptr;
 }

@@ -1,11 +1,12 @@
 #include "support/TestData.h"
 
+#include <gtest/gtest.h>
 #include <shellapi.h>
 #include <shlobj.h>
 
 #include <cstring>
 
-#include "support/Fakes.h"
+#include "support/EditorWindow.h"
 
 TestData& TestData::AddFiles(const std::vector<std::wstring>& files) {
     DROPFILES header{};

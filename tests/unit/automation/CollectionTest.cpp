@@ -1,8 +1,9 @@
 #include "automation/Collection.h"
+#include "automation/HostCollection.h"
 
 #include <gtest/gtest.h>
 
-#include "Fakes.h"
+#include "FakeDispatch.h"
 #include "automation/App.h"
 
 namespace {
@@ -71,15 +72,6 @@ public:
     FakeEnumerator Enumerator;
     bool Fresh = false;
 };
-
-std::wstring Joined(const HostCollection& collection) {
-    std::wstring texts;
-    collection.ForEach([&texts](const Variant& item) {
-        texts += item.ToText() + L"|";
-        return true;
-    });
-    return texts;
-}
 
 HostCollection Of(IDispatch* object) { return HostCollection(Variant(object)); }
 

@@ -4,9 +4,9 @@
 
 #include <stdexcept>
 
-#include "Fakes.h"
+#include "FakeDispatch.h"
 #include "automation/App.h"
-#include "automation/Collection.h"
+#include "automation/HostCollection.h"
 
 namespace {
 

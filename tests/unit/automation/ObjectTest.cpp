@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "automation/App.h"
-#include "Fakes.h"
+#include "FakeDispatch.h"
 
 namespace {
 

@@ -7,7 +7,7 @@
 #include <stdexcept>
 
 #include "automation/App.h"
-#include "Fakes.h"
+#include "FakeDispatch.h"
 
 namespace {
 

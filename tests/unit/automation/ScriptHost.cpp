@@ -2,25 +2,14 @@
 
 #include <map>
 
+#include "support/CountedObject.h"
 #include "automation/RuntimeError.h"
 
-class ScriptHost::Site : public IActiveScriptSite {
+class ScriptHost::Site : public CountedObject<IActiveScriptSite, 1> {
 public:
     std::map<std::wstring, Object> Objects;
     RuntimeError Failure;
 
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {
-        *object = iid == IID_IUnknown || iid == __uuidof(IActiveScriptSite) ? this : nullptr;
-        if (*object == nullptr) return E_NOINTERFACE;
-        AddRef();
-        return S_OK;
-    }
-    ULONG STDMETHODCALLTYPE AddRef() override { return ++references_; }
-    ULONG STDMETHODCALLTYPE Release() override {
-        const ULONG left = --references_;
-        if (left == 0) delete this;
-        return left;
-    }
     HRESULT STDMETHODCALLTYPE GetLCID(LCID* lcid) override {
         *lcid = LOCALE_USER_DEFAULT;
         return S_OK;
@@ -49,7 +38,6 @@ public:
 
 private:
     virtual ~Site() = default;
-    ULONG references_ = 1;
 };
 
 ScriptHost::ScriptHost(const wchar_t* language) : site_(new Site) {

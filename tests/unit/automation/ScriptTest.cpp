@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 
-#include "Fakes.h"
+#include "FakeDispatch.h"
 #include "ScriptHost.h"
-#include "automation/Collection.h"
+#include "automation/HostCollection.h"
 #include "automation/DynamicObject.h"
 
 // Objects that scripts make, as hosts of ours: a class of VBScript, an object of JScript.
@@ -122,15 +122,6 @@ Object Basic(ScriptHost& script, const wchar_t* name = L"theHost") {
 Object JScript(ScriptHost& script, const wchar_t* name = L"host") {
     script.Run(ScriptObject);
     return script.Evaluate(name).ToObject();
-}
-
-std::wstring Joined(const HostCollection& collection) {
-    std::wstring texts;
-    collection.ForEach([&texts](const Variant& item) {
-        texts += item.ToText() + L"|";
-        return true;
-    });
-    return texts;
 }
 
 }  // namespace

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "Fakes.h"
+#include "FakeDispatch.h"
 #include "automation/DynamicObject.h"
 
 // Registration is tested in a key of our own that stands in for the hives, so that nothing is left behind.

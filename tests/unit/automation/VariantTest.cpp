@@ -6,7 +6,7 @@
 
 #include "automation/App.h"
 #include "automation/Object.h"
-#include "Fakes.h"
+#include "FakeDispatch.h"
 
 namespace {
 

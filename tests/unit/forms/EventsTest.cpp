@@ -1,8 +1,9 @@
 #include "forms/Events.h"
 
-#include "support/Expect.h"
 #include "forms/CommandButton.h"
 #include "forms/PictureBox.h"
+#include "support/Errors.h"
+#include "support/TopWindow.h"
 
 namespace {
 

@@ -2,10 +2,10 @@
 
 #include <functional>
 
-#include "support/Expect.h"
 #include "forms/CommandButton.h"
 #include "forms/RichTextBox.h"
 #include "forms/Twips.h"
+#include "support/Errors.h"
 
 namespace {
 

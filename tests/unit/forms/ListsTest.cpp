@@ -1,10 +1,11 @@
 #include <windows.h>
 #include <commctrl.h>
 
-#include "support/Expect.h"
 #include "forms/Label.h"
 #include "forms/ListBox.h"
 #include "forms/StatusBar.h"
+#include "support/Errors.h"
+#include "support/TopWindow.h"
 
 TEST(ListBox, KeepsRowsAndTheirNumbers) {
     TopWindow top;

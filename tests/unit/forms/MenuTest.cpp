@@ -1,6 +1,6 @@
 #include "forms/Menu.h"
 
-#include "support/Expect.h"
+#include "support/TopWindow.h"
 
 namespace {
 

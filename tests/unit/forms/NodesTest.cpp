@@ -6,8 +6,9 @@
 #include <random>
 #include <vector>
 
-#include "support/Expect.h"
 #include "forms/TreeView.h"
+#include "support/Errors.h"
+#include "support/TopWindow.h"
 
 namespace {
 

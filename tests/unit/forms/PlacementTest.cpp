@@ -4,8 +4,8 @@
 
 #include <ostream>
 
-#include "support/Expect.h"
 #include "forms/Twips.h"
+#include "support/Errors.h"
 
 bool operator==(const RECT& one, const RECT& other) { return EqualRect(&one, &other) != FALSE; }
 

@@ -1,7 +1,8 @@
 #include <windowsx.h>
 
-#include "support/Expect.h"
 #include "forms/EdgeScroll.h"
+#include "forms/WindowClass.h"
+#include "support/TopWindow.h"
 
 // ---- where a menu opens
 

@@ -2,8 +2,9 @@
 
 #include <richedit.h>
 
-#include "support/Expect.h"
 #include "forms/PlainText.h"
+#include "support/Errors.h"
+#include "support/TopWindow.h"
 
 using namespace std::string_literals;
 

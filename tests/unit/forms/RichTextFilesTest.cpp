@@ -1,9 +1,11 @@
 #include <windows.h>
 #include <richedit.h>
 
-#include "support/Expect.h"
-#include "forms/Rtf.h"
+#include "forms/RichEdit.h"
 #include "forms/RichTextBox.h"
+#include "forms/Rtf.h"
+#include "support/Errors.h"
+#include "support/TopWindow.h"
 
 using namespace std::string_literals;
 

@@ -3,8 +3,8 @@
 #include <initializer_list>
 #include <string>
 
-#include "support/Expect.h"
 #include "forms/RichTextBox.h"
+#include "support/TopWindow.h"
 
 namespace {
 

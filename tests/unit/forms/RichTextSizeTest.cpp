@@ -3,9 +3,8 @@
 #include <gtest/gtest.h>
 #include <richedit.h>
 
-#include "support/Expect.h"
 #include "forms/RichTextBox.h"
-#include "forms/Surroundings.h"
+#include "support/TopWindow.h"
 
 // A font of 10 points whose lines are 16 pixels high at 96 dots per inch.
 

@@ -5,8 +5,8 @@
 #include <algorithm>
 #include <map>
 
-#include "support/Expect.h"
 #include "forms/RichTextBox.h"
+#include "support/TopWindow.h"
 
 // How characters are shown is no content: what leaves the control is the same with it and without.
 namespace {

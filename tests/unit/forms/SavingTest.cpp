@@ -8,9 +8,9 @@
 #include <memory>
 #include <set>
 
-#include "support/Expect.h"
-#include "support/Folder.h"
 #include "forms/TextFile.h"
+#include "support/Errors.h"
+#include "support/Folder.h"
 
 // What somebody else who may write to the folder can do to a file while it is saved, and what is left there.
 namespace {
@@ -181,9 +181,9 @@ TEST(SavingTest, NobodyKnowsTheNameOfTheFileBesideBefore) {
 
 TEST(SavingTest, WhatIsThereUnderTheNameIsNeverWrittenThrough) {
     const Folder folder;
-    Put(folder / L"kept.sql", "old");
-    Put(folder / L"victim.txt", "precious");
-    Put(folder / L"1.tmp", "of somebody else");
+    PutBytes(folder / L"kept.sql", "old");
+    PutBytes(folder / L"victim.txt", "precious");
+    PutBytes(folder / L"1.tmp", "of somebody else");
     ASSERT_TRUE(CreateHardLinkW((folder / L"2.tmp").c_str(), (folder / L"victim.txt").c_str(), nullptr));
     ASSERT_TRUE(CreateDirectoryW((folder / L"3.tmp").c_str(), nullptr));
     const Link toVictim(folder, L"4.tmp", L"victim.txt");
@@ -221,7 +221,7 @@ TEST(SavingTest, WhatOthersDoMeanwhileLeavesNothingBehind) {
     const Folder folder;
     const std::wstring path = folder / L"kept.sql";
     const Names kept{L"kept.sql"};
-    Put(path, "old");
+    PutBytes(path, "old");
     // A name is asked for when all has been looked at, and another one when the new file is written.
     for (const int when : {0, 1}) {
         HANDLE held = INVALID_HANDLE_VALUE;
@@ -245,7 +245,7 @@ TEST(SavingTest, WhatOthersDoMeanwhileLeavesNothingBehind) {
         TextFile::Write(path, "new", When{when, [&] { EXPECT_TRUE(DeleteFileW(path.c_str())); }});
         EXPECT_EQ("new", BytesOf(path));
         EXPECT_EQ(kept, folder.Names());
-        Put(path, "old");
+        PutBytes(path, "old");
 
         // A folder is in its place.
         const When folderComes{when, [&] {
@@ -255,14 +255,14 @@ TEST(SavingTest, WhatOthersDoMeanwhileLeavesNothingBehind) {
         EXPECT_EQ(75, NumberOf([&] { TextFile::Write(path, "new", folderComes); }));
         EXPECT_EQ(kept, folder.Names());
         EXPECT_TRUE(RemoveDirectoryW(path.c_str()));
-        Put(path, "old");
+        PutBytes(path, "old");
     }
     // The folder is gone.
     ASSERT_TRUE(CreateDirectoryW((folder / L"sub").c_str(), nullptr));
     const When removes{0, [&] { EXPECT_TRUE(RemoveDirectoryW((folder / L"sub").c_str())); }};
     EXPECT_EQ(76, NumberOf([&] { TextFile::Write(folder / L"sub\\kept.sql", "new", removes); }));
     // Somebody else was faster with a new file.
-    const When faster{0, [&] { Put(folder / L"new.sql", "of somebody else"); }};
+    const When faster{0, [&] { PutBytes(folder / L"new.sql", "of somebody else"); }};
     EXPECT_EQ(58, NumberOf([&] { TextFile::Write(folder / L"new.sql", "mine", faster); }));
     EXPECT_EQ("of somebody else", BytesOf(folder / L"new.sql"));
     EXPECT_EQ((Names{L"kept.sql", L"new.sql"}), folder.Names());
@@ -270,7 +270,7 @@ TEST(SavingTest, WhatOthersDoMeanwhileLeavesNothingBehind) {
 
 TEST(SavingTest, OtherHardLinksKeepTheOldText) {
     const Folder folder;
-    Put(folder / L"kept.sql", "old");
+    PutBytes(folder / L"kept.sql", "old");
     ASSERT_TRUE(CreateHardLinkW((folder / L"other.sql").c_str(), (folder / L"kept.sql").c_str(), nullptr));
     TextFile::Write(folder / L"other.sql", "new");
     EXPECT_EQ("old", BytesOf(folder / L"kept.sql"));
@@ -281,7 +281,7 @@ TEST(SavingTest, OtherHardLinksKeepTheOldText) {
 TEST(SavingTest, ThroughASymbolicLinkTheFileBehindItIsReplacedInItsOwnFolder) {
     const Folder folder;
     ASSERT_TRUE(CreateDirectoryW((folder / L"real").c_str(), nullptr));
-    Put(folder / L"real\\kept.sql", "old");
+    PutBytes(folder / L"real\\kept.sql", "old");
     const Link link(folder, L"link.sql", L"real\\kept.sql");
     if (link.Made) {
         EXPECT_EQ("old", BytesOf(folder / L"link.sql"));
@@ -293,7 +293,7 @@ TEST(SavingTest, ThroughASymbolicLinkTheFileBehindItIsReplacedInItsOwnFolder) {
         EXPECT_EQ(1U, behind.Made().count(L"1.tmp"));
         EXPECT_EQ("new", BytesOf(folder / L"real\\kept.sql"));
         // Still a link: it shows whatever the file says.
-        Put(folder / L"real\\kept.sql", "newer");
+        PutBytes(folder / L"real\\kept.sql", "newer");
         EXPECT_EQ("newer", BytesOf(folder / L"link.sql"));
     }
     EXPECT_TRUE(DeleteFileW((folder / L"real\\kept.sql").c_str()));

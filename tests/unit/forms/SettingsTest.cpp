@@ -2,7 +2,7 @@
 
 #include <windows.h>
 
-#include "support/Expect.h"
+#include "support/Errors.h"
 
 namespace {
 

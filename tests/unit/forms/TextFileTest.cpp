@@ -2,7 +2,7 @@
 
 #include <windows.h>
 
-#include "support/Expect.h"
+#include "support/Errors.h"
 #include "support/Folder.h"
 
 using TextFile::Encoding;
@@ -151,7 +151,7 @@ TEST(TextFile, TellsWhyAFileCannotBeRead) {
     EXPECT_EQ(52, NumberOf([&] { TextFile::Read(L""); }));
     EXPECT_EQ(52, NumberOf([&] { TextFile::Read(L"a\0b"s); }));
     EXPECT_EQ(75, NumberOf([&] { TextFile::Read(L"NUL"); }));
-    Put(folder / L"locked.sql", "x");
+    PutBytes(folder / L"locked.sql", "x");
     const HANDLE held =
         CreateFileW((folder / L"locked.sql").c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
     EXPECT_EQ(70, NumberOf([&] { TextFile::Read(folder / L"locked.sql"); }));
@@ -200,7 +200,7 @@ TEST(TextFile, RefusesAFileThatIsTooLargeAtOnce) {
     const DWORD before = GetTickCount();
     EXPECT_EQ(7, NumberOf([&] { TextFile::Read(path); }));
     EXPECT_LT(GetTickCount() - before, 1000U);
-    Put(path, "12345678");
+    PutBytes(path, "12345678");
     EXPECT_EQ(7, NumberOf([&] { TextFile::Read(path, 7); }));
     EXPECT_EQ(L"12345678", TextFile::Read(path, 8).Text);
 }
@@ -208,7 +208,7 @@ TEST(TextFile, RefusesAFileThatIsTooLargeAtOnce) {
 TEST(TextFile, AFailureToWriteLeavesEverythingAsItWas) {
     const Folder folder;
     const std::wstring path = folder / L"kept.sql";
-    Put(path, "old");
+    PutBytes(path, "old");
 
     ASSERT_TRUE(SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_READONLY));
     EXPECT_EQ(75, NumberOf([&] { TextFile::Write(path, "new"); }));
@@ -232,7 +232,7 @@ TEST(TextFile, AFailureToWriteLeavesEverythingAsItWas) {
 TEST(TextFile, ANewTextTakesTheOldOnesPlaceAndAttributes) {
     const Folder folder;
     const std::wstring path = folder / L"kept.sql";
-    Put(path, "old");
+    PutBytes(path, "old");
     ASSERT_TRUE(SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_HIDDEN));
     ASSERT_TRUE(GetFileAttributesW(path.c_str()) & FILE_ATTRIBUTE_HIDDEN);
     const std::string long_(3 << 20, 'x');

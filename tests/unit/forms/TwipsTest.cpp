@@ -2,7 +2,7 @@
 
 #include <limits>
 
-#include "support/Expect.h"
+#include "support/Errors.h"
 
 TEST(Twips, RoundToTheNearestPixelHalvesToEven) {
     EXPECT_EQ(67, TwipsToPixels(1000, 96));

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "automation/Collection.h"
+#include "automation/HostCollection.h"
 #include "automation/Object.h"
 #include "host/database/Resources.h"
 #include "SampleDatabase.h"

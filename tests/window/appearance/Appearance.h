@@ -8,27 +8,14 @@
 #include <vector>
 
 #include "support/Editing.h"
+#include "support/Screen.h"
 
 // What is to be seen of the window, measured as it stands.
-class AppearanceFixture : public EditingFixture {
+class AppearanceFixture : public EditingFixture, public WindowParts {
 protected:
     void TearDown() override { EXPECT_EQ(L"", Errors.Places()); }
 
-    static HWND Control(int id) { return GetDlgItem(EditorWindow::Find(), id); }
-    static HWND Tab(int index) { return Control(1010 + index); }
-    static HWND Page(int index) { return Control(1020 + index); }
-    static HWND View(int index) { return GetDlgItem(Page(index), 1030 + index); }
-    static HWND Toolbar() { return Control(1000); }
-    static HWND StatusBar() { return Control(1001); }
-    static HWND Description() { return Control(1003); }
-
-    static int Dpi() {
-        const HDC screen = GetDC(nullptr);
-        const int dpi = GetDeviceCaps(screen, LOGPIXELSX);
-        ReleaseDC(nullptr, screen);
-        return dpi;
-    }
-    static int Pixels(int twips) { return MulDiv(twips, Dpi(), 1440); }
+    static int Pixels(int twips) { return MulDiv(twips, ScreenDpi(), 1440); }
     static RECT Place(HWND window) {
         RECT bounds;
         GetWindowRect(window, &bounds);

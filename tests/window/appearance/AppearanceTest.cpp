@@ -87,7 +87,7 @@ void AppearanceFixture::ExpectThatCaptionsFit() {
         }
     }
     EXPECT_LE(Place(Tab(3)).bottom, Place(Description()).top);
-    EXPECT_LE(Place(Description()).bottom, Place(Control(1004)).top);  // the collapse button
+    EXPECT_LE(Place(Description()).bottom, Place(Control(IdHide)).top);  // the collapse button
     EXPECT_GE(HeightOf(Description()), Context(Description()).Height());
 }
 
@@ -124,7 +124,7 @@ void AppearanceFixture::ExpectThatTheToolbarFits() {
     EXPECT_GE(client.bottom, button.bottom);
     EXPECT_EQ(Place(Toolbar()).bottom, Place(Page(0)).top - (Place(Tab(0)).bottom - Place(Toolbar()).bottom) -
                                            (Place(Page(0)).top - Place(Tab(0)).bottom));
-    EXPECT_NEAR(Place(Toolbar()).bottom, Place(Control(1008)).top, 1);  // the right pane
+    EXPECT_NEAR(Place(Toolbar()).bottom, Place(Control(IdRight)).top, 1);  // the right pane
 }
 
 void AppearanceFixture::ExpectThatTheStatusBarFits() {
@@ -143,13 +143,13 @@ void AppearanceFixture::ExpectThatTheStatusBarFits() {
         EXPECT_LE(context.Height(), area.bottom - area.top) << "part " << part;
         EXPECT_LE(area.right, client.right);
     }
-    EXPECT_NEAR(Place(StatusBar()).top, Place(Control(1008)).bottom, 1);
+    EXPECT_NEAR(Place(StatusBar()).top, Place(Control(IdRight)).bottom, 1);
 }
 
 TEST_F(AppearanceTest, TheScreenIsWhatTheCallerSays) {
     if (Expected("BRV_EXPECTED_DPI") > 0) {
         // With a window on it: Wine 10 says 96 before.
-        Inside([] { EXPECT_EQ(Expected("BRV_EXPECTED_DPI"), Dpi()); });
+        Inside([] { EXPECT_EQ(Expected("BRV_EXPECTED_DPI"), ScreenDpi()); });
     }
     if (Expected("BRV_EXPECTED_THEME") >= 0) {
         EXPECT_EQ(Expected("BRV_EXPECTED_THEME") != 0, IsThemeActive() != FALSE);
@@ -204,7 +204,7 @@ TEST_F(AppearanceTest, ALongDescriptionIsReadWholeOrInItsTip) {
         int whole = 0, byTip = 0;
         for (WPARAM row = 0; row < static_cast<WPARAM>(SendMessageW(View(3), LB_GETCOUNT, 0, 0)); ++row) {
             SendMessageW(View(3), LB_SETCURSEL, row, 0);
-            SendMessageW(Page(3), WM_COMMAND, MAKEWPARAM(1033, LBN_SELCHANGE), reinterpret_cast<LPARAM>(View(3)));
+            SendMessageW(Page(3), WM_COMMAND, MAKEWPARAM(IdView + 3, LBN_SELCHANGE), reinterpret_cast<LPARAM>(View(3)));
             wchar_t text[4000];
             const int length = GetWindowTextW(Description(), text, 4000);
             ASSERT_GT(length, 0);
@@ -229,7 +229,7 @@ TEST_F(AppearanceTest, ACaptionThatANarrowPaneCutsOffHasATip) {
     Inside([] {
         EXPECT_FALSE(HasTip(Tab(2)));
         // The narrowest pane, and the text twice the size.
-        const HWND grip = Control(1006);
+        const HWND grip = Control(IdSplitter);
         SendMessageW(grip, WM_LBUTTONDOWN, MK_LBUTTON, 0);
         SendMessageW(grip, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(static_cast<WORD>(-2000), 5));
         SendMessageW(grip, WM_LBUTTONUP, 0, 0);

@@ -10,20 +10,6 @@
 
 namespace {
 
-// How well one colour is told from another: 1 not at all, 21 black on white.
-double Contrast(COLORREF one, COLORREF other) {
-    const auto luminance = [](COLORREF colour) {
-        const auto part = [](int value) {
-            const double share = value / 255.0;
-            return share <= 0.03928 ? share / 12.92 : std::pow((share + 0.055) / 1.055, 2.4);
-        };
-        return 0.2126 * part(GetRValue(colour)) + 0.7152 * part(GetGValue(colour)) + 0.0722 * part(GetBValue(colour));
-    };
-    const double a = luminance(one) + 0.05;
-    const double b = luminance(other) + 0.05;
-    return a > b ? a / b : b / a;
-}
-
 // How many pixels of each colour there are.
 std::map<COLORREF, int> PixelsOf(HWND window) {
     RECT client;
@@ -154,7 +140,7 @@ TEST_F(ColoursTest, WhatIsPaintedIsOfTheScheme) {
             SetWindowPos(EditorWindow::Find(), HWND_TOPMOST, 10, 10, 0, 0, SWP_NOSIZE);
             SendMessageW(Tab(1), BM_CLICK, 0, 0);
             SendMessageW(View(1), LB_SETCURSEL, 1, 0);
-            SendMessageW(Page(1), WM_COMMAND, MAKEWPARAM(1031, LBN_SELCHANGE), reinterpret_cast<LPARAM>(View(1)));
+            SendMessageW(Page(1), WM_COMMAND, MAKEWPARAM(IdView + 1, LBN_SELCHANGE), reinterpret_cast<LPARAM>(View(1)));
             SetFocus(EditorWindow::Editor());
             Paint();
             ExpectPainted("editor", EditorWindow::Editor(), COLOR_WINDOWTEXT, COLOR_WINDOW);
@@ -164,7 +150,7 @@ TEST_F(ColoursTest, WhatIsPaintedIsOfTheScheme) {
             ExpectPainted("toolbar", Toolbar(), COLOR_BTNTEXT, COLOR_BTNFACE);
             ExpectPainted("status bar", StatusBar(), COLOR_BTNTEXT, COLOR_BTNFACE);
             ExpectPainted("button", Tab(2), COLOR_BTNTEXT, COLOR_BTNFACE);
-            ExpectPainted("collapse button", Control(1004), COLOR_BTNTEXT, COLOR_BTNFACE);
+            ExpectPainted("collapse button", Control(IdHide), COLOR_BTNTEXT, COLOR_BTNFACE);
             SendMessageW(Tab(0), BM_CLICK, 0, 0);
             SetFocus(EditorWindow::Editor());
             Paint();
@@ -179,7 +165,7 @@ void ExpectThatTheButtonInFrontIsToldApart(int front) {
     SCOPED_TRACE(front);
     SetFocus(EditorWindow::Editor());
     Paint();
-    const auto tab = [](int index) { return GetDlgItem(EditorWindow::Find(), 1010 + index); };
+    const auto tab = [](int index) { return EditorWindow::Control(IdLeftButton + index); };
     const auto shown = PixelsOf(tab(front));
     for (int index = 0; index < 4; ++index) {
         const LRESULT state = SendMessageW(tab(index), BM_GETCHECK, 0, 0);

@@ -1,6 +1,7 @@
-#include "support/Browsed.h"
+#include "editor/ControlIds.h"
 #include "support/Dialogs.h"
 #include "support/Editing.h"
+#include "support/Files.h"
 #include "support/TestData.h"
 
 using namespace std::string_literals;
@@ -197,7 +198,7 @@ TEST_F(RightToLeftTest, AMirroredHostDoesNotMirrorTheWindow) {
                                  },
                                  0);
                              RECT tab, editor;
-                             GetWindowRect(GetDlgItem(window, 1010), &tab);
+                             GetWindowRect(GetDlgItem(window, IdLeftButton), &tab);
                              GetWindowRect(EditorWindow::Editor(), &editor);
                              EXPECT_LT(tab.right, editor.left);
                          },

@@ -2,6 +2,7 @@
 #include <commctrl.h>
 
 #include "support/Browsed.h"
+#include "support/Dialogs.h"
 
 // What the way from the root to a property leaves aside: views as well as tables, the last as well as the first, what
 // is told and how.

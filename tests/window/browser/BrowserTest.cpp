@@ -1,8 +1,9 @@
 #include <windows.h>
 #include <commctrl.h>
 
-#include "support/Browsed.h"
 #include "automation/App.h"
+#include "support/Browsed.h"
+#include "support/Dialogs.h"
 
 namespace {
 

@@ -2,6 +2,7 @@
 #include <commctrl.h>
 
 #include "support/Browsed.h"
+#include "support/Dialogs.h"
 
 namespace {
 

@@ -1,10 +1,11 @@
-#include "support/Fakes.h"
 #include "browser/modLists_Tree.h"
 #include "catalogue/modLists_Lists.h"
-#include "shared/modGlobal.h"
 #include "dictionary/clsDictionary.h"
 #include "editor/frmSQLEditor.h"
 #include "errors/clsErrorHandler.h"
+#include "shared/modGlobal.h"
+#include "support/HostFakes.h"
+#include "support/Settings.h"
 
 // The procedures of the object tree, called one by one on the tree of a window that is made from the component's parts.
 namespace {

@@ -1,9 +1,10 @@
 #include "catalogue/clsListItem.h"
 
-#include "support/Fakes.h"
+#include "browser/modLists_Tree.h"
 #include "catalogue/modLists_Lists.h"
-#include "shared/modGlobal.h"
 #include "errors/clsErrorHandler.h"
+#include "shared/modGlobal.h"
+#include "support/HostFakes.h"
 
 namespace {
 

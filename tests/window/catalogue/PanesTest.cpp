@@ -3,9 +3,9 @@
 
 #include <map>
 
-#include "support/Browsed.h"
 #include "catalogue/Catalogue.h"
 #include "catalogue/CatalogueEntry.h"
+#include "support/Browsed.h"
 
 // The reference as the running window shows it: every entry of every pane, its description, and what the Action menu
 // does with it.

@@ -1,7 +1,8 @@
 #include <windows.h>
 #include <commctrl.h>
 
-#include "support/Fakes.h"
+#include "support/Component.h"
+#include "support/EditorTree.h"
 
 namespace {
 
@@ -79,8 +80,8 @@ TEST_F(ConstructorTest, EachCallOverwritesTheOneBefore) {
 }
 
 TEST_F(ConstructorTest, TheNextDisplayShowsTheNewConnectionInTheSameWindow) {
-    const auto reference = [] { return GetDlgItem(GetDlgItem(EditorWindow::Find(), 1022), 1032); };
-    const auto browser = [] { return GetDlgItem(GetDlgItem(EditorWindow::Find(), 1020), 1030); };
+    const auto reference = [] { return View(2); };
+    const auto browser = [] { return View(0); };
     const auto count = [](HWND tree) { return SendMessageW(tree, TVM_GETCOUNT, 0, 0); };
     const auto open = [&] {
         SendMessageW(browser(), TVM_EXPAND, TVE_EXPAND, SendMessageW(browser(), TVM_GETNEXTITEM, TVGN_ROOT, 0));

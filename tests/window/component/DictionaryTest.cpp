@@ -1,10 +1,11 @@
 #include "dictionary/clsDictionary.h"
 
-#include "support/Fakes.h"
 #include "automation/App.h"
-#include "shared/modGlobal.h"
 #include "errors/clsErrorHandler.h"
 #include "errors/modErrorHandler.h"
+#include "shared/modGlobal.h"
+#include "support/Errors.h"
+#include "support/HostFakes.h"
 
 namespace {
 

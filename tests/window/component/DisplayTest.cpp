@@ -1,4 +1,5 @@
-#include "support/Fakes.h"
+#include "support/Component.h"
+#include "support/Settings.h"
 
 #include <oleauto.h>
 

@@ -1,4 +1,6 @@
-#include "support/Fakes.h"
+#include "support/Component.h"
+#include "support/Screen.h"
+#include "support/Settings.h"
 
 #include <cstdlib>
 
@@ -6,13 +8,7 @@ namespace {
 
 class PlacementTest : public ComponentFixture {
 protected:
-    static float Twips(int pixels) { return static_cast<float>(pixels) * 1440.0F / static_cast<float>(Dpi()); }
-    static int Dpi() {
-        const HDC screen = GetDC(nullptr);
-        const int dpi = GetDeviceCaps(screen, LOGPIXELSX);
-        ReleaseDC(nullptr, screen);
-        return dpi;
-    }
+    static float Twips(int pixels) { return static_cast<float>(pixels) * 1440.0F / static_cast<float>(ScreenDpi()); }
     static float Stored(const wchar_t* key) { return static_cast<float>(_wtof(Settings::Get(key).c_str())); }
     // Within the pixel that the twips fall into.
     static void ExpectPlace(const RECT& place, float left, float top, float width, float height) {

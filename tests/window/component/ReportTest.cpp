@@ -1,5 +1,7 @@
-#include "support/Fakes.h"
 #include "automation/Version.h"
+#include "support/Component.h"
+#include "support/Errors.h"
+#include "support/Settings.h"
 
 namespace {
 class ReportTest : public ComponentFixture {};

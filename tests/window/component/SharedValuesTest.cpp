@@ -1,9 +1,10 @@
-#include "support/Fakes.h"
 #include "component/clsSQLEditor.h"
-#include "shared/modGlobal.h"
 #include "dictionary/clsDictionary.h"
 #include "editor/frmSQLEditor.h"
 #include "errors/clsErrorHandler.h"
+#include "shared/modGlobal.h"
+#include "support/HostFakes.h"
+#include "support/Settings.h"
 
 // What Constructor leaves in the values that the whole component shares, read where its own procedures read them.
 namespace {

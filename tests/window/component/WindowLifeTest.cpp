@@ -5,7 +5,9 @@
 #include <functional>
 #include <string>
 
+#include "editor/ControlIds.h"
 #include "support/Browsed.h"
+#include "support/Settings.h"
 
 // The window's end in every way that is none of the user's: by other code of the process, before it shows, from inside
 // what it was asked to do. The user's text goes back to the host, and the host's windows can be used again.
@@ -208,7 +210,7 @@ TEST_F(WindowLifeTest, LetGoOfFromInsideWhatAHiddenWindowIsAsked) {
     };
     editor = Editor();
     DisplayAndClose(editor, L"one", [&] { Tree.Open(Tree.At({})); });
-    const HWND tree = GetDlgItem(GetDlgItem(Window(), 1020), 1030);
+    const HWND tree = GetDlgItem(GetDlgItem(Window(), IdLeftPage), IdView);
     ASSERT_NE(nullptr, tree);
     const LRESULT root = SendMessageW(tree, TVM_GETNEXTITEM, TVGN_ROOT, 0);
     SendMessageW(tree, TVM_EXPAND, TVE_COLLAPSE, root);

@@ -2,6 +2,7 @@
 #include <commctrl.h>
 
 #include "Databases.h"
+#include "support/Dialogs.h"
 
 // Names that a careless program trips over. In a schema named like a keyword.
 namespace {

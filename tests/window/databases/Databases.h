@@ -1,7 +1,7 @@
 #pragma once
 
+#include "support/Component.h"
 #include "support/EditorTree.h"
-#include "support/Fakes.h"
 
 // A database as the repository's own database component opens it.
 class RealDatabase {

@@ -3,6 +3,7 @@
 
 #include <map>
 
+#include "editor/ControlIds.h"
 #include "support/Editing.h"
 
 namespace {
@@ -133,21 +134,21 @@ TEST_F(AccessibilityTest, ControlsHaveNamesAndTheRolesOfTheirClasses) {
         const HWND window = EditorWindow::Find();
         const wchar_t* const classes[] = {L"SysTreeView32", L"ListBox", L"SysTreeView32", L"ListBox"};
         for (int page = 0; page < 4; ++page) {
-            const Told button = About(GetDlgItem(window, 1010 + page));
+            const Told button = About(GetDlgItem(window, IdLeftButton + page));
             EXPECT_EQ(Pages[page], button.Name);
             EXPECT_EQ(BareRole(L"Button"), button.Role);
-            const HWND container = GetDlgItem(window, 1020 + page);
+            const HWND container = GetDlgItem(window, IdLeftPage + page);
             EXPECT_EQ(Pages[page], NameOf(container));
-            const Told view = About(GetDlgItem(container, 1030 + page));
+            const Told view = About(GetDlgItem(container, IdView + page));
             EXPECT_EQ(Pages[page], view.Name);
             EXPECT_EQ(BareRole(classes[page]), view.Role);
         }
-        const Told toolbar = About(GetDlgItem(window, 1000));
+        const Told toolbar = About(GetDlgItem(window, IdToolbar));
         EXPECT_EQ(L"Toolbar", toolbar.Name);
         EXPECT_EQ(BareRole(L"ToolbarWindow32"), toolbar.Role);
-        EXPECT_EQ(L"Hide the left pane", NameOf(GetDlgItem(window, 1004)));
-        EXPECT_EQ(L"Show the left pane", NameOf(GetDlgItem(window, 1005)));
-        EXPECT_EQ(L"Splitter", NameOf(GetDlgItem(window, 1006)));
+        EXPECT_EQ(L"Hide the left pane", NameOf(GetDlgItem(window, IdHide)));
+        EXPECT_EQ(L"Show the left pane", NameOf(GetDlgItem(window, IdUnhide)));
+        EXPECT_EQ(L"Splitter", NameOf(GetDlgItem(window, IdSplitter)));
         EXPECT_NE(0, About(EditorWindow::Editor()).Role);
     });
     EXPECT_EQ(L"", Errors.Places());
@@ -161,19 +162,19 @@ TEST_F(AccessibilityTest, TheServiceIsToldAndItIsTakenBack) {
         DisplayAndClose(editor, L"select 1", [&] {
             const HWND window = EditorWindow::Find();
             for (int page = 0; page < 4; ++page) {
-                const HWND container = GetDlgItem(window, 1020 + page);
-                EXPECT_EQ(Pages[page], services.Names[GetDlgItem(container, 1030 + page)]);
+                const HWND container = GetDlgItem(window, IdLeftPage + page);
+                EXPECT_EQ(Pages[page], services.Names[GetDlgItem(container, IdView + page)]);
                 EXPECT_EQ(ROLE_SYSTEM_GROUPING, services.Roles[container]);
             }
             EXPECT_EQ(L"SQL", services.Names[EditorWindow::Editor()]);
-            EXPECT_EQ(L"Status bar", services.Names[GetDlgItem(window, 1001)]);
-            for (const int box : {1004, 1005}) {
+            EXPECT_EQ(L"Status bar", services.Names[GetDlgItem(window, IdStatusBar)]);
+            for (const int box : {IdHide, IdUnhide}) {
                 EXPECT_EQ(ROLE_SYSTEM_PUSHBUTTON, services.Roles[GetDlgItem(window, box)]);
             }
-            EXPECT_EQ(ROLE_SYSTEM_SEPARATOR, services.Roles[GetDlgItem(window, 1006)]);
+            EXPECT_EQ(ROLE_SYSTEM_SEPARATOR, services.Roles[GetDlgItem(window, IdSplitter)]);
             // What the classes themselves say of these is right.
             EXPECT_EQ(0U, services.Roles.count(EditorWindow::Editor()));
-            EXPECT_EQ(0U, services.Names.count(GetDlgItem(window, 1003)));
+            EXPECT_EQ(0U, services.Names.count(GetDlgItem(window, IdDescription)));
         });
         EXPECT_FALSE(services.Names.empty());
     }
@@ -188,7 +189,7 @@ TEST_F(AccessibilityTest, NamesDoNotReachTheTexts) {
     EXPECT_EQ(L"select 1", Inside([] {
                   EXPECT_EQ(L"select 1", EditorWindow::Text());
                   EXPECT_EQ(std::wstring::npos, EditorWindow::Status().find(L"Status bar"));
-                  EXPECT_EQ(0, GetWindowTextLengthW(GetDlgItem(EditorWindow::Find(), 1003)));
+                  EXPECT_EQ(0, GetWindowTextLengthW(EditorWindow::Control(IdDescription)));
               }));
 }
 
@@ -235,7 +236,7 @@ TEST_F(AccessibilityTest, TheTabKeyShowsWhereTheFocusIs) {
     {
         const WhenShown shown([] {
             form = EditorWindow::Find();
-            before = GetDlgItem(form, 1010);
+            before = GetDlgItem(form, IdLeftButton);
             SetFocus(before);
             EXPECT_EQ(0, asked);
             PostMessageW(before, WM_KEYDOWN, VK_TAB, 1);
@@ -263,7 +264,7 @@ TEST_F(AccessibilityTest, TheEnterKeyChoosesThePageOfAButton) {
     turns = 0;
     chosen = -1;
     const WhenShown shown([] {
-        button = GetDlgItem(EditorWindow::Find(), 1013);
+        button = EditorWindow::Control(IdLeftButton + 3);
         // Programs that read the screen say of a button in this shape whether it is pressed.
         EXPECT_EQ(BS_CHECKBOX | BS_PUSHLIKE, GetWindowLongW(button, GWL_STYLE) & (BS_TYPEMASK | BS_PUSHLIKE));
         SetFocus(button);

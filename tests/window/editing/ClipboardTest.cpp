@@ -1,3 +1,4 @@
+#include "editor/ControlIds.h"
 #include "support/Editing.h"
 
 class ClipboardTest : public EditingFixture {};
@@ -24,7 +25,7 @@ TEST_F(ClipboardTest, CopyTakesTheTextOfTheControlThatHasTheFocus) {
             Choose(L"Copy");
             EXPECT_EQ(L"SQL Commands", ClipboardText());
             // Another control has no text to copy.
-            SetFocus(GetDlgItem(EditorWindow::Find(), 1010));
+            SetFocus(EditorWindow::Control(IdLeftButton));
             Choose(L"Copy");
             EXPECT_EQ(L"SQL Commands", ClipboardText());
         },

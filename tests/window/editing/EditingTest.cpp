@@ -1,3 +1,4 @@
+#include "editor/ControlIds.h"
 #include "support/Editing.h"
 
 class EditingTest : public EditingFixture {};
@@ -112,7 +113,7 @@ TEST_F(EditingTest, TheRightButtonAndTheKeyShowTheEditMenu) {
     Inside([] {
         MenuCatcher menu;
         const HWND editor = EditorWindow::Editor();
-        SetFocus(GetDlgItem(EditorWindow::Find(), 1010));
+        SetFocus(EditorWindow::Control(IdLeftButton));
         SendMessageW(editor, WM_RBUTTONDOWN, MK_RBUTTON, MAKELPARAM(20, 20));
         EXPECT_EQ(editor, GetFocus());
         EXPECT_EQ(0, menu.Menus);

@@ -1,3 +1,4 @@
+#include "support/Dialogs.h"
 #include "support/Steps.h"
 
 namespace {

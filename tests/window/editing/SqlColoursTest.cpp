@@ -1,9 +1,11 @@
 #include <gtest/gtest.h>
 #include <commctrl.h>
 
-#include "support/Steps.h"
 #include "editor/Palette.h"
 #include "support/ContrastTheme.h"
+#include "support/Dialogs.h"
+#include "support/Screen.h"
+#include "support/Steps.h"
 
 namespace {
 

@@ -2,6 +2,7 @@
 
 #include <commctrl.h>
 
+#include "support/Dialogs.h"
 #include "support/EditorTree.h"
 
 // What the status bar tells of the text, and of the menus while they are open.

@@ -1,7 +1,8 @@
 #include <windows.h>
 #include <commctrl.h>
 
-#include "support/Fakes.h"
+#include "support/Component.h"
+#include "support/Screen.h"
 
 namespace {
 
@@ -12,16 +13,13 @@ struct Place {
     float Bottom() const { return Top + Height; }
 };
 
-class LayoutTest : public ComponentFixture {
+class LayoutTest : public ComponentFixture, public WindowParts {
 protected:
-    static int Dpi() {
-        const HDC screen = GetDC(nullptr);
-        const int dpi = GetDeviceCaps(screen, LOGPIXELSX);
-        ReleaseDC(nullptr, screen);
-        return dpi;
+    void TearDown() override { EXPECT_EQ(L"", Errors.Places()); }
+    static float Twips(int pixels) { return static_cast<float>(pixels) * 1440.0F / static_cast<float>(ScreenDpi()); }
+    static int Pixels(float twips) {
+        return static_cast<int>(twips * static_cast<float>(ScreenDpi()) / 1440.0F + 0.5F);
     }
-    static float Twips(int pixels) { return static_cast<float>(pixels) * 1440.0F / static_cast<float>(Dpi()); }
-    static int Pixels(float twips) { return static_cast<int>(twips * static_cast<float>(Dpi()) / 1440.0F + 0.5F); }
     static constexpr float Pixel = 16;  // a little more than one at 96 dots per inch
     static Place Of(HWND window) {
         RECT bounds;
@@ -30,13 +28,8 @@ protected:
         return {Twips(bounds.left), Twips(bounds.top), Twips(bounds.right - bounds.left),
                 Twips(bounds.bottom - bounds.top)};
     }
-    static HWND Control(int id) { return GetDlgItem(EditorWindow::Find(), id); }
-    static HWND Tab(int index) { return Control(1010 + index); }
-    static HWND Page(int index) { return Control(1020 + index); }
-    static HWND View(int index) { return GetDlgItem(Page(index), 1030 + index); }
-    static HWND Description() { return Control(1003); }
-    static HWND Grip() { return Control(1006); }
-    static HWND Bar() { return Control(1007); }
+    static HWND Grip() { return Control(IdSplitter); }
+    static HWND Bar() { return Control(IdSplitterBar); }
     static float InnerWidth() {
         RECT client;
         GetClientRect(EditorWindow::Find(), &client);
@@ -54,12 +47,6 @@ protected:
                      MAKELPARAM(static_cast<WORD>(static_cast<short>(Pixels(distance + 100000) - Pixels(100000))), 5));
         if (middle) middle();
         SendMessageW(grip, WM_LBUTTONUP, 0, 0);
-    }
-    void Inside(const std::function<void()>& work) {
-        const Object editor = Dll.Create();
-        editor.Call(L"Constructor", Database.Make());
-        DisplayAndClose(editor, L"select 1", work);
-        EXPECT_EQ(L"", Errors.Places());
     }
 };
 
@@ -132,21 +119,21 @@ TEST_F(LayoutTest, TheStackHasItsGapsAndTheButtonsTheirPlaces) {
         for (int page = 0; page < 4; ++page) {
             EXPECT_EQ(page == 1, IsWindowEnabled(Page(page)) != FALSE) << page;
         }
-        const Place hide = Of(Control(1004));
+        const Place hide = Of(Control(IdHide));
         EXPECT_NEAR(Of(Tab(0)).Right(), hide.Right(), Pixel);
         EXPECT_NEAR(300, hide.Width, Pixel);
         EXPECT_NEAR(bottom - 200, hide.Top, Pixel);
         EXPECT_NEAR(180, hide.Height, Pixel);
-        EXPECT_FALSE(IsWindowVisible(Control(1005)));
+        EXPECT_FALSE(IsWindowVisible(Control(IdUnhide)));
         const Place grip = Of(Grip());
         EXPECT_NEAR(Of(Tab(0)).Width, grip.Left, Pixel);
         EXPECT_NEAR(140, grip.Width, Pixel);
         EXPECT_NEAR(top, grip.Top, Pixel);
         EXPECT_NEAR(bottom - top, grip.Height, Pixel);
         EditorWindow::Choose(L"View", L"Object Browser");
-        EXPECT_FALSE(IsWindowVisible(Control(1004)));
+        EXPECT_FALSE(IsWindowVisible(Control(IdHide)));
         EXPECT_FALSE(IsWindowVisible(Description()));
-        const Place unhide = Of(Control(1005));
+        const Place unhide = Of(Control(IdUnhide));
         EXPECT_NEAR(0, unhide.Left, Pixel);
         EXPECT_NEAR(70, unhide.Width, Pixel);
         EXPECT_NEAR(top, unhide.Top, Pixel);
@@ -164,7 +151,7 @@ TEST_F(LayoutTest, TheWindowKeepsItsLeastSize) {
         // Nothing lies outside or over another control there.
         const float status = Of(EditorWindow::Child(STATUSCLASSNAMEW)).Top;
         EXPECT_LE(Of(Description()).Bottom(), status + 1);
-        EXPECT_LE(Of(Control(1004)).Bottom(), status + 1);
+        EXPECT_LE(Of(Control(IdHide)).Bottom(), status + 1);
         // What is left for the tree is a row at least. Wine 8 leaves more: its title and status bar are 7 and 6 pixels
         // lower than those of Wine 10, which are Windows'.
         EXPECT_GE(SendMessageW(View(0), TVM_GETVISIBLECOUNT, 0, 0), 1);
@@ -323,8 +310,8 @@ TEST_F(LayoutTest, CollapseAndRestoreGiveTheSplitterBack) {
             if (byMenu) {
                 EditorWindow::Choose(L"View", L"Object Browser");
             } else {
-                SendMessageW(Control(1004), WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(3, 3));
-                SendMessageW(Control(1004), WM_LBUTTONUP, 0, MAKELPARAM(3, 3));
+                SendMessageW(Control(IdHide), WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(3, 3));
+                SendMessageW(Control(IdHide), WM_LBUTTONUP, 0, MAKELPARAM(3, 3));
             }
             EXPECT_NEAR(20, Of(Grip()).Left, Pixel);
             for (int index = 0; index < 4; ++index) {
@@ -332,15 +319,15 @@ TEST_F(LayoutTest, CollapseAndRestoreGiveTheSplitterBack) {
                 EXPECT_FALSE(IsWindowVisible(Page(index)));
             }
             EXPECT_NEAR(InnerWidth() - 20 - 140, Of(EditorWindow::Editor()).Width, 2 * Pixel);
-            EXPECT_TRUE(IsWindowVisible(Control(1005)));
+            EXPECT_TRUE(IsWindowVisible(Control(IdUnhide)));
             Resize(11000, 9000);
             EXPECT_FALSE(IsWindowVisible(Tab(0)));  // stays collapsed
             Resize(12000, 9000);
             if (byMenu) {
                 EditorWindow::Choose(L"View", L"Object Browser");
             } else {
-                SendMessageW(Control(1005), WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(1, 3));
-                SendMessageW(Control(1005), WM_LBUTTONUP, 0, MAKELPARAM(1, 3));
+                SendMessageW(Control(IdUnhide), WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(1, 3));
+                SendMessageW(Control(IdUnhide), WM_LBUTTONUP, 0, MAKELPARAM(1, 3));
             }
             EXPECT_TRUE(IsWindowVisible(Tab(0)));
             EXPECT_FLOAT_EQ(tab.Width, Of(Tab(0)).Width);
@@ -388,7 +375,7 @@ TEST_F(LayoutTest, AnyButtonDragsTheSplitter) {
 
 TEST_F(LayoutTest, AClickBeginsAndEndsOnItsButton) {
     Inside([] {
-        const HWND hide = Control(1004);
+        const HWND hide = Control(IdHide);
         const LPARAM inside = MAKELPARAM(3, 3);
         const LPARAM outside = MAKELPARAM(3, 500);
         // Pressed elsewhere.

@@ -1,16 +1,16 @@
-#include "support/Fakes.h"
+#include "editor/ControlIds.h"
+#include "support/Component.h"
+#include "support/Menus.h"
 
 namespace {
 
 class MenusTest : public ComponentFixture {
 protected:
+    void TearDown() override { EXPECT_EQ(L"", Errors.Places()); }
     static std::wstring Texts(HMENU menu) {
         std::wstring texts;
         for (int at = 0; at < GetMenuItemCount(menu); ++at) {
-            wchar_t text[100]{};
-            GetMenuStringW(menu, static_cast<UINT>(at), text, 100, MF_BYPOSITION);
-            std::wstring caption = text;
-            caption = caption.substr(0, caption.find(L'\t'));
+            const std::wstring caption = CaptionOf(menu, at);
             if (!caption.empty()) texts += caption + L"|";
         }
         return texts;
@@ -22,12 +22,6 @@ protected:
     }
     static bool Checked(HMENU menu, int position) {
         return (GetMenuState(menu, static_cast<UINT>(position), MF_BYPOSITION) & MF_CHECKED) != 0;
-    }
-    void Inside(const std::function<void()>& work) {
-        const Object editor = Dll.Create();
-        editor.Call(L"Constructor", Database.Make());
-        DisplayAndClose(editor, L"select 1", work);
-        EXPECT_EQ(L"", Errors.Places());
     }
 };
 
@@ -68,7 +62,7 @@ TEST_F(MenusTest, TheViewMenuShowsWhatIsShown) {
         EditorWindow::Choose(L"View", L"Object Browser");
         EXPECT_TRUE(Checked(Menu(3), 1));
         // By the small button too.
-        const HWND button = GetDlgItem(EditorWindow::Find(), 1004);
+        const HWND button = EditorWindow::Control(IdHide);
         SendMessageW(button, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(2, 2));
         SendMessageW(button, WM_LBUTTONUP, 0, MAKELPARAM(2, 2));
         EXPECT_FALSE(Checked(Menu(3), 1));

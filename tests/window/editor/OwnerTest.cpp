@@ -1,12 +1,13 @@
 #include <windows.h>
 #include <commctrl.h>
 
-#include "support/Fakes.h"
 #include "catalogue/modLists_Lists.h"
-#include "shared/modGlobal.h"
 #include "dictionary/clsDictionary.h"
 #include "editor/frmSQLEditor.h"
 #include "errors/clsErrorHandler.h"
+#include "shared/modGlobal.h"
+#include "support/HostFakes.h"
+#include "support/Settings.h"
 
 // The window itself, made from the component's parts, with schemas in its tree: the next window of a host that has
 // filled them.

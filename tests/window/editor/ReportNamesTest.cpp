@@ -1,13 +1,14 @@
 #include <windows.h>
 #include <commctrl.h>
 
-#include "support/EditorTree.h"
-#include "support/Fakes.h"
 #include "browser/modLists_Tree.h"
-#include "shared/modGlobal.h"
 #include "dictionary/clsDictionary.h"
 #include "editor/frmSQLEditor.h"
 #include "errors/clsErrorHandler.h"
+#include "shared/modGlobal.h"
+#include "editor/ControlIds.h"
+#include "support/HostFakes.h"
+#include "support/Settings.h"
 
 // Each procedure reports under its own name. An event of a control that lets an error out makes the procedure fail that
 // raised it; where a procedure below it has a trap of its own, the first reports fail, and what failed travels up, each
@@ -66,7 +67,7 @@ protected:
         SendMessageW(list, LB_SETITEMDATA, static_cast<WPARAM>(row), data);
         SendMessageW(list, LB_SETCURSEL, static_cast<WPARAM>(row), 0);
     }
-    HWND Tab(int page) { return GetDlgItem(Form().Handle(), 1010 + page); }
+    HWND Tab(int page) { return GetDlgItem(Form().Handle(), IdLeftButton + page); }
     void ShowTab(int page) { Form().cmdLeft[static_cast<size_t>(page)].Click(); }
 
     FakeErrors Errors;

@@ -1,19 +1,15 @@
 #include <windows.h>
 #include <commctrl.h>
 
+#include "editor/ControlIds.h"
+#include "support/Component.h"
 #include "support/EditorTree.h"
-#include "support/Fakes.h"
 
 namespace {
 
 class WindowTest : public ComponentFixture {
 protected:
-    void Inside(const std::function<void()>& work) {
-        const Object editor = Dll.Create();
-        editor.Call(L"Constructor", Database.Make());
-        DisplayAndClose(editor, L"select 1", work);
-        EXPECT_EQ(L"", Errors.Places());
-    }
+    void TearDown() override { EXPECT_EQ(L"", Errors.Places()); }
     static std::vector<std::wstring> Classes() {
         std::vector<std::wstring> classes;
         EnumChildWindows(
@@ -50,7 +46,7 @@ TEST_F(WindowTest, IsMadeOfThePlatformsOwnControls) {
         const wchar_t* const captions[] = {L"Database Objects", L"ANSI SQL", L"Database Specific", L"Kolvex"};
         for (int index = 0; index < 4; ++index) {
             wchar_t text[100]{};
-            GetWindowTextW(GetDlgItem(EditorWindow::Find(), 1010 + index), text, 100);
+            GetWindowTextW(EditorWindow::Control(IdLeftButton + index), text, 100);
             EXPECT_STREQ(captions[index], text);
         }
     });
@@ -114,7 +110,7 @@ TEST_F(WindowTest, ADescriptionThatDoesNotFitIsShownWholeWhenTheMouseComes) {
     Inside([] {
         SetWindowPos(EditorWindow::Find(), nullptr, 0, 0, 10, 10, SWP_NOMOVE | SWP_NOZORDER);
         ShowPage(3);
-        const HWND label = GetDlgItem(EditorWindow::Find(), 1003);
+        const HWND label = EditorWindow::Control(IdDescription);
         const auto choose = [](WPARAM row) {
             const HWND list = View(3);
             SendMessageW(list, LB_SETCURSEL, row, 0);
@@ -140,7 +136,7 @@ TEST_F(WindowTest, TheRootFollowsTheConnection) {
     Database.Members[L"SchemaTerm"] = [](const Arguments&) { return Variant(L"Catalog"); };
     Inside([] {
         EXPECT_EQ(L"Catalogs", EditorWindow::Root());
-        const HWND tree = GetDlgItem(GetDlgItem(EditorWindow::Find(), 1020), 1030);
+        const HWND tree = View(0);
         EXPECT_EQ(2, SendMessageW(tree, TVM_GETCOUNT, 0, 0));  // the root and its placeholder
     });
 }
@@ -194,7 +190,7 @@ TEST_F(WindowTest, FunctionKeyAndTabMoveTheFocus) {
             if (++steps <= 8) {
                 PostMessageW(GetFocus(), WM_KEYDOWN, VK_F6, 1);
             } else if (steps == 9) {
-                SetFocus(GetDlgItem(EditorWindow::Find(), 1010));
+                SetFocus(EditorWindow::Control(IdLeftButton));
                 PostMessageW(GetFocus(), WM_KEYDOWN, VK_TAB, 1);
             } else {
                 *second = GetFocus();

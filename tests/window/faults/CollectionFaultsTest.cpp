@@ -4,8 +4,10 @@
 #include <string>
 #include <vector>
 
-#include "support/Browsed.h"
 #include "Fault.h"
+#include "support/CountedObject.h"
+#include "support/Browsed.h"
+#include "support/Dialogs.h"
 
 // What collections and their items can do wrong that is no call by name: enumerators that fail on the way, and items
 // that are not what they should be.
@@ -13,7 +15,7 @@
 namespace {
 
 // Gives its items and then fails, or what else it was told to do.
-class Enumeration final : public IEnumVARIANT {
+class Enumeration final : public CountedObject<IEnumVARIANT> {
 public:
     struct Ways {
         HRESULT AtThird = S_OK;  // what Next answers for the third item
@@ -22,18 +24,6 @@ public:
     };
     Enumeration(std::vector<Variant> items, const Ways& ways) : items_(std::move(items)), ways_(ways) {}
 
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {
-        *object = iid == IID_IUnknown || iid == IID_IEnumVARIANT ? this : nullptr;
-        if (*object == nullptr) return E_NOINTERFACE;
-        AddRef();
-        return S_OK;
-    }
-    ULONG STDMETHODCALLTYPE AddRef() override { return ++references_; }
-    ULONG STDMETHODCALLTYPE Release() override {
-        const ULONG left = --references_;
-        if (left == 0) delete this;
-        return left;
-    }
     HRESULT STDMETHODCALLTYPE Next(ULONG count, VARIANT* items, ULONG* fetched) override {
         if (fetched != nullptr) *fetched = 0;
         if (at_ == 2 && ways_.AtThird != S_OK) return ways_.AtThird;
@@ -55,25 +45,12 @@ private:
     std::vector<Variant> items_;
     const Ways ways_;
     size_t at_ = 0;
-    ULONG references_ = 0;
 };
 
 // A collection that knows nothing but its enumerator.
-class Enumerable final : public IDispatch {
+class Enumerable final : public CountedObject<IDispatch> {
 public:
     Enumerable(std::vector<Variant> items, const Enumeration::Ways& ways) : items_(std::move(items)), ways_(ways) {}
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {
-        *object = iid == IID_IUnknown || iid == IID_IDispatch ? this : nullptr;
-        if (*object == nullptr) return E_NOINTERFACE;
-        AddRef();
-        return S_OK;
-    }
-    ULONG STDMETHODCALLTYPE AddRef() override { return ++references_; }
-    ULONG STDMETHODCALLTYPE Release() override {
-        const ULONG left = --references_;
-        if (left == 0) delete this;
-        return left;
-    }
     HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override {
         *count = 0;
         return S_OK;
@@ -96,7 +73,6 @@ private:
     ~Enumerable() = default;
     const std::vector<Variant> items_;
     const Enumeration::Ways ways_;
-    ULONG references_ = 0;
 };
 
 Variant PlainObject() { return Variant(Object::Attach(new DynamicObject)); }

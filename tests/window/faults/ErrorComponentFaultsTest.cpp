@@ -5,6 +5,8 @@
 #include <vector>
 
 #include "FaultyHost.h"
+#include "support/Dialogs.h"
+#include "support/Settings.h"
 
 // The error component itself fails, once or for good, wherever something has to be reported. What it does wrong goes to
 // the trap above the one that was reporting, and at last to the host; what the user has written goes back all the same.

@@ -3,28 +3,17 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "support/CountedObject.h"
 #include "automation/RuntimeError.h"
 
 namespace {
 
 // Forwards to an object of the tests; see Faults.
-class FaultyObject final : public IDispatch {
+class FaultyObject final : public CountedObject<IDispatch> {
 public:
     FaultyObject(Faults& faults, std::wstring prefix, const Object& inner)
         : faults_(faults), prefix_(std::move(prefix)), inner_(inner) {}
 
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {
-        *object = iid == IID_IUnknown || iid == IID_IDispatch ? this : nullptr;
-        if (*object == nullptr) return E_NOINTERFACE;
-        AddRef();
-        return S_OK;
-    }
-    ULONG STDMETHODCALLTYPE AddRef() override { return ++references_; }
-    ULONG STDMETHODCALLTYPE Release() override {
-        const ULONG left = --references_;
-        if (left == 0) delete this;
-        return left;
-    }
     HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override {
         *count = 0;
         return S_OK;
@@ -72,7 +61,6 @@ private:
     const std::wstring prefix_;
     const Object inner_;
     std::map<DISPID, std::wstring> names_;
-    ULONG references_ = 0;
 };
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "FaultyHost.h"
+#include "support/Dialogs.h"
 
 // The fault matrix: each step that a user takes, each call that the component makes of the host's objects in it, each
 // way to fail. The calls are those that were recorded, what has to come of each case is what the model says.
@@ -40,32 +41,10 @@ std::wstring ColumnsWithProperties(const EditorTree& tree) {
     return texts;
 }
 
-void OpenSchema(const EditorTree& tree) {
-    tree.Click(tree.At({}));  // reads the schemas again and throws away what was below them
-    tree.Open(tree.At({}));
-    tree.Open(tree.At({0}));
-}
-
-void OpenTables(const EditorTree& tree) {
-    OpenSchema(tree);
-    tree.Open(tree.At({0, 0}));
-}
-
-void SelectTable(const EditorTree& tree) {
-    OpenTables(tree);
-    tree.Open(tree.At({0, 0, 0}));
-    tree.Select(tree.At({0, 0, 0}));
-}
-
 void SelectView(const EditorTree& tree) {
     OpenSchema(tree);
     tree.Open(tree.At({0, 1}));
     tree.Select(tree.At({0, 1, 0}));
-}
-
-void SelectTables(const EditorTree& tree) {
-    OpenTables(tree);
-    tree.Select(tree.At({0, 0}));
 }
 
 std::wstring LeftOfFolders(const EditorTree& tree) {

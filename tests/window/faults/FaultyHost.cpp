@@ -1,4 +1,5 @@
 #include "FaultyHost.h"
+#include "support/Settings.h"
 
 FaultyHostFixture::FaultyHostFixture() {
     // Tall enough for all branches: what comes and goes with a scroll bar takes most of a case's time.
@@ -83,4 +84,26 @@ std::wstring FaultyHostFixture::Beside(std::wstring text) {
     EXPECT_NE(std::wstring::npos, mine) << "what was there is lost";
     if (mine != std::wstring::npos) text.erase(mine, 7);
     return text;
+}
+
+void OpenSchema(const EditorTree& tree) {
+    tree.Click(tree.At({}));  // reads the schemas again and throws away what was below them
+    tree.Open(tree.At({}));
+    tree.Open(tree.At({0}));
+}
+
+void OpenTables(const EditorTree& tree) {
+    OpenSchema(tree);
+    tree.Open(tree.At({0, 0}));
+}
+
+void SelectTable(const EditorTree& tree) {
+    OpenTables(tree);
+    tree.Open(tree.At({0, 0, 0}));
+    tree.Select(tree.At({0, 0, 0}));
+}
+
+void SelectTables(const EditorTree& tree) {
+    OpenTables(tree);
+    tree.Select(tree.At({0, 0}));
 }

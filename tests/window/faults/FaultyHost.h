@@ -1,9 +1,15 @@
 #pragma once
 
-#include "support/EditorTree.h"
-#include "support/Fakes.h"
 #include "Fault.h"
 #include "Model.h"
+#include "support/Component.h"
+#include "support/EditorTree.h"
+
+// The branches of the first schema, opened by the keyboard; the first table, or the folder of the tables, selected.
+void OpenSchema(const EditorTree& tree);
+void OpenTables(const EditorTree& tree);
+void SelectTable(const EditorTree& tree);
+void SelectTables(const EditorTree& tree);
 
 // A component with a host of which any call can be made to fail, and what there is to see of it.
 class FaultyHostFixture : public ComponentFixture {

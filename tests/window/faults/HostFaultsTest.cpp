@@ -3,6 +3,7 @@
 #include <string>
 
 #include "support/Browsed.h"
+#include "support/Errors.h"
 
 // Hosts that do to the thread, or from inside a call, what no host should: nothing ends the process, and the window is
 // as good as before.

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "FaultyHost.h"
+#include "support/Menus.h"
 
 // A host that lets messages through while it is asked: a driver's login box, a progress window, DoEvents. What the user
 // or another program does to the tree and the menus meanwhile changes nothing, and all of it works again afterwards.
@@ -46,28 +47,6 @@ struct Step {
     void (*Prepare)(const EditorTree& tree);
     void (*Act)(const EditorTree& tree);
 };
-
-void OpenSchema(const EditorTree& tree) {
-    tree.Click(tree.At({}));  // reads the schemas again and throws away what was below them
-    tree.Open(tree.At({}));
-    tree.Open(tree.At({0}));
-}
-
-void OpenTables(const EditorTree& tree) {
-    OpenSchema(tree);
-    tree.Open(tree.At({0, 0}));
-}
-
-void SelectTable(const EditorTree& tree) {
-    OpenTables(tree);
-    tree.Open(tree.At({0, 0, 0}));
-    tree.Select(tree.At({0, 0, 0}));
-}
-
-void SelectTables(const EditorTree& tree) {
-    OpenTables(tree);
-    tree.Select(tree.At({0, 0}));
-}
 
 constexpr Step Steps[] = {
     {"open the root",

@@ -4,9 +4,10 @@
 #include <cstdlib>
 #include <string>
 
-#include "support/Browsed.h"
 #include "Fault.h"
 #include "Shortage.h"
+#include "support/Browsed.h"
+#include "support/Errors.h"
 
 // Each allocation that the component makes in a step fails once, and then it and all that follow: nothing ends the
 // process, no text is lost, the tree holds what its model holds, no block stays behind, and the step succeeds when it

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "FaultyHost.h"
+#include "support/Dialogs.h"
 
 // The part of the matrix that comes before the window: Constructor and the first Display, each case in a component that
 // knows nothing yet.

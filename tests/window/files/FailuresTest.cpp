@@ -1,6 +1,7 @@
 #include <algorithm>
 
 #include "support/Dialogs.h"
+#include "support/Files.h"
 
 using namespace std::string_literals;
 
@@ -182,7 +183,7 @@ TEST_F(FileFailuresTest, ALockedFileIsNotWritten) {
         EXPECT_EQ("old new", BytesOf(Here / L"a.sql"));
         EXPECT_FALSE(Modified());
     });
-    EXPECT_EQ(L"a.sql|", Here.Names());
+    EXPECT_EQ(L"a.sql|", Here.Listing());
     EXPECT_EQ(L"", Errors.Places());
 }
 
@@ -195,7 +196,7 @@ TEST_F(FileFailuresTest, AReadOnlyFileIsReadAndNotWritten) {
         CannotSave(Here / L"a.sql", "old", 75);
         EXPECT_TRUE(GetFileAttributesW((Here / L"a.sql").c_str()) & FILE_ATTRIBUTE_READONLY);
     });
-    EXPECT_EQ(L"a.sql|", Here.Names());
+    EXPECT_EQ(L"a.sql|", Here.Listing());
 }
 
 TEST_F(FileFailuresTest, AFileThatWasDeletedMeanwhileIsWrittenAnew) {
@@ -220,7 +221,7 @@ TEST_F(FileFailuresTest, AFolderThatWasDeletedMeanwhileIsTold) {
         Type(L" new");
         CannotSave(Here / L"sub\\a.sql", "<none>", 76);
     });
-    EXPECT_EQ(L"", Here.Names());
+    EXPECT_EQ(L"", Here.Listing());
 }
 
 TEST_F(FileFailuresTest, AFullDiskLosesNothing) {
@@ -267,7 +268,7 @@ TEST_F(FileFailuresTest, AFolderWithoutRightsIsToldAndStaysAsItWas) {
         EXPECT_FALSE(Modified());
     });
     EXPECT_EQ("old new", BytesOf(Here / L"b.sql"));
-    EXPECT_EQ(L"b.sql|", Here.Names());
+    EXPECT_EQ(L"b.sql|", Here.Listing());
     EXPECT_EQ(L"", Errors.Places());
 }
 

@@ -1,6 +1,7 @@
 #include <algorithm>
 
 #include "support/Dialogs.h"
+#include "support/Files.h"
 
 using namespace std::string_literals;
 
@@ -109,7 +110,7 @@ TEST_F(FilesTest, SaveWithoutANameIsSaveAs) {
         Save();
         EXPECT_EQ("select 1\r\nfrom dual xy", BytesOf(Here / L"a.sql"));
     });
-    EXPECT_EQ(L"a.sql|", Here.Names());
+    EXPECT_EQ(L"a.sql|", Here.Listing());
     EXPECT_EQ(L"", Errors.Places());
 }
 
@@ -270,7 +271,7 @@ TEST_F(FilesTest, EveryEncodingComesBackByteByByte) {
         }
     });
     EXPECT_EQ(L"", Errors.Places());
-    EXPECT_EQ(L"a.sql|", Here.Names());
+    EXPECT_EQ(L"a.sql|", Here.Listing());
 }
 
 TEST_F(FilesTest, ACharacterThatTheFileCannotHoldTurnsItIntoUtf8) {

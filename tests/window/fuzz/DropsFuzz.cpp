@@ -4,14 +4,14 @@
 #include <algorithm>
 #include <cstring>
 
-#include "support/Browsed.h"
 #include "Cases.h"
-#include "support/Dialogs.h"
 #include "RichTexts.h"
-#include "support/TestData.h"
 #include "Windows.h"
-#include "forms/Rtf.h"
 #include "forms/TextFile.h"
+#include "support/Browsed.h"
+#include "support/Dialogs.h"
+#include "support/Folder.h"
+#include "support/TestData.h"
 
 // What other programs drop on the editor: texts of any bytes, with and without an end, damaged lists of files, files of
 // any bytes. What the editor held before stays.
@@ -36,7 +36,7 @@ protected:
     // Drops on a window that holds `Before`, with the caret behind it; what came in.
     std::wstring Dropped(TestData& data, DWORD* effect = nullptr) {
         PutText(Before);
-        SelectText(7, 7);
+        EditorWindow::Select(7, 7);
         const DWORD done = DropOnEditor(data, {-5000, -5000});
         if (effect != nullptr) *effect = done;
         const std::wstring text = EditorText();
@@ -271,7 +271,7 @@ TEST_F(DropsFuzz, BrokenPromises) {
     WithWindow([&] {
         ForEachCase(40, [&](Random& random) {
             PutText(Before);
-            SelectText(7, 7);
+            EditorWindow::Select(7, 7);
             Broken data(random);
             IDropTarget* const target = EditorDropTarget();
             ASSERT_NE(nullptr, target);

@@ -3,11 +3,13 @@
 #include <algorithm>
 
 #include "Cases.h"
-#include "support/Dialogs.h"
-#include "support/Expect.h"
 #include "Windows.h"
 #include "forms/RichTextBox.h"
 #include "forms/TextFile.h"
+#include "support/Dialogs.h"
+#include "support/Errors.h"
+#include "support/Files.h"
+#include "support/TopWindow.h"
 
 // Files of any bytes: read, written and read again by the functions that the window uses, then by its editor, and some
 // through its menu and dialogs.
@@ -172,7 +174,7 @@ TEST_F(FilesFuzz, OpenedAndSavedByTheMenu) {
                       if (HasOneKindOfLineEnd(text)) {
                           ASSERT_TRUE(bytes == BytesOf(Here / L"a.sql")) << testing::PrintToString(bytes);
                       }
-                      EXPECT_EQ(L"a.sql|", Here.Names());
+                      EXPECT_EQ(L"a.sql|", Here.Listing());
                   });
                   PutText(L"the end");
               }));

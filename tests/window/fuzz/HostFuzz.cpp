@@ -4,10 +4,11 @@
 #include <memory>
 #include <set>
 
-#include "support/Browsed.h"
 #include "Cases.h"
 #include "Values.h"
 #include "Windows.h"
+#include "support/Browsed.h"
+#include "support/Errors.h"
 
 // The door, given arguments of any kind, and hosts whose members answer with anything. What is a text comes back; what
 // is none is reported under the name of the procedure that asked; and the window goes on.

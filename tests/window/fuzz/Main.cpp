@@ -2,7 +2,7 @@
 #include <ole2.h>
 
 #include "Cases.h"
-#include "support/Fakes.h"
+#include "support/EditorWindow.h"
 
 int main(int argc, char** argv) {
     testing::InitGoogleTest(&argc, argv);

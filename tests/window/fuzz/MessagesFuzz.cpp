@@ -4,8 +4,10 @@
 
 #include <vector>
 
-#include "support/Browsed.h"
 #include "Cases.h"
+#include "support/Browsed.h"
+#include "support/Dialogs.h"
+#include "support/Errors.h"
 
 // Messages that any program of the session may send or post to the window and to each of its controls, with nothing or
 // small numbers where an address, a handle or a position belongs. What they change is theirs; the window goes on, gives

@@ -5,9 +5,10 @@
 #include <algorithm>
 #include <set>
 
-#include "support/Browsed.h"
 #include "Cases.h"
 #include "Windows.h"
+#include "editor/ControlIds.h"
+#include "support/Browsed.h"
 
 // Names of any kind on their way from the host's dictionary through the tree, the statements, the description and
 // drops. A node keeps the name as the host gave it; the tree's control, the label and the tooltip only show it, up to
@@ -251,7 +252,7 @@ protected:
         PutText(before);
         const size_t from = random.Below(before.empty() ? 1 : 7);
         const size_t to = before.empty() ? 0 : from + random.Below(7 - from);
-        SelectText(static_cast<long>(from), static_cast<long>(to));
+        EditorWindow::Select(static_cast<long>(from), static_cast<long>(to));
         insert();
         const size_t caret = to + (to > 2 ? 1 : 0) + (to > 5 ? 1 : 0);  // the control counts a line end once
         const std::wstring whole = InControl(before.substr(0, caret)) + expected + InControl(before.substr(caret));
@@ -369,7 +370,7 @@ TEST_F(NamesFuzz, TreeAndDescription) {
             const std::wstring schema = SchemaText(Host);
             const std::wstring& object = Host.Objects[Host.Object];
             // The label shows what it is given, ampersands too, up to a NUL.
-            EXPECT_NE(0, GetWindowLongW(GetDlgItem(EditorWindow::Find(), 1003), GWL_STYLE) & SS_NOPREFIX);
+            EXPECT_NE(0, GetWindowLongW(EditorWindow::Control(IdDescription), GWL_STYLE) & SS_NOPREFIX);
             ExpectText(
                 UpToNul(object + (Host.Views
                                       ? L" view: a custom-tailored presentation of data (or stored query) in the " +

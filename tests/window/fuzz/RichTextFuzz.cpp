@@ -3,11 +3,12 @@
 #include <algorithm>
 
 #include "Cases.h"
-#include "support/Dialogs.h"
-#include "support/Expect.h"
 #include "RichTexts.h"
-#include "forms/Rtf.h"
 #include "forms/RichTextBox.h"
+#include "forms/Rtf.h"
+#include "support/Errors.h"
+#include "support/Folder.h"
+#include "support/TopWindow.h"
 
 // Rich text of any damage, read from files. Either the control reads it, and what the editor then holds is a text with
 // positions of its own that can be saved, or it is refused and everything stays as it was.

@@ -4,11 +4,12 @@
 #include <cstdlib>
 
 #include "Cases.h"
-#include "support/Expect.h"
-#include "support/Fakes.h"
 #include "Windows.h"
 #include "automation/App.h"
 #include "forms/Settings.h"
+#include "support/Component.h"
+#include "support/Errors.h"
+#include "support/Settings.h"
 
 // What stands in the registry may be anything: another program or a hand has written it.
 namespace {

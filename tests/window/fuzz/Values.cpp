@@ -4,30 +4,17 @@
 #include <cstring>
 #include <limits>
 
+#include "support/CountedObject.h"
 #include "automation/DynamicObject.h"
 #include "automation/RuntimeError.h"
 
 namespace {
 
 // An object that has nothing but itself.
-class Bare final : public IUnknown {
+class Bare final : public CountedObject<IUnknown, 1> {
 public:
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {
-        *object = iid == IID_IUnknown ? this : nullptr;
-        if (*object == nullptr) return E_NOINTERFACE;
-        AddRef();
-        return S_OK;
-    }
-    ULONG STDMETHODCALLTYPE AddRef() override { return ++references_; }
-    ULONG STDMETHODCALLTYPE Release() override {
-        const ULONG left = --references_;
-        if (left == 0) delete this;
-        return left;
-    }
-
 private:
     ~Bare() = default;
-    ULONG references_ = 1;
 };
 
 Object AnyObject(Random& random, int depth) {

@@ -5,7 +5,7 @@
 
 #include "Cases.h"
 #include "Values.h"
-#include "automation/Collection.h"
+#include "automation/HostCollection.h"
 #include "automation/RuntimeError.h"
 
 // Conversions of values of every kind: each gives a value or a run-time error, and nothing else leaves it.

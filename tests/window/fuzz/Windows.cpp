@@ -4,8 +4,9 @@
 
 #include <vector>
 
+#include "editor/ControlIds.h"
 #include "support/EditorTree.h"
-#include "support/Fakes.h"
+#include "support/EditorWindow.h"
 
 std::wstring EditorText() {
     const HWND editor = EditorWindow::Editor();
@@ -34,7 +35,7 @@ std::wstring NodeText(HTREEITEM item) {
 }
 
 std::wstring LabelText() {
-    const HWND label = GetDlgItem(EditorWindow::Find(), 1003);
+    const HWND label = EditorWindow::Control(IdDescription);
     std::wstring text(static_cast<size_t>(GetWindowTextLengthW(label)) + 1, L'\0');
     text.resize(static_cast<size_t>(GetWindowTextW(label, text.data(), static_cast<int>(text.size()))));
     return text;
@@ -44,9 +45,4 @@ void PutText(const std::wstring& text) {
     SETTEXTEX request{ST_DEFAULT, 1200};
     SendMessageW(EditorWindow::Editor(), EM_SETTEXTEX, reinterpret_cast<WPARAM>(&request),
                  reinterpret_cast<LPARAM>(text.c_str()));
-}
-
-void SelectText(long from, long to) {
-    CHARRANGE range{from, to};
-    SendMessageW(EditorWindow::Editor(), EM_EXSETSEL, 0, reinterpret_cast<LPARAM>(&range));
 }

@@ -10,6 +10,5 @@ std::wstring EditorText();              // the rich edit control's, line ends as
 std::wstring NodeText(HTREEITEM item);  // as the tree of the object browser shows it
 std::wstring LabelText();               // the description
 
-// Puts a text into the editor, and selects from one of its characters (as the control counts) to another.
+// Puts a text into the editor.
 void PutText(const std::wstring& text);
-void SelectText(long from, long to);

@@ -5,7 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "support/Fakes.h"
+#include "support/Component.h"
+#include "support/Settings.h"
 
 // The DLL as COM loads it: by its registration, and unloaded when nothing of it lives.
 

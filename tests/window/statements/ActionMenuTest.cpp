@@ -20,22 +20,6 @@ protected:
         SendMessageW(list, WM_LBUTTONDOWN, MK_LBUTTON, at);
         SendMessageW(list, WM_LBUTTONUP, 0, at);
     }
-    static CHARRANGE Selection() {
-        CHARRANGE range{};
-        SendMessageW(EditorWindow::Editor(), EM_EXGETSEL, 0, reinterpret_cast<LPARAM>(&range));
-        return range;
-    }
-    static std::wstring Selected() {
-        const CHARRANGE range = Selection();
-        std::wstring text(static_cast<size_t>(range.cpMax - range.cpMin) + 1, L'\0');
-        text.resize(static_cast<size_t>(
-            SendMessageW(EditorWindow::Editor(), EM_GETSELTEXT, 0, reinterpret_cast<LPARAM>(text.data()))));
-        return text;
-    }
-    static void SelectText(LONG from, LONG to) {
-        CHARRANGE range{from, to};
-        SendMessageW(EditorWindow::Editor(), EM_EXSETSEL, 0, reinterpret_cast<LPARAM>(&range));
-    }
     void OpenTables() {
         Tree.Open(Tree.At({}));
         Tree.Open(Tree.At({0}));
@@ -109,10 +93,11 @@ TEST_F(ActionMenuTest, WhatWasInsertedStandsSelectedBehindWhatWasSelected) {
     Inside([this] {
         OpenTables();
         Tree.Click(Tree.At({0, 0, 0}));
-        SelectText(0, 6);
+        EditorWindow::Select(0, 6);
         EditorWindow::Choose(L"Action", L"Count rows");
         EXPECT_EQ(L"select\r\nSELECT COUNT(*) FROM HR.ORDERS;\r\n 1", EditorWindow::Text());
-        EXPECT_EQ(L"SELECT COUNT(*) FROM HR.ORDERS;\r", Selected());  // the line break before it is not selected
+        EXPECT_EQ(L"SELECT COUNT(*) FROM HR.ORDERS;\r",
+                  EditorWindow::SelectedText());  // the line break before it is not selected
         // One step of undo takes it back, and the next brings nothing else.
         SendMessageW(EditorWindow::Editor(), EM_UNDO, 0, 0);
         EXPECT_EQ(L"select 1", EditorWindow::Text());
@@ -125,10 +110,10 @@ TEST_F(ActionMenuTest, PositionsCountALineBreakAsTwo) {
         [this] {
             OpenTables();
             Tree.Click(Tree.At({0, 0, 0}));
-            SelectText(8, 8);  // behind "a\r\nb\r\nc\r\nd\r\n": the control counts one for each
+            EditorWindow::Select(8, 8);  // behind "a\r\nb\r\nc\r\nd\r\n": the control counts one for each
             EditorWindow::Choose(L"Action", L"Count rows");
             EXPECT_EQ(L"a\r\nb\r\nc\r\nd\r\n\r\nSELECT COUNT(*) FROM HR.ORDERS;\r\ne", EditorWindow::Text());
-            EXPECT_EQ(L"SELECT COUNT(*) FROM HR.ORDERS;\r", Selected());
+            EXPECT_EQ(L"SELECT COUNT(*) FROM HR.ORDERS;\r", EditorWindow::SelectedText());
         },
         L"a\r\nb\r\nc\r\nd\r\ne");
     EXPECT_EQ(L"", Errors.Places());
@@ -142,7 +127,7 @@ TEST_F(ActionMenuTest, TheInsertionIsScrolledIntoView) {
             OpenTables();
             Tree.Click(Tree.At({0, 0, 0}));
             const HWND editor = EditorWindow::Editor();
-            SelectText(0x7FFFFFF, 0x7FFFFFF);
+            EditorWindow::Select(0x7FFFFFF, 0x7FFFFFF);
             SendMessageW(editor, WM_VSCROLL, SB_TOP, 0);
             EXPECT_EQ(0, SendMessageW(editor, EM_GETFIRSTVISIBLELINE, 0, 0));
             EditorWindow::Choose(L"Action", L"Count rows");
@@ -156,7 +141,7 @@ TEST_F(ActionMenuTest, AnEntryOfTheReferenceInsertsItsText) {
     Inside([] {
         ShowPage(1);
         SelectRow(1, L"COMMIT");
-        SelectText(100, 100);
+        EditorWindow::Select(100, 100);
         EditorWindow::Choose(L"Action", L"Execute");
         EXPECT_EQ(L"select 1\r\nCOMMIT;\r\n", EditorWindow::Text());
         // Disabled entries insert nothing, however they are reached.
@@ -178,10 +163,10 @@ TEST_F(ActionMenuTest, CreateAsksTheHostForTheStatement) {
     Inside([this] {
         OpenTables();
         Tree.Click(Tree.At({0, 0}));
-        SelectText(100, 100);
+        EditorWindow::Select(100, 100);
         EditorWindow::Choose(L"Action", L"Create");
         EXPECT_EQ(L"select 1\r\nCREATE TABLE t (a int);\r\n", EditorWindow::Text());
-        EXPECT_EQ(L"CREATE TABLE t (a int);\r", Selected());
+        EXPECT_EQ(L"CREATE TABLE t (a int);\r", EditorWindow::SelectedText());
     });
     EXPECT_EQ(L"false", given);
     EXPECT_TRUE(types);

@@ -21,18 +21,9 @@ protected:
         return {at.x + 1, at.y + 3};
     }
     static LONG Caret() {
-        CHARRANGE range{};
-        SendMessageW(EditorWindow::Editor(), EM_EXGETSEL, 0, reinterpret_cast<LPARAM>(&range));
+        const CHARRANGE range = EditorWindow::Selection();
         EXPECT_EQ(range.cpMin, range.cpMax);
         return range.cpMin;
-    }
-    static std::wstring Selected() {
-        CHARRANGE range{};
-        SendMessageW(EditorWindow::Editor(), EM_EXGETSEL, 0, reinterpret_cast<LPARAM>(&range));
-        std::wstring text(static_cast<size_t>(range.cpMax - range.cpMin) + 1, L'\0');
-        text.resize(static_cast<size_t>(
-            SendMessageW(EditorWindow::Editor(), EM_GETSELTEXT, 0, reinterpret_cast<LPARAM>(text.data()))));
-        return text;
     }
     // Presses in a view, moves over the editor to a character of its text and lets go there.
     static void Drag(HWND view, POINT from, LONG to) {
@@ -132,7 +123,7 @@ TEST_F(DragDropTest, TheCaretFollowsAndTheFocusGoesAndComes) {
             EXPECT_EQ(nullptr, GetCapture());
             EXPECT_EQ(editor, GetFocus());
             EXPECT_EQ(L"first\r\nsSales & Coecond line\r\nthird", EditorWindow::Text());
-            EXPECT_EQ(L"Sales & Co", Selected());
+            EXPECT_EQ(L"Sales & Co", EditorWindow::SelectedText());
         },
         L"first\r\nsecond line\r\nthird");
     EXPECT_EQ(L"", Errors.Places());

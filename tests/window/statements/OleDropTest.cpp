@@ -3,6 +3,7 @@
 #include <richedit.h>
 
 #include "support/Browsed.h"
+#include "support/Dialogs.h"
 #include "support/TestData.h"
 
 namespace {
@@ -16,14 +17,6 @@ protected:
         ClientToScreen(EditorWindow::Editor(), &screen);
         return {screen.x, screen.y};
     }
-    static std::wstring Selected() {
-        CHARRANGE range{};
-        SendMessageW(EditorWindow::Editor(), EM_EXGETSEL, 0, reinterpret_cast<LPARAM>(&range));
-        std::wstring text(static_cast<size_t>(range.cpMax - range.cpMin) + 1, L'\0');
-        text.resize(static_cast<size_t>(
-            SendMessageW(EditorWindow::Editor(), EM_GETSELTEXT, 0, reinterpret_cast<LPARAM>(text.data()))));
-        return text;
-    }
 };
 
 }  // namespace
@@ -34,7 +27,7 @@ TEST_F(OleDropTest, TextGoesWhereItIsDropped) {
                                                     TestData data;
                                                     data.AddText(L" - Zo\u00eb \u4e2d");
                                                     EXPECT_EQ(DWORD{DROPEFFECT_COPY}, DropOnEditor(data, PlaceOf(3)));
-                                                    EXPECT_EQ(L" - Zo\u00eb \u4e2d", Selected());
+                                                    EXPECT_EQ(L" - Zo\u00eb \u4e2d", EditorWindow::SelectedText());
                                                     EXPECT_EQ(EditorWindow::Editor(), GetFocus());
                                                 },
                                                 L"one two"));
@@ -119,7 +112,7 @@ TEST_F(OleDropTest, FormatsAreAskedForInTheirOrder) {
         TestData both;
         both.AddFiles({L"C:\\missing.sql"}).AddText(L"text");
         DropOnEditor(both, PlaceOf(0));
-        EXPECT_EQ(L"text", Selected());
+        EXPECT_EQ(L"text", EditorWindow::SelectedText());
         EXPECT_EQ(CF_UNICODETEXT, both.Asked.back());
     });
 }
@@ -134,9 +127,9 @@ TEST_F(OleDropTest, ADragThatLeavesPutsTheSelectionBack) {
             data.AddText(L"X");
             DWORD effect = DROPEFFECT_COPY;
             target->DragEnter(&data, MK_LBUTTON, PlaceOf(5), &effect);
-            EXPECT_EQ(L"", Selected());
+            EXPECT_EQ(L"", EditorWindow::SelectedText());
             target->DragLeave();
-            EXPECT_EQ(L"one", Selected());
+            EXPECT_EQ(L"one", EditorWindow::SelectedText());
             target->Release();
         },
         L"one two");
@@ -328,7 +321,7 @@ TEST_F(FileDropTest, LineEndsOfOtherSystemsBecomeTheEditors) {
             TestData data;
             data.AddFiles({File(L"unix2.sql", "a\nb")});
             DropOnEditor(data, PlaceOf(0));
-            EXPECT_EQ(L"a\rb\r", Selected());
+            EXPECT_EQ(L"a\rb\r", EditorWindow::SelectedText());
         },
         L"");
 }
@@ -361,7 +354,7 @@ TEST_F(FileDropTest, AllFilesOfADropAreOneStepOfUndo) {
                               DropOnEditor(data, PlaceOf(0));
                               EXPECT_EQ(L"a\r\nb\r\n\r\nc\r\nd\r\none", EditorWindow::Text());
                               // The last one stands selected, without the line break that it begins with.
-                              EXPECT_EQ(L"c\rd\r", Selected());
+                              EXPECT_EQ(L"c\rd\r", EditorWindow::SelectedText());
                               SendMessageW(EditorWindow::Editor(), WM_UNDO, 0, 0);
                           },
                           L"one"));

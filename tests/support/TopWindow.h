@@ -1,20 +1,6 @@
 #pragma once
 
-#include <gtest/gtest.h>
-
-#include "automation/RuntimeError.h"
 #include "forms/PictureBox.h"
-
-// The number of the run-time error that the work raises, 0 when it raises none.
-template <class Work>
-long NumberOf(Work&& work) {
-    try {
-        work();
-    } catch (const RuntimeError& error) {
-        return error.Number;
-    }
-    return 0;
-}
 
 // A container on a hidden top-level window, to put controls on.
 class TopWindow {

@@ -9,23 +9,19 @@
 #include <string>
 #include <vector>
 
+#include "automation/HostCollection.h"
 #include "automation/RuntimeError.h"
 #include "automation/Variant.h"
+#include "support/Errors.h"
 
-// The error that the work raises; its number is 0 when it raises none.
-template <class Work>
-RuntimeError ErrorOf(Work&& work) {
-    try {
-        work();
-    } catch (const RuntimeError& error) {
-        return error;
-    }
-    return {};
-}
-
-template <class Work>
-long NumberOf(Work&& work) {
-    return ErrorOf(work).Number;
+// The items in order, each followed by a bar.
+inline std::wstring Joined(const HostCollection& collection) {
+    std::wstring texts;
+    collection.ForEach([&texts](const Variant& item) {
+        texts += item.ToText() + L"|";
+        return true;
+    });
+    return texts;
 }
 
 // Leaves an error of somebody else's on the thread, as an object does whose caller never looked.

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include <functional>
+#include <string>
+
+#include "support/EditorWindow.h"
+#include "support/HostFakes.h"
+
+// The DLL beside this program.
+class Component {
+public:
+    Component();
+    ~Component();
+    Component(const Component&) = delete;
+    Component& operator=(const Component&) = delete;
+
+    static std::wstring Path();
+    HRESULT CanUnload() const;
+    HRESULT GetClassObject(REFCLSID id, REFIID iid, void** object) const;
+    Object Create() const;  // a clsSQLEditor
+    HMODULE Handle() const { return module_; }
+
+private:
+    HMODULE module_;
+};
+
+// A test with a clean settings key, a fresh component and a recording error component.
+class ComponentFixture : public testing::Test {
+protected:
+    ComponentFixture();
+    ~ComponentFixture() override;
+    // Constructor with a database, Display with the text, closing it at once; returns what came back.
+    std::wstring DisplayAndClose(const Object& editor, const std::wstring& sql,
+                                 const std::function<void()>& inside = {});
+    // Shows the window of a new object, connected to Database, on `sql` and runs `work` inside; returns the text that
+    // came back.
+    std::wstring Inside(const std::function<void()>& work, const std::wstring& sql = L"select 1");
+
+    FakeErrors Errors;
+    FakeDatabase Database;
+    Component Dll;
+};
