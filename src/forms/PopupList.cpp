@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "forms/Surroundings.h"
+#include "forms/Dpi.h"
 
 namespace {
 
