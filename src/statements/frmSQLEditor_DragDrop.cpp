@@ -6,7 +6,6 @@
 #include "forms/MsgBox.h"
 #include "forms/PlainText.h"
 #include "forms/RichEdit.h"
-#include "forms/RichEdit.h"
 #include "forms/Rtf.h"
 #include "forms/TextFile.h"
 #include "forms/Twips.h"
