@@ -527,7 +527,7 @@ std::optional<std::wstring> ShowCreateTableDialog(Session& session) {
     try {
         session.Read([&](Odbc::Connection& connection) { types = ReadTypes(connection); });
     } catch (const Odbc::Error& error) {
-        throw ErrorFromOdbc(error, DatabaseError::StatementFailed);
+        Raise(ErrorFromOdbc(error, DatabaseError::StatementFailed));
     }
     return CreateTableDialog(session.Facts().Rules, std::move(types)).Show(GetActiveWindow());
 }

@@ -117,7 +117,7 @@ std::optional<std::vector<std::wstring>> Dictionary::Schemas(const std::wstring&
     return names;
 } catch (const Odbc::Error& error) {
     if (error.NotSupported()) return std::nullopt;
-    throw ErrorFromOdbc(error, DatabaseError::StatementFailed);
+    Raise(ErrorFromOdbc(error, DatabaseError::StatementFailed));
 }
 
 std::vector<std::wstring> Dictionary::Objects(long objectType, const std::wstring& schema, const std::wstring& only,
@@ -160,7 +160,7 @@ std::vector<std::wstring> Dictionary::Objects(long objectType, const std::wstrin
     }
     return sorted;
 } catch (const Odbc::Error& error) {
-    throw ErrorFromOdbc(error, error.NotSupported() ? DatabaseError::NoDictionary : DatabaseError::StatementFailed);
+    Raise(ErrorFromOdbc(error, error.NotSupported() ? DatabaseError::NoDictionary : DatabaseError::StatementFailed));
 }
 
 std::vector<ColumnProperties> Dictionary::ReadColumns(Odbc::Connection& connection, const std::wstring& schema,

@@ -122,7 +122,7 @@ RowReader::RowReader(std::shared_ptr<Session> session, const std::wstring& sql, 
         statement_->Execute(sql);
     } catch (const Odbc::Error& error) {
         session_->NoteFailure(error);
-        throw ErrorFromOdbc(error, DatabaseError::StatementFailed);
+        Raise(ErrorFromOdbc(error, DatabaseError::StatementFailed));
     }
 }
 
@@ -135,7 +135,7 @@ const std::vector<Odbc::ColumnInfo>& RowReader::Fields() try {
     return Open().AllColumns();
 } catch (const Odbc::Error& error) {
     session_->NoteFailure(error);
-    throw ErrorFromOdbc(error, DatabaseError::StatementFailed);
+    Raise(ErrorFromOdbc(error, DatabaseError::StatementFailed));
 }
 
 long RowReader::RowsAffected() { return static_cast<long>(Open().RowCount()); }
@@ -158,7 +158,7 @@ std::optional<std::vector<Variant>> RowReader::Next() try {
     return row;
 } catch (const Odbc::Error& error) {
     session_->NoteFailure(error);
-    throw ErrorFromOdbc(error, DatabaseError::StatementFailed);
+    Raise(ErrorFromOdbc(error, DatabaseError::StatementFailed));
 }
 
 std::optional<std::vector<Variant>> RowReader::NextText(size_t limit) try {
@@ -177,12 +177,12 @@ std::optional<std::vector<Variant>> RowReader::NextText(size_t limit) try {
     return row;
 } catch (const Odbc::Error& error) {
     session_->NoteFailure(error);
-    throw ErrorFromOdbc(error, DatabaseError::StatementFailed);
+    Raise(ErrorFromOdbc(error, DatabaseError::StatementFailed));
 }
 
 bool RowReader::NextResult() try { return Open().NextResult(); } catch (const Odbc::Error& error) {
     session_->NoteFailure(error);
-    throw ErrorFromOdbc(error, DatabaseError::StatementFailed);
+    Raise(ErrorFromOdbc(error, DatabaseError::StatementFailed));
 }
 
 void RowReader::Close() noexcept { statement_.reset(); }

@@ -23,10 +23,8 @@ const ComClass classes[] = {
 
 }  // namespace
 
-extern "C" BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, LPVOID) {
-    if (reason == DLL_PROCESS_ATTACH) DisableThreadLibraryCalls(module);
-    return TRUE;
-}
+// The notifications of threads stay on: the run-time library, which is linked in, frees by them what it keeps for each.
+extern "C" BOOL WINAPI DllMain(HINSTANCE, DWORD, LPVOID) { return TRUE; }
 
 STDAPI DllGetClassObject(REFCLSID id, REFIID iid, LPVOID* object) {
     return Server::GetClassObject(classes, std::size(classes), id, iid, object);

@@ -9,11 +9,7 @@ namespace {
 
 // For calls that leave no IErrorInfo: what the thread has is somebody else's.
 void Check(HRESULT result) {
-    if (FAILED(result)) {
-        RuntimeError error =
-            ErrorFromHresult(result, nullptr);  // first: what fails while an exception is made ends the process
-        throw error;
-    }
+    if (FAILED(result)) Raise(ErrorFromHresult(result, nullptr));
 }
 
 // The key of the default member, which has no name.

@@ -62,11 +62,7 @@ public:
         VARIANT raw;
         VariantInit(&raw);
         const HRESULT result = AskForNext(raw, fetched);
-        if (FAILED(result)) {
-            RuntimeError error =
-                ErrorFromHresult(result, nullptr);  // first: what fails while an exception is made ends the process
-            throw error;
-        }
+        if (FAILED(result)) Raise(ErrorFromHresult(result, nullptr));
         Variant got = Variant::Attach(raw);
         // Some say with the count alone that there is no more, and some with the result alone.
         if (result != S_OK || (fetched == 0 && got.IsEmpty())) return false;
@@ -107,9 +103,9 @@ HostCollection::HostCollection(const Variant& result) {
         return;
     }
     if (asked == DISP_E_EXCEPTION) {
-        const RuntimeError error = ErrorFromHresult(asked, &exception);
+        RuntimeError error = ErrorFromHresult(asked, &exception);
         // Some objects raise an exception to say that they have no enumerator.
-        if (!SaysThatThereIsNone(error.Number)) throw error;
+        if (!SaysThatThereIsNone(error.Number)) Raise(std::move(error));
     }
     if (object_.Has(L"Count") && object_.Has(L"Item")) {
         kind_ = Kind::Counted;

@@ -177,11 +177,7 @@ struct Object::State {
         }
         DISPID id = DISPID_UNKNOWN;
         const HRESULT result = LookUp(name, id);
-        if (FAILED(result)) {
-            RuntimeError error =
-                ErrorFromHresult(result, nullptr);  // first: what fails while an exception is made ends the process
-            throw error;
-        }
+        if (FAILED(result)) Raise(ErrorFromHresult(result, nullptr));
         Members.push_back({name, id});
         return id;
     }
@@ -316,11 +312,7 @@ void TextFunction::AppendTo(std::wstring& to, std::wstring_view argument) {
     VariantInit(&raw);
     EXCEPINFO exception{};
     const HRESULT result = state.Invoke(id_, DISPATCH_METHOD | DISPATCH_PROPERTYGET, parameters, &raw, exception);
-    if (FAILED(result)) {
-        RuntimeError error =
-            ErrorFromHresult(result, &exception);  // first: what fails while an exception is made ends the process
-        throw error;
-    }
+    if (FAILED(result)) Raise(ErrorFromHresult(result, &exception));
     const Variant answer = Variant::Attach(raw);
     if (answer.vt == VT_BSTR) {
         to.append(answer.bstrVal, SysStringLen(answer.bstrVal));
@@ -383,11 +375,7 @@ Variant Object::InvokeId(DISPID id, WORD flags, Argument* arguments, size_t coun
         }
     }
     // Beside a failure a callee may have left anything in the result: then it is not ours to free.
-    if (FAILED(result)) {
-        RuntimeError error =
-            ErrorFromHresult(result, &exception);  // first: what fails while an exception is made ends the process
-        throw error;
-    }
+    if (FAILED(result)) Raise(ErrorFromHresult(result, &exception));
     Variant owned = Variant::Attach(raw);
     for (size_t at = 0; at < count; ++at) arguments[at].WriteBack();
     if ((owned.vt & VT_BYREF) != 0) return Variant(static_cast<const VARIANT&>(owned));
@@ -407,9 +395,5 @@ void Object::Let(const wchar_t* member, const Variant& value) const {
     if (result == DISP_E_MEMBERNOTFOUND) FreeTexts(exception);
     if (result == DISP_E_MEMBERNOTFOUND)
         result = state->Invoke(id, DISPATCH_PROPERTYPUT, parameters, nullptr, exception);
-    if (FAILED(result)) {
-        RuntimeError error =
-            ErrorFromHresult(result, &exception);  // first: what fails while an exception is made ends the process
-        throw error;
-    }
+    if (FAILED(result)) Raise(ErrorFromHresult(result, &exception));
 }

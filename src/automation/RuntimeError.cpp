@@ -2,6 +2,8 @@
 
 #include <oleauto.h>
 
+#include <cstdlib>
+#include <exception>
 #include <new>
 #include <utility>
 
@@ -157,6 +159,20 @@ std::wstring ErrorText(long number) {
     return L"Application-defined or object-defined error";
 }
 
+bool ReadyToThrow() noexcept {
+    // The library asks for less, ends the process when it gets nothing, and cannot be asked whether it has it already.
+    constexpr size_t Enough = 1024;
+    void* volatile block = std::malloc(Enough);
+    if (block == nullptr) return false;
+    std::free(block);
+    // Into a volatile, since the compiler takes the function for a pure one and leaves out a call whose result is not
+    // used.
+    [[maybe_unused]] const volatile int underWay = std::uncaught_exceptions();
+    return true;
+}
+
+void Raise(RuntimeError error) { throw error; }
+
 void RaiseError(long number) { RaiseError(number, ErrorText(number)); }
 
 void RaiseError(long number, std::wstring description) { RaiseError(number, App::Title, std::move(description)); }
@@ -186,7 +202,7 @@ RuntimeError CurrentError() noexcept {
         try {
             throw;
         } catch (const RuntimeError& error) {
-            return error;
+            return error.Copy();
         } catch (const std::bad_alloc&) {
             number = ErrorNumber::OutOfMemory;
         } catch (...) {

@@ -8,6 +8,12 @@
 // A run-time failure, as the language of the hosts knows it: a number, who raised it, and what to tell. It is what
 // every call of this floor and of the floors above throws.
 struct RuntimeError {
+    RuntimeError() noexcept = default;
+    RuntimeError(RuntimeError&&) noexcept = default;
+    RuntimeError& operator=(RuntimeError&&) noexcept = default;
+    // Only on request: a copy that finds no memory while it is thrown ends the process.
+    RuntimeError Copy() const { return RuntimeError(*this); }
+
     long Number = 0;
     std::wstring Source;
     std::wstring Description;
@@ -16,6 +22,9 @@ struct RuntimeError {
     long LastDllError = 0;  // GetLastError of the Windows call that failed, 0 when none did
     // Another object failed and named no source: Source is App::Title then, and the number is not one of our own.
     bool Foreign = false;
+
+private:
+    RuntimeError(const RuntimeError&) = default;
 };
 
 // The numbers that hosts know.
@@ -56,6 +65,14 @@ inline constexpr long KeyNotUnique = 35602;
 // The first number of the range in which components number errors of their own (80040000 hexadecimal).
 inline constexpr long ObjectErrorBase = -2147221504;
 
+// Makes the record that the language's run-time library keeps for each thread that throws; without memory for it the
+// first exception ends the process. False: there is none, and nothing may be called that throws. Every way into the
+// module, from whatever thread, begins with this.
+bool ReadyToThrow() noexcept;
+
+// Throws the error. What the argument needs is over by then: an exception that comes while one is made to be thrown
+// ends the process.
+[[noreturn]] void Raise(RuntimeError error);
 // Throws the error `number` with the standing description of that number and App::Title as its source.
 [[noreturn]] void RaiseError(long number);
 // The same with a description, and with a source other than App::Title when `source` is given.

@@ -19,11 +19,7 @@ VARIANT* Mutable(const VARIANT* value) noexcept { return const_cast<VARIANT*>(va
 
 // For calls that leave no IErrorInfo: what the thread has is somebody else's.
 void Check(HRESULT result) {
-    if (FAILED(result)) {
-        RuntimeError error =
-            ErrorFromHresult(result, nullptr);  // first: what fails while an exception is made ends the process
-        throw error;
-    }
+    if (FAILED(result)) Raise(ErrorFromHresult(result, nullptr));
 }
 
 // How many bytes an element of the type takes in an array, 0 for types that are no variant's value.

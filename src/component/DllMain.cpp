@@ -1,13 +1,16 @@
 #include <windows.h>
 #include <olectl.h>
 
+#include "automation/RuntimeError.h"
 #include "automation/Server.h"
 #include "component/clsSQLEditor.h"
 #include "forms/WindowClass.h"
 #include "shared/modGlobal.h"
 
-extern "C" BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, LPVOID processEnds) {
-    if (reason == DLL_PROCESS_ATTACH) DisableThreadLibraryCalls(module);
+// The notifications of threads stay on: with a run-time library that is linked into the module they free what it keeps
+// for each thread, such as the record of its exceptions.
+extern "C" BOOL WINAPI DllMain(HINSTANCE, DWORD reason, LPVOID processEnds) {
+    if (reason == DLL_PROCESS_ATTACH) return ReadyToThrow();
     // At the end of a process the system takes the window classes and the memory back itself.
     if (reason == DLL_PROCESS_DETACH && processEnds == nullptr) {
         UnregisterWindowClasses();
@@ -49,12 +52,14 @@ private:
 
 STDAPI DllGetClassObject(REFCLSID id, REFIID iid, void** object) {
     // Not in DllMain: what goes wrong is reported through another component, and none may be loaded there.
+    if (!ReadyToThrow()) return E_OUTOFMEMORY;
     static Start start;
     if (id == SQLEditorClass.Id) start.Once();
     return Server::GetClassObject(&SQLEditorClass, 1, id, iid, object);
 }
 
 STDAPI DllCanUnloadNow() {
+    if (!ReadyToThrow()) return S_FALSE;
     if (!Server::CanUnload()) return S_FALSE;
     // This is the last that the module hears before it goes. What it holds of the host and of the error component is
     // given back now: in DllMain it would be too late. On another thread than its own it may not be touched.

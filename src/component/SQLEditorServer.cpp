@@ -166,13 +166,11 @@ private:
     // What even the reporting could not take leaves here as an HRESULT with its description.
     template <class Work>
     HRESULT Guarded(Work&& work, EXCEPINFO* exception) noexcept {
+        if (!ReadyToThrow()) return E_OUTOFMEMORY;
         // The host may let go of the object from inside the modal loop.
         AddRef();
         HRESULT result = S_OK;
         modGlobal::Own();
-        // The language's run-time library makes a note for each thread with the first exception, and ends the process
-        // when there is no memory for it: that is made now, and not when memory has run out.
-        static_cast<void>(std::uncaught_exceptions());
         const HostContexts host;
         try {
             const Surroundings surroundings;
@@ -278,6 +276,7 @@ private:
 };
 
 HRESULT CreateSQLEditor(REFIID iid, void** object) {
+    if (!ReadyToThrow()) return E_OUTOFMEMORY;
     SQLEditorObject* made = nullptr;
     try {
         made = new SQLEditorObject;

@@ -8,7 +8,7 @@ RuntimeError ErrorOf(Work&& work) {
     try {
         work();
     } catch (const RuntimeError& error) {
-        return error;
+        return error.Copy();
     }
     return {};
 }

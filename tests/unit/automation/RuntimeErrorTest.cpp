@@ -4,6 +4,8 @@
 #include <oleauto.h>
 
 #include <new>
+#include <type_traits>
+#include <utility>
 #include <stdexcept>
 
 #include "automation/App.h"
@@ -174,7 +176,7 @@ TEST(RuntimeErrorTest, SystemErrorCarriesWhatWindowsSaid) {
 TEST(RuntimeErrorTest, CurrentErrorTakesWhateverWasThrown) {
     const auto caught = [](auto thrown) {
         try {
-            throw thrown;
+            throw std::move(thrown);
         } catch (...) {
             return CurrentError();
         }
@@ -183,12 +185,26 @@ TEST(RuntimeErrorTest, CurrentErrorTakesWhateverWasThrown) {
     own.Number = 5;
     own.Source = L"own";
     own.LastDllError = 3;
-    EXPECT_EQ(L"own", caught(own).Source);
-    EXPECT_EQ(3, caught(own).LastDllError);
+    EXPECT_EQ(L"own", caught(own.Copy()).Source);
+    EXPECT_EQ(3, caught(own.Copy()).LastDllError);
     EXPECT_EQ(7, caught(std::bad_alloc()).Number);
     EXPECT_EQ(440, caught(std::runtime_error("x")).Number);
     EXPECT_EQ(440, caught(1).Number);
     EXPECT_EQ(App::Title, caught(1).Source);
+}
+
+// A copy that found no memory while it is thrown would end the process.
+TEST(RuntimeErrorTest, IsThrownWithoutBeingCopied) {
+    static_assert(!std::is_copy_constructible_v<RuntimeError> && !std::is_copy_assignable_v<RuntimeError>);
+    static_assert(std::is_nothrow_move_constructible_v<RuntimeError>);
+    RuntimeError error;
+    error.Description.assign(100, L'x');
+    const wchar_t* const text = error.Description.c_str();
+    try {
+        Raise(std::move(error));
+    } catch (const RuntimeError& caught) {
+        EXPECT_EQ(text, caught.Description.c_str());
+    }
 }
 
 TEST(RuntimeErrorTest, NumbersBecomeResults) {

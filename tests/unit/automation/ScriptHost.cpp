@@ -78,6 +78,6 @@ void ScriptHost::Parse(const std::wstring& code, DWORD flags, VARIANT* result) {
     EXCEPINFO exception{};
     const HRESULT outcome =
         parser_->ParseScriptText(code.c_str(), nullptr, nullptr, nullptr, 0, 0, flags, result, &exception);
-    if (site_->Failure.Number != 0) throw site_->Failure;
+    if (site_->Failure.Number != 0) throw std::exchange(site_->Failure, {});
     if (FAILED(outcome)) throw ErrorFromHresult(outcome, &exception);
 }
