@@ -334,16 +334,22 @@ void Form::RunLoop() {
                 Events::Raise([] { Dragging::Repeat(); });
             }
             call.Rethrow();
-            // What came may be a message that was sent, which is over now and leaves nothing to get.
-            if (!PeekMessageW(&message, nullptr, 0, 0, PM_NOREMOVE)) continue;
         }
-        // Each step is over soon, and none is begun while a message waits.
-        while (shown_ && !PeekMessageW(&message, nullptr, 0, 0, PM_NOREMOVE) && Idle()) call.Rethrow();
-        if (!shown_) break;
-        const BOOL got = GetMessageW(&message, nullptr, 0, 0);
-        if (got <= 0) {
+        // Messages are taken and never only looked at: a message that Wine finds it cannot deliver, such as one of DDE
+        // with no memory behind it, is dropped when it is taken, and looked at again and again otherwise.
+        bool got = PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) != FALSE;
+        if (!got) {
+            // Nothing is waited for while something is dragged, nor while there is something to do. Each step of that
+            // is over soon, and none is begun while a message waits.
+            const bool busy = shown_ && (Dragging::Active() || Idle());
+            call.Rethrow();
+            if (busy) continue;
+            if (!shown_) break;
+            got = GetMessageW(&message, nullptr, 0, 0) >= 0;
+        }
+        if (!got || message.message == WM_QUIT) {
             // The host is quitting: its own loop has to see that too.
-            if (got == 0) PostQuitMessage(static_cast<int>(message.wParam));
+            if (got) PostQuitMessage(static_cast<int>(message.wParam));
             Hide();
             break;
         }

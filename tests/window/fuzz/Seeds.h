@@ -21,6 +21,8 @@ inline constexpr KeptSeed KeptSeeds[] = {
      "a variant by reference that refers to itself: Display had no end"},
     {"HostFuzz.DisplayTakesAnyArgument", 0x7a786926a7, "another one"},
     {"HostFuzz.MembersAnswerWithAnything", 0xc1ff8680b, "a folder of a thousand names"},
+    {"MessagesFuzz.WithNothingToPointTo", 0x8cd290d77,
+     "a posted message of DDE without memory, which Wine finds again at each look: no end of a loop that looks first"},
     {"NamesFuzz.Statements", 0xa08d6615f8, "CR CR LF in one name and NUL in another: a blank for two line ends"},
     {"NamesFuzz.Statements", 0x12a5fafd72, "the same in a folder's statements"},
     {"NamesFuzz.DropsFromTheTree", 0x313c738799, "right-to-left and combining names by the mouse"},
