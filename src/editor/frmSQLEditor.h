@@ -341,6 +341,10 @@ private:
     void rtbSQL_DragOver(Control& Source, float X, float Y, DragState State);
     void rtbSQL_DragDrop(Control& Source, float X, float Y);
     void rtbSQL_OLEDragDrop(const DroppedData& Data);
+    // Inserts the text that another program hands over. A large one is asked for, and one that is too large refused,
+    // when the other program has its answer.
+    void m_InsertDropped(const DroppedData& Data, DroppedData::Format Kind);
+    void m_InsertLater(const std::wstring& Text, const std::wstring& Refused);
     // Inserts the texts of files, one behind the other, asks before large ones, and tells which could not be.
     void m_InsertFiles(const std::vector<std::wstring>& Files);
     // What a drop of this view's selection inserts; empty for kinds of node that drop nothing.

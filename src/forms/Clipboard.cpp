@@ -1,10 +1,9 @@
 #include "forms/Clipboard.h"
 
-#include <algorithm>
 #include <cstring>
-#include <memory>
 
 #include "automation/RuntimeError.h"
+#include "forms/HandedText.h"
 #include "forms/RichEdit.h"
 
 namespace {
@@ -24,24 +23,11 @@ public:
     Opened& operator=(const Opened&) = delete;
 };
 
-struct Unlock {
-    HGLOBAL Memory;
-    void operator()(const void*) const noexcept { GlobalUnlock(Memory); }
-};
-
-// What a handle of the clipboard holds, without what the allocation has behind it.
 template <class Character>
 std::basic_string<Character> Contents(UINT format) {
     const HANDLE handle = GetClipboardData(format);
     if (handle == nullptr) return {};
-    const std::unique_ptr<const void, Unlock> locked(GlobalLock(handle), Unlock{handle});
-    if (locked == nullptr) return {};
-    const auto* const text = static_cast<const Character*>(locked.get());
-    const size_t length =
-        static_cast<size_t>(std::find(text, text + GlobalSize(handle) / sizeof(Character), Character{}) - text);
-    if (length > Clipboard::Longest)
-        RaiseError(ErrorNumber::OutOfMemory, L"The text on the clipboard is too large for the editor.");
-    return {text, length};
+    return HandedText::Read<Character>(handle, L"The text on the clipboard is too large for the editor.");
 }
 
 }  // namespace

@@ -8,9 +8,7 @@
 namespace Clipboard {
 // Replaces what is on the clipboard. `owner`: a window of this thread.
 void SetText(HWND owner, const std::wstring& text);
-// The most that is taken from the clipboard: as much as a file may hold. In characters, of rich text in bytes.
-inline constexpr size_t Longest = 4 * 1024 * 1024;
 // The plain text, that of rich text where there is nothing else; empty when there is no text. Error 7 for one that is
-// longer than Longest.
+// longer than HandedText::Longest.
 std::wstring GetText(HWND owner);
 }  // namespace Clipboard

@@ -4,10 +4,12 @@
 
 #include <algorithm>
 #include <cstring>
+#include <memory>
 #include <new>
 #include <string_view>
 
 #include "automation/Server.h"
+#include "forms/HandedText.h"
 #include "forms/RichEdit.h"
 
 namespace {
@@ -23,6 +25,9 @@ bool Offers(IDataObject* data, CLIPFORMAT format, DWORD medium) noexcept {
     FORMATETC request = Request(format, medium);
     return data->QueryGetData(&request) == S_OK;
 }
+
+// Of names of files; what stands behind it is left out.
+constexpr SIZE_T LongestList = 4 * 1024 * 1024;  // bytes
 
 struct Medium : STGMEDIUM {
     Medium() noexcept : STGMEDIUM{} {}
@@ -59,34 +64,33 @@ bool DroppedData::GetFormat(Format format) const noexcept {
     }
 }
 
-std::string DroppedData::Bytes(CLIPFORMAT format) const {
+template <class Character>
+std::basic_string<Character> DroppedData::TextOf(CLIPFORMAT format) const {
     FORMATETC request = Request(format, TYMED_HGLOBAL);
     Medium medium;
     if (data_->GetData(&request, &medium) != S_OK || medium.tymed != TYMED_HGLOBAL) return {};
-    const void* locked = GlobalLock(medium.hGlobal);
+    return HandedText::Read<Character>(medium.hGlobal, L"The text that was dropped is too large for the editor.");
+}
+
+std::string DroppedData::FileList() const {
+    FORMATETC request = Request(CF_HDROP, TYMED_HGLOBAL);
+    Medium medium;
+    if (data_->GetData(&request, &medium) != S_OK || medium.tymed != TYMED_HGLOBAL) return {};
+    const std::unique_ptr<const void, HandedText::Unlock> locked(GlobalLock(medium.hGlobal), {medium.hGlobal});
     if (locked == nullptr) return {};
-    std::string bytes(static_cast<const char*>(locked), GlobalSize(medium.hGlobal));
-    GlobalUnlock(medium.hGlobal);
-    return bytes;
+    return {static_cast<const char*>(locked.get()), std::min(GlobalSize(medium.hGlobal), LongestList)};
 }
 
 std::wstring DroppedData::Text(Format format) const {
     // A program that offers rich text nearly always offers what it says as plain text too.
-    std::string bytes = Bytes(CF_UNICODETEXT);
-    if (!bytes.empty()) {
-        std::wstring text(reinterpret_cast<const wchar_t*>(bytes.data()), bytes.size() / sizeof(wchar_t));
-        return text.substr(0, text.find(L'\0'));
-    }
-    bytes = Bytes(CF_TEXT);
-    if (!bytes.empty()) return FromCodePage(bytes.substr(0, bytes.find('\0')));
-    if (format != Format::RichText) return {};
-    bytes = Bytes(RichTextFormat());
-    return PlainTextOf(bytes.substr(0, bytes.find('\0')));
+    if (std::wstring text = TextOf<wchar_t>(CF_UNICODETEXT); !text.empty()) return text;
+    if (const std::string bytes = TextOf<char>(CF_TEXT); !bytes.empty()) return FromCodePage(bytes);
+    return format == Format::RichText ? PlainTextOf(TextOf<char>(RichTextFormat())) : std::wstring();
 }
 
 // Read here and not by DragQueryFile, which believes whatever the block says of itself and reads on behind its end.
 std::vector<std::wstring> DroppedData::Files() const {
-    const std::string bytes = Bytes(CF_HDROP);
+    const std::string bytes = FileList();
     DROPFILES header;
     if (bytes.size() < sizeof header) return {};
     std::memcpy(&header, bytes.data(), sizeof header);

@@ -25,11 +25,14 @@ public:
 
     bool GetFormat(Format format) const noexcept;
     // The text, without formatting where it is rich text; empty when the other program does not hand it over after all.
+    // Error 7 for one that is longer than HandedText::Longest.
     std::wstring Text(Format format) const;
     std::vector<std::wstring> Files() const;  // full names, in the order of the drop
 
 private:
-    std::string Bytes(CLIPFORMAT format) const;
+    template <class Character>
+    std::basic_string<Character> TextOf(CLIPFORMAT format) const;
+    std::string FileList() const;
     IDataObject* data_;
 };
 

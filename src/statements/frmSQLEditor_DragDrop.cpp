@@ -39,9 +39,17 @@ std::wstring NodeText(const Node& Node) {
 }
 
 // Above this size the control takes noticeable time for a text; beyond RichTextBox::FileLimit it is refused.
-constexpr uint64_t AskBeyond = 1024 * 1024;  // bytes
+constexpr uint64_t AskBeyond = 1024 * 1024;  // bytes of a file, characters of a text
 
 std::wstring InMegabytes(uint64_t Bytes) { return std::to_wstring((Bytes + 512 * 1024) / (1024 * 1024)) + L" MB"; }
+
+// Asks before what is large; `What`: what it is, with the blank or the line break behind it.
+bool MayTakeAWhile(HWND Owner, const std::wstring& What, uint64_t Size) {
+    return Size <= AskBeyond || MsgBox(Owner,
+                                       What + L"is " + InMegabytes(Size) +
+                                           L" large, which takes the editor a while. Do you want to insert it?",
+                                       MB_OKCANCEL | MB_ICONQUESTION) == IDOK;
+}
 
 // Asks before a large file; raises error 75 for a folder and 7 for a file that the editor does not take.
 bool MayInsert(HWND Owner, const std::wstring& File) {
@@ -57,10 +65,7 @@ bool MayInsert(HWND Owner, const std::wstring& File) {
                    L"With " + InMegabytes(Size) + L" the file is too large for the editor, which takes up to " +
                        InMegabytes(RichTextBox::FileLimit) + L".");
     }
-    return Size <= AskBeyond || MsgBox(Owner,
-                                       File + L"\r\nis " + InMegabytes(Size) +
-                                           L" large, which takes the editor a while. Do you want to insert it?",
-                                       MB_OKCANCEL | MB_ICONQUESTION) == IDOK;
+    return MayTakeAWhile(Owner, File + L"\r\n", Size);
 }
 
 // By the rule of File Open: the ending decides whether it is rich text, unless it does not even begin as such. Rich
@@ -141,13 +146,36 @@ void frmSQLEditor::rtbSQL_OLEDragDrop(const DroppedData& Data) {
                               Format::EnhancedMetafile, Format::DeviceIndependentBitmap, Format::Palette}) {
         if (!Data.GetFormat(Kind)) continue;
         if (Kind == Format::RichText || Kind == Format::Text) {
-            m_InsertSQL(Data.Text(Kind));
+            m_InsertDropped(Data, Kind);
         } else if (Kind == Format::Files) {
             // Files may be asked for, and read for a while; the other program is not kept waiting.
             rtbSQL.Later([this, Files = Data.Files()] { m_InsertFiles(Files); });
         }
         return;  // a picture inserts nothing
     }
+}
+
+// What is not inserted at once waits until the other program has its answer.
+void frmSQLEditor::m_InsertDropped(const DroppedData& Data, DroppedData::Format Kind) {
+    std::wstring Text;
+    try {
+        Text = Data.Text(Kind);
+    } catch (const RuntimeError& error) {
+        rtbSQL.Later([this, Why = error.Description] { m_InsertLater({}, Why); });
+        return;
+    }
+    if (Text.size() <= AskBeyond) return m_InsertSQL(Text);
+    rtbSQL.Later([this, Text = std::move(Text)] { m_InsertLater(Text, {}); });
+}
+
+void frmSQLEditor::m_InsertLater(const std::wstring& Text, const std::wstring& Refused) try {
+    if (!Refused.empty()) {
+        MsgBox(Handle(), Refused, MB_OK | MB_ICONEXCLAMATION);
+    } else if (MayTakeAWhile(Handle(), L"The text ", Text.size())) {
+        m_InsertSQL(Text);
+    }
+} catch (...) {
+    ReportError(Module, L"rtbSQL_OLEDragDrop");
 }
 
 // All at once, so that one step of undo takes them back; what stands selected is the last one.

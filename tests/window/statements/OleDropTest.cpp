@@ -135,6 +135,42 @@ TEST_F(OleDropTest, ADragThatLeavesPutsTheSelectionBack) {
         L"one two");
 }
 
+// As files: a large text is asked for and a larger one refused, when the other program has its answer.
+TEST_F(OleDropTest, ALargeTextIsAskedForAndALargerOneRefused) {
+    const auto dropped = [this](const std::function<void(TestData&)>& fill) {
+        BoxAnswerer box(IDCANCEL);
+        EXPECT_EQ(L"one", Inside(
+                              [&] {
+                                  IDropTarget* const target = EditorDropTarget();
+                                  ASSERT_NE(nullptr, target);
+                                  TestData data;
+                                  fill(data);
+                                  DWORD effect = DROPEFFECT_COPY;
+                                  target->DragEnter(&data, MK_LBUTTON, PlaceOf(0), &effect);
+                                  EXPECT_EQ(S_OK, target->Drop(&data, 0, PlaceOf(0), &effect));
+                                  target->Release();
+                                  EXPECT_EQ(0, box.Boxes);
+                                  MSG message;
+                                  while (PeekMessageW(&message, EditorWindow::Editor(), 0, 0, PM_REMOVE))
+                                      DispatchMessageW(&message);
+                              },
+                              L"one"));
+        return box.Icon + L": " + box.Text;
+    };
+    constexpr size_t Million = 1024 * 1024;
+    const std::wstring asked =
+        L"question: The text is 3 MB large, which takes the editor a while. Do you want to insert it?";
+    const std::wstring refused = L"exclamation: The text that was dropped is too large for the editor.";
+    EXPECT_EQ(asked, dropped([](TestData& data) { data.AddText(std::wstring(3 * Million, L'x')); }));
+    EXPECT_EQ(refused, dropped([](TestData& data) { data.AddText(std::wstring(4 * Million + 1, L'x')); }));
+    EXPECT_EQ(refused, dropped([](TestData& data) { data.Add(CF_TEXT, std::string(4 * Million + 1, 'x')); }));
+    EXPECT_EQ(refused,
+              dropped([](TestData& data) { data.AddRichText("{\\rtf1 " + std::string(4 * Million, 'x') + "}"); }));
+    // What counts is where the text ends, not the block.
+    EXPECT_EQ(L": ", dropped([](TestData& data) { data.AddText(std::wstring(5 * Million, L'\0')); }));
+    EXPECT_EQ(L"", Errors.Places());
+}
+
 // What the other program lets through while it answers may take the target away: a long text gives way to a new one in
 // a control that is made for it.
 TEST_F(OleDropTest, ATargetMayGoWhileTheOtherProgramAnswers) {
