@@ -54,6 +54,8 @@ clsSQLEditor::~clsSQLEditor() {
     } catch (...) {
         // Even the reporting failed, and an object's end has no caller to tell.
     }
+    // What failed has left the window behind, and nobody may come who would end it.
+    if (EditorForm != nullptr && EditorForm->OnItsThread()) EditorForm.reset();
 }
 
 void clsSQLEditor::Constructor(const Object& Database) try {

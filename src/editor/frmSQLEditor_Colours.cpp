@@ -15,7 +15,11 @@ bool frmSQLEditor::Idle() try {
 } catch (...) {
     // Once: the text stays as it is shown, and is whole.
     colours_.GiveUp();
-    ReportError(Module, L"Idle");
+    try {
+        ReportError(Module, L"Idle");
+    } catch (...) {
+        // The user did nothing: that colours are missing, and cannot even be reported, is no reason to end the window.
+    }
     return false;
 }
 

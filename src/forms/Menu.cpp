@@ -3,7 +3,12 @@
 #include "automation/RuntimeError.h"
 #include "forms/Events.h"
 
-MenuItem::MenuItem(std::wstring caption, Shortcut shortcut) : caption_(std::move(caption)), shortcut_(shortcut) {}
+MenuItem::MenuItem(std::wstring caption, Shortcut shortcut)
+    : caption_(std::move(caption)), shortcut_(shortcut), shown_(Shown(caption_, shortcut_)) {}
+
+std::wstring MenuItem::Shown(const std::wstring& caption, const Shortcut& shortcut) {
+    return *shortcut.Text != L'\0' ? caption + L"\t" + shortcut.Text : caption;
+}
 
 void MenuItem::Append(MenuItem& entry) {
     entry.parent_ = this;
@@ -14,6 +19,7 @@ void MenuItem::AppendSeparator() { entries_.push_back(nullptr); }
 
 void MenuItem::SetCaption(std::wstring caption) {
     if (caption_ == caption) return;
+    shown_ = Shown(caption, shortcut_);
     caption_ = std::move(caption);
     Changed();
 }
@@ -36,11 +42,11 @@ void MenuItem::SetChecked(bool checked) {
     Changed();
 }
 
-void MenuItem::Changed() {
+void MenuItem::Changed() noexcept {
     if (parent_ != nullptr) parent_->Rebuild();
 }
 
-void MenuItem::Rebuild() {
+void MenuItem::Rebuild() noexcept {
     if (menu_ == nullptr) return;
     // RemoveMenu, not DeleteMenu: a submenu lives on for its next place.
     while (GetMenuItemCount(menu_) > 0) RemoveMenu(menu_, 0, MF_BYPOSITION);
@@ -53,15 +59,13 @@ void MenuItem::Rebuild() {
         if (!entry->visible_) continue;
         if (separate) AppendMenuW(menu_, MF_SEPARATOR, 0, nullptr);
         separate = false;
-        std::wstring text = entry->caption_;
-        if (*entry->shortcut_.Text != L'\0') text.append(L"\t").append(entry->shortcut_.Text);
         MENUITEMINFOW info{};
         info.cbSize = sizeof info;
         info.fMask = MIIM_ID | MIIM_STATE | MIIM_STRING | MIIM_SUBMENU;
         info.wID = entry->id_;
         info.fState = (entry->enabled_ ? MFS_ENABLED : MFS_DISABLED) | (entry->checked_ ? MFS_CHECKED : MFS_UNCHECKED);
         info.hSubMenu = entry->menu_;
-        info.dwTypeData = text.data();
+        info.dwTypeData = const_cast<wchar_t*>(entry->shown_.c_str());
         InsertMenuItemW(menu_, static_cast<UINT>(GetMenuItemCount(menu_)), TRUE, &info);
     }
 }

@@ -46,11 +46,14 @@ public:
 
 private:
     friend class MenuBar;
-    void Rebuild();
-    void Changed();
+    static std::wstring Shown(const std::wstring& caption, const Shortcut& shortcut);
+    // Needs no memory: a menu that was emptied is filled again.
+    void Rebuild() noexcept;
+    void Changed() noexcept;
 
     std::wstring caption_;
     Shortcut shortcut_;
+    std::wstring shown_;              // the caption with the shortcut beside it
     std::vector<MenuItem*> entries_;  // null: a separator
     MenuItem* parent_ = nullptr;
     MenuBar* bar_ = nullptr;

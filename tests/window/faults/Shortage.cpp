@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <cstring>
 
 namespace {
@@ -49,6 +50,14 @@ BOOL WINAPI HeapFreeInstead(HANDLE heap, DWORD flags, void* block) {
     return heapFreeBefore(heap, flags, block);
 }
 
+// What the language's library does where it finds no way on.
+[[noreturn]] void AbortInstead() {
+    std::printf("the module ends the process, at allocation %ld\n", count);
+    std::fflush(stdout);
+    TerminateProcess(GetCurrentProcess(), 98);
+    __builtin_trap();
+}
+
 template <class Function>
 void* Address(Function function) noexcept {
     return reinterpret_cast<void*>(function);
@@ -58,6 +67,7 @@ void* Address(Function function) noexcept {
 
 Shortage::Shortage(HMODULE module) : module_(module) {
     count = wanted = living = 0;
+    abort_ = Take("abort", Address(&AbortInstead));
     heapAllocate_ = Take("HeapAlloc", Address(&HeapAllocInstead));
     heapFree_ = Take("HeapFree", Address(&HeapFreeInstead));
     heapAllocBefore = reinterpret_cast<AllocateHeap>(heapAllocate_.Before);
@@ -72,7 +82,7 @@ Shortage::Shortage(HMODULE module) : module_(module) {
 
 Shortage::~Shortage() {
     End();
-    for (const Taken& taken : {allocate_, free_, heapAllocate_, heapFree_}) {
+    for (const Taken& taken : {allocate_, free_, heapAllocate_, heapFree_, abort_}) {
         if (taken.Place != nullptr) Write(taken.Place, taken.Before);
     }
 }
@@ -82,6 +92,8 @@ void Shortage::Begin(long which, bool forGood) {
     wanted = which;
     forAll = forGood;
 }
+
+long Shortage::Count() noexcept { return count; }
 
 long Shortage::End() {
     wanted = 0;

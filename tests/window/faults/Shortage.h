@@ -14,7 +14,9 @@ public:
 
     // `which`: the allocation that fails, counted from 1 from now on; 0: none.
     static void Begin(long which, bool forGood);
-    // Returns how many allocations there were since Begin.
+    // How many allocations there were since Begin.
+    static long Count() noexcept;
+    // Lets them succeed again, and returns their count.
     static long End();
     // Blocks that the module has and has not given back, beyond those it had at the beginning.
     static long Living();
@@ -32,4 +34,5 @@ private:
     Taken free_;
     Taken heapAllocate_;
     Taken heapFree_;
+    Taken abort_;
 };
