@@ -35,7 +35,7 @@ RuntimeError ErrorOf(Call call) {
     try {
         call();
     } catch (const RuntimeError& error) {
-        return error;
+        return error.Copy();
     }
     ADD_FAILURE() << "no error";
     return {};
