@@ -83,7 +83,7 @@ public:
             // The end of the object hides its window: nothing that happens there may come back to this count.
             references_ = 0x10000;
             const HostContexts host;
-            const Surroundings surroundings;
+            const Awareness awareness;
             delete this;
         }
         return static_cast<ULONG>(left);
@@ -175,7 +175,7 @@ private:
         static_cast<void>(std::uncaught_exceptions());
         const HostContexts host;
         try {
-            const Surroundings surroundings;
+            const Awareness awareness;
             Events::Call call;
             work();
             call.Rethrow();
@@ -219,6 +219,7 @@ private:
     template <class Write>
     void ShowText(std::wstring sql, Write&& write) {
         const std::wstring before = sql;
+        const Surroundings surroundings;
         try {
             editor_.Display(sql);
         } catch (...) {
