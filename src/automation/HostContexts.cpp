@@ -1,23 +1,8 @@
 #include "automation/HostContexts.h"
 
+#include "automation/SystemLibrary.h"
+
 namespace {
-
-template <class Function>
-Function UserFunction(const char* name) noexcept {
-    const HMODULE user = GetModuleHandleW(L"user32.dll");
-    return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(user, name)));
-}
-
-DPI_AWARENESS_CONTEXT Awareness() noexcept {
-    static const auto function = UserFunction<DPI_AWARENESS_CONTEXT(WINAPI*)()>("GetThreadDpiAwarenessContext");
-    return function != nullptr ? function() : nullptr;
-}
-
-DPI_AWARENESS_CONTEXT SetAwareness(DPI_AWARENESS_CONTEXT awareness) noexcept {
-    static const auto function =
-        UserFunction<DPI_AWARENESS_CONTEXT(WINAPI*)(DPI_AWARENESS_CONTEXT)>("SetThreadDpiAwarenessContext");
-    return function != nullptr ? function(awareness) : nullptr;
-}
 
 // Null for that of the process.
 HANDLE CurrentActivation() noexcept {
@@ -36,7 +21,9 @@ HostContexts* newest = nullptr;
 }  // namespace
 
 HostContexts::HostContexts() noexcept
-    : activation_(CurrentActivation()), awareness_(Awareness()), thread_(GetCurrentThreadId()) {
+    : activation_(CurrentActivation()),
+      awareness_(System::GetThreadDpiAwarenessContext()),
+      thread_(GetCurrentThreadId()) {
     AcquireSRWLockExclusive(&lock);
     outer_ = newest;
     newest = this;
@@ -66,9 +53,10 @@ InHostContexts::InHostContexts() noexcept {
     const HANDLE current = CurrentActivation();
     Release(current);  // compared as an address only
     if (current != call->activation_) active_.emplace(call->activation_);
-    if (call->awareness_ != nullptr && Awareness() != call->awareness_) before_ = SetAwareness(call->awareness_);
+    if (call->awareness_ != nullptr && System::GetThreadDpiAwarenessContext() != call->awareness_)
+        before_ = System::SetThreadDpiAwarenessContext(call->awareness_);
 }
 
 InHostContexts::~InHostContexts() {
-    if (before_ != nullptr) SetAwareness(before_);
+    if (before_ != nullptr) System::SetThreadDpiAwarenessContext(before_);
 }

@@ -10,6 +10,7 @@
 
 #include "automation/App.h"
 #include "automation/RuntimeError.h"
+#include "automation/SystemLibrary.h"
 
 namespace {
 
@@ -159,11 +160,12 @@ LSTATUS RemoveClass(HKEY root, const ComClass& registered) {
     return first;
 }
 
-// Per user the two functions are looked up: they came with Windows Vista and not every import library has them.
-template <class Function>
-Function LibraryFunction(const char* name) noexcept {
-    return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"oleaut32.dll"), name)));
-}
+// Per user they came with Windows Vista, and not every import library has them.
+HMODULE Automation() noexcept { return LoadSystemLibrary(L"oleaut32.dll"); }
+constinit SystemFunction<HRESULT WINAPI(ITypeLib*, OLECHAR*, OLECHAR*)> RegisterForUser{&Automation,
+                                                                                        "RegisterTypeLibForUser"};
+constinit SystemFunction<HRESULT WINAPI(REFGUID, WORD, WORD, LCID, SYSKIND)> UnregisterForUser{
+    &Automation, "UnRegisterTypeLibForUser"};
 
 HRESULT RegisterLibrary(const std::wstring& path, Server::Scope scope) noexcept {
     ITypeLib* library = nullptr;
@@ -173,9 +175,7 @@ HRESULT RegisterLibrary(const std::wstring& path, Server::Scope scope) noexcept 
     if (scope == Server::Scope::Machine) {
         result = RegisterTypeLib(library, writable, nullptr);
     } else {
-        using Register = HRESULT(STDAPICALLTYPE*)(ITypeLib*, OLECHAR*, OLECHAR*);
-        const auto function = LibraryFunction<Register>("RegisterTypeLibForUser");
-        result = function != nullptr ? function(library, writable, nullptr) : E_NOTIMPL;
+        result = RegisterForUser ? RegisterForUser(library, writable, nullptr) : E_NOTIMPL;
     }
     library->Release();
     return result;
@@ -199,12 +199,13 @@ HRESULT UnregisterLibrary(const std::wstring& path, Server::Scope scope) noexcep
     TLIBATTR* attributes = nullptr;
     result = library->GetLibAttr(&attributes);
     if (SUCCEEDED(result)) {
-        using Unregister = HRESULT(STDAPICALLTYPE*)(REFGUID, WORD, WORD, LCID, SYSKIND);
-        const auto function = scope == Server::Scope::Machine ? &UnRegisterTypeLib
-                                                              : LibraryFunction<Unregister>("UnRegisterTypeLibForUser");
-        result = function != nullptr ? function(attributes->guid, attributes->wMajorVerNum, attributes->wMinorVerNum,
-                                                attributes->lcid, attributes->syskind)
-                                     : E_NOTIMPL;
+        const auto unregister = [&](const auto& function) {
+            return function(attributes->guid, attributes->wMajorVerNum, attributes->wMinorVerNum, attributes->lcid,
+                            attributes->syskind);
+        };
+        result = scope == Server::Scope::Machine ? unregister(UnRegisterTypeLib)
+                 : UnregisterForUser             ? unregister(UnregisterForUser)
+                                                 : E_NOTIMPL;
         // Windows and Wine disagree on what to say of one that is not there.
         if (FAILED(result) && !IsLibraryKnown(*attributes)) result = S_OK;
         library->ReleaseTLibAttr(attributes);

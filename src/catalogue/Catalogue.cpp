@@ -1,7 +1,5 @@
 #include "catalogue/Catalogue.h"
 
-#include <initializer_list>
-
 #include "catalogue/Catalogue_AnsiSQL.h"
 #include "catalogue/Catalogue_HostCommands.h"
 #include "catalogue/Catalogue_Oracle.h"
@@ -108,35 +106,39 @@ constexpr bool EntriesAreComplete() {
 static_assert(EntriesAreComplete(),
               "every entry needs a text and a description, and every database-specific one a category");
 
-std::wstring Join(std::initializer_list<std::wstring_view> parts) {
-    size_t length = 0;
-    for (const auto part : parts) length += part.size();
-    std::wstring joined;
-    joined.reserve(length);
-    for (const auto part : parts) joined += part;
-    return joined;
+// So that no other text need be searched for it when the component is loaded.
+constexpr bool OnlyHostCommandsNameTheEdition() {
+    for (const CatalogueSection& section : Sections) {
+        for (const CatalogueEntry& entry : section.Entries) {
+            const bool named = entry.Description.find(EditionMark) != entry.Description.npos;
+            if (named && section.Rule != TextRule::HostCommand) return false;
+        }
+    }
+    return true;
+}
+static_assert(OnlyHostCommandsNameTheEdition(),
+              "the edition is written into descriptions of the host's commands alone");
+
+ItemText ExpandDescription(TextRule rule, std::wstring_view description) {
+    const size_t at = rule == TextRule::HostCommand ? description.find(EditionMark) : description.npos;
+    if (at == description.npos) return ItemText::Constant(description);
+    return ItemText::Joined({description.substr(0, at), HostEditionName, description.substr(at + EditionMark.size())});
 }
 
-std::wstring ExpandDescription(std::wstring_view description) {
-    const size_t at = description.find(EditionMark);
-    if (at == description.npos) return std::wstring(description);
-    return Join({description.substr(0, at), HostEditionName, description.substr(at + EditionMark.size())});
-}
-
-std::wstring ExecuteTextByRule(TextRule rule, std::wstring_view text, std::wstring_view dragDrop) {
+ItemText ExecuteTextByRule(TextRule rule, std::wstring_view text, std::wstring_view dragDrop) {
     switch (rule) {
         case TextRule::HostCommand:
-            return std::wstring(text);
+            return ItemText::Constant(text);
         case TextRule::Statement:
-            return std::wstring(dragDrop);
+            return ItemText::Constant(dragDrop);
         case TextRule::SelectFromDual:
-            return Join({L"SELECT ", dragDrop, L" FROM DUAL"});
+            return ItemText::Joined({L"SELECT ", dragDrop, L" FROM DUAL"});
         case TextRule::FormatOfDate:
-            return Join({L"SELECT TO_CHAR( SYSDATE ,'", text, L"') FROM DUAL"});
+            return ItemText::Joined({L"SELECT TO_CHAR( SYSDATE ,'", text, L"') FROM DUAL"});
         case TextRule::Select:
-            return Join({L"SELECT ", dragDrop});
+            return ItemText::Joined({L"SELECT ", dragDrop});
         case TextRule::SelectFromTable:
-            return Join({L"SELECT ", dragDrop, L" FROM table"});
+            return ItemText::Joined({L"SELECT ", dragDrop, L" FROM table"});
         case TextRule::NoExample:
             break;
     }
@@ -149,12 +151,13 @@ std::span<const CatalogueSection> CatalogueSections() { return Sections; }
 
 CatalogueTexts ExpandTexts(const CatalogueSection& Section, const CatalogueEntry& Entry) {
     CatalogueTexts texts;
-    texts.Description = ExpandDescription(Entry.Description);
-    texts.SelectText = Entry.SelectText.value_or(L"");
-    std::wstring_view dragDrop = Entry.DragDrop.value_or(Entry.Text);
-    texts.ExecuteText =
-        Entry.ExecuteText ? std::wstring(*Entry.ExecuteText) : ExecuteTextByRule(Section.Rule, Entry.Text, dragDrop);
-    texts.DragDrop = Section.Rule == TextRule::HostCommand && !Entry.DragDrop ? Join({texts.ExecuteText, L";"})
-                                                                              : std::wstring(dragDrop);
+    texts.Description = ExpandDescription(Section.Rule, Entry.Description);
+    texts.SelectText = ItemText::Constant(Entry.SelectText.value_or(L""));
+    const std::wstring_view dragDrop = Entry.DragDrop.value_or(Entry.Text);
+    texts.ExecuteText = Entry.ExecuteText ? ItemText::Constant(*Entry.ExecuteText)
+                                          : ExecuteTextByRule(Section.Rule, Entry.Text, dragDrop);
+    texts.DragDrop = Section.Rule == TextRule::HostCommand && !Entry.DragDrop
+                         ? ItemText::Joined({texts.ExecuteText.View(), L";"})
+                         : ItemText::Constant(dragDrop);
     return texts;
 }

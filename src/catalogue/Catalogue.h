@@ -1,9 +1,9 @@
 #pragma once
 
 #include <span>
-#include <string>
 
 #include "catalogue/CatalogueEntry.h"
+#include "catalogue/ItemText.h"
 
 // The sections in the order of their Ids, which have no gaps: from 0 to CatalogueSize - 1.
 inline constexpr long CatalogueSize = 283;
@@ -11,10 +11,10 @@ std::span<const CatalogueSection> CatalogueSections();
 
 // An entry's texts as they are shown, dragged and run. Lines are joined by CR LF, with none behind the last.
 struct CatalogueTexts {
-    std::wstring Description;
-    std::wstring DragDrop;
-    std::wstring SelectText;
-    std::wstring ExecuteText;
+    ItemText Description;
+    ItemText DragDrop;
+    ItemText SelectText;
+    ItemText ExecuteText;
 };
 
 // What the entry names, and the rest by the rule of its section. Fails only where memory does (std::bad_alloc).

@@ -30,10 +30,9 @@ clsListItem::~clsListItem() {
     }
 }
 
-void clsListItem::Constructor(std::wstring Text, long Id, long list, long DBType, std::wstring Category,
-                              std::wstring Description, std::wstring DragDrop, std::wstring SelectText,
-                              std::wstring InsertText, std::wstring UpdateText, std::wstring DeleteText,
-                              std::wstring ExecuteText, const Variant& Commands) try {
+void clsListItem::Constructor(ItemText Text, long Id, long list, long DBType, ItemText Category, ItemText Description,
+                              ItemText DragDrop, ItemText SelectText, ItemText InsertText, ItemText UpdateText,
+                              ItemText DeleteText, ItemText ExecuteText, const Variant& Commands) try {
     text_ = std::move(Text);
     id_ = Id;
     list_ = list;
@@ -53,8 +52,8 @@ void clsListItem::Constructor(std::wstring Text, long Id, long list, long DBType
     ReportError(Module, L"Constructor");
 }
 
-void clsListItem::Constructor(long list, std::wstring SelectText, std::wstring InsertText, std::wstring UpdateText,
-                              std::wstring DeleteText, std::vector<std::wstring> Commands) try {
+void clsListItem::Constructor(long list, ItemText SelectText, ItemText InsertText, ItemText UpdateText,
+                              ItemText DeleteText, std::vector<std::wstring> Commands) try {
     Constructor(L"", 0, list, 0, L"", L"", L"", std::move(SelectText), std::move(InsertText), std::move(UpdateText),
                 std::move(DeleteText), L"");
     for (std::wstring& command : Commands) AddCommand(std::move(command));
@@ -81,7 +80,7 @@ std::wstring clsListItem::GetCommand(short Index) const try {
     return {};
 }
 
-std::wstring clsListItem::Category() const try { return category_; } catch (...) {
+std::wstring clsListItem::Category() const try { return category_.Text(); } catch (...) {
     ReportError(Module, L"Get Category");
     return {};
 }
@@ -91,22 +90,22 @@ long clsListItem::DBType() const try { return dbType_; } catch (...) {
     return 0;
 }
 
-std::wstring clsListItem::DeleteText() const try { return deleteText_; } catch (...) {
+std::wstring clsListItem::DeleteText() const try { return deleteText_.Text(); } catch (...) {
     ReportError(Module, L"Get DeleteText");
     return {};
 }
 
-std::wstring clsListItem::Description() const try { return description_; } catch (...) {
+std::wstring clsListItem::Description() const try { return description_.Text(); } catch (...) {
     ReportError(Module, L"Get Description");
     return {};
 }
 
-std::wstring clsListItem::DragDrop() const try { return dragDrop_; } catch (...) {
+std::wstring clsListItem::DragDrop() const try { return dragDrop_.Text(); } catch (...) {
     ReportError(Module, L"Get DragDrop");
     return {};
 }
 
-std::wstring clsListItem::ExecuteText() const try { return executeText_; } catch (...) {
+std::wstring clsListItem::ExecuteText() const try { return executeText_.Text(); } catch (...) {
     ReportError(Module, L"Get ExecuteText");
     return {};
 }
@@ -116,7 +115,7 @@ long clsListItem::Id() const try { return id_; } catch (...) {
     return 0;
 }
 
-std::wstring clsListItem::InsertText() const try { return insertText_; } catch (...) {
+std::wstring clsListItem::InsertText() const try { return insertText_.Text(); } catch (...) {
     ReportError(Module, L"Get InsertText");
     return {};
 }
@@ -126,17 +125,17 @@ long clsListItem::list() const try { return list_; } catch (...) {
     return 0;
 }
 
-std::wstring clsListItem::SelectText() const try { return selectText_; } catch (...) {
+std::wstring clsListItem::SelectText() const try { return selectText_.Text(); } catch (...) {
     ReportError(Module, L"Get SelectText");
     return {};
 }
 
-std::wstring clsListItem::Text() const try { return text_; } catch (...) {
+std::wstring clsListItem::Text() const try { return text_.Text(); } catch (...) {
     ReportError(Module, L"Get Text");
     return {};
 }
 
-std::wstring clsListItem::UpdateText() const try { return updateText_; } catch (...) {
+std::wstring clsListItem::UpdateText() const try { return updateText_.Text(); } catch (...) {
     ReportError(Module, L"Get UpdateText");
     return {};
 }

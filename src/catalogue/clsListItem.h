@@ -6,6 +6,7 @@
 
 #include "automation/Collection.h"
 #include "automation/Variant.h"
+#include "catalogue/ItemText.h"
 
 // One entry of the reference, or the record of the active item of the object browser. Filled once by Constructor and
 // only read afterwards. A getter that fails reports and returns an empty text or 0.
@@ -19,13 +20,12 @@ public:
     std::wstring Category() const;
     // `Commands`: an array whose elements become the texts of the task commands, in index order; missing or empty:
     // none.
-    void Constructor(std::wstring Text, long Id, long list, long DBType, std::wstring Category,
-                     std::wstring Description, std::wstring DragDrop, std::wstring SelectText, std::wstring InsertText,
-                     std::wstring UpdateText, std::wstring DeleteText, std::wstring ExecuteText,
-                     const Variant& Commands = Variant::Missing());
+    void Constructor(ItemText Text, long Id, long list, long DBType, ItemText Category, ItemText Description,
+                     ItemText DragDrop, ItemText SelectText, ItemText InsertText, ItemText UpdateText,
+                     ItemText DeleteText, ItemText ExecuteText, const Variant& Commands = Variant::Missing());
     // The same for the active item, whose texts may be as long as a schema is large: taken over, not copied.
-    void Constructor(long list, std::wstring SelectText, std::wstring InsertText, std::wstring UpdateText,
-                     std::wstring DeleteText, std::vector<std::wstring> Commands);
+    void Constructor(long list, ItemText SelectText, ItemText InsertText, ItemText UpdateText, ItemText DeleteText,
+                     std::vector<std::wstring> Commands);
     long DBType() const;
     std::wstring DeleteText() const;
     std::wstring Description() const;
@@ -45,17 +45,17 @@ public:
 private:
     void AddCommand(std::wstring Command);  // error 91 after Destructor
 
-    std::wstring text_;
+    ItemText text_;
     long id_ = 0;
     long list_ = 0;
     long dbType_ = 0;
-    std::wstring category_;
-    std::wstring description_;
-    std::wstring dragDrop_;
-    std::wstring selectText_;
-    std::wstring insertText_;
-    std::wstring updateText_;
-    std::wstring deleteText_;
-    std::wstring executeText_;
+    ItemText category_;
+    ItemText description_;
+    ItemText dragDrop_;
+    ItemText selectText_;
+    ItemText insertText_;
+    ItemText updateText_;
+    ItemText deleteText_;
+    ItemText executeText_;
     std::optional<Collection<std::wstring>> commands_;
 };

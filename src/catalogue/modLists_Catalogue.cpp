@@ -14,20 +14,20 @@ void modLists::CreateListItems() try {
     for (const CatalogueSection& Section : CatalogueSections()) {
         for (const CatalogueEntry& Entry : Section.Entries) {
             CatalogueTexts Texts = ExpandTexts(Section, Entry);
-            m_CreateListItem(std::wstring(Entry.Text), Section.list, Section.DBType, std::wstring(Section.Category),
-                             std::move(Texts.Description), std::move(Texts.DragDrop), std::move(Texts.SelectText), L"",
-                             L"", L"", std::move(Texts.ExecuteText));
+            m_CreateListItem(ItemText::Constant(Entry.Text), Section.list, Section.DBType,
+                             ItemText::Constant(Section.Category), std::move(Texts.Description),
+                             std::move(Texts.DragDrop), std::move(Texts.SelectText), L"", L"", L"",
+                             std::move(Texts.ExecuteText));
         }
     }
 } catch (...) {
     ReportError(Module, L"CreateListItems");
 }
 
-// The texts are moved all the way: copying them was nearly half of what the building took.
-void modLists::m_CreateListItem(std::wstring Text, long list, long DBType, std::wstring Category,
-                                std::wstring Description, std::wstring DragDrop, std::wstring SelectText,
-                                std::wstring InsertText, std::wstring UpdateText, std::wstring DeleteText,
-                                std::wstring ExecuteText) try {
+// The texts are moved all the way.
+void modLists::m_CreateListItem(ItemText Text, long list, long DBType, ItemText Category, ItemText Description,
+                                ItemText DragDrop, ItemText SelectText, ItemText InsertText, ItemText UpdateText,
+                                ItemText DeleteText, ItemText ExecuteText) try {
     const long Id = modGlobal::Catalogue().Count();
     const auto Item = std::make_shared<clsListItem>();
     Item->Constructor(std::move(Text), Id, list, DBType, std::move(Category), std::move(Description),

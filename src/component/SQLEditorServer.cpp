@@ -83,7 +83,7 @@ public:
             // The end of the object hides its window: nothing that happens there may come back to this count.
             references_ = 0x10000;
             const HostContexts host;
-            const Surroundings surroundings;
+            const Awareness awareness;
             delete this;
         }
         return static_cast<ULONG>(left);
@@ -173,7 +173,7 @@ private:
         modGlobal::Own();
         const HostContexts host;
         try {
-            const Surroundings surroundings;
+            const Awareness awareness;
             Events::Call call;
             work();
             call.Rethrow();
@@ -217,6 +217,7 @@ private:
     template <class Write>
     void ShowText(std::wstring sql, Write&& write) {
         const std::wstring before = sql;
+        const Surroundings surroundings;
         try {
             editor_.Display(sql);
         } catch (...) {

@@ -8,6 +8,7 @@
 #include "editor/ControlIds.h"
 #include "editor/frmSQLEditor.h"
 #include "forms/Surroundings.h"
+#include "forms/SystemFunctions.h"
 #include "forms/Twips.h"
 
 namespace {
@@ -74,13 +75,13 @@ void frmSQLEditor::CreateImages() {
     }
     int Width = 0;
     int Height = 0;
-    if (imlImages && ImageList_GetIconSize(imlImages.get(), &Width, &Height) && Height == Size) return;
-    ImageListHandle Images(ImageList_Create(Size, Size, ILC_COLOR32, 1, 0));
+    if (imlImages && System::ImageList_GetIconSize(imlImages.get(), &Width, &Height) && Height == Size) return;
+    ImageListHandle Images(System::ImageList_Create(Size, Size, ILC_COLOR32, 1, 0));
     const auto Icon = static_cast<HICON>(
         LoadImageW(App::Module(), MAKEINTRESOURCEW(ReturnIcon), IMAGE_ICON, Size, Size, LR_DEFAULTCOLOR));
     if (Icon != nullptr) {
         const IconHandle Owned(Icon);
-        if (Images) ImageList_ReplaceIcon(Images.get(), -1, Icon);
+        if (Images) System::ImageList_ReplaceIcon(Images.get(), -1, Icon);
     }
     // The former list lives until the toolbar has the new one, whatever becomes of the telling.
     std::swap(imlImages, Images);

@@ -1,7 +1,6 @@
 #include "forms/CommandButton.h"
 
-#include <uxtheme.h>
-
+#include "forms/SystemFunctions.h"
 #include "forms/Twips.h"
 
 namespace {
@@ -31,7 +30,7 @@ bool CommandButton::PaintsItself() const {
     if (!Pressed()) return false;
     HIGHCONTRASTW contrast{};
     contrast.cbSize = sizeof contrast;
-    return GetWindowTheme(Handle()) == nullptr ||
+    return System::GetWindowTheme(Handle()) == nullptr ||
            (SystemParametersInfoW(SPI_GETHIGHCONTRAST, sizeof contrast, &contrast, 0) &&
             (contrast.dwFlags & HCF_HIGHCONTRASTON) != 0);
 }

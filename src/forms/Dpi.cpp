@@ -2,12 +2,11 @@
 
 #include <initializer_list>
 
-#include "forms/UserFunction.h"
+#include "forms/SystemFunctions.h"
 
 UINT DpiOf(HWND window) noexcept {
-    static const auto forWindow = UserFunction<UINT(WINAPI*)(HWND)>("GetDpiForWindow");
-    if (forWindow != nullptr && window != nullptr) {
-        if (const UINT dpi = forWindow(window)) return dpi;
+    if (window != nullptr) {
+        if (const UINT dpi = System::GetDpiForWindow(window)) return dpi;
     }
     const HDC screen = GetDC(nullptr);
     const int dpi = GetDeviceCaps(screen, LOGPIXELSX);
@@ -16,16 +15,14 @@ UINT DpiOf(HWND window) noexcept {
 }
 
 int SystemMetricFor(int index, UINT dpi) noexcept {
-    static const auto forDpi = UserFunction<int(WINAPI*)(int, UINT)>("GetSystemMetricsForDpi");
-    if (forDpi != nullptr) return forDpi(index, dpi);
+    if (System::GetSystemMetricsForDpi) return System::GetSystemMetricsForDpi(index, dpi);
     return MulDiv(GetSystemMetrics(index), static_cast<int>(dpi), static_cast<int>(DpiOf(nullptr)));
 }
 
 NONCLIENTMETRICSW MetricsFor(UINT dpi) noexcept {
-    static const auto forDpi = UserFunction<BOOL(WINAPI*)(UINT, UINT, PVOID, UINT, UINT)>("SystemParametersInfoForDpi");
     NONCLIENTMETRICSW metrics{};
     metrics.cbSize = sizeof metrics;
-    if (forDpi != nullptr && forDpi(SPI_GETNONCLIENTMETRICS, sizeof metrics, &metrics, 0, dpi)) return metrics;
+    if (System::SystemParametersInfoForDpi(SPI_GETNONCLIENTMETRICS, sizeof metrics, &metrics, 0, dpi)) return metrics;
     SystemParametersInfoW(SPI_GETNONCLIENTMETRICS, sizeof metrics, &metrics, 0);
     const auto screen = static_cast<int>(DpiOf(nullptr));
     for (LOGFONTW* font :

@@ -1,6 +1,5 @@
 #include "forms/FileDialog.h"
 
-#include <commdlg.h>
 #include <cderr.h>
 
 #include <algorithm>
@@ -9,6 +8,7 @@
 #include "automation/RuntimeError.h"
 #include "forms/Events.h"
 #include "forms/Surroundings.h"
+#include "forms/SystemFunctions.h"
 
 namespace {
 
@@ -39,6 +39,7 @@ void FileDialog::ShowSave(HWND owner) { Show(owner, true); }
 
 void FileDialog::Show(HWND owner, bool save) {
     const Surroundings surroundings;
+    if (!System::CommDlgExtendedError) RaiseError(ErrorNumber::AutomationError, L"The file dialog cannot be loaded");
     const CurrentFolder folder;
     std::wstring filter = Filter;
     std::replace(filter.begin(), filter.end(), L'|', L'\0');
@@ -56,15 +57,15 @@ void FileDialog::Show(HWND owner, bool save) {
     request.lpstrDefExt = DefaultExt.empty() ? nullptr : DefaultExt.c_str();
     request.Flags = OFN_EXPLORER | OFN_ENABLESIZING | OFN_HIDEREADONLY | OFN_NOCHANGEDIR | OFN_PATHMUSTEXIST |
                     (save ? OFN_OVERWRITEPROMPT | OFN_NOREADONLYRETURN : OFN_FILEMUSTEXIST);
-    const auto ask = [&] { return save ? GetSaveFileNameW(&request) : GetOpenFileNameW(&request); };
+    const auto ask = [&] { return save ? System::GetSaveFileNameW(&request) : System::GetOpenFileNameW(&request); };
     Events::Call call;
     BOOL chosen = ask();
-    DWORD failure = chosen ? 0 : CommDlgExtendedError();
+    DWORD failure = chosen ? 0 : System::CommDlgExtendedError();
     if (failure == FNERR_INVALIDFILENAME && name[0] != L'\0') {
         // It does not take every name that a file can have: then it begins without one.
         name[0] = L'\0';
         chosen = ask();
-        failure = chosen ? 0 : CommDlgExtendedError();
+        failure = chosen ? 0 : System::CommDlgExtendedError();
     }
     call.Rethrow();
     if (failure != 0)

@@ -1,10 +1,11 @@
 #pragma once
 
 #include <windows.h>
-#include <commctrl.h>
 
 #include <memory>
 #include <type_traits>
+
+#include "forms/SystemFunctions.h"
 
 // Owned Windows handles: one alias a kind. Each is empty (false) or owns its handle.
 template <auto Close>
@@ -15,6 +16,8 @@ struct HandleCloser {
     }
 };
 
+inline void DestroyImageList(HIMAGELIST list) noexcept { System::ImageList_Destroy(list); }
+
 using FontHandle = std::unique_ptr<std::remove_pointer_t<HFONT>, HandleCloser<&DeleteObject>>;
 using BrushHandle = std::unique_ptr<std::remove_pointer_t<HBRUSH>, HandleCloser<&DeleteObject>>;
 using BitmapHandle = std::unique_ptr<std::remove_pointer_t<HBITMAP>, HandleCloser<&DeleteObject>>;
@@ -22,5 +25,5 @@ using MenuHandle = std::unique_ptr<std::remove_pointer_t<HMENU>, HandleCloser<&D
 using AcceleratorHandle = std::unique_ptr<std::remove_pointer_t<HACCEL>, HandleCloser<&DestroyAcceleratorTable>>;
 using IconHandle = std::unique_ptr<std::remove_pointer_t<HICON>, HandleCloser<&DestroyIcon>>;
 using CursorHandle = std::unique_ptr<std::remove_pointer_t<HCURSOR>, HandleCloser<&DestroyCursor>>;
-using ImageListHandle = std::unique_ptr<std::remove_pointer_t<HIMAGELIST>, HandleCloser<&ImageList_Destroy>>;
+using ImageListHandle = std::unique_ptr<std::remove_pointer_t<HIMAGELIST>, HandleCloser<&DestroyImageList>>;
 using RegistryKey = std::unique_ptr<std::remove_pointer_t<HKEY>, HandleCloser<&RegCloseKey>>;

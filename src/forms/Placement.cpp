@@ -4,8 +4,8 @@
 #include <cstdint>
 
 #include "automation/RuntimeError.h"
-#include "automation/SystemLibrary.h"
 #include "forms/Dpi.h"
+#include "forms/SystemFunctions.h"
 #include "forms/Twips.h"
 
 namespace {
@@ -42,24 +42,10 @@ LONG Sum(LONG corner, int length) {
     return sum;
 }
 
-using DpiForMonitor = HRESULT(WINAPI*)(HMONITOR, int, UINT*, UINT*);
-
-DpiForMonitor MonitorDpi() noexcept {
-    static const auto function = [] {
-        const HMODULE library = LoadSystemLibrary(L"shcore.dll");
-        return library == nullptr ? nullptr
-                                  : reinterpret_cast<DpiForMonitor>(
-                                        reinterpret_cast<void*>(GetProcAddress(library, "GetDpiForMonitor")));
-    }();
-    return function;
-}
-
 UINT DpiOfMonitor(HMONITOR monitor) noexcept {
-    constexpr int Effective = 0;
     UINT across = 0;
     UINT down = 0;
-    const auto function = MonitorDpi();
-    if (function != nullptr && SUCCEEDED(function(monitor, Effective, &across, &down)) && across > 0) return across;
+    if (SUCCEEDED(System::GetDpiForMonitor(monitor, MDT_EFFECTIVE_DPI, &across, &down)) && across > 0) return across;
     return DpiOf(nullptr);
 }
 

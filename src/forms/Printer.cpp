@@ -1,7 +1,5 @@
 #include "forms/Printer.h"
 
-#include <commdlg.h>
-
 #include <utility>
 
 #include "automation/App.h"
@@ -10,6 +8,7 @@
 #include "forms/Dpi.h"
 #include "forms/Events.h"
 #include "forms/Surroundings.h"
+#include "forms/SystemFunctions.h"
 
 namespace {
 
@@ -51,14 +50,15 @@ void Check(int result) {
 
 Printer Printer::Choose(HWND owner, DWORD flags) {
     const Surroundings surroundings;
+    if (!System::PrintDlgW) RaisePrinterError(L"the print dialog cannot be loaded.");
     PRINTDLGW dialog{};
     dialog.lStructSize = sizeof dialog;
     dialog.hwndOwner = owner;
     dialog.Flags = flags;
     dialog.nCopies = 1;
     Events::Call call;
-    const BOOL chosen = PrintDlgW(&dialog);
-    const DWORD error = chosen ? 0 : CommDlgExtendedError();
+    const BOOL chosen = System::PrintDlgW(&dialog);
+    const DWORD error = chosen ? 0 : System::CommDlgExtendedError();
     GlobalFree(dialog.hDevMode);
     GlobalFree(dialog.hDevNames);
     Printer printer(chosen ? dialog.hDC : nullptr);

@@ -1,14 +1,14 @@
 #include "forms/ThemedBorder.h"
 
-#include <uxtheme.h>
 #include <vsstyle.h>
 
 #include "forms/Dpi.h"
+#include "forms/SystemFunctions.h"
 
 void PaintThemedBorder(HWND window) noexcept {
     // Before the theme is opened: without that style there is no border.
     if ((GetWindowLongPtrW(window, GWL_EXSTYLE) & WS_EX_CLIENTEDGE) == 0) return;
-    const HTHEME theme = OpenThemeData(window, VSCLASS_LISTBOX);
+    const HTHEME theme = System::OpenThemeData(window, VSCLASS_LISTBOX);
     if (theme == nullptr) return;
     if (const HDC context = GetWindowDC(window)) {
         RECT border;
@@ -19,10 +19,10 @@ void PaintThemedBorder(HWND window) noexcept {
         const int down = SystemMetricFor(SM_CYEDGE, dpi);
         ExcludeClipRect(context, across, down, border.right - across, border.bottom - down);
         // A theme of old has one look for the whole class.
-        const bool named = IsThemePartDefined(theme, LBCP_BORDER_NOSCROLL, 0) != FALSE;
-        DrawThemeBackground(theme, context, named ? LBCP_BORDER_NOSCROLL : 0, named ? LBPSN_NORMAL : 0, &border,
-                            nullptr);
+        const bool named = System::IsThemePartDefined(theme, LBCP_BORDER_NOSCROLL, 0) != FALSE;
+        System::DrawThemeBackground(theme, context, named ? LBCP_BORDER_NOSCROLL : 0, named ? LBPSN_NORMAL : 0, &border,
+                                    nullptr);
         ReleaseDC(window, context);
     }
-    CloseThemeData(theme);
+    System::CloseThemeData(theme);
 }

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "automation/RuntimeError.h"
+#include "forms/SystemFunctions.h"
 #include "forms/Tooltip.h"
 #include "forms/Twips.h"
 
@@ -60,7 +61,7 @@ void Toolbar::MeasureButtons() {
     int imageWidth = 0;
     int imageHeight = 0;
     if (const auto images = reinterpret_cast<HIMAGELIST>(Send(TB_GETIMAGELIST))) {
-        ImageList_GetIconSize(images, &imageWidth, &imageHeight);
+        System::ImageList_GetIconSize(images, &imageWidth, &imageHeight);
     }
     TEXTMETRICW metrics{};
     const HDC context = GetDC(Handle());

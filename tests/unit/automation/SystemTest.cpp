@@ -60,6 +60,36 @@ TEST(SystemLibraryTest, NothingIsLookedForElsewhere) {
     EXPECT_EQ(nullptr, LoadSystemLibrary(std::wstring(300, L'x').c_str()));
 }
 
+TEST(SystemFunctionTest, AFunctionIsBoundWhenItIsFirstCalled) {
+    static int loads = 0;
+    const SystemFunction<decltype(::GetCurrentProcessId)> processId{[]() noexcept {
+                                                                        ++loads;
+                                                                        return LoadSystemLibrary(L"kernel32.dll");
+                                                                    },
+                                                                    "GetCurrentProcessId"};
+    EXPECT_EQ(0, loads);
+    EXPECT_EQ(GetCurrentProcessId(), processId());
+    EXPECT_TRUE(processId);
+    EXPECT_EQ(GetCurrentProcessId(), processId());
+    EXPECT_EQ(1, loads);
+}
+
+TEST(SystemFunctionTest, WhatIsNotThereAnswersZeroAndIsLookedUpOnce) {
+    static int loads = 0;
+    const SystemFunction<int WINAPI(int)> noFunction{[]() noexcept {
+                                                         ++loads;
+                                                         return LoadSystemLibrary(L"kernel32.dll");
+                                                     },
+                                                     "NoFunctionHasThisName"};
+    EXPECT_FALSE(noFunction);
+    EXPECT_EQ(0, noFunction(7));
+    EXPECT_EQ(1, loads);
+    const SystemFunction<int WINAPI(int)> noLibrary{[]() noexcept { return LoadSystemLibrary(L"brvError.dll"); },
+                                                    "DllCanUnloadNow"};
+    EXPECT_FALSE(noLibrary);
+    EXPECT_EQ(0, noLibrary(7));
+}
+
 TEST(StackGuardTest, TheGuardDiffersFromRunToRunAndEndsTexts) {
     EXPECT_EQ(0U, __stack_chk_guard & 0xFF);
     EXPECT_NE(0U, __stack_chk_guard);

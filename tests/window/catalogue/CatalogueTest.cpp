@@ -11,7 +11,16 @@
 
 namespace {
 
-struct Item : CatalogueTexts {
+struct Texts {
+    std::wstring Description, DragDrop, SelectText, ExecuteText;
+};
+
+Texts Expanded(const CatalogueSection& section, const CatalogueEntry& entry) {
+    const CatalogueTexts texts = ExpandTexts(section, entry);
+    return {texts.Description.Text(), texts.DragDrop.Text(), texts.SelectText.Text(), texts.ExecuteText.Text()};
+}
+
+struct Item : Texts {
     const CatalogueSection* Section;
     std::wstring Text;
     long Id;
@@ -23,7 +32,7 @@ const std::vector<Item>& Items() {
         std::vector<Item> all;
         for (const auto& section : CatalogueSections()) {
             for (const auto& entry : section.Entries) {
-                all.push_back({ExpandTexts(section, entry), &section, std::wstring(entry.Text), long(all.size())});
+                all.push_back({Expanded(section, entry), &section, std::wstring(entry.Text), long(all.size())});
             }
         }
         return all;
@@ -473,11 +482,11 @@ TEST(CatalogueTest, WhatAnEntryNamesWinsOverTheRule) {
     for (const auto& [rule, dragDrop, executeText] : expected) {
         CatalogueSection section = CatalogueSections()[0];
         section.Rule = rule;
-        const CatalogueTexts texts = ExpandTexts(section, byRule);
+        const Texts texts = Expanded(section, byRule);
         EXPECT_EQ(dragDrop, texts.DragDrop);
         EXPECT_EQ(executeText, texts.ExecuteText);
         EXPECT_EQ(L"", texts.SelectText);
-        const CatalogueTexts own = ExpandTexts(section, named);
+        const Texts own = Expanded(section, named);
         EXPECT_EQ(L"", own.DragDrop);
         EXPECT_EQ(L"", own.ExecuteText);
         EXPECT_EQ(L"s", own.SelectText);

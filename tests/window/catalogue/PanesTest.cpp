@@ -48,9 +48,9 @@ protected:
     }
     static void ExpectShown(const Expected& entry) {
         SCOPED_TRACE(std::string(entry.Text.begin(), entry.Text.end()));
-        EXPECT_EQ(entry.Texts.Description, Description());
-        EXPECT_EQ(Statement(entry.Texts.SelectText), Chosen(L"Select"));
-        EXPECT_EQ(Statement(entry.Texts.ExecuteText), Chosen(L"Execute"));
+        EXPECT_EQ(entry.Texts.Description.Text(), Description());
+        EXPECT_EQ(Statement(entry.Texts.SelectText.Text()), Chosen(L"Select"));
+        EXPECT_EQ(Statement(entry.Texts.ExecuteText.Text()), Chosen(L"Execute"));
         EXPECT_EQ(L"<none>", Chosen(L"Insert"));
         EXPECT_EQ(L"<none>", Chosen(L"Update"));
         EXPECT_EQ(L"<none>", Chosen(L"Delete"));
