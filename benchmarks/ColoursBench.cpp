@@ -164,7 +164,7 @@ TEST_F(ColoursBench, Typing) {
             SendMessageW(raw.Editor(), EM_SETTEXTEX, reinterpret_cast<WPARAM>(&set),
                          reinterpret_cast<LPARAM>(sql.c_str()));
             raw.Show();
-            // In the first line, behind a name; a hundred characters and a paint after each.
+            // In the first line, after a name; a hundred characters and a paint after each.
             const auto type = [](HWND control, HWND window) {
                 CHARRANGE place{22, 22};
                 SendMessageW(control, EM_EXSETSEL, 0, reinterpret_cast<LPARAM>(&place));

@@ -136,7 +136,7 @@ bool EventLog::Append(std::initializer_list<std::wstring> fields) const noexcept
             extended ? fileName_.substr(0, dot) + L".1" + fileName_.substr(dot) : fileName_ + L".1";
         MoveFileExW(fileName_.c_str(), older.c_str(), MOVEFILE_REPLACE_EXISTING);
     }
-    // Append access and one write: entries of several processes stand behind each other whole.
+    // Append access and one write: entries of several processes never interleave.
     const HANDLE file =
         CreateFileW(fileName_.c_str(), FILE_APPEND_DATA, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
                     nullptr, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);

@@ -31,10 +31,10 @@
 //   FieldCount                              0 when the statement gave no rows
 //   FieldName(Index), FieldType(Index)      Index from 0; the type is an ODBC code
 //   RowsAffected                            -1 when unknown
-//   NextRow                                 the next row as an array of values, Null behind the last
+//   NextRow                                 the next row as an array of values, Null after the last
 //   NextRowText([Limit])                    the same as texts (Null stays Null), numbers and dates as the data source
 //                                           writes them; with a limit longer texts are cut and end in an ellipsis
-//   NextResult                              goes to the next result of a batch; False behind the last
+//   NextResult                              goes to the next result of a batch; False after the last
 //   Close
 // Rows come from the data source as they are asked for.
 //

@@ -16,7 +16,7 @@ struct ColumnProperty {
 };
 using ColumnProperties = std::vector<ColumnProperty>;
 
-// The database's own description of its schemas, tables, views and columns. Everything is read anew with each call.
+// The database's own description of its schemas, tables, views and columns. Everything is read again with each call.
 // All of it throws RuntimeError with the source DatabaseError::Source.
 class Dictionary {
 public:

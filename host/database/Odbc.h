@@ -44,7 +44,7 @@ private:
 };
 
 // How texts go through the driver manager.
-// Behind Wine the driver manager is unixODBC. It turns the texts of the W functions into the locale's bytes for a
+// After Wine the driver manager is unixODBC. It turns the texts of the W functions into the locale's bytes for a
 // driver that has no W functions of its own, and loses every character beyond U+FFFF on the way, in a locale without
 // UTF-8 all that is not ASCII. The SQLite driver for Unix is such a driver; its narrow functions take and give UTF-8 in
 // every locale, so they are called instead. Windows' own drivers all have W functions.
@@ -98,7 +98,7 @@ struct ColumnInfo {
     std::wstring Name;
     SQLSMALLINT Type = SQL_UNKNOWN_TYPE;  // SQL_VARCHAR, SQL_INTEGER, ...
     SQLULEN Size = 0;                     // characters, or digits of a number
-    SQLSMALLINT Digits = 0;               // behind the decimal point
+    SQLSMALLINT Digits = 0;               // after the decimal point
     bool Nullable = true;
 
     bool IsNumber() const noexcept;
@@ -133,14 +133,14 @@ public:
     const std::vector<ColumnInfo>& AllColumns();
     // The number of rows that were changed; -1 when the driver does not say.
     SQLLEN RowCount() const;
-    // Goes to the next row; false behind the last.
+    // Goes to the next row; false after the last.
     bool Fetch();
     // Goes to the next result of a batch of statements; false when there is none.
     bool NextResult();
     void Close() noexcept;
 
     // The value of a column of the current row; nothing is NULL. Columns must be read from left to right, each once:
-    // that is all that many drivers can do. Binary values are read as hexadecimal digits behind 0x. With a `limit` at
+    // that is all that many drivers can do. Binary values are read as hexadecimal digits after 0x. With a `limit` at
     // most that many characters are read, and `cut` tells whether there were more.
     std::optional<std::wstring> Text(unsigned column, size_t limit = SIZE_MAX, bool* cut = nullptr);
     std::optional<long long> Integer(unsigned column);

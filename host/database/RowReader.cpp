@@ -33,7 +33,7 @@ bool ReadDouble(const std::wstring& text, Variant& value) {
     return true;
 }
 
-// yyyy-mm-dd, with hh:mm:ss and a fraction behind it or not. An automation date holds no fraction of a second and no
+// yyyy-mm-dd, with hh:mm:ss and a fraction after it or not. An automation date holds no fraction of a second and no
 // year before 100.
 bool ReadDate(const std::wstring& text, Variant& value) {
     SYSTEMTIME time = {};

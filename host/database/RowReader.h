@@ -17,8 +17,8 @@ public:
 
     const std::vector<Odbc::ColumnInfo>& Fields();  // empty: the statement gave no rows
     long RowsAffected();                            // -1: unknown
-    // The next row; nothing behind the last. Values have the type of their column where they read as such: whole
-    // numbers, decimals, floating point, Boolean, dates; all else is text. Binary values are hexadecimal digits behind
+    // The next row; nothing after the last. Values have the type of their column where they read as such: whole
+    // numbers, decimals, floating point, Boolean, dates; all else is text. Binary values are hexadecimal digits after
     // 0x.
     std::optional<std::vector<Variant>> Next();
     // The next row as texts, Null for NULL. A text longer than `limit` is cut to that length, its last character an

@@ -20,7 +20,7 @@ inline constexpr long ConnectionLost = ObjectErrorBase + 5;
 inline constexpr long NoSuchColumns = ObjectErrorBase + 10;  // the columns of a table or view cannot be read
 }  // namespace DatabaseError
 
-// The run-time error for a failed ODBC call: the driver's texts with the SQLSTATE behind, the number ConnectionLost
+// The run-time error for a failed ODBC call: the driver's texts followed by the SQLSTATE, the number ConnectionLost
 // when that is what happened and `number` otherwise.
 RuntimeError ErrorFromOdbc(const Odbc::Error& error, long number);
 

@@ -8,7 +8,7 @@
 std::string ToUtf8(std::wstring_view text);
 std::wstring FromUtf8(std::string_view utf8);
 
-// What Windows says of an error code, without the line end behind it.
+// What Windows says of an error code, without the line end after it.
 std::wstring SystemMessage(DWORD error);
 
 // Writes to standard output or standard error: as Unicode to a console, as UTF-8 to a file or pipe. Line ends are "\n".

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-// Prints rows as a table of aligned columns. The widths come from the heading and the first rows; longer values behind
+// Prints rows as a table of aligned columns. The widths come from the heading and the first rows; longer values after
 // them are shortened, so that nothing but the first rows is kept. Numbers stand right: columns that are numeric by
 // type, or whose first values all look like numbers. Line ends and other control characters are shown as visible signs.
 class TablePrinter {

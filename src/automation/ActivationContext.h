@@ -9,10 +9,10 @@ public:
     explicit ActiveContext(HANDLE context) noexcept {
         if (context != INVALID_HANDLE_VALUE) active_ = ActivateActCtx(context, &cookie_) != FALSE;
     }
-    // In between code of the host may have run that activated a context and never left it, say since a procedure of its
-    // was cut off by an exception. What lies above ours on the thread's stack goes with it then: without the flag the
-    // system would raise an exception that ends the process. With it the system may refuse what lies on top, the usual
-    // case, and that is what 0 is for.
+    // Code of the host may have activated a context in between and never left it, for example because an exception cut
+    // a procedure off. With the flag, deactivating ours also pops the contexts above it; without it the system raises
+    // an exception that ends the process. The system may refuse the flag when ours is on top, the usual case: then 0 is
+    // right.
     ~ActiveContext() {
         if (active_ && !DeactivateActCtx(DEACTIVATE_ACTCTX_FLAG_FORCE_EARLY_DEACTIVATION, cookie_))
             DeactivateActCtx(0, cookie_);

@@ -2,7 +2,7 @@
 
 #include <windows.h>
 
-// What a module says of itself. Every DLL or program that links this floor defines these four once.
+// Identifies the module. Every DLL or program that links this floor defines these four once, at link time.
 namespace App {
 extern const wchar_t* const Title;  // application title: settings, message boxes, source of the errors it raises
 extern const short Major;

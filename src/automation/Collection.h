@@ -12,7 +12,7 @@
 template <class T>
 class Collection {
 public:
-    // Appends. A key that is in use is error 457; an empty key is no key.
+    // Appends. A key that is in use is error 457; an empty key means no key.
     void Add(T item, const std::wstring& key = {}) {
         if (!key.empty() && !keys_.try_emplace(UCase(key), items_.size()).second) RaiseError(ErrorNumber::KeyInUse);
         items_.push_back(std::move(item));

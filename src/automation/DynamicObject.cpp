@@ -7,7 +7,7 @@
 
 namespace {
 
-// For calls that leave no IErrorInfo: what the thread has is somebody else's.
+// These calls set no IErrorInfo; any on the thread is stale.
 void Check(HRESULT result) {
     if (FAILED(result)) Raise(ErrorFromHresult(result, nullptr));
 }
@@ -100,7 +100,7 @@ bool Arguments::Has(size_t position) const noexcept {
 
 bool Arguments::Let(size_t position, const Variant& value) const {
     const VARIANT* raw = Raw(position);
-    // A variable may be a reference in its turn: that of a caller further up. A wrong one refers to itself.
+    // A reference may point to another reference, passed on from a caller further up. A malformed one points to itself.
     for (int depth = 0; raw != nullptr && raw->vt == (VT_BYREF | VT_VARIANT) && raw->pvarVal != nullptr &&
                         (raw->pvarVal->vt & VT_BYREF) != 0;
          ++depth) {
@@ -222,7 +222,7 @@ HRESULT DynamicObject::GetIDsOfNames(REFIID, LPOLESTR* names, UINT count, LCID, 
     } catch (...) {
         return E_OUTOFMEMORY;
     }
-    // Arguments have positions here and no names.
+    // Arguments are positional; named ones are refused.
     return count == 1 ? S_OK : DISP_E_UNKNOWNNAME;
 }
 

@@ -19,7 +19,7 @@ public:
     // Writes an argument that was passed by reference (VT_BYREF|VT_BSTR, |VT_BOOL, |VT_I4, |VT_VARIANT, ...), converted
     // to its type. One that was passed by value is left alone; returns whether it was written.
     bool Let(size_t position, const Variant& value) const;
-    // The argument as it was passed, for those who must know its type; null beyond the end.
+    // The argument as it was passed, for callers that need its type; null beyond the end.
     const VARIANT* Raw(size_t position) const noexcept;
 
 private:

@@ -38,8 +38,8 @@ public:
     Enumerator(const Enumerator&) = delete;
     Enumerator& operator=(const Enumerator&) = delete;
 
-    // To the first item. One that cannot be reset is asked for anew; where even that fails it is fresh when it is read
-    // for the first time, which is the time that matters.
+    // Rewinds. An enumerator that cannot be reset is replaced; if that fails too, it is still fresh on the first pass,
+    // the one that matters.
     void Rewind(IDispatch* object) noexcept {
         const InHostContexts host;
         if (items_->Reset() == S_OK) return;
@@ -56,7 +56,7 @@ public:
         }
     }
 
-    // One at a time: an enumerator that fails in the middle has then given what stands before.
+    // One item per call, so that an enumerator that fails midway has delivered everything before the failure.
     bool Next(Variant& item) {
         ULONG fetched = 0;
         VARIANT raw;
@@ -64,7 +64,7 @@ public:
         const HRESULT result = AskForNext(raw, fetched);
         if (FAILED(result)) Raise(ErrorFromHresult(result, nullptr));
         Variant got = Variant::Attach(raw);
-        // Some say with the count alone that there is no more, and some with the result alone.
+        // Some enumerators signal the end by S_FALSE, others by fetched == 0.
         if (result != S_OK || (fetched == 0 && got.IsEmpty())) return false;
         item = (got.vt & VT_BYREF) != 0 ? Variant(static_cast<const VARIANT&>(got)) : std::move(got);
         return true;
@@ -117,7 +117,7 @@ HostCollection::HostCollection(const Variant& result) {
 HostCollection::operator bool() const noexcept { return kind_ != Kind::None; }
 
 void HostCollection::ForEach(const std::function<bool(const Variant&)>& item) const {
-    // What is called may let go of the collection.
+    // The callee may release the collection.
     const HostCollection held(*this);
     switch (held.kind_) {
         case Kind::None:

@@ -6,15 +6,15 @@
 
 // A collection that belongs to the host, read in order. What hosts hand over comes in several kinds, and all are read:
 // an object with _NewEnum (asked first), an object with Count and Item (from 1, or from 0 when 1 to Count does not
-// hold). An array is no collection.
+// hold). An array is not a collection.
 class HostCollection {
 public:
     HostCollection() noexcept = default;  // nothing
-    // Takes a result as a collection. Nothing stays nothing. A value that is no collection object is error 13: an
-    // array, Null and Empty among them. No item is asked for yet; _NewEnum is, since that is how a collection is told
-    // from another object.
+    // Takes a result as a collection. Nothing stays nothing. A value that is not a collection object is error 13,
+    // arrays, Null and Empty included. Reads no item yet, but asks for _NewEnum: that is how a collection is told from
+    // any other object.
     explicit HostCollection(const Variant& result);
-    // The same for an entry of a collection that is a list itself: it may be an array of one dimension too.
+    // The same for an entry that is itself a list: a one-dimensional array is accepted too.
     static HostCollection OrArray(const Variant& entry);
 
     explicit operator bool() const noexcept;  // false: nothing

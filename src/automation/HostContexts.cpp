@@ -4,7 +4,7 @@
 
 namespace {
 
-// Null for that of the process.
+// Null means the process's own context.
 HANDLE CurrentActivation() noexcept {
     HANDLE current = nullptr;
     return GetCurrentActCtx(&current) ? current : nullptr;
@@ -32,7 +32,7 @@ HostContexts::HostContexts() noexcept
 
 HostContexts::~HostContexts() {
     AcquireSRWLockExclusive(&lock);
-    // Calls of another thread may have come in since.
+    // Another thread may have called in since.
     for (HostContexts** link = &newest; *link != nullptr; link = &(*link)->outer_) {
         if (*link != this) continue;
         *link = outer_;

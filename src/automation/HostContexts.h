@@ -6,13 +6,13 @@
 
 #include "automation/ActivationContext.h"
 
-// A host has surroundings of its own: the activation context that says which libraries, window classes and
-// registration-free components its code gets, and the awareness of dots per inch that its windows are made with. While
-// a call of the host is under way we set ours for our windows; whenever the host's code runs inside it, it gets its own
-// back. On releases of Windows that know no awareness of threads the activation context is all there is.
+// A host has its own surroundings: the activation context, which decides the libraries, window classes and
+// registration-free components that its code gets, and the DPI awareness of its windows. While a call of the host is
+// under way we set ours for our windows; whenever the host's code runs inside that call, its own are restored. Releases
+// of Windows without per-thread DPI awareness have the activation context alone.
 
-// Taken where a call of the host comes in, before anything is changed. Remembers the contexts of that moment for the
-// thread; calls nest.
+// Constructed where a call of the host comes in, before anything is changed. Remembers the thread's contexts at that
+// moment; calls nest.
 class HostContexts {
 public:
     HostContexts() noexcept;
@@ -22,7 +22,7 @@ public:
 
 private:
     friend class InHostContexts;
-    HANDLE activation_ = nullptr;  // null: that of the process
+    HANDLE activation_ = nullptr;  // null: the process's own
     DPI_AWARENESS_CONTEXT awareness_ = nullptr;
     DWORD thread_;
     HostContexts* outer_;

@@ -13,7 +13,7 @@
 
 // ---- Argument
 
-// A variable that is passed by reference: the storage that the callee sees, at an address of its own.
+// A variable that is passed by reference: separately allocated storage, whose address the callee sees.
 struct Argument::Reference {
     Variant Storage;
     VARTYPE Type;
@@ -76,7 +76,7 @@ Argument ByRef(bool& variable) {
 Argument ByRef(Variant& variable) {
     return Argument(std::make_unique<Argument::Reference>(
         Argument::Reference{variable, VT_VARIANT, [&variable](const Variant& left) {
-                                // A callee may leave a reference to a variable of its own, which is gone soon.
+                                // A callee may leave a reference to one of its own variables, which will not last.
                                 variable = Variant(static_cast<const VARIANT&>(left));
                             }}));
 }
@@ -90,8 +90,7 @@ Argument ByRef(Object& variable) {
 
 namespace {
 
-// Whether an object refused to call what is no function: it says so, or that it has told its own host already, or just
-// that it failed.
+// Whether the failure means "not callable": DISP_E_..., SCRIPT_E_REPORTED or plain E_FAIL, depending on the engine.
 bool IsRefusedCall(HRESULT result, const EXCEPINFO& exception) noexcept {
     constexpr HRESULT FunctionExpected = MAKE_HRESULT(SEVERITY_ERROR, FACILITY_CONTROL, 5002);
     constexpr HRESULT AlreadyReported = static_cast<HRESULT>(0x80020101);
@@ -129,8 +128,7 @@ void FreeTexts(EXCEPINFO& exception) noexcept {
 
 struct Object::State {
     IDispatch* Dispatch = nullptr;
-    // The other way in, for objects that know their names there only; null until it was needed. Its member ids are its
-    // own.
+    // IDispatchEx, for objects that resolve names only there; null until it is needed. It has its own member ids.
     IDispatchEx* Extended = nullptr;
     struct Member {
         std::wstring Name;
@@ -190,7 +188,7 @@ struct Object::State {
             // The objects of VBScript under Wine have IDispatchEx alone and leave this call unwritten.
             if (result != E_NOTIMPL) return result;
             IDispatchEx* extended = nullptr;
-            // Some say that they have it and give nothing.
+            // Some objects return success and a null pointer.
             if (FAILED(Dispatch->QueryInterface(__uuidof(IDispatchEx), reinterpret_cast<void**>(&extended))) ||
                 extended == nullptr) {
                 return result;
@@ -256,7 +254,7 @@ Object::operator bool() const noexcept { return state_ != nullptr; }
 IDispatch* Object::Dispatch() const noexcept { return state_ != nullptr ? state_->Dispatch : nullptr; }
 
 void Object::Clear() noexcept {
-    // Moved out first: what the other object does when it goes may come back to this variable.
+    // Moved out first: releasing the other object may re-enter and use this variable.
     const auto old = std::exchange(state_, nullptr);
 }
 
@@ -280,7 +278,7 @@ bool Object::Has(const wchar_t* member) const noexcept {
 
 Variant Object::Invoke(const wchar_t* member, WORD flags, Argument* arguments, size_t count) const {
     if (state_ == nullptr) RaiseError(ErrorNumber::ObjectNotSet);
-    const Object held(*this);  // what is called may clear the variable that this is
+    const Object held(*this);  // the callee may clear this variable
     return held.InvokeId(held.state_->IdOf(member), flags, arguments, count);
 }
 
@@ -374,7 +372,7 @@ Variant Object::InvokeId(DISPID id, WORD flags, Argument* arguments, size_t coun
             VariantClear(&value);
         }
     }
-    // Beside a failure a callee may have left anything in the result: then it is not ours to free.
+    // After a failure the result may hold anything a callee left there: it is not ours to free.
     if (FAILED(result)) Raise(ErrorFromHresult(result, &exception));
     Variant owned = Variant::Attach(raw);
     for (size_t at = 0; at < count; ++at) arguments[at].WriteBack();
@@ -384,7 +382,7 @@ Variant Object::InvokeId(DISPID id, WORD flags, Argument* arguments, size_t coun
 
 void Object::Let(const wchar_t* member, const Variant& value) const {
     if (state_ == nullptr) RaiseError(ErrorNumber::ObjectNotSet);
-    const auto state = state_;  // what is called may clear the variable that this is
+    const auto state = state_;  // the callee may clear this variable
     const DISPID id = state->IdOf(member);
     DISPID named = DISPID_PROPERTYPUT;
     Variant copy(value);

@@ -100,8 +100,8 @@ private:
     Variant InvokeId(DISPID id, WORD flags, Argument* arguments, size_t count) const;
 };
 
-// A member that is called with one text by reference and answers with a text, again and again: what Get(member,
-// ByRef(text)) gives, without its copies, for loops over thousands of names. What the callee leaves in its argument is
+// A member that takes one text by reference and returns a text, called repeatedly: the result of Get(member,
+// ByRef(text)) without its copies, for loops over thousands of names. Whatever the callee leaves in its argument is
 // dropped. Holds the object; `member` must outlive it.
 class TextFunction {
 public:
@@ -112,7 +112,7 @@ public:
 
     // Whether it is a function of this object.
     bool IsOf(const Object& object) const noexcept { return object_.Dispatch() == object.Dispatch(); }
-    // Puts the answer behind `to`, which is unchanged when the call fails.
+    // Appends the answer to `to`, which is unchanged when the call fails.
     void AppendTo(std::wstring& to, std::wstring_view argument);
 
 private:

@@ -226,10 +226,10 @@ RuntimeError ErrorFromHresult(HRESULT hr, EXCEPINFO* exception) {
     const bool raised = exception != nullptr && hr == DISP_E_EXCEPTION;
     if (exception != nullptr) {
         if (raised) {
-            // Some servers fill the details in only when they are asked for.
+            // Some servers defer filling in the details until they are asked for.
             if (exception->pfnDeferredFillIn != nullptr) exception->pfnDeferredFillIn(exception);
             error.HelpContext = static_cast<long>(exception->dwHelpContext);
-            // A server that raises an exception without saying which has failed all the same.
+            // DISP_E_EXCEPTION without details is still a failure.
             result = exception->wCode != 0      ? static_cast<HRESULT>(exception->wCode)
                      : exception->scode != S_OK ? exception->scode
                                                 : DISP_E_EXCEPTION;

@@ -5,8 +5,8 @@
 
 #include <string>
 
-// A run-time failure, as the language of the hosts knows it: a number, who raised it, and what to tell. It is what
-// every call of this floor and of the floors above throws.
+// A run-time failure as the hosts' language knows it: a number, a source and a description. Every call of this floor
+// and of the floors above throws it.
 struct RuntimeError {
     RuntimeError() noexcept = default;
     RuntimeError(RuntimeError&&) noexcept = default;
@@ -62,7 +62,7 @@ inline constexpr long ElementNotFound = 35601;
 inline constexpr long KeyNotUnique = 35602;
 }  // namespace ErrorNumber
 
-// The first number of the range in which components number errors of their own (80040000 hexadecimal).
+// The first number of the range that components use for their own errors (80040000 hexadecimal).
 inline constexpr long ObjectErrorBase = -2147221504;
 
 // Makes the record that the language's run-time library keeps for each thread that throws; without memory for it the

@@ -78,7 +78,7 @@ std::wstring ModulePath() {
         }
         path.resize(path.size() * 2);
     }
-    // A host may have loaded the module by its short name, which need not last.
+    // A host may have loaded the module by its short name, which is not guaranteed to persist.
     std::wstring whole(32768, L'\0');
     const DWORD length = GetLongPathNameW(path.c_str(), whole.data(), static_cast<DWORD>(whole.size()));
     if (length == 0 || length >= whole.size()) return path;
@@ -206,7 +206,7 @@ HRESULT UnregisterLibrary(const std::wstring& path, Server::Scope scope) noexcep
         result = scope == Server::Scope::Machine ? unregister(UnRegisterTypeLib)
                  : UnregisterForUser             ? unregister(UnregisterForUser)
                                                  : E_NOTIMPL;
-        // Windows and Wine disagree on what to say of one that is not there.
+        // Windows and Wine return different errors for a missing one.
         if (FAILED(result) && !IsLibraryKnown(*attributes)) result = S_OK;
         library->ReleaseTLibAttr(attributes);
     }
@@ -255,7 +255,7 @@ HRESULT Server::Register(const ComClass* classes, size_t count, Scope scope, boo
     } catch (...) {
         result = SELFREG_E_CLASS;
     }
-    // A class that is registered by half would be found and not be made. One that could not be touched stays as it was.
+    // A half-registered class could be found but not created. One that could not be changed stays as it was.
     if (FAILED(result) && begun) Unregister(classes, count, scope, false);
     return result;
 }

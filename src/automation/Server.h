@@ -3,7 +3,7 @@
 #include <windows.h>
 #include <objbase.h>
 
-// What an in-process COM server needs beside its classes: the count of what is alive, class factories, registration.
+// What an in-process COM server needs besides its classes: the count of living objects, class factories, registration.
 
 // Keeps the module loaded for as long as it lives: each object and each loaded window has one.
 class ModuleLock {

@@ -9,11 +9,11 @@ extern "C" {
 
 uintptr_t __stack_chk_guard = sizeof(uintptr_t) == 8 ? static_cast<uintptr_t>(0x9D4F2B7AE61C8300) : 0x9D4F2B00;
 
-// Somebody has written beyond a buffer on the stack: nothing of this process can be trusted any more.
+// A buffer on the stack was overrun: no state of this process can be trusted.
 [[noreturn]] void __stack_chk_fail() {
     constexpr unsigned CookieCheckFailed = 2;  // FAST_FAIL_STACK_COOKIE_CHECK_FAILURE
     asm volatile("int $0x29" : : "c"(CookieCheckFailed) : "memory");
-    // Windows 7 does not know that interrupt and raises an exception, which somebody may have handled.
+    // Windows 7 does not implement that interrupt and raises an exception, which a handler may have swallowed.
     TerminateProcess(GetCurrentProcess(), static_cast<UINT>(STATUS_STACK_BUFFER_OVERRUN));
     __builtin_trap();
 }
@@ -31,7 +31,7 @@ __attribute__((constructor(101), no_stack_protector)) void MixGuard() {
         static_cast<uint64_t>(counter.QuadPart) ^ (uint64_t{time.dwLowDateTime} << 21) ^ time.dwHighDateTime;
     mixed ^= reinterpret_cast<uintptr_t>(&mixed) ^ (uint64_t{GetCurrentProcessId()} << 32) ^ GetCurrentThreadId();
     mixed *= 0x9E3779B97F4A7C15;
-    // The high bits are the mixed ones. The lowest byte is zero, which the copying of a text does not get past.
+    // The high bits are well mixed. The lowest byte is zero, so that an overrunning string copy stops at it.
     mixed >>= 64 - 8 * sizeof(uintptr_t);
     __stack_chk_guard = static_cast<uintptr_t>(mixed) & ~uintptr_t{0xFF};
 }

@@ -6,6 +6,6 @@ HMODULE LoadSystemLibrary(const wchar_t* name) noexcept {
     if (folder == 0 || folder + 1 + static_cast<UINT>(lstrlenW(name)) >= MAX_PATH) return nullptr;
     path[folder] = L'\\';
     lstrcpyW(path + folder + 1, name);
-    // What it imports comes from its own folder then, not from the program's.
+    // Its own imports are then resolved from its folder and not from the program's.
     return LoadLibraryExW(path, nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);
 }

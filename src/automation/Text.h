@@ -11,7 +11,7 @@ inline std::wstring UCase(std::wstring text) {
     return text;
 }
 
-// Whether two names are one but for the case of their letters.
+// Whether two names are equal, ignoring case.
 inline bool SameName(std::wstring_view one, std::wstring_view other) {
     return one.size() == other.size() && CompareStringOrdinal(one.data(), static_cast<int>(one.size()), other.data(),
                                                               static_cast<int>(other.size()), TRUE) == CSTR_EQUAL;

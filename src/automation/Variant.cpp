@@ -17,7 +17,7 @@ void MoveBytes(VARIANT& to, VARIANT& from) noexcept {
 // The C headers take pointers to what they only read without const.
 VARIANT* Mutable(const VARIANT* value) noexcept { return const_cast<VARIANT*>(value); }
 
-// For calls that leave no IErrorInfo: what the thread has is somebody else's.
+// These calls set no IErrorInfo; any on the thread is stale.
 void Check(HRESULT result) {
     if (FAILED(result)) Raise(ErrorFromHresult(result, nullptr));
 }
@@ -58,7 +58,7 @@ UINT ElementSize(VARTYPE type) noexcept {
     }
 }
 
-// The parts of a decimal leave room for what is none; Wine's conversion to a text writes behind its buffer then.
+// A DECIMAL can hold bit patterns that are not numbers; Wine's conversion to text then overruns its buffer.
 bool IsDecimal(const DECIMAL& number) noexcept { return number.scale <= 28 && (number.sign & ~DECIMAL_NEG) == 0; }
 
 // Whether an array holds what its variant says. Elements that own something are marked in the array itself.
@@ -110,7 +110,7 @@ Variant& Variant::operator=(const Variant& other) {
 
 Variant& Variant::operator=(Variant&& other) noexcept {
     if (this != &other) {
-        // What is let go of may come back to this variable: it holds the new value by then.
+        // Release can re-enter; the variable already holds the new value by then.
         VARIANT old;
         MoveBytes(old, *this);
         MoveBytes(*this, other);
@@ -174,7 +174,7 @@ Variant::Variant(const VARIANT& other) : VARIANT() {
         if (value->pvarVal == nullptr || depth == 8) RaiseError(ErrorNumber::TypeMismatch);
         value = value->pvarVal;
     }
-    // Windows reads through a null pointer without asking.
+    // Windows dereferences the pointer without a check for null.
     if ((value->vt & VT_BYREF) != 0 && value->byref == nullptr) RaiseError(ErrorNumber::TypeMismatch);
     Check(VariantCopyInd(this, Mutable(value)));
 }
@@ -274,7 +274,7 @@ bool Variant::IsNumeric() const noexcept {
 }
 
 Variant Variant::ChangedTo(VARTYPE type) const {
-    // Read here and not by VariantChangeTypeEx, which makes a type mismatch of whatever the object says.
+    // Converted here because VariantChangeTypeEx turns whatever error the object raises into a type mismatch.
     if (vt == VT_DISPATCH && pdispVal != nullptr) {
         Variant value = Object(pdispVal).Value();
         for (int depth = 0; value.vt == VT_DISPATCH && value.pdispVal != nullptr; ++depth) {
@@ -328,7 +328,7 @@ std::vector<Variant> Variant::ToArray() const {
     if (!IsArray() || parray == nullptr || SafeArrayGetDim(parray) != 1) RaiseError(ErrorNumber::TypeMismatch);
     const auto type = static_cast<VARTYPE>(vt & VT_TYPEMASK);
     if (!HoldsElements(parray, type)) RaiseError(ErrorNumber::TypeMismatch);
-    // By address: the functions that take an index go wrong at the ends of all indexes.
+    // By address: the functions that take an index fail at the extreme values of an index.
     struct Access {
         explicit Access(SAFEARRAY* array) : Array(array) { Check(SafeArrayAccessData(array, &Data)); }
         ~Access() { SafeArrayUnaccessData(Array); }

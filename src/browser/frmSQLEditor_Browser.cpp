@@ -11,7 +11,7 @@ namespace {
 
 constexpr const wchar_t* Module = L"frmSQLEditor";
 
-// The tree is as full as it can be: the one error of these events that the user can do something about.
+// The tree is full: the one error of these events that the user can act on.
 void ReportOrTell(frmSQLEditor& Form, const wchar_t* Routine) {
     if (IsOwnError(CurrentError(), modLists::NodeLimitError)) {
         Form.trvDBObjects.StopExpanding();
@@ -35,8 +35,7 @@ void frmSQLEditor::trvDBObjects_Expand(const Node& Node, bool Opened) try {
     if (Kind == modLists::NodeKind::Table || Kind == modLists::NodeKind::View) {
         const ::Node Columns = Node.Child();
         if (Opened && Columns.Expanded()) {
-            // A click on the folder has filled them behind the closed table; a branch that is open already raises no
-            // event.
+            // A click on the folder has already filled the closed table; a branch that is open raises no event.
             trvDBObjects_Expand(Columns);
         } else {
             Columns.SetExpanded(true);
@@ -121,7 +120,8 @@ void frmSQLEditor::trvDBObjects_NodeClick(const Node& Node) try {
         trvDBObjects_Expand(Node.Child().FirstSibling());
         trvDBObjects_Expand(Node.Child().LastSibling());
     } else if (Kind == NodeKind::Tables || Kind == NodeKind::Views) {
-        // The word of the placeholders' tag, not their text "(undefined)", so that it is never met: kept.
+        // Compares with the placeholders' tag and not with their text "(undefined)", so it never matches. Deliberate: a
+        // test pins it.
         if (Node.Child() && Node.Child().Text() != NodeKind::Undefined) trvDBObjects_Expand(Node.Child());
     } else if (Kind == NodeKind::Table || Kind == NodeKind::View || Kind == NodeKind::Columns) {
         trvDBObjects_Expand(Node.Child());
@@ -160,7 +160,7 @@ void frmSQLEditor::trvDBObjects_MouseUp(int, int, float, float) try {
     ReportError(Module, L"trvDBObjects_MouseUp");
 }
 
-// Another program selected the node: the window follows, and the dictionary is left in peace.
+// Another program selected the node: the window follows without asking the dictionary.
 void frmSQLEditor::trvDBObjects_SelChange(const Node& Node) try {
     if (Node) m_DescribeNode(Node);
     m_EnableActionMenu();

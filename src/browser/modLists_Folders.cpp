@@ -30,7 +30,7 @@ void ReportUnlessOwn(const wchar_t* Routine) {
     ReportError(Module, Routine);
 }
 
-// What a message belongs to: none when the host has let go of the window while it was asked.
+// The owner of a message; null when the host released the window during the call.
 HWND MessageOwner() { return EditorForm != nullptr ? EditorForm->Handle() : nullptr; }
 
 void TellThatThereIsNoDictionary() {
@@ -110,8 +110,7 @@ void modLists::PopulateDBObjSchemas(::Nodes& Nodes, const ::Node& Node) try {
 
 void modLists::PopulateDBObjTablesViews(long ObjectType, ::Nodes& Nodes, const ::Node& Node, bool IncludeSys) try {
     const Variant SchemaName = SchemaArgument(Node.Parent().Text());
-    // Before the dictionary is asked, unlike the schemas and the columns: where there is no dictionary the node stays
-    // empty.
+    // Cleared before the dictionary is asked, unlike schemas and columns: without a dictionary the node stays empty.
     m_ClearNode(Nodes, Node);
     const HostCollection Objects = Adapter()->Objects(ObjectType, SchemaName, L"", IncludeSys);
     Objects.ForEach([&](const Variant& Name) {
@@ -135,7 +134,7 @@ void modLists::PopulateDBObjColumns(::Nodes& Nodes, const ::Node& Node) try {
     const Variant SchemaName = SchemaArgument(Node.Parent().Parent().Parent().Text());
     HostCollection Columns;
     ResumingAfterColumnErrors([&] { Columns = Held->Columns(SchemaName, TableName); });
-    // After the dictionary was asked, and also when it could not say anything.
+    // Cleared after the dictionary was asked, even when it returned nothing.
     m_ClearNode(Nodes, Node);
     if (!Columns) return;
     ResumingAfterColumnErrors([&] {

@@ -25,7 +25,7 @@ inline constexpr const wchar_t* Undefined = L"undefined";
 // Raised by m_AddNode, source the application title, when the tree holds as many nodes as it can.
 inline constexpr long NodeLimitError = -2147221502;  // ObjectErrorBase + 2
 
-// A value as it is shown: "null" for Null, else its ordinary text.
+// A value for display: "null" for Null, else its ordinary text.
 std::wstring m_VntToStr(const Variant& Value);
 
 // Adds a node and sets its tag. The node that fills the tree up to its limit is added, and then NodeLimitError is
@@ -36,8 +36,8 @@ Node m_AddNode(Nodes& Nodes, const std::wstring& Text, const std::wstring& Tag,
 // Removes all children of a node, with what is below them.
 void m_ClearNode(Nodes& Nodes, const Node& Node);
 
-// Put a node back into its unfilled state: a "table" or "view", a "schema", a "tables" or "views" node. NodeLimitError
-// goes up.
+// Return a node to its unfilled state: a "table" or "view", a "schema", a "tables" or "views" node. NodeLimitError is
+// passed up.
 void AddDefaultDBObjectItems(Nodes& Nodes, const Node& Node);
 void AddDefaultSchemaItems(Nodes& Nodes, const Node& Node);
 void AddDefaultTablesViewsItems(Nodes& Nodes, const Node& Node);
@@ -45,9 +45,9 @@ void AddDefaultTablesViewsItems(Nodes& Nodes, const Node& Node);
 // Empties the tree of the editor window and creates its root with a placeholder, when a dictionary is connected.
 void PopulateDBObjects();
 
-// Each replaces all children of a node by what the dictionary says. NodeLimitError goes up; other failures are
-// reported, or told to the user where the dictionary itself says what it cannot do, and leave the tree as far as it was
-// built. The schemas of the root; one "Current Schema" when the database has no list of schemas.
+// Each replaces all children of a node with what the dictionary returns. NodeLimitError is passed up; other failures
+// are reported, or shown to the user where the dictionary itself says what it cannot do, and leave the tree as far as
+// it was built. The schemas of the root; one "Current Schema" when the database has no list of schemas.
 void PopulateDBObjSchemas(Nodes& Nodes, const Node& Node);
 // The tables (`ObjectType` 1) of a "tables" node, or the views (2) of a "views" node.
 void PopulateDBObjTablesViews(long ObjectType, Nodes& Nodes, const Node& Node, bool IncludeSys);

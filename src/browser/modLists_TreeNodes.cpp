@@ -19,7 +19,7 @@ Node AddPlaceholder(Nodes& Nodes, const Node& Parent) {
 
 [[noreturn]] void RaiseTreeIsFull() { RaiseError(modLists::NodeLimitError, L"Maximum items in TreeView exceeded."); }
 
-// The trap of the procedures that reset a branch: the node limit goes up, so that the user sees one message.
+// The trap of the procedures that reset a branch: it passes the node limit up, so that the user sees one message.
 void ReportUnlessOwn(const wchar_t* Routine) {
     if (IsOwnError(CurrentError())) throw;
     ReportError(Module, Routine);
@@ -29,7 +29,7 @@ void ReportUnlessOwn(const wchar_t* Routine) {
 
 Node modLists::m_AddNode(::Nodes& Nodes, const std::wstring& Text, const std::wstring& Tag, const Variant& Relative,
                          const Variant& Relationship, const Variant& Key) try {
-    // One more could be neither numbered nor removed.
+    // A further node could be neither numbered nor removed.
     if (Nodes.Count() == ::Nodes::Limit) RaiseTreeIsFull();
     ::Node Node = Nodes.Add(Relative, Relationship, Key, Text);
     Node.SetTag(Tag);
@@ -51,7 +51,7 @@ void modLists::m_ClearNode(::Nodes& Nodes, const ::Node& Node) try {
         Debug =
             L"index=[" + std::to_wstring(Node.Child().Index()) + L"] count=[" + std::to_wstring(Nodes.Count()) + L"]";
     } catch (...) {
-        // The node itself is gone: the report says what can still be said.
+        // The node itself is gone: the report has only what is still known.
         Debug = L"index=[] count=[" + std::to_wstring(Nodes.Count()) + L"]";
     }
     ReportError(Module, L"m_ClearNode", Debug);
@@ -75,7 +75,7 @@ void modLists::AddDefaultSchemaItems(::Nodes& Nodes, const ::Node& Node) try {
     ReportUnlessOwn(L"AddDefaultSchemaItems");
 }
 
-// Two placeholders here, one elsewhere: kept, the difference is deliberate.
+// Two placeholders here, one elsewhere: the difference is deliberate.
 void modLists::AddDefaultTablesViewsItems(::Nodes& Nodes, const ::Node& Node) try {
     m_ClearNode(Nodes, Node);
     AddPlaceholder(Nodes, Node);

@@ -9,7 +9,7 @@
 inline constexpr long CatalogueSize = 283;
 std::span<const CatalogueSection> CatalogueSections();
 
-// An entry's texts as they are shown, dragged and run. Lines are joined by CR LF, with none behind the last.
+// An entry's texts as they are shown, dragged and run. Lines are joined by CR LF, with none after the last.
 struct CatalogueTexts {
     ItemText Description;
     ItemText DragDrop;
@@ -17,5 +17,5 @@ struct CatalogueTexts {
     ItemText ExecuteText;
 };
 
-// What the entry names, and the rest by the rule of its section. Fails only where memory does (std::bad_alloc).
+// The texts that the entry names, and the others by the rule of its section. Throws std::bad_alloc alone.
 CatalogueTexts ExpandTexts(const CatalogueSection& Section, const CatalogueEntry& Entry);

@@ -2,8 +2,8 @@
 
 #include "catalogue/CatalogueEntry.h"
 
-// What the host's script processor understands. Slips of the pen in these texts are known to users and stay. Laid out
-// by hand, so that every entry reads like the next.
+// What the host's script processor understands. The wording is part of the contract with hosts and users, odd spellings
+// included: do not correct it. Laid out by hand, so that every entry reads like the next.
 // clang-format off
 namespace Catalogue_HostCommands {
 

@@ -2,8 +2,8 @@
 
 #include "catalogue/CatalogueEntry.h"
 
-// Oracle, by category. A name with an odd bracket, a doubled full stop and the like are known to users and stay. Laid
-// out by hand, so that every entry reads like the next.
+// Oracle, by category. The wording is part of the contract with hosts and users, odd brackets and doubled full stops
+// included: do not correct it. Laid out by hand, so that every entry reads like the next.
 // clang-format off
 namespace Catalogue_Oracle {
 

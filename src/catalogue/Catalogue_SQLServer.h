@@ -2,8 +2,8 @@
 
 #include "catalogue/CatalogueEntry.h"
 
-// SQL Server, by category. Doubled full stops and the like are known to users and stay. Laid out by hand, so that every
-// entry reads like the next.
+// SQL Server, by category. The wording is part of the contract with hosts and users, doubled full stops included: do
+// not correct it. Laid out by hand, so that every entry reads like the next.
 // clang-format off
 namespace Catalogue_SQLServer {
 

@@ -17,7 +17,7 @@ clsListItem::clsListItem() {
     }
 }
 
-// Reports under the name of the initialisation: kept, both events share it on purpose.
+// Reports under the name of the initialisation: both events share it on purpose.
 clsListItem::~clsListItem() {
     try {
         Destructor();
@@ -25,7 +25,7 @@ clsListItem::~clsListItem() {
         try {
             ReportError(Module, L"Class_Initialize");
         } catch (...) {
-            // The end of an object is the end of the way: there is no caller to travel to.
+            // A destructor has no caller to report to.
         }
     }
 }

@@ -11,7 +11,7 @@
 // for each thread, such as the record of its exceptions.
 extern "C" BOOL WINAPI DllMain(HINSTANCE, DWORD reason, LPVOID processEnds) {
     if (reason == DLL_PROCESS_ATTACH) return ReadyToThrow();
-    // At the end of a process the system takes the window classes and the memory back itself.
+    // At process exit the system frees the window classes and the memory.
     if (reason == DLL_PROCESS_DETACH && processEnds == nullptr) {
         UnregisterWindowClasses();
         modGlobal::End();
@@ -21,8 +21,8 @@ extern "C" BOOL WINAPI DllMain(HINSTANCE, DWORD reason, LPVOID processEnds) {
 
 namespace {
 
-// Runs the module's start once. COM may ask from any thread: nobody gets a class before the start is over, but for what
-// the start itself calls, which comes on the same thread and passes.
+// Runs the module's start-up once. COM may ask from any thread: no caller gets a class before start-up is complete,
+// except calls that start-up itself causes on its own thread.
 class Start {
 public:
     Start() noexcept { InitializeCriticalSection(&lock_); }
@@ -37,7 +37,7 @@ public:
             try {
                 modGlobal::Main();
             } catch (...) {
-                // Not even reported: the next procedure that fails tries the reporting again.
+                // Not even reported: the next procedure that fails tries to report again.
             }
         }
         LeaveCriticalSection(&lock_);
@@ -51,7 +51,7 @@ private:
 }  // namespace
 
 STDAPI DllGetClassObject(REFCLSID id, REFIID iid, void** object) {
-    // Not in DllMain: what goes wrong is reported through another component, and none may be loaded there.
+    // Not in DllMain: failures are reported through another component, and no DLL may be loaded there.
     if (!ReadyToThrow()) return E_OUTOFMEMORY;
     static Start start;
     if (id == SQLEditorClass.Id) start.Once();
@@ -61,8 +61,8 @@ STDAPI DllGetClassObject(REFCLSID id, REFIID iid, void** object) {
 STDAPI DllCanUnloadNow() {
     if (!ReadyToThrow()) return S_FALSE;
     if (!Server::CanUnload()) return S_FALSE;
-    // This is the last that the module hears before it goes. What it holds of the host and of the error component is
-    // given back now: in DllMain it would be too late. On another thread than its own it may not be touched.
+    // This is the module's last call before it is unloaded. It releases what it holds of the host and of the error
+    // component here, since in DllMain it would be too late. Objects may be touched on their own thread alone.
     if (!modGlobal::Forget()) return S_FALSE;
     return Server::CanUnload() ? S_OK : S_FALSE;
 }

@@ -80,7 +80,8 @@ public:
     ULONG STDMETHODCALLTYPE Release() override {
         const LONG left = InterlockedDecrement(&references_);
         if (left == 0) {
-            // The end of the object hides its window: nothing that happens there may come back to this count.
+            // Destruction hides the window and runs host code; a high count keeps a re-entrant AddRef/Release from
+            // destroying twice.
             references_ = 0x10000;
             const HostContexts host;
             const Awareness awareness;
@@ -163,11 +164,11 @@ public:
     }
 
 private:
-    // What even the reporting could not take leaves here as an HRESULT with its description.
+    // Errors that even the reporting could not take become an HRESULT with IErrorInfo.
     template <class Work>
     HRESULT Guarded(Work&& work, EXCEPINFO* exception) noexcept {
         if (!ReadyToThrow()) return E_OUTOFMEMORY;
-        // The host may let go of the object from inside the modal loop.
+        // The host may release the object from inside the modal loop.
         AddRef();
         HRESULT result = S_OK;
         modGlobal::Own();
@@ -258,14 +259,14 @@ private:
         });
         if (!converted) return;
         ShowText(std::move(sql), [&argument](const std::wstring& edited) {
-            // By what the variable holds now: the host's code ran meanwhile, and may have put anything into it.
+            // By the variable's present type: the host's code ran meanwhile and may have put anything into it.
             VARIANT& variable = VariableOf(argument);
             if (IsTextByReference(variable)) return WriteBstr(*variable.pbstrVal, edited);
             // By value there is no variable to write to; one that held another type becomes a text.
             if (&variable == &argument || variable.vt == (VT_BYREF | VT_VARIANT)) return;
             Variant written(edited);
             std::swap(static_cast<VARIANT&>(written), variable);
-            // What it held goes last: an object's end is the host's code again.
+            // The old value is released last: an object's end runs host code again.
         });
     }
 

@@ -45,22 +45,22 @@ clsSQLEditor::clsSQLEditor() {
 clsSQLEditor::~clsSQLEditor() {
     try {
         try {
-            // A collector of garbage may let go of the last reference on a thread of its own. The window stays on its
-            // thread as it is, hidden or shown, for the next object or the end of the process.
+            // A garbage collector may release the last reference on its own thread. The window stays on its thread as
+            // it is, hidden or shown, for the next object or the end of the process.
             if (EditorForm == nullptr || EditorForm->OnItsThread()) Destructor();
         } catch (...) {
             ReportError(Module, L"Class_Terminate");
         }
     } catch (...) {
-        // Even the reporting failed, and an object's end has no caller to tell.
+        // Even the reporting failed, and a destructor has no caller to tell.
     }
-    // What failed has left the window behind, and nobody may come who would end it.
+    // What failed has left the window after, and nobody may come who would end it.
     if (EditorForm != nullptr && EditorForm->OnItsThread()) EditorForm.reset();
 }
 
 void clsSQLEditor::Constructor(const Object& Database) try {
     const ConnectionWatch Watch;
-    // A database that is missing and one that is not connected leave different roots and adapters behind: kept.
+    // A missing database and one that is not connected leave different roots and adapters on purpose.
     if (!Database) {
         HostDatabase.Clear();
         OwnerName.clear();
@@ -97,7 +97,7 @@ void clsSQLEditor::Display(std::wstring& SQL) try {
         EditorForm = Made;
         Made->Constructor();
     }
-    // The host may ask for another window, or for none, while this one is shown.
+    // The host may ask for another window, or destroy this one, while it is shown.
     const auto Window = EditorForm;
     if (Window == nullptr) RaiseError(ErrorNumber::ObjectNotSet);
     Window->Display(SQL);
@@ -107,7 +107,7 @@ void clsSQLEditor::Display(std::wstring& SQL) try {
 
 void clsSQLEditor::Destructor() try {
     if (EditorForm == nullptr) return;
-    // The window refuses to be unloaded and hides; letting go of it is what ends it.
+    // The window refuses to be unloaded and hides; only releasing it ends it.
     const auto Window = EditorForm;
     if (!Window->OnItsThread()) CheckHresult(RPC_E_WRONG_THREAD);
     Window->Unload();

@@ -12,7 +12,7 @@ constexpr const wchar_t* Module = L"clsDictionary";
 
 clsDictionary::clsDictionary() = default;
 
-// No trap here: nothing that it does can fail.
+// No trap here: nothing in it can fail.
 clsDictionary::~clsDictionary() { Destructor(); }
 
 void clsDictionary::Constructor(const Object& Dictionary) try { dictionary_ = Dictionary; } catch (...) {

@@ -209,7 +209,7 @@ void Colours::FindMarks() {
     lines_.SetMarks(std::move(marks));
 }
 
-// The bracket behind the caret, else the one before it, and its partner.
+// The bracket after the caret, else the one before it, and its partner.
 void Colours::FindPair(size_t caret, std::vector<Sql::Lines::Marked>& marks) {
     const std::wstring& text = lines_.Text();
     if (caret > text.size()) return;
@@ -253,7 +253,7 @@ void Colours::FindPair(size_t caret, std::vector<Sql::Lines::Marked>& marks) {
             return;
         }
         current += forward ? 1 : static_cast<size_t>(-1);
-        // What stands further on is not known yet: it is looked for again when it is.
+        // The text further on has not been read yet: the search is repeated when it has.
         if (!lines_.IsLexed(current)) {
             marksDue_ = true;
             return;

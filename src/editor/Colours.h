@@ -14,7 +14,7 @@ class Colours {
 public:
     explicit Colours(RichTextBox& box) : box_(box) {}
 
-    // The SQL is that of a database type from now on: keywords and functions.
+    // Sets the database type, which decides the dialect, the keywords and the functions.
     void SetLanguage(long dbType);
     void TextChanged();
     void SelectionChanged() noexcept { marksDue_ = true; }

@@ -43,8 +43,8 @@ public:
     // Shows the window on `SQL` and returns when it was closed, the editor's text in `SQL`. When it fails before the
     // window was shown, `SQL` is unchanged. Error 400 from inside Constructor or another Display, reported.
     void Display(std::wstring& SQL);
-    // Nothing is under way, and the window or what it cannot do without could not be made or was destroyed by somebody
-    // else: another form has to take its place.
+    // No call is under way, and the window or a control it needs could not be made or was destroyed by others: another
+    // form has to take its place.
     bool m_IsGone() const noexcept;
     std::shared_ptr<void> Hold() noexcept override { return weak_from_this().lock(); }
 
@@ -325,8 +325,8 @@ private:
     void m_SelectFromListBox(const ListBox& List);
     void m_SelectFromTreeView(const TreeView& Tree);
     void m_InsertStatement(const std::wstring& Statement);
-    // Inserts the text behind the editor's selection, which stays in the text, and selects what was inserted, a leading
-    // line break left out.
+    // Inserts the text after the editor's selection, which stays in the text, and selects what was inserted, without a
+    // leading line break.
     void m_InsertSQL(const std::wstring& SQL);
     void mnuAction_Click();
     void mnuActionSelect_Click();
@@ -345,7 +345,7 @@ private:
     // when the other program has its answer.
     void m_InsertDropped(const DroppedData& Data, DroppedData::Format Kind);
     void m_InsertLater(const std::wstring& Text, const std::wstring& Refused);
-    // Inserts the texts of files, one behind the other, asks before large ones, and tells which could not be.
+    // Inserts the texts of files one after the other, asks before large ones, and tells which could not be inserted.
     void m_InsertFiles(const std::vector<std::wstring>& Files);
     // What a drop of this view's selection inserts; empty for kinds of node that drop nothing.
     std::wstring m_DragText(Control& Source);

@@ -83,13 +83,13 @@ void frmSQLEditor::CreateImages() {
         const IconHandle Owned(Icon);
         if (Images) System::ImageList_ReplaceIcon(Images.get(), -1, Icon);
     }
-    // The former list lives until the toolbar has the new one, whatever becomes of the telling.
+    // The former list lives until the toolbar has the new one, whether or not the call succeeds.
     std::swap(imlImages, Images);
     tlbToolbar.SetImageList(imlImages.get());
 }
 
-// Names for programs that read the screen. The text of these windows is nowhere shown; both the text and the annotation
-// are given, since a tree's or a list's name comes from the text in one interface and from the annotation in the other.
+// Names for screen readers. These windows do not show their text; both the text and the annotation are set, since one
+// accessibility interface takes the name of a tree or list from the text and the other from the annotation.
 void frmSQLEditor::NameControls() {
     const auto Name = [this](Control& Named, const std::wstring& Text) {
         Named.SetWindowCaption(Text);
@@ -106,7 +106,7 @@ void frmSQLEditor::NameControls() {
     Name(imgSplitterV, L"Splitter");
     Name(picHide, L"Hide the left pane");
     Name(picUnhide, L"Show the left pane");
-    // The text of these two is what they show.
+    // The text of these two is their name.
     rtbSQL.SetAccessibleName(L"SQL");
     accAnnotations.SetName(sbStatusBar.Handle(), L"Status bar");
 

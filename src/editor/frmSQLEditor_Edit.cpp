@@ -126,7 +126,7 @@ void frmSQLEditor::mnuEditPaste_Click() try {
     if (!rtbSQL.HasFocus()) return;
     const std::wstring Text = Clipboard::GetText(Handle());
     if (Text.empty()) return;
-    // Behind the selection: the selected text is kept, as with everything that is inserted.
+    // After the selection: inserting never replaces the selected text.
     rtbSQL.Select(rtbSQL.SelStart() + rtbSQL.SelLength(), 0);
     rtbSQL.SetSelText(Text);
     rtbSQL.ScrollCaret();
@@ -162,7 +162,7 @@ void frmSQLEditor::mnuFindNext_Click() try { m_FindNext(); } catch (...) {
     ReportError(Module, L"mnuFindNext_Click");
 }
 
-// A text that is not there is told in the status bar alone: the selection stays where it is.
+// A text that is not found is told in the status bar alone: the selection stays where it is.
 void frmSQLEditor::m_FindNext(const std::wstring* Text) try {
     if (Text != nullptr) findText_ = *Text;
     if (!findText_.empty() && !rtbSQL.Find(findText_)) sbStatusBar.SetPanelText(CaretPanel, L"Not found");

@@ -8,7 +8,7 @@ namespace {
 
 constexpr const wchar_t* Module = L"frmSQLEditor";
 
-// A step whose errors nobody is told of by a report. What would look done must not follow one that was not.
+// A step whose errors are not reported. Nothing that makes it look done may follow a step that failed.
 template <class Step>
 std::optional<RuntimeError> FailureOf(Step&& step) {
     try {

@@ -71,7 +71,7 @@ void frmSQLEditor::m_Result(const std::wstring& Text) {
     sbStatusBar.SetPanelText(CaretPanel, Text);
 }
 
-// Selects the next place behind the selection, else the first one of all.
+// Selects the next occurrence after the selection, else the first one in the text.
 bool frmSQLEditor::m_FindAgain() {
     const std::wstring Wanted = winReplace.Text(FindId);
     if (Wanted.empty()) return false;

@@ -68,7 +68,7 @@ void frmSQLEditor::m_NextPane(bool Back) {
     do {
         At = (At + (Back ? 2 : 1)) % 3;
     } while (At == 1 && !Left);
-    // Who goes by keys has to see where the focus is, though a mouse hid it before.
+    // Keyboard users need the focus rectangle even if the mouse has hidden it.
     SendMessageW(Handle(), WM_CHANGEUISTATE, MAKEWPARAM(UIS_CLEAR, UISF_HIDEFOCUS), 0);
     Panes[static_cast<size_t>(At)]->SetFocus();
 }

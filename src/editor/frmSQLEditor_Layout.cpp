@@ -59,8 +59,8 @@ void frmSQLEditor::m_SizeControls() try {
     float ButtonHeight = TabHeight;
     for (const CommandButton& Button : cmdLeft) ButtonHeight = std::max(ButtonHeight, Button.LeastHeight());
 
-    // The description gets the lines that the longest one takes in the left pane at first, and less in a low window,
-    // where its tip has the rest. The collapse button has the line under it.
+    // The description gets room for the longest description at the default width, and less in a low window, where its
+    // tooltip shows the rest. The collapse button has the line under it.
     const float LabelHeight = std::min(
         LongestDescription * lblDescription.LineHeight() + 2 * Label::MarginDown + CollapseHeight, PaneHeight * 0.3F);
     const float PageHeight = std::max(PaneHeight - TabCount * ButtonHeight - (TabCount + 3) * Gap - LabelHeight, 0.0F);
@@ -81,8 +81,7 @@ void frmSQLEditor::m_SizeControls() try {
     lblDescription.SetVisible(Shown);
 
     // The grip lies under the panes and shows in the gap between them; their borders let the mouse through to it. It
-    // keeps the split position; the bar keeps what was asked for, so that a window that grows again gives the left pane
-    // back what it had.
+    // holds the actual split; the bar holds the requested one, which a window that grows again restores.
     imgSplitterV.Move(LeftWidth, Top, Margin + SplitterWidth + Margin, PaneHeight);
     picHide.Move(Margin + LeftWidth - TabHeight, Bottom - CollapseHeight, TabHeight, CollapseHeight - Gap);
     picHide.SetVisible(Shown);
@@ -98,7 +97,7 @@ void frmSQLEditor::m_SizeControls() try {
 void frmSQLEditor::cmdLeft_Click(int Index) try {
     for (int Other = 0; Other < TabCount; ++Other) {
         const auto At = static_cast<size_t>(Other);
-        // The pages behind are still visible; disabled, they keep the Tab key out.
+        // The hidden pages are still visible windows; disabling them keeps the Tab key out.
         picLeft[At].SetEnabled(Other == Index);
         cmdLeft[At].SetPressed(Other == Index);
     }
@@ -129,7 +128,7 @@ void frmSQLEditor::cmdLeft_Click(int Index) try {
     ReportError(Module, L"cmdLeft_Click");
 }
 
-// In front of the other pages, and behind its button for the Tab key.
+// In front of the other pages, and after its button in the order of the Tab key.
 void frmSQLEditor::m_BringPageToFront(int Index) {
     for (int Other = 0; Other < TabCount; ++Other) {
         if (Other != Index) picLeft[static_cast<size_t>(Other)].SendToBack();

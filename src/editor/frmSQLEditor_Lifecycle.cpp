@@ -61,8 +61,8 @@ void frmSQLEditor::Constructor() try {
 }
 
 void frmSQLEditor::Display(std::wstring& SQL) try {
-    // Asked first, so that a call from inside leaves the text that is being edited alone; and not of the window, which
-    // does not show yet while the host is asked for its type's name.
+    // Checked first, so that a nested call cannot touch the text being edited. A flag, because the window is not yet
+    // visible while DBTypeName is read.
     if (displaying_) RaiseError(ErrorNumber::FormAlreadyShown);
     const auto held = shared_from_this();  // the host may let go of the window while it is shown
     const Flagged displaying(displaying_);
@@ -113,7 +113,7 @@ void frmSQLEditor::Form_Load() try {
     ReportError(Module, L"Form_Load");
 }
 
-// Each value is looked at when it is read: what stands before a wrong one is applied.
+// Each value is checked as it is read: those before a wrong one are applied.
 void frmSQLEditor::m_RestorePlacement() {
     Placement Restored = Place();
     try {
@@ -155,7 +155,7 @@ void frmSQLEditor::m_FormTitle(const std::wstring& Title) try {
     ReportError(Module, L"m_FormTitle");
 }
 
-// Every way out of the window comes through here: there is none that keeps the host's SQL unchanged.
+// Every way of closing the window comes through here: none leaves the host's SQL unchanged.
 void frmSQLEditor::mnuFileClose_Click() try {
     // Only a minimised window has no place worth keeping: a maximised one opens as large as it was closed.
     if (Handle() != nullptr && WindowState() != State::Minimized) {

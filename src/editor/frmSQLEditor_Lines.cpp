@@ -192,15 +192,15 @@ void frmSQLEditor::m_RestoreDisplayed() {
         std::erase(Text, L'\n');
         m_ReplaceRaw(0, rtbSQL.RawLength(), Text, 0, 0);
     }
-    // What is shown is no file's any more: saving must not put it in one.
+    // The text no longer belongs to a file: saving must not overwrite one with it.
     rtbSQL.FileName.clear();
     rtbSQL.FileFormat = {};
     m_FormTitle(L"");
     m_ShowFileFormat();
 }
 
-// The keys are told by the character that stands on them, since it is somewhere else in other countries. True: the key
-// has done what it does.
+// Keys are identified by the character on them, which keyboards of other countries have elsewhere. True: the key was
+// handled.
 bool frmSQLEditor::rtbSQL_KeyPressed(int Key, int Shift) try {
     using namespace ShiftState;
     if (m_NameKey(Key, Shift)) return true;

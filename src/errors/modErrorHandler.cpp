@@ -8,8 +8,8 @@
 
 namespace {
 
-// An error component that shows the error pumps messages, and what comes of them may fail and be reported inside it: a
-// host's timer that goes on calling would fill the stack. How many reports may be inside each other.
+// How deep reports may nest. An error component that shows the error pumps messages, and what they lead to may fail and
+// be reported in turn: a host's timer that goes on calling would exhaust the stack.
 constexpr int Deepest = 16;
 int depth = 0;
 

@@ -6,8 +6,8 @@
 #include "automation/Variant.h"
 
 // The one place where failures end. Only inside a catch block: hands the current error to the error component under the
-// module and procedure given. It has no trap of its own: when the reporting fails, that failure leaves the trap that
-// called it and travels on to the caller's.
+// module and procedure given. It traps nothing itself: a failure of the reporting leaves the trap that called it and
+// propagates to the caller's.
 void ReportError(const std::wstring& Module, const std::wstring& Routine,
                  const Variant& DebugMessage = Variant::Missing());
 
@@ -15,8 +15,8 @@ void ReportError(const std::wstring& Module, const std::wstring& Routine,
 // others. The subtraction is checked: a number more than 262143 is error 6.
 bool IsNotComponentError(long Number);
 
-// Whether the error is one that this component raised itself, which procedures of the object tree pass up unchanged.
-// An error of another object that named no source is not: what number it has is chance.
+// Whether the error is one that this component raised itself, which procedures of the object tree pass up unchanged. An
+// error of another object that named no source is not one: its number says nothing.
 bool IsOwnError(const RuntimeError& error);
 // The same for one number.
 bool IsOwnError(const RuntimeError& error, long Number);

@@ -34,7 +34,7 @@ void Annotations::SetRole(HWND window, long role) {
     }
 }
 
-// The service keeps what it was told beside the window and does not see the window go.
+// The service stores annotations apart from the window and does not notice its destruction.
 void Annotations::Clear() noexcept {
     for (const auto& [window, property] : told_) {
         MSAAPROPID id = property == Property::Name ? PROPID_ACC_NAME : PROPID_ACC_ROLE;

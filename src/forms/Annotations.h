@@ -8,9 +8,8 @@
 
 struct IAccPropServices;
 
-// What programs that read the screen are told of windows whose class has no text of its own to go by. Where the system
-// has no such service (Wine), nothing is told and nothing fails. The windows are to live for as long as this object, or
-// up to Clear.
+// Accessible names and roles for windows whose class does not provide them. Without the system's service (Wine) it does
+// nothing and nothing fails. The windows must live as long as this object, or until Clear.
 class Annotations {
 public:
     Annotations() = default;
@@ -21,7 +20,7 @@ public:
     void SetName(HWND window, const std::wstring& name);
     // `role`: one of ROLE_SYSTEM_...
     void SetRole(HWND window, long role);
-    // Takes everything back that was told.
+    // Removes all annotations.
     void Clear() noexcept;
 
 private:

@@ -11,7 +11,7 @@ namespace {
 class Opened {
 public:
     explicit Opened(HWND owner) {
-        // Programs that watch the clipboard open it for moments, and most of all just after a change.
+        // Clipboard monitors open it for moments, mostly just after a change.
         constexpr int Attempts = 10;
         for (int attempt = 0; !OpenClipboard(owner); ++attempt) {
             if (attempt == Attempts) RaiseError(ErrorNumber::ClipboardNotOpened);

@@ -22,8 +22,8 @@ UINT WhoAreYou() noexcept {
     return message;
 }
 
-// Where our own procedure leaves its answer to that message. What a window's procedure returns is not looked at: any
-// window of the thread is asked, and a host's may answer anything.
+// Where our window procedure stores its answer to that message. The message's result is ignored: any window of the
+// thread is asked, and a host's may return anything.
 Control* answered = nullptr;
 
 }  // namespace
@@ -163,7 +163,7 @@ LRESULT Control::Send(UINT message, WPARAM wParam, LPARAM lParam) const {
 }
 
 Control* Control::From(HWND window) noexcept {
-    // Asked by a message, so that the answer comes even where somebody has put a procedure of their own over ours.
+    // Asked by a message, so that the answer arrives even when another procedure subclasses ours.
     if (window == nullptr || GetWindowThreadProcessId(window, nullptr) != GetCurrentThreadId()) return nullptr;
     answered = nullptr;
     SendMessageW(window, WhoAreYou(), 0, 0);
@@ -226,7 +226,7 @@ void Control::Drag(DragAction action) {
     switch (action) {
         case DragAction::Begin: {
             if (Dragging::Active() || !HoldsSomething()) return;
-            // A hand is not steady: a click that moves a little is a click.
+            // A hand is not steady: a press that moves a little is still a click.
             if (pressed_ && std::abs(GET_X_LPARAM(mouse_) - GET_X_LPARAM(press_)) < GetSystemMetrics(SM_CXDRAG) &&
                 std::abs(GET_Y_LPARAM(mouse_) - GET_Y_LPARAM(press_)) < GetSystemMetrics(SM_CYDRAG)) {
                 return;
@@ -272,7 +272,7 @@ bool Control::OnDragMessage(UINT message, WPARAM wParam, LPARAM lParam) {
                                : message == WM_RBUTTONUP ? MouseButton::Right
                                                          : MouseButton::Middle;
             RaiseMouse(MouseUp, button, lParam);
-            // Whatever the event did with it, a drag ends with the button.
+            // A drag ends with the button, whatever the event did.
             if (message == WM_LBUTTONUP && Dragging::IsFrom(*this)) Dragging::Cancel();
             return true;
         }
@@ -391,13 +391,13 @@ LRESULT Control::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
 LRESULT CALLBACK Control::Thunk(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     auto* control = reinterpret_cast<Control*>(GetWindowLongPtrW(window, GWLP_USERDATA));
     if (control == nullptr) return DefWindowProcW(window, message, wParam, lParam);
-    // The window was made before this procedure came: whoever sends these two would have it made over.
+    // The window exists before this procedure is installed: these two messages would create it again.
     if (message == WM_NCCREATE || message == WM_CREATE || LacksAddress(message, wParam, lParam)) return 0;
     if (message == WhoAreYou()) {
         answered = control;
         return 0;
     }
-    // What the message leads to may let go of the window with all its controls.
+    // Handling the message may release the window with all its controls.
     const std::shared_ptr<void> held = control->form_ != nullptr ? control->form_->Hold() : nullptr;
     LRESULT result = 0;
     control->FollowMouse(message, wParam, lParam);

@@ -72,8 +72,8 @@ public:
     std::wstring WindowCaption() const;
     void SetWindowCaption(const std::wstring& text);
 
-    // The mouse goes through these edges, in pixels, to what lies under the control: a grip that is narrower than a
-    // hand is steady reaches under its neighbours.
+    // Edges, in pixels, that are transparent to hit tests: the narrow splitter can be grabbed a little beyond its
+    // bounds.
     void SetMouseEdges(int left, int right) noexcept;
 
     Event Click;
@@ -83,9 +83,9 @@ public:
     MouseEvent MouseDown;
     MouseEvent MouseMove;
     MouseEvent MouseUp;
-    Event CaptureLost;  // the mouse was taken away in the middle of a drag
-    // The right button was pressed and released over the control, which has done what it does with it, or the key was
-    // pressed, or a finger or a pen was held: where a menu is to open, in pixels of the screen.
+    Event CaptureLost;  // the capture was lost in the middle of a drag
+    // A context menu is wanted, after the control's own handling: the right button was released, the key was pressed,
+    // or a finger or pen was held. The place is in pixels of the screen.
     PointEvent ContextMenu;
 
     // Starts, ends or cancels a drag of this control: given from its MouseMove and MouseUp. Begin takes effect when the
@@ -101,10 +101,9 @@ public:
     // A message to the control's window; what its events let out is thrown when it is back.
     LRESULT Send(UINT message, WPARAM wParam = 0, LPARAM lParam = 0) const;
 
-    // The control of a window handle, or null when it is none of ours.
+    // The control of a window handle, or null when the window is not ours.
     static Control* From(HWND window) noexcept;
-    // Containers pass notifications of their children on to the child that they speak of. Returns whether there was
-    // one.
+    // Containers pass a notification on to the child that sent it. Returns whether there was one.
     static bool Reflect(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result);
 
 protected:
@@ -113,7 +112,7 @@ protected:
     void CreateWindowOf(const wchar_t* windowClass, DWORD style, DWORD exStyle, HWND container, int id,
                         const wchar_t* text);
     void Destroy() noexcept;
-    // Destroys a window that this control had before it was made anew.
+    // Destroys the window that this control had before it was re-created.
     void DestroyFormer(HWND former) noexcept;
     // The new one failed half-way: it goes, and the control has its former window again.
     void TakeBack(HWND former) noexcept;
@@ -121,7 +120,7 @@ protected:
     virtual LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam);
     // A notification that the container reflected: WM_COMMAND, WM_NOTIFY, WM_CTLCOLORSTATIC, ... False: not taken.
     virtual bool OnReflected(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result);
-    // What the window's class does with the message by itself.
+    // Calls the window class's default handling of the message.
     LRESULT Original(UINT message, WPARAM wParam, LPARAM lParam);
 
     bool FormVisible() const noexcept;                // the control's form is shown
@@ -130,7 +129,7 @@ protected:
     void RaiseMouse(const MouseEvent& event, int button, LPARAM lParam);
     // Whether what the button was pressed on can be dragged.
     virtual bool HoldsSomething() const { return true; }
-    // The control stops following the mouse by itself, since a drag begins. `press`: where the button went down.
+    // Ends the control's own mouse tracking because a drag begins. `press`: where the button went down.
     virtual void EndTracking(LPARAM press);
     // Where the context-menu key opens a menu, in pixels of the screen.
     virtual POINT MenuPoint() const;

@@ -26,7 +26,7 @@ bool Offers(IDataObject* data, CLIPFORMAT format, DWORD medium) noexcept {
     return data->QueryGetData(&request) == S_OK;
 }
 
-// Of names of files; what stands behind it is left out.
+// Of names of files; what stands after it is left out.
 constexpr SIZE_T LongestList = 4 * 1024 * 1024;  // bytes
 
 struct Medium : STGMEDIUM {
@@ -82,13 +82,13 @@ std::string DroppedData::FileList() const {
 }
 
 std::wstring DroppedData::Text(Format format) const {
-    // A program that offers rich text nearly always offers what it says as plain text too.
+    // A program that offers rich text nearly always offers the same text plain.
     if (std::wstring text = TextOf<wchar_t>(CF_UNICODETEXT); !text.empty()) return text;
     if (const std::string bytes = TextOf<char>(CF_TEXT); !bytes.empty()) return FromCodePage(bytes);
     return format == Format::RichText ? PlainTextOf(TextOf<char>(RichTextFormat())) : std::wstring();
 }
 
-// Read here and not by DragQueryFile, which believes whatever the block says of itself and reads on behind its end.
+// Parsed here because DragQueryFile trusts the block's own header and may read past its end.
 std::vector<std::wstring> DroppedData::Files() const {
     const std::string bytes = FileList();
     DROPFILES header;
@@ -103,7 +103,7 @@ std::vector<std::wstring> DroppedData::Files() const {
     } else {
         names = FromCodePage(std::string(rest));
     }
-    // One after the other, each with a NUL behind it; an empty one, or the end of the block, is the end of the list.
+    // Names follow each other, each terminated by NUL; an empty one, or the end of the block, ends the list.
     std::vector<std::wstring> files;
     for (size_t at = 0; at < names.size() && names[at] != L'\0';) {
         const size_t end = std::min(names.find(L'\0', at), names.size());
@@ -113,7 +113,7 @@ std::vector<std::wstring> DroppedData::Files() const {
     return files;
 }
 
-// Lives as long as somebody holds it; after Detach it takes nothing any more.
+// Reference-counted; after Detach it accepts nothing.
 class DropTarget::Target final : public IDropTarget {
 public:
     explicit Target(DropTarget* owner) noexcept : owner_(owner) {}
@@ -186,13 +186,13 @@ private:
         Release();
         return result;
     }
-    // The other program is asked, and while it answers anything may happen here: the window may be gone after it.
+    // The call goes to the other program, and messages are dispatched meanwhile: the window may be gone afterwards.
     void Ask(IDataObject* data) {
         accepted_ = false;
         const bool accepted = owner_->Accepts && owner_->Accepts(DroppedData(data));
         accepted_ = accepted && owner_ != nullptr;
     }
-    // What is dropped is copied; a program that only lets it be moved keeps it.
+    // Only copying is offered; a move-only source is refused.
     DWORD Follow(POINTL at, DWORD allowed) const {
         if (!accepted_ || owner_ == nullptr || (allowed & (DROPEFFECT_COPY | DROPEFFECT_LINK)) == 0)
             return DROPEFFECT_NONE;

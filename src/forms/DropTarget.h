@@ -53,7 +53,7 @@ public:
     std::function<bool(const DroppedData&)> Accepts;  // whether there is something that can be taken
     DragEvent Over;                                   // the mouse, in pixels of the screen
     std::function<void()> Leave;                      // gone without a drop
-    std::function<void(const DroppedData&)> Drop;     // also of what is not accepted
+    std::function<void(const DroppedData&)> Drop;     // also when nothing was accepted
 
 private:
     class Target;

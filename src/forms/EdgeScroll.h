@@ -15,7 +15,8 @@ public:
         int Across = 0;
         int Down = 0;
     };
-    // Where the mouse is, in or around a client area with edges of that width, in pixels, and when, in milliseconds.
+    // The mouse's place in or around a client area, the width of its edges (both in pixels), and the time in
+    // milliseconds.
     Step At(POINT mouse, const RECT& client, int inset, DWORD now) noexcept;
 
 private:

@@ -45,7 +45,7 @@ void FileDialog::Show(HWND owner, bool save) {
     std::replace(filter.begin(), filter.end(), L'|', L'\0');
     filter += L'\0';
 
-    std::vector<wchar_t> name(32768);  // as long as a path can be
+    std::vector<wchar_t> name(32768);  // the longest possible path
     if (FileName.size() < name.size()) std::copy(FileName.begin(), FileName.end(), name.begin());
     OPENFILENAMEW request{};
     request.lStructSize = sizeof request;
@@ -62,7 +62,7 @@ void FileDialog::Show(HWND owner, bool save) {
     BOOL chosen = ask();
     DWORD failure = chosen ? 0 : System::CommDlgExtendedError();
     if (failure == FNERR_INVALIDFILENAME && name[0] != L'\0') {
-        // It does not take every name that a file can have: then it begins without one.
+        // The dialog refuses some valid file names: it then starts without one.
         name[0] = L'\0';
         chosen = ask();
         failure = chosen ? 0 : System::CommDlgExtendedError();

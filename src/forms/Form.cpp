@@ -70,15 +70,15 @@ void Form::Load() {
     const HWND window = CreateWindowExW(0, FormClass, FirstCaption(), WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN, 0, 0, 0, 0,
                                         nullptr, nullptr, App::Module(), this);
     if (window == nullptr) RaiseSystemError(ErrorNumber::OutOfMemory, GetLastError());
-    // Windows without an owner are mirrored in a host that asks for it, for a language that is written from the right.
-    // What stands here runs from the left. The controls do as their window does.
+    // A right-to-left host process mirrors its unowned windows. This layout runs left to right: the style is taken off,
+    // and the controls inherit that.
     SetWindowLongPtrW(window, GWL_EXSTYLE,
                       GetWindowLongPtrW(window, GWL_EXSTYLE) & ~static_cast<LONG_PTR>(WS_EX_LAYOUTRTL));
     MakeFonts();
     CreateControls();
     FontsChanged();
     call.Rethrow();
-    // Whatever becomes of the load, the window is laid out.
+    // The window is laid out even if loading fails.
     struct LayOut {
         Form& Self;
         bool Done = false;
@@ -106,7 +106,7 @@ void Form::RenewFonts() {
     MakeFonts();
     FontsChanged();
     formerFont_.reset();
-    // Windows has the menu bar measured again when it tells of another font, Wine when it is asked.
+    // Windows remeasures the menu bar on a font change; Wine needs DrawMenuBar.
     DrawMenuBar();
 }
 
@@ -122,7 +122,7 @@ void Form::LayOutAgain() {
     if (ready_) Form_Resize();
 }
 
-// What the system tells top-level windows only.
+// Forwards messages that only top-level windows receive.
 void Form::TellControls(UINT message, WPARAM wParam, LPARAM lParam) const noexcept {
     struct Message {
         UINT Number;
@@ -221,7 +221,7 @@ Form::State Form::WindowState() const noexcept {
 }
 
 void Form::SetCaption(const std::wstring& caption) {
-    // Saying the same again would paint the title, and tell the taskbar, for nothing.
+    // Setting the same title again would repaint it and notify the taskbar for nothing.
     std::wstring shown(static_cast<size_t>(GetWindowTextLengthW(handle_)), L'\0');
     GetWindowTextW(handle_, shown.data(), static_cast<int>(shown.size()) + 1);
     if (shown == caption) return;
@@ -272,7 +272,7 @@ void Form::ActivatePrevious() noexcept {
     if (IsWindow(previous) && GetForegroundWindow() != previous) SetForegroundWindow(previous);
 }
 
-// Somebody else destroyed the window, or its end has come: a loop that shows it ends.
+// The window is destroyed, by others or by its form: the loop that shows it ends.
 void Form::OnDestroyed() noexcept {
     handle_ = nullptr;
     if (!shown_) return;
@@ -322,7 +322,7 @@ void Form::ShowModal() {
 }
 
 void Form::RunLoop() {
-    // What the loop runs belongs to the host, its hooks and timers too, except for the messages of this window.
+    // The loop runs the host's code, hooks and timers included, except for messages of this window.
     const InHostContexts host;
     while (shown_) {
         Events::Call call;
@@ -336,7 +336,7 @@ void Form::RunLoop() {
             call.Rethrow();
         }
         // Messages are taken and never only looked at: a message that Wine finds it cannot deliver, such as one of DDE
-        // with no memory behind it, is dropped when it is taken, and looked at again and again otherwise.
+        // with no memory after it, is dropped when it is taken, and looked at again and again otherwise.
         bool got = PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) != FALSE;
         if (!got) {
             // Nothing is waited for while something is dragged, nor while there is something to do. Each step of that
@@ -392,7 +392,7 @@ bool Form::Navigate(const MSG& message) {
         return false;
     }
     const HWND next = GetNextDlgTabItem(handle_, GetFocus(), back);
-    // Who goes by keys has to see where the focus is, though a mouse hid it before.
+    // Keyboard users need the focus rectangle even if the mouse has hidden it.
     SendMessageW(handle_, WM_CHANGEUISTATE, MAKEWPARAM(UIS_CLEAR, UISF_HIDEFOCUS), 0);
     if (next != nullptr) ::SetFocus(next);
     return true;
@@ -428,7 +428,7 @@ LRESULT CALLBACK Form::Procedure(HWND window, UINT message, WPARAM wParam, LPARA
     }
     auto* form = reinterpret_cast<Form*>(GetWindowLongPtrW(window, GWLP_USERDATA));
     if (form == nullptr) return DefWindowProcW(window, message, wParam, lParam);
-    // What the message leads to may let go of the form.
+    // Handling the message may release the form.
     const std::shared_ptr<void> held = form->Hold();
     LRESULT result = 0;
     Events::Raise([&] { result = form->OnMessage(message, wParam, lParam); });
@@ -438,7 +438,7 @@ LRESULT CALLBACK Form::Procedure(HWND window, UINT message, WPARAM wParam, LPARA
 }
 
 Form* Form::Of(HWND window) noexcept {
-    // By the class, since somebody may have put a procedure of their own over the window's.
+    // By the class, since the window may have been subclassed.
     if (window == nullptr || GetClassLongPtrW(window, GCLP_WNDPROC) != reinterpret_cast<ULONG_PTR>(&Form::Procedure)) {
         return nullptr;
     }
@@ -476,12 +476,12 @@ LRESULT Form::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
             Unload();
             return 0;
         case WM_QUERYENDSESSION:
-            // Now and not with WM_ENDSESSION, after which the process may end at any moment: what was written is with
-            // the host when that is asked, or told, in its turn.
+            // Now and not with WM_ENDSESSION, after which the process may end at any moment: the host has the edited
+            // SQL when its own turn comes.
             if (shown_) Unload();
             return TRUE;
         case WM_ACTIVATE:
-            // The focus comes back to where it was, as it does in a dialog.
+            // Restores the focus to the control that had it, as a dialog does.
             if (LOWORD(wParam) == WA_INACTIVE) {
                 const HWND focus = GetFocus();
                 if (focus != nullptr && IsChild(handle_, focus)) lastFocus_ = focus;
@@ -517,7 +517,7 @@ LRESULT Form::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
             break;
         case WM_THEMECHANGED:
             ColoursChanged();
-            // With another theme, or none, the bars have another height: once they have heard of it too.
+            // A theme change alters the height of the bars: laid out after they have handled it too.
             PostMessageW(handle_, LayOutLater, 0, 0);
             break;
         case LayOutLater:

@@ -35,8 +35,8 @@ public:
     HWND Handle() const noexcept { return handle_; }
     // The form whose window this is, or null.
     static Form* Of(HWND window) noexcept;
-    // Held while a window procedure of the form or of one of its controls runs: what an event leads to may let go of
-    // the form. Null for a form that nobody shares.
+    // Held while a window procedure of the form or of one of its controls runs, because an event may release the form.
+    // Null for a form that is not shared.
     virtual std::shared_ptr<void> Hold() noexcept { return nullptr; }
     UINT Dpi() const noexcept;
 
@@ -80,12 +80,12 @@ protected:
     // The least width and height in twips that the user can give the window; 0: no limit of the form's own.
     virtual float MinimumWidth() const { return 0; }
     virtual float MinimumHeight() const { return 0; }
-    // The fonts were made, or made anew because the dots per inch or the user's choice changed.
+    // The fonts were made, or made again because the dots per inch or the user's choice changed.
     virtual void FontsChanged() = 0;
     // The user goes through the menus: on an entry or a menu, or on nothing of the form's (null). MenusClosed follows.
     virtual void MenuHighlighted(const MenuItem*) {}
     virtual void MenusClosed() {}
-    // The system's colours, or its scheme, are others.
+    // The system's colours or its contrast scheme changed.
     virtual void ColoursChanged() {}
     // The modal loop has nothing to do: one step of some milliseconds of what can wait. False: there is nothing left,
     // until a message comes.

@@ -19,7 +19,7 @@ struct Unlock {
     void operator()(const void*) const noexcept { GlobalUnlock(Memory); }
 };
 
-// The text in a block, without what the allocation has behind its end; empty when the block cannot be read. Error 7
+// The text in a block, without what the allocation has after its end; empty when the block cannot be read. Error 7
 // with `tooLong`, before anything is copied, for a text that is longer than Longest.
 template <class Character>
 std::basic_string<Character> Read(HGLOBAL memory, const wchar_t* tooLong) {

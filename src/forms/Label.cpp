@@ -51,7 +51,7 @@ void Label::UpdateTip() { tip_.SetText(Handle(), HeightFor(ScaleWidth()) > Scale
 
 bool Label::OnReflected(UINT message, WPARAM wParam, LPARAM, LRESULT& result) {
     if (message != WM_CTLCOLORSTATIC) return false;
-    // By itself it would have a window's text on a button's ground, which not every colour scheme lets one read.
+    // The default pairs window text with button face, unreadable in some contrast schemes.
     const auto context = reinterpret_cast<HDC>(wParam);
     SetTextColor(context, GetSysColor(COLOR_BTNTEXT));
     SetBkColor(context, GetSysColor(COLOR_BTNFACE));

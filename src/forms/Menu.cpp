@@ -48,7 +48,7 @@ void MenuItem::Changed() noexcept {
 
 void MenuItem::Rebuild() noexcept {
     if (menu_ == nullptr) return;
-    // RemoveMenu, not DeleteMenu: a submenu lives on for its next place.
+    // RemoveMenu, not DeleteMenu: a submenu is kept for reuse.
     while (GetMenuItemCount(menu_) > 0) RemoveMenu(menu_, 0, MF_BYPOSITION);
     bool separate = false;
     for (const MenuItem* entry : entries_) {

@@ -2,8 +2,8 @@
 
 #include <windows.h>
 
-// Any program may post a message that should carry an address with 0 or a small number in it, and a window's procedure,
-// ours and the platform's, would read there.
+// Any program may post a message that should carry an address with 0 or a small number in its place, and window
+// procedures, ours and the platform's, would dereference it.
 
 // Whether a parameter can be an address: nothing lies in the first and the last 64 KB of a process.
 inline bool IsAddress(LPARAM parameter) noexcept {
@@ -12,8 +12,8 @@ inline bool IsAddress(LPARAM parameter) noexcept {
     return address >= Margin && address <= ~ULONG_PTR{0} - Margin;
 }
 
-// Whether it is a message below WM_USER that needs an address and has none. Of the controls' messages beyond it each
-// class has its own, and they are between the class and whoever sends them.
+// Whether it is a message below WM_USER that needs an address and has none. Messages above WM_USER are private to each
+// control class and are not checked.
 inline bool LacksAddress(UINT message, WPARAM first, LPARAM parameter) noexcept {
     const bool odd = parameter != 0 && !IsAddress(parameter);
     switch (message) {

@@ -10,7 +10,7 @@ namespace {
 const std::wstring Nothing;
 }
 
-// A tree may hold tens of thousands: what most of them have in common, or not at all, is kept elsewhere.
+// Kept small, since a tree may hold tens of thousands: shared or rare data lives outside.
 struct Node::Item {
     long Uses = 0;
     std::wstring Text;
@@ -154,8 +154,7 @@ HTREEITEM Nodes::Mirror(const Node::Item& item, HTREEITEM after) {
     insert.item.mask = TVIF_TEXT | TVIF_PARAM;
     insert.item.pszText = const_cast<wchar_t*>(item.Text.c_str());
     insert.item.lParam = reinterpret_cast<LPARAM>(&item);
-    // Straight to the control: on the way through the message queue's hooks and our own procedure there is nobody to be
-    // told.
+    // Calls the control's own procedure directly: no hook or subclass needs to see this message.
     return reinterpret_cast<HTREEITEM>(tree_.Original(TVM_INSERTITEMW, 0, reinterpret_cast<LPARAM>(&insert)));
 }
 
@@ -293,8 +292,8 @@ void Nodes::Detach(Node::Item& item) noexcept {
 }
 
 void Nodes::Forget(Node::Item& item) noexcept {
-    // Depth first by the links alone, the children before their parent: neither recursion nor memory. A node that was
-    // come down from has lost the link to its children, so that it goes when it is come back to.
+    // Depth first along the links, children before their parent, without recursion or memory. Going down into a node
+    // clears its link to its children, so it is removed on the way back up.
     for (Node::Item* next = &item; next != nullptr;) {
         Node::Item* const current = next;
         if (current->First != nullptr) {

@@ -60,8 +60,8 @@ private:
     friend class Nodes;
     friend class TreeView;
     struct Item;
-    // Counted in the item itself and without the bus: nodes live on the window's thread alone, and a loop over a large
-    // folder makes and drops one a step.
+    // Intrusive, non-atomic count: nodes live on one thread, and loops over large folders copy a reference at each
+    // step.
     class Reference {
     public:
         Reference() noexcept = default;
@@ -91,7 +91,7 @@ private:
 };
 
 // The nodes of a tree: the model. The control's window mirrors it and is never asked for structure or text, since it
-// checks every handle that it is given by a search through all its items.
+// validates every handle by searching all its items.
 class Nodes {
 public:
     // The largest collection that a 16-bit Index can address.
@@ -106,7 +106,7 @@ public:
     // means Next. Errors: 35601 no such relative, 35602 the key is in use, 7 the control refused or there is no memory.
     // A failure adds nothing.
     Node Add(const Variant& relative, const Variant& relationship, const Variant& key, const std::wstring& text);
-    // While one lives, many nodes may be added behind the last of their siblings, each in the same time: the window of
+    // While one lives, many nodes may be added after the last of their siblings, each in the same time: the window of
     // the control gets them in another order and is put in order when the outermost one ends, or when it is about to be
     // painted. For branches that do not show yet.
     class Filling {

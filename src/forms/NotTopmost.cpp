@@ -22,10 +22,10 @@ NotTopmost::NotTopmost() noexcept {
 }
 
 NotTopmost::~NotTopmost() {
-    // It may have been closed meanwhile, and shown again.
+    // The form may have been closed and shown again meanwhile.
     if (form_ == nullptr || Form::Shown() != form_) return;
     PlaceAfter(form_, HWND_TOPMOST);
-    // A box that belonged to a window of the host gives the activation back to that one, which is disabled.
+    // A box owned by a window of the host returns the activation to that window, which is disabled.
     if (!active_) return;
     const HWND now = GetActiveWindow();
     if (now == nullptr || !IsWindowEnabled(now)) SetActiveWindow(form_);

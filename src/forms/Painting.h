@@ -6,8 +6,8 @@
 
 #include "forms/Control.h"
 
-// Holds the painting of a control while many items change: each one would be laid out on its own. The outermost one
-// counts. The control must be visible, since the message that ends it shows a hidden one.
+// Suspends painting of a control while many items change, since each change would cause a layout. The outermost one
+// counts. The control must be visible, because the message that ends it shows a hidden one.
 class PaintingHeld {
 public:
     explicit PaintingHeld(Control& control);
@@ -19,7 +19,7 @@ private:
     Control& control_;
 };
 
-// While somebody looks at a message, controls whose painting is held show what they have.
+// While a message box is open, controls whose painting is suspended show their present state.
 class PaintingResumed {
 public:
     PaintingResumed();

@@ -47,7 +47,8 @@ LRESULT PictureBox::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
             }
             break;
         case WM_CLOSE:
-            // From a control that takes itself for a dialog's, or from another program: it would destroy the pane.
+            // WM_CLOSE comes from a control that believes it is in a dialog, or from another program. It would destroy
+            // the pane.
             return 0;
         case WM_LBUTTONDOWN:
             // The button-like boxes (collapse, restore) answer to a press and a release, both inside.

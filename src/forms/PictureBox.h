@@ -2,7 +2,7 @@
 
 #include "forms/Control.h"
 
-// A plain child window that holds other controls, or that is drawn by its owner: pages, panes, grips and bars.
+// A plain child window that holds other controls or that its owner draws: pages, panes, grips and bars.
 class PictureBox : public Control {
 public:
     // `id` is the window's control id; tab order follows the order of creation.

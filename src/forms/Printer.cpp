@@ -37,7 +37,7 @@ std::wstring DialogFailure(DWORD error) {
     }
 }
 
-// What a call for a document answered.
+// Checks the result of a document call.
 void Check(int result) {
     if (result > 0) return;
     const DWORD error = GetLastError();
@@ -117,7 +117,7 @@ PrintingNotice::PrintingNotice(HWND owner)
     : owner_(owner), started_(GetTickCount()), enabled_(!EnableWindow(owner, FALSE)) {}
 
 PrintingNotice::~PrintingNotice() {
-    // Before the dialog goes, else the activation would go to another program.
+    // Before the dialog is destroyed, else another program would be activated.
     if (enabled_) EnableWindow(owner_, TRUE);
     if (dialog_ != nullptr) DestroyWindow(dialog_);
 }

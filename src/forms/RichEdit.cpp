@@ -43,7 +43,7 @@ const wchar_t* RichEditClass() {
 
 namespace {
 
-// Nobody sees this control: the platform's own reader is what is wanted of it.
+// A hidden control, used only for its RTF parser.
 bool Through(std::string_view bytes, WPARAM format, std::wstring& text) {
     text.clear();
     const Surroundings surroundings;

@@ -6,7 +6,7 @@
 // The window class of the platform's Unicode rich edit control; its library is loaded once and stays.
 const wchar_t* RichEditClass();
 
-// What the control makes of rich text or of a plain text, lines ended by CR LF. False: it could not read it.
+// The text that the control reads from rich or plain text, lines ended by CR LF. False: it could not read it.
 bool ReadRichText(std::string_view rtf, std::wstring& text);
 bool ReadPlainText(const std::wstring& plain, std::wstring& text);
 

@@ -23,7 +23,7 @@ constexpr long ReplaceBeyond = 16 * 1024;
 
 constexpr UINT RunLater = WM_APP + 1;  // a message of our own
 
-// What EM_SETTEXTEX would take for something else than plain text, or cut short.
+// Texts that EM_SETTEXTEX would not take as plain text, or would cut short.
 bool NeedsStream(const std::wstring& text) noexcept {
     return text.rfind(L"{\\rtf", 0) == 0 || text.rfind(L"{\\urtf", 0) == 0 || text.rfind(L"{urtf", 0) == 0 ||
            text.find(L'\0') != std::wstring::npos;
@@ -45,7 +45,7 @@ struct StreamSource {
 DWORD CALLBACK ReadStream(DWORD_PTR cookie, LPBYTE buffer, LONG capacity, LONG* written) noexcept {
     auto& source = *reinterpret_cast<StreamSource*>(cookie);
     size_t take = std::min(static_cast<size_t>(capacity) / sizeof(wchar_t), source.Length - source.Position);
-    // A CR LF that is split between two buffers becomes two line ends under Wine: a full buffer ends behind a line
+    // A CR LF that is split between two buffers becomes two line ends under Wine: a full buffer ends after a line
     // feed.
     if (source.Position + take < source.Length) {
         for (size_t end = take; end > 0; --end) {
@@ -90,7 +90,7 @@ void RichTextBox::MakeWindow(HWND container, int id) {
 
 void RichTextBox::Prepare() {
     Send(EM_EXLIMITTEXT, 0, 0x7FFFFFFE);
-    // Lines are as long as they are: SQL that wraps by itself reads as if it had line breaks.
+    // Lines are not wrapped: wrapped SQL reads as if it had line breaks.
     Send(EM_SETTARGETDEVICE, 0, 1);
     Send(EM_SETUNDOLIMIT, 1000);
     Send(EM_AUTOURLDETECT, 0);
@@ -151,7 +151,7 @@ std::wstring RichTextBox::Text() const {
     request.codepage = 1200;
     const LRESULT copied =
         Send(EM_GETTEXTEX, reinterpret_cast<WPARAM>(&request), reinterpret_cast<LPARAM>(text.data()));
-    // Short of memory, the control gives nothing: that is not an empty text.
+    // Short of memory, the control returns nothing, which is not the same as an empty text.
     if (copied <= 0) RaiseError(ErrorNumber::OutOfMemory);
     text.resize(static_cast<size_t>(std::clamp<LRESULT>(copied, 0, length)));
     // Another program may have brought one in that this one has not seen: by the control's object model.
@@ -218,7 +218,7 @@ void RichTextBox::SetText(const std::wstring& text) {
     if (Handle() == nullptr) RaiseError(ErrorNumber::ObjectNotSet);
     {
         const Filling filling(filling_);
-        // What formats are left behind in place is the control's secret.
+        // Replacing text in place may leave old formatting behind.
         if (rich_ || TextLength() > ReplaceBeyond) Replace();
         rich_ = false;
         FillWith(text);
@@ -325,7 +325,7 @@ long RichTextBox::CharFromPos(int x, int y) const {
     POINTL point{x, y};
     auto position = static_cast<long>(Send(EM_CHARFROMPOS, 0, reinterpret_cast<LPARAM>(&point)));
     if (position < 0) return SelStart();
-    // Just behind the end of a line Wine answers with the beginning of the next one.
+    // For a point just past the end of a line Wine returns the start of the next line.
     POINTL found{};
     Send(EM_POSFROMCHAR, reinterpret_cast<WPARAM>(&found), position);
     if (position > 0 && found.y > y &&
@@ -351,7 +351,7 @@ void RichTextBox::Later(std::function<void()> work) {
 
 void RichTextBox::DoLater() {
     const std::vector<std::function<void()>> works = std::exchange(later_, {});
-    // The window was closed meanwhile: what it shows the next time is another text.
+    // The window was closed meanwhile: it will show another text the next time.
     if (!IsWindowVisible(Handle())) return;
     for (const std::function<void()>& work : works) Events::Raise(work);
 }

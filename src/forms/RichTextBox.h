@@ -38,13 +38,13 @@ public:
     long SelStart() const;
     long SelLength() const;
     std::wstring SelText() const;
-    // A position behind the end means the end. SetSelStart leaves nothing selected, SetSelLength keeps the start.
+    // A position after the end means the end. SetSelStart leaves nothing selected, SetSelLength keeps the start.
     void SetSelStart(long start);
     void SetSelLength(long length);
     // Both at once: the selection is painted, and SelChange raised, a single time, and not at all when it is that
     // already.
     void Select(long start, long length);
-    // Replaces the selection, as one step of undo, and leaves the caret behind it.
+    // Replaces the selection, as one step of undo, and leaves the caret after it.
     void SetSelText(const std::wstring& text);
     // Where the caret is: line and column, both from 1; the column counts characters.
     void CaretPosition(long& line, long& column) const;
@@ -61,7 +61,7 @@ public:
     // The user's own zoom in percent of that scale, and that it may be another one now, whatever changed it.
     long ZoomPercent() const;
     Event Zoomed;
-    // Puts the caret at the beginning of a line, counted from 1; behind the last one means the last one.
+    // Puts the caret at the beginning of a line, counted from 1; after the last one means the last one.
     void GoToLine(long line);
     // What programs that read the screen call the control; its window's text is what it holds.
     void SetAccessibleName(const std::wstring& name);
@@ -73,7 +73,7 @@ public:
     void ScrollAtEdge(int x, int y);
     void ScrollCaret();
 
-    // Selects the next occurrence of the text behind the selection, else the first one in the whole text, upper and
+    // Selects the next occurrence of the text after the selection, else the first one in the whole text, upper and
     // lower case being the same, and scrolls to it. False, and nothing changed: there is none.
     bool Find(const std::wstring& text);
 

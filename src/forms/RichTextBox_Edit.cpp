@@ -22,7 +22,7 @@ bool RichTextBox::Find(const std::wstring& text) {
     if (text.empty()) return false;
     const CHARRANGE selected = Selected();
     if (FindFrom(selected.cpMax, -1, text)) return true;
-    // From the top, over what is selected too: the only occurrence is found again.
+    // From the top and past the selection too, so that the only occurrence is found again.
     return FindFrom(0, -1, text);
 }
 

@@ -49,7 +49,7 @@ uint64_t SumOf(std::string_view bytes) noexcept {
     return sum;
 }
 
-// Without the line end that a reader of rich text may add behind the last paragraph.
+// Without the line end that an RTF reader may add after the last paragraph.
 std::wstring WithoutLastLineEnd(std::wstring text) {
     if (text.size() >= 2 && text.compare(text.size() - 2, 2, L"\r\n") == 0) text.resize(text.size() - 2);
     return text;
@@ -123,7 +123,7 @@ bool RichTextBox::FileChangedOutside() const {
 
 void RichTextBox::SetRichText(std::string_view rtf) {
     if (rtf.empty()) return SetText({});
-    // Whatever is wrong with it is found out where nothing can be lost.
+    // Loaded into a scratch control first: a failure loses nothing.
     std::wstring text;
     std::string cleaned;
     if (!IsRichText(rtf) || !SanitizeRtf(rtf, cleaned) || !ReadRichText(rtf, text)) RaiseError(InvalidFileFormat);
@@ -142,8 +142,7 @@ void RichTextBox::SetRichText(std::string_view rtf) {
         request.flags = GTL_NUMCHARS | GTL_PRECISE;
         request.codepage = 1200;
         const auto length = static_cast<long>(Send(EM_GETTEXTLENGTHEX, reinterpret_cast<WPARAM>(&request)));
-        // A line break that is no paragraph, or a table, makes lines that the text does not tell: positions would be
-        // wrong.
+        // Soft line breaks and tables add lines that are not in the text, which would shift positions.
         counts = stream.dwError == 0 && FromControl(length) == TextLength() && Text() == text;
         Send(EM_SETSEL, 0, 0);
         Send(EM_EMPTYUNDOBUFFER);

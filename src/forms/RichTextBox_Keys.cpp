@@ -12,7 +12,7 @@ namespace {
 enum class Meaning {
     Control,  // the control does what it does with it
     System,   // menus, windows, characters of AltGr: as in a window without keys of its own
-    Nothing,  // nor does the character do anything that comes with it
+    Nothing,  // and its character is swallowed too
     LineBreak,
     Copy,
     Cut,
@@ -77,7 +77,7 @@ bool IsKeyCode(WPARAM character) noexcept {
     return (character < L' ' && character != L'\b' && character != L'\t' && character != L'\r') || character == 0x7F;
 }
 
-// The key that a message of the keyboard came from, as far as the message tells.
+// The key behind a keyboard message, as far as the message says.
 LPARAM KeyOf(LPARAM lParam) noexcept { return lParam & 0x01FF0000; }
 
 }  // namespace

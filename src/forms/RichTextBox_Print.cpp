@@ -88,7 +88,7 @@ private:
         }
         return text;
     }
-    // How many characters of a line fit, at least one; it is broken behind a blank where it has one.
+    // How many characters of a line fit, at least one; it is broken after a blank where it has one.
     size_t Fitting(std::wstring_view line) const {
         if (line.find(L'\t') != line.npos) return FittingByTrial(line);
         int count = 0;

@@ -9,8 +9,8 @@
 
 #include "forms/RichTextBox.h"
 
-// How characters are shown, beside what they are. The formats that are set here are no content: no step of undo, no
-// change, and gone from the text before it leaves the control with its formats.
+// How characters are shown, apart from the text. The formats set here are not content: they make no undo step and no
+// change, and are removed before the text leaves the control with formats.
 
 namespace {
 
@@ -20,7 +20,7 @@ struct Releaser {
 template <class T>
 using Owned = std::unique_ptr<T, Releaser>;
 
-// Some headers' libraries lack it.
+// Some import libraries lack it.
 constexpr IID TextDocumentId = {0x8CC497C0, 0xA1DF, 0x11CE, {0x80, 0x98, 0x00, 0xAA, 0x00, 0x47, 0xBE, 0x5D}};
 
 Owned<ITextDocument> DocumentOf(HWND window) noexcept {
@@ -32,7 +32,7 @@ Owned<ITextDocument> DocumentOf(HWND window) noexcept {
     return Owned<ITextDocument>(static_cast<ITextDocument*>(document));
 }
 
-// While one lives, nothing that happens in the control can be undone, and it is neither painted nor changed.
+// While one lives, the control records no undo, does not paint and does not count as changed.
 class Unrecorded {
 public:
     Unrecorded(HWND window, ITextDocument& document) noexcept : window_(window), document_(document) {
@@ -42,7 +42,7 @@ public:
         // A control whose painting is held already shows all of it afterwards.
         visible_ = (GetWindowLongPtrW(window_, GWL_STYLE) & WS_VISIBLE) != 0;
         if (!visible_) return;
-        // Holding takes what is waiting to be painted for painted.
+        // Suspending painting discards pending paint requests.
         waiting_ = CreateRectRgn(0, 0, 0, 0);
         GetUpdateRgn(window_, waiting_, FALSE);
         SendMessageW(window_, WM_SETREDRAW, FALSE, 0);
@@ -115,7 +115,7 @@ void RichTextBox::ShowPlain() {
     {
         const Filling filling(filling_);
         const Unrecorded unrecorded(Handle(), *document);
-        // Behind the last character too: what is typed there would take its colour from it.
+        // After the last character too: what is typed there would take its colour from it.
         const long end = RawLength() + 1;
         SetColour(*document, 0, end, false, CLR_DEFAULT);
         SetColour(*document, 0, end, true, CLR_DEFAULT);

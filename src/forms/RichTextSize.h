@@ -4,8 +4,8 @@
 
 #include <string>
 
-// A rich edit control turns points into pixels by the dots per inch of its window or by those of the system, as its
-// version has it. Where the two differ it has to be measured what it does, and its zoom makes up for it.
+// A rich edit control converts points to pixels by the DPI of its window or of the system, depending on its version.
+// Where the two differ, its behaviour is measured and corrected by its zoom.
 
 // What the text has to be zoomed by so that its lines are as high as they should be: 1, dpi/systemDpi or
 // systemDpi/dpi, whichever explains best what was measured; 1 when none of them does. `measured`: the distance of two

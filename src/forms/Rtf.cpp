@@ -6,7 +6,7 @@ namespace {
 
 // No writer comes near these, and readers keep what they read in stacks and buffers. The format's own limits are 32
 // letters for a word and, by the system's, 31 characters for the name of a font. Wine's reader has room for 32 groups
-// and for 1,023 bytes of a word or a name, and writes on behind them.
+// and for 1,023 bytes of a word or a name, and writes on after them.
 constexpr int DeepestGroup = 30;
 constexpr size_t LongestWord = 255;  // with its number
 constexpr size_t LongestName = 255;  // of a font or a style
@@ -15,12 +15,12 @@ bool IsLetter(char byte) noexcept { return (byte >= 'a' && byte <= 'z') || (byte
 
 bool IsDigit(char byte) noexcept { return byte >= '0' && byte <= '9'; }
 
-// A control word of rich text with its number, read from the letter behind the backslash.
+// A control word of rich text with its number, read from the letter after the backslash.
 struct Word {
     std::string_view Letters;
     size_t Number = 0;  // at most the size of the text; 0 for none and for negative ones
     size_t Length = 0;  // of letters and number
-    size_t End = 0;     // behind it and the blank that ends it
+    size_t End = 0;     // after it and the blank that ends it
 
     Word(std::string_view rtf, size_t at) noexcept {
         const size_t start = at;
@@ -51,7 +51,7 @@ bool SanitizeRtf(std::string_view rtf, std::string& cleaned) {
         bool kept = picture == 0;
         if (byte == '{' || byte == '}') {
             name = 0;
-            // More ends than beginnings make no room for more groups behind them.
+            // Unbalanced closing braces must not raise the nesting limit.
             depth = byte == '{' ? depth + 1 : std::max(depth - 1, 0);
             if (depth > DeepestGroup) return false;
             if (depth < table) table = 0;

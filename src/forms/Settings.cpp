@@ -38,7 +38,7 @@ std::wstring GetSetting(const std::wstring& application, const std::wstring& sec
         return {};
     }
     value.resize(bytes / sizeof(wchar_t));
-    // The value need not end with a NUL, and may hold several.
+    // The value may lack a terminating NUL, or hold several.
     value.resize(value.find(L'\0') == std::wstring::npos ? value.size() : value.find(L'\0'));
     return value;
 }

@@ -12,7 +12,7 @@ std::wstring GetSetting(const std::wstring& application, const std::wstring& sec
 void SaveSetting(const std::wstring& application, const std::wstring& section, const std::wstring& key,
                  const std::wstring& value);
 
-// Numbers in settings are written and read with a point whatever the user's locale, so that a workbook that travels
-// finds them. Text that is no number is error 13, one beyond single precision is error 6.
+// Numbers in settings use '.' whatever the user's locale, so they survive a change of locale. Text that is not a number
+// is error 13, one beyond single precision is error 6.
 float ToSingle(const std::wstring& text);
 std::wstring FromSingle(float value);

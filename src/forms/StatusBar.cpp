@@ -103,8 +103,7 @@ void StatusBar::SetFont(HFONT font) {
     }
 }
 
-// A panel behind the first keeps the width of the widest text that it had: others move once, not with each digit that
-// comes and goes.
+// Panels after the first only grow, so neighbours do not jitter as digits change.
 void StatusBar::Measure(Panel& panel) {
     panel.Needed = std::max({panel.Needed, WidthOf(panel.Text), panel.Room.empty() ? 0 : WidthOf(panel.Room)});
 }

@@ -11,7 +11,7 @@
 // others leave; these grow with their texts. In a bar that is too narrow for all of them the last ones are not shown.
 class StatusBar : public Control {
 public:
-    // `widths`: the least widths in twips of the panels behind the first one, where there is room for them.
+    // `widths`: the least widths in twips of the panels after the first one, where there is room for them.
     void Create(HWND container, int id, std::vector<float> widths);
 
     void SetPanelText(int panel, const std::wstring& text);

@@ -16,8 +16,8 @@ constexpr std::string_view BigEndianMark = "\xFE\xFF";
 bool IsHigh(unsigned unit) noexcept { return unit >= 0xD800 && unit <= 0xDBFF; }
 bool IsLow(unsigned unit) noexcept { return unit >= 0xDC00 && unit <= 0xDFFF; }
 
-// Whether the bytes are UTF-8, and what they say. A surrogate of its own is let through, a pair of them is not: that
-// would be written as four bytes when it goes out again.
+// Decodes UTF-8; false when the bytes are not. Lone surrogates are accepted; encoded pairs are not, since saving would
+// turn them into four bytes.
 bool FromUtf8(std::string_view bytes, std::wstring& text) {
     text.clear();
     text.reserve(bytes.size());
@@ -39,7 +39,7 @@ bool FromUtf8(std::string_view bytes, std::wstring& text) {
             if ((byte & 0xC0) != 0x80) return false;
             code = code << 6 | (byte & 0x3FU);
         }
-        // What fewer bytes could say is no UTF-8.
+        // Overlong encodings are invalid.
         if ((length == 3 && code < 0x800) || (length == 4 && (code < 0x10000 || code > 0x10FFFF))) return false;
         if (code >= 0x10000) {
             text += static_cast<wchar_t>(0xD800 + ((code - 0x10000) >> 10));
@@ -97,7 +97,7 @@ void AppendUtf16(std::string& bytes, const std::wstring& text, bool bigEndian) {
     }
 }
 
-// A system whose code page is UTF-8 has none for what is not UTF-8: the Western one holds every byte.
+// With UTF-8 as the system code page, falls back to Windows-1252, which maps every byte.
 UINT CodePage() noexcept {
     const UINT system = GetACP();
     return system == CP_UTF8 ? 1252 : system;

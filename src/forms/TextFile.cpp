@@ -19,7 +19,7 @@ struct CloseFile {
 using FileHandle = std::unique_ptr<HANDLE, CloseFile>;
 
 FileHandle Open(const std::wstring& path, DWORD access, DWORD share, DWORD disposition, DWORD flags = 0) {
-    // Should it be a pipe after all, whoever listens there learns who is asking and may not act in that name.
+    // Should it be a pipe after all, its server may identify the caller but not impersonate it.
     const HANDLE file =
         CreateFileW(path.c_str(), access, share, nullptr, disposition,
                     FILE_ATTRIBUTE_NORMAL | SECURITY_SQOS_PRESENT | SECURITY_IDENTIFICATION | flags, nullptr);
@@ -122,7 +122,7 @@ public:
         const std::wstring folder = FolderOf(target);
         for (int attempt = 0; !file_; ++attempt) {
             path_ = folder + name();
-            // By itself CREATE_NEW goes through a link that leads to nothing, and makes the file that it names.
+            // CREATE_NEW alone follows a dangling link and creates its target.
             file_ = Open(path_, GENERIC_WRITE, 0, CREATE_NEW, FILE_FLAG_OPEN_REPARSE_POINT);
             const DWORD error = file_ ? ERROR_SUCCESS : GetLastError();
             const bool taken = error == ERROR_FILE_EXISTS || error == ERROR_ALREADY_EXISTS;
@@ -152,8 +152,8 @@ public:
         kept_ = true;
     }
     void Replace(const std::wstring& target) {
-        // The old file is put aside until the new one has its name: so ReplaceFile loses neither when it fails halfway.
-        // Wine would use a file of its own for that, and leave it there after a failure.
+        // The old file is backed up until the new one has its name, so that ReplaceFile loses neither when it fails
+        // halfway. Without a backup name Wine would invent one and leave that file after a failure.
         const std::wstring aside = FolderOf(target) + name_();
         DWORD flags = 0;
         // ReplaceFile does this by itself, but not under Wine, and what stands in for it below does not either.
@@ -171,14 +171,14 @@ public:
             const DWORD error = GetLastError();
             if (GetFileAttributesW(target.c_str()) == INVALID_FILE_ATTRIBUTES &&
                 GetLastError() == ERROR_FILE_NOT_FOUND) {
-                // It got as far as putting the old file aside, or somebody else removed it.
+                // Either the old file was already put aside, or another program removed it.
                 if (MoveFileExW(path_.c_str(), target.c_str(), MOVEFILE_WRITE_THROUGH)) break;
                 const DWORD reason = GetLastError();
                 MoveFileExW(aside.c_str(), target.c_str(), MOVEFILE_WRITE_THROUGH);
                 RaiseFileError(reason);
             }
             if (error == ERROR_ACCESS_DENIED && flags == 0) {
-                // Who may write the file need not have the right to give the new one its access list.
+                // Write access does not imply the right to set the new file's access list.
                 flags = REPLACEFILE_IGNORE_MERGE_ERRORS;
                 continue;
             }
@@ -216,7 +216,7 @@ void CheckPath(const std::wstring& path) { FullPath(path); }
 std::string ReadBytes(const std::wstring& path, uint64_t limit) {
     const FileHandle file = Open(FullPath(path), GENERIC_READ, ShareAll, OPEN_EXISTING);
     if (!file) RaiseFileError(GetLastError());
-    // A pipe or a console would keep the reader waiting.
+    // Reading a pipe or a console could block.
     if (GetFileType(file.get()) != FILE_TYPE_DISK) RaiseFileError(ERROR_ACCESS_DENIED);
     LARGE_INTEGER size{};
     if (!GetFileSizeEx(file.get(), &size)) RaiseFileError(GetLastError());
@@ -227,7 +227,7 @@ std::string ReadBytes(const std::wstring& path, uint64_t limit) {
         DWORD read = 0;
         const auto part = static_cast<DWORD>(std::min<size_t>(bytes.size() - done, 1 << 20));
         if (!ReadFile(file.get(), bytes.data() + done, part, &read, nullptr)) RaiseFileError(GetLastError());
-        if (read == 0) break;  // it became shorter meanwhile
+        if (read == 0) break;  // truncated meanwhile
         done += read;
     }
     bytes.resize(done);
@@ -248,9 +248,8 @@ void Write(const std::wstring& path, std::string_view bytes, const std::function
     std::wstring target = FullPath(path);
     bool exists = false;
     {
-        // Whoever may not write the file itself does not replace it either, whatever the folder allows. The right to
-        // delete it is what replacing needs; without it ReplaceFile would fail as well, but leave a file of its own
-        // under Wine.
+        // A file that the user may not write is not replaced either, whatever the folder allows. Replacing needs the
+        // right to delete it; without that ReplaceFile fails too, but under Wine leaves a stray file.
         const FileHandle file = Open(target, GENERIC_WRITE | DELETE, ShareAll, OPEN_EXISTING);
         const DWORD error = file ? ERROR_SUCCESS : GetLastError();
         if (!file && error != ERROR_FILE_NOT_FOUND) RaiseFileError(error);
@@ -263,8 +262,7 @@ void Write(const std::wstring& path, std::string_view bytes, const std::function
             }
             const bool link = attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
             const std::wstring behind = BehindLinks(file.get(), target);
-            // Under Wine a link looks like the file itself. A path on another drive is that of a mapped one and no
-            // link.
+            // Under Wine a link looks like its target. A path on another drive is a mapped drive and not a link.
             if (link || DriveOf(behind) == DriveOf(target)) target = behind;
         }
     }

@@ -14,7 +14,7 @@
 // Paths of any length.
 namespace TextFile {
 
-// More than an editor control is good for.
+// More than an editor control can usefully hold.
 inline constexpr uint64_t DefaultLimit = 16 * 1024 * 1024;  // bytes
 
 // Error 52 or 75 for a path that can be none of a file, such as a pipe's, before anything is asked of it.
@@ -24,7 +24,7 @@ void CheckPath(const std::wstring& path);
 std::string ReadBytes(const std::wstring& path, uint64_t limit = DefaultLimit);
 Contents Read(const std::wstring& path, uint64_t limit = DefaultLimit);
 
-// A name for a file that nobody can know before: who may write to the folder could have put something there.
+// An unpredictable file name: others with write access to the folder could prepare a known one.
 std::wstring UnknownName();
 
 // Makes the file hold these bytes, or fails and leaves everything as it was: they are written to a new file beside it,

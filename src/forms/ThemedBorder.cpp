@@ -6,7 +6,7 @@
 #include "forms/SystemFunctions.h"
 
 void PaintThemedBorder(HWND window) noexcept {
-    // Before the theme is opened: without that style there is no border.
+    // Checked before the theme is opened: without the style there is no border.
     if ((GetWindowLongPtrW(window, GWL_EXSTYLE) & WS_EX_CLIENTEDGE) == 0) return;
     const HTHEME theme = System::OpenThemeData(window, VSCLASS_LISTBOX);
     if (theme == nullptr) return;
@@ -18,7 +18,7 @@ void PaintThemedBorder(HWND window) noexcept {
         const int across = SystemMetricFor(SM_CXEDGE, dpi);
         const int down = SystemMetricFor(SM_CYEDGE, dpi);
         ExcludeClipRect(context, across, down, border.right - across, border.bottom - down);
-        // A theme of old has one look for the whole class.
+        // Older themes have one look for the whole class.
         const bool named = System::IsThemePartDefined(theme, LBCP_BORDER_NOSCROLL, 0) != FALSE;
         System::DrawThemeBackground(theme, context, named ? LBCP_BORDER_NOSCROLL : 0, named ? LBPSN_NORMAL : 0, &border,
                                     nullptr);

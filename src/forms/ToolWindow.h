@@ -16,7 +16,7 @@ public:
     ToolWindow(const ToolWindow&) = delete;
     ToolWindow& operator=(const ToolWindow&) = delete;
 
-    // Shows what the template describes, in the middle of its owner; error 7 when Windows cannot.
+    // Shows the dialog that the template describes, centred on its owner; error 7 when Windows cannot.
     void Open(HWND owner, const DialogTemplate& form);
     void Close() noexcept;
     bool IsOpen() const noexcept { return handle_ != nullptr; }

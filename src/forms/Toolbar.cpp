@@ -20,7 +20,7 @@ void Toolbar::Create(HWND container, int id) {
 }
 
 // Tips of our own making, since those that the toolbar makes are owned by the form, and not before the mouse comes (see
-// Tooltip). The toolbar makes tools of the buttons that are added behind its tips alone.
+// Tooltip). The toolbar makes tools of the buttons that are added after its tips alone.
 void Toolbar::MakeTips() {
     if (tips_ != nullptr) return;
     tips_ = CreateTooltipWindow();

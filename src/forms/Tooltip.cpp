@@ -36,7 +36,7 @@ Tooltip::~Tooltip() {
     if (tip_ != nullptr) DestroyWindow(tip_);
 }
 
-// The one that it has by itself is for the dots per inch of the screen that the user signed in on.
+// The default font is scaled for the DPI at sign-in.
 void Tooltip::SetFont(HFONT font) {
     font_ = font;
     if (tip_ != nullptr && font_ != nullptr) SendMessageW(tip_, WM_SETFONT, reinterpret_cast<WPARAM>(font_), FALSE);
@@ -66,7 +66,7 @@ void Tooltip::OnMouse(UINT message, WPARAM wParam, LPARAM lParam) {
     if (tip_ == nullptr) return;
     SetFont(font_);
     AddTool();
-    // From the next message on it listens itself.
+    // From the next message on it tracks the mouse itself.
     MSG missed{};
     missed.hwnd = control_;
     missed.message = message;

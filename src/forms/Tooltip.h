@@ -15,7 +15,7 @@ public:
     Tooltip& operator=(const Tooltip&) = delete;
 
     // An empty text takes the tip away. The control's window must outlive the tip or be given again when it is made
-    // anew.
+    // again.
     void SetText(HWND control, const std::wstring& text);
     // The tip does not own the font.
     void SetFont(HFONT font);

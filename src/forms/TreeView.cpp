@@ -34,8 +34,8 @@ void TreeView::Create(HWND container, int id) {
                    TVS_HASBUTTONS | TVS_HASLINES | TVS_LINESATROOT | TVS_SHOWSELALWAYS | TVS_DISABLEDRAGDROP |
                        WS_TABSTOP | WS_VISIBLE | WS_CLIPSIBLINGS,
                    WS_EX_CLIENTEDGE, container, id, L"");
-    // Topmost as it is, the control's tip needs no owner to stand in front. Under Wine a form that owns such a window
-    // cannot be made topmost any more.
+    // The control's tip is topmost and needs no owner to stand in front. Under Wine a form that owns such a window can
+    // no longer be made topmost.
     if (const auto tip = reinterpret_cast<HWND>(Send(TVM_GETTOOLTIPS))) {
         SetWindowLongPtrW(tip, GWLP_HWNDPARENT, 0);
         SetWindowPos(tip, HWND_TOPMOST, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
@@ -59,7 +59,7 @@ void TreeView::SetExpanded(const Node& node, bool expanded) {
     if (!MarkExpanded(node, expanded)) return;
     const PaintingHeld held(*this);  // filling, opening and closing are laid out once
     const Node before = SelectedItem();
-    // The control tells of the first expansion of a branch only: the event is raised here, once, in either case.
+    // The control notifies of the first expansion of a branch only: the event is raised here, once, in either case.
     if (expanded && Expand) {
         const Nodes::Filling filling(nodes_);
         Expand(node);
@@ -160,7 +160,7 @@ void TreeView::ExpandAll(const Node& node) {
         MSG key;
         while (PeekMessageW(&key, nullptr, WM_KEYFIRST, WM_KEYLAST, PM_REMOVE)) {
             if (key.message == WM_QUIT) {
-                // It comes whatever messages are asked for, and belongs to the program's own loop.
+                // WM_QUIT passes every message filter and belongs to the program's own loop.
                 PostQuitMessage(static_cast<int>(key.wParam));
                 stopExpanding_ = true;
                 break;
@@ -198,7 +198,7 @@ bool TreeView::Refuses(UINT message) const noexcept {
 
 LRESULT TreeView::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
     if (Refuses(message)) {
-        // The button came up, and what it was pressed on may not be there any more.
+        // The button came up, and the node it was pressed on may be gone.
         if (message == WM_LBUTTONUP && clicking_) {
             clicking_ = false;
             clicked_ = {};
@@ -246,8 +246,8 @@ LRESULT TreeView::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
 TreeView::Answer TreeView::OnMouse(UINT message, WPARAM wParam, LPARAM lParam) {
     switch (message) {
         case WM_LBUTTONDOWN: {
-            // By itself the control waits in a loop of its own for the button to come up or to be dragged away, and
-            // tells of a click before it selects or after, by its version. An expand button stays its own.
+            // By default the control waits for the button in its own loop and reports a click before or after it
+            // selects, depending on its version. Expand buttons are left to the control.
             bool button = false;
             const Node node = NodeAt(lParam, button);
             clicking_ = false;
@@ -276,7 +276,7 @@ TreeView::Answer TreeView::OnMouse(UINT message, WPARAM wParam, LPARAM lParam) {
             RaiseMouse(MouseMove, MouseButtons(wParam), lParam);
             return 0;
         case WM_RBUTTONDOWN:
-            // The control would wait in a loop of its own here too.
+            // The control would run its own wait loop here too.
             SetFocus();
             RaiseMouse(MouseDown, MouseButton::Right, lParam);
             return 0;
@@ -371,7 +371,7 @@ bool TreeView::OnReflected(UINT message, WPARAM, LPARAM lParam, LRESULT& result)
             result = RefusesInput();  // TRUE: the branch stays as it is
             if (RefusesInput()) return true;
             const Node node = NodeOf(change.itemNew.lParam);
-            // Filled while the branch is still closed: an open one is laid out anew with every node. The control asks
+            // Filled while the branch is still closed: an open one is laid out again with every node. The control asks
             // only for branches that it shows closed, whatever was said of them while they had no children.
             if (change.action == TVE_EXPAND) {
                 MarkExpanded(node, true);

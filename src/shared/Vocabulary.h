@@ -23,7 +23,7 @@ inline constexpr short DatabaseSpecific = 2;
 inline constexpr short HostCommands = 3;
 }  // namespace Page
 
-// The source and the numbers by which the host's database component tells of what its dictionary cannot do.
+// The source and the numbers by which the host's database component reports what its dictionary cannot do.
 namespace HostDatabaseError {
 inline constexpr const wchar_t* Source = L"brvADO";
 inline constexpr long NoDictionary = -2147221503;  // ObjectErrorBase + 1

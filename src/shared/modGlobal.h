@@ -11,8 +11,8 @@ class clsErrorHandler;
 class clsListItem;
 class frmSQLEditor;
 
-// What the whole component shares: one set a loaded component, not one a clsSQLEditor object. They are never destroyed
-// by the end of the module: at the end of a process the objects that they hold may be gone before it.
+// What the whole component shares: one set per loaded component, not per clsSQLEditor object. Deliberately leaked: at
+// process exit the COM objects that they hold may already be gone.
 
 extern std::shared_ptr<frmSQLEditor>& EditorForm;   // the one window; nothing before the first Display
 extern Object& HostDatabase;                        // the host's database, only while it is connected
@@ -27,7 +27,7 @@ extern std::shared_ptr<clsErrorHandler>& ErrorHandler;  // made with the first r
 namespace modGlobal {
 // The catalogue; error 91 when start-up could not make it.
 const Collection<std::shared_ptr<const clsListItem>>& Catalogue();
-// The one window; error 91 when there is none. The host may let go of it in the middle of any call that is made to it.
+// The one window; error 91 when there is none. The host may release it in the middle of any call that is made to it.
 frmSQLEditor& Window();
 // Start-up: runs once, before the first object is served.
 void Main();

@@ -39,7 +39,7 @@ constexpr Dialect sqlServer = {
 constexpr Dialect db2 = {.NestedComments = true, .HashNames = true, .GraphicTexts = true};
 
 // MySQL, MariaDB and SQLite share a code. Where they differ, a text is read so that it is right in both, or else as the
-// standard has it: a backslash is an escape in MySQL alone, and "--" needs no blank behind it in SQLite.
+// standard has it: a backslash is an escape in MySQL alone, and "--" needs no blank after it in SQLite.
 constexpr Dialect mySql = {
     .HashComments = true,
     .BracketNames = true,

@@ -2,7 +2,7 @@
 
 namespace Sql {
 
-// Where the products' SQL differs for whoever takes a text apart.
+// How the products' SQL differs, as far as splitting a text into tokens is concerned.
 struct Dialect {
     // How far the body of a procedure, function or trigger reaches.
     enum class Bodies {
@@ -17,7 +17,7 @@ struct Dialect {
     bool NestedComments = false;    // /* /* */ */
     bool HashComments = false;      // # to the end of the line
     bool SlashComments = false;     // // to the end of the line
-    bool BracketNames = false;      // [a name], not behind a word
+    bool BracketNames = false;      // [a name], not after a word
     bool BackquoteNames = false;    // `a name`
     bool HashNames = false;         // # is a letter
     bool HashDates = false;         // #2026-01-31#

@@ -27,7 +27,7 @@ constexpr std::array<unsigned char, 128> Classes = [] {
     return classes;
 }();
 
-// Everything beyond ASCII counts as a letter, blanks aside: what matters is only where a word ends.
+// Everything beyond ASCII except blanks counts as a letter: only the end of a word matters.
 constexpr unsigned char ClassOf(wchar_t c) noexcept {
     if (c < 128) return Classes[static_cast<size_t>(c)];
     if (c == L'\xA0' || c == L'\xFEFF' || c == L'\x3000' || (c >= L'\x2000' && c <= L'\x200A')) return Blank;
@@ -42,7 +42,7 @@ constexpr bool IsLetter(wchar_t c) noexcept { return (ClassOf(c) & Letter) != 0;
 
 constexpr wchar_t Small(wchar_t c) noexcept { return c >= L'A' && c <= L'Z' ? static_cast<wchar_t>(c | 0x20) : c; }
 
-// Beyond this a tag is no tag. It would have to be looked for in every line.
+// A longer tag is not recognised, because it would have to be searched for in every line.
 constexpr size_t LongestTag = 64;
 
 // Whether two characters are one operator.
@@ -76,7 +76,7 @@ void Lexer::ToLineEnd() noexcept {
     at_ = end;
 }
 
-// Behind a word, a closing bracket begins no name and no quoted text.
+// After a word, a closing bracket begins no name and no quoted text.
 bool Lexer::BehindWord() const noexcept {
     if (at_ == 0) return false;
     const wchar_t before = text_[at_ - 1];
@@ -299,7 +299,7 @@ Kind Lexer::Begin() {
             ++at_;
             return BeginQuoted(Kind::Name, c, false);
         case L'[':
-            // Behind a word it is the index of an array.
+            // After a word it is the index of an array.
             if (!dialect_.BracketNames || BehindWord()) return Operator();
             ++at_;
             return BeginQuoted(Kind::Name, L']', false);

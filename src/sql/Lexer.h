@@ -29,7 +29,7 @@ struct State {
     enum class In : unsigned char { Nothing, Comment, Quoted, Delimited, Dollar };
     In Inside = In::Nothing;
     Kind What = Kind::Blank;  // of what goes on
-    bool Backslash = false;   // Quoted: a backslash takes the character behind it
+    bool Backslash = false;   // Quoted: a backslash takes the character after it
     wchar_t Close = L'\0';    // Quoted, Delimited: the character that ends it
     unsigned Depth = 0;       // Comment: how many are open
     std::wstring Tag;         // Dollar: with both dollar signs

@@ -179,7 +179,7 @@ void Lines::Wanted(size_t line, std::string& wanted) const {
                 behindPoint = token.Length == 1 && text[token.Start] == L'.';
                 break;
             case Kind::Word: {
-                // Behind a point it is a column or a table, whatever it is called.
+                // After a point it is a column or a table, whatever it is called.
                 if (behindPoint) break;
                 const Words::Meaning meaning = words_.Of(text.substr(token.Start, token.Length));
                 if (meaning == Words::Meaning::Nothing) break;
@@ -225,7 +225,7 @@ bool Lines::Differences(size_t start, const std::string& wanted, unsigned char b
             continue;
         }
         if (runs.size() >= most) return false;
-        size_t end = at + 1;  // behind the last character that has to change
+        size_t end = at + 1;  // after the last character that has to change
         for (size_t next = end; next < wanted.size(); ++next) {
             if (any(next)) continue;
             if (is(wanted[next]) != value) break;

@@ -23,11 +23,11 @@ struct Run {
     unsigned char Value;  // of Colour or Mark
 };
 
-// The characters of a line behind so many are plain: what is written by hand has no such lines, and nobody sees them.
+// The characters of a line after so many are plain: what is written by hand has no such lines, and nobody sees them.
 inline constexpr size_t LongestColoured = 4096;
 
-// A copy of an editor's text that knows the colour that each character is to have and the one that it is shown in. The
-// editor says what changes; what is to be done about it is asked for line by line. Lines end with CR, of one character.
+// A copy of an editor's text that records, for each character, the colour it should have and the colour it is shown in.
+// The editor reports changes and asks line by line what to recolour. Lines end with a single CR.
 class Lines {
 public:
     Lines();
@@ -40,7 +40,7 @@ public:
     // `removed` characters at a position gave way to others. `typed`: these were typed, and are shown as what stands
     // before them on their line.
     void Replace(size_t position, size_t removed, std::wstring_view inserted, bool typed = false);
-    // How the whole text is shown is not known any more, or plain.
+    // Forgets how the whole text is shown, or records that it is plain.
     void Forget(bool plain);
 
     const std::wstring& Text() const noexcept { return text_; }

@@ -19,7 +19,7 @@ bool IsOneOf(std::wstring_view word, std::initializer_list<std::wstring_view> li
     return std::any_of(list.begin(), list.end(), [&](std::wstring_view entry) { return IsWord(word, entry); });
 }
 
-// Follows the words of one statement, to know where the ";" of a body is not its end.
+// Follows the words of one statement to tell the ";" inside a body from the one that ends the statement.
 class BodyTracker {
 public:
     explicit BodyTracker(const Dialect& dialect) : dialect_(dialect) {}
@@ -78,7 +78,7 @@ private:
             if (IsWord(word, L"CASE")) return;
         }
         if (afterBegin_) {
-            // What begins a transaction is no block.
+            // BEGIN TRANSACTION opens no block.
             afterBegin_ = false;
             if (IsOneOf(word, {L"TRAN", L"TRANSACTION", L"DISTRIBUTED", L"DIALOG", L"CONVERSATION"})) {
                 depth_ = std::max(0, depth_ - 1);
@@ -170,7 +170,7 @@ std::vector<Statement> Statements(std::wstring_view text, const Dialect& dialect
     BodyTracker body(dialect);
     Lexer lexer(text, dialect);
     size_t start = 0;  // the first character that is no blank
-    size_t end = 0;    // behind the last one
+    size_t end = 0;    // after the last one
     bool begun = false;
     bool hasContent = false;
     bool separator = false;  // the line is one that ends a batch

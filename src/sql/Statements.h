@@ -21,7 +21,7 @@ struct Statement {
 // comments is no statement. What is not closed reaches to the end.
 std::vector<Statement> Statements(std::wstring_view text, const Dialect& dialect);
 
-// The statement that a caret at `position` is in or behind, on the same line; else the next one, else the last one.
+// The statement that a caret at `position` is in or after, on the same line; else the next one, else the last one.
 // Null: there is none.
 const Statement* StatementAt(const std::vector<Statement>& statements, std::wstring_view text, size_t position);
 

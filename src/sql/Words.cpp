@@ -34,7 +34,7 @@ std::span<const std::wstring_view> KeywordsOf(long dbType) noexcept {
     }
 }
 
-// By hand, since what a capital letter is must not depend on the user's language.
+// By hand, since case mapping must not depend on the user's language.
 constexpr wchar_t Capital(wchar_t c) noexcept {
     return c >= L'a' && c <= L'z' ? static_cast<wchar_t>(c - L'a' + L'A') : c;
 }

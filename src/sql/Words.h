@@ -13,7 +13,7 @@ public:
     enum class Meaning : unsigned char {
         Nothing,
         Keyword,
-        Function,           // also without a bracket behind it: SYSDATE
+        Function,           // also without a bracket after it: SYSDATE
         Call,               // a function where a bracket follows
         KeywordOrFunction,  // a function where a bracket follows, else a keyword
     };

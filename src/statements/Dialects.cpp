@@ -22,7 +22,7 @@ constexpr Dialect Table[] = {
     {DatabaseType::Informix, false, First},
     {DatabaseType::Oracle, true, {L"SELECT * FROM ", L" WHERE rownum <= 100"}},
     {DatabaseType::SqlServer, true, Top},
-    {DatabaseType::Db2, true, {L"SELECT * FROM ", L"  fetch first 100 rows only"}},  // two blanks, as users know it
+    {DatabaseType::Db2, true, {L"SELECT * FROM ", L"  fetch first 100 rows only"}},  // two blanks, on purpose
     {DatabaseType::MySql, false, Limit},
     {DatabaseType::AdaptiveServer, true, Top},
     {DatabaseType::Postgres, true, Limit},

@@ -9,7 +9,7 @@ constexpr const wchar_t* Module = L"frmSQLEditor";
 constexpr const wchar_t* LineBreak = L"\r\n";
 }  // namespace
 
-// What an entry of the Action menu does with its statement: on a line of its own, ended by a semicolon.
+// Inserts a statement for an entry of the Action menu: on a line of its own, ended by a semicolon.
 void frmSQLEditor::m_InsertStatement(const std::wstring& Statement) {
     if (!Statement.empty()) m_InsertSQL(LineBreak + Statement + L";" + LineBreak);
 }
@@ -71,7 +71,7 @@ void frmSQLEditor::mnuActionTask_Click(short Index) try {
 
 void frmSQLEditor::m_InsertSQL(const std::wstring& SQL) try {
     const long LeadingBreak = SQL.compare(0, 2, LineBreak) == 0 ? 2 : 0;
-    // Behind the selection: the selected text is kept, never replaced.
+    // After the selection: the selected text is never replaced.
     const long Position = rtbSQL.SelStart() + rtbSQL.SelLength();
     rtbSQL.Select(Position, 0);
     rtbSQL.SetSelText(SQL);

@@ -80,7 +80,7 @@ std::shared_ptr<const clsListItem> frmSQLEditor::m_GetActiveItem() try {
         default:
             return nullptr;
     }
-    // The host pumps messages while a branch is read or a statement is made: a statement of half a branch is none.
+    // The host pumps messages while a branch is read or a statement is made: no statement is made from half a branch.
     if (trvDBObjects.RefusesInput()) return nullptr;
     const TreeView::InputRefused Refused(trvDBObjects);
     namespace NodeKind = modLists::NodeKind;
@@ -102,8 +102,8 @@ std::shared_ptr<const clsListItem> frmSQLEditor::m_GetActiveItem() try {
         Texts.Commands.emplace_back(m_GetStmtDescribe(Selected));
         Texts.Commands.emplace_back(m_GetStmtSampleRows(Selected));
     } else if (Kind == NodeKind::Column) {
-        // Names as they stand, for every database: a sketch of a statement, not one to run. The list of columns stands
-        // before INTO: kept.
+        // Unquoted names for every database: a sketch of a statement, not one to run. The column list before INTO is
+        // deliberate.
         const std::wstring& Column = Selected.Text();
         const std::wstring& Table = Selected.Parent().Parent().Text();
         Texts.Select = L"SELECT " + Column + LineBreak + L"FROM " + Table;

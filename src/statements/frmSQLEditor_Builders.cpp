@@ -55,8 +55,7 @@ private:
     std::unique_ptr<TextFunction> formatted_;
 };
 
-// Appends as one of the procedures would that answer with a text: what fails is reported under its name and appends
-// nothing.
+// Appends like the procedure of that name would: a failure is reported under its name and appends nothing.
 template <class Append>
 void Trapped(const wchar_t* Routine, std::wstring& To, Append&& append) {
     const size_t Before = To.size();
@@ -101,7 +100,7 @@ void ForEachColumn(const Node& Table, Step&& step) {
     for (Node Column = Table.Child().Child().FirstSibling(); Column; Column = Column.Next()) step(Column);
 }
 
-// Makes room for a text that grows, within reason. What is not to be had is done without: the text then grows in steps.
+// Reserves room for a growing text, within reason. If the allocation fails, the text grows in steps instead.
 void WishFor(std::wstring& Text, uint64_t Length) noexcept {
     constexpr uint64_t Most = 4 * 1024 * 1024;
     try {
@@ -110,7 +109,7 @@ void WishFor(std::wstring& Text, uint64_t Length) noexcept {
     }
 }
 
-// One statement for each object of a folder: `append` puts it behind the others for the object's name.
+// One statement for each object of a folder: `append` puts it after the others for the object's name.
 template <class Append>
 std::wstring JoinStatements(const Node& Folder, Append&& append) {
     const auto Count = static_cast<size_t>(Folder.Children());
@@ -219,7 +218,7 @@ std::wstring frmSQLEditor::m_GetStmtSampleRows(const Node& Node) try {
 }
 
 std::wstring frmSQLEditor::m_GetStmtSelectTable(const Node& Node) try {
-    // Before the kind of node is looked at, so that it holds for a folder's first object too: kept.
+    // Decided before the kind of node is checked, so that it holds for a folder's first object too. Deliberate.
     if (!Node.Child() || !Node.Child().Child()) return {};
     const std::wstring& Kind = Node.Tag();
     if (IsFolder(Kind)) return JoinTables(Node, L"SELECT * FROM ");
@@ -246,7 +245,7 @@ std::wstring frmSQLEditor::m_GetStmtInsertTable(const Node& Node) try {
     Statement.append(L") VALUES").append(LineBreak);
     Before = L"( ";
     ForEachColumn(Node, [&](const ::Node& Column) {
-        // The name as it stands: what is to be filled in is no identifier.
+        // The unquoted name: the word to be filled in is not an identifier.
         Statement.append(Before).append(Column.Text()).append(L"_value").append(LineBreak);
         Before = L", ";
     });
@@ -262,7 +261,7 @@ std::wstring frmSQLEditor::m_GetStmtUpdateTable(const Node& Node) try {
     std::wstring SetList;
     std::wstring WhereList;
     ForEachColumn(Node, [&](const ::Node& Column) {
-        // Asked for each of the two lists: what the host writes is its affair.
+        // Asked for in each of the two lists: the host may answer differently.
         SetList.append(SetList.empty() ? L"SET " : L", ").append(FormatName(Column.Text())).append(L" = value");
         SetList.append(LineBreak);
         WhereList.append(WhereList.empty() ? L"WHERE " : L" AND ")
@@ -276,7 +275,7 @@ std::wstring frmSQLEditor::m_GetStmtUpdateTable(const Node& Node) try {
     return {};
 }
 
-// A TAB behind the keyword where UPDATE has blanks: the two forms differ on purpose.
+// A TAB after the keyword where UPDATE has blanks: the two forms differ on purpose.
 std::wstring frmSQLEditor::m_GetStmtDeleteTable(const Node& Node) try {
     if (!HasColumns(Node)) return {};
     std::wstring Statement = L"DELETE FROM " + m_BuildTable(SchemaOfTable(Node), Node.Text()) + LineBreak;

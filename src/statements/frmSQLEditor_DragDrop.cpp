@@ -16,7 +16,7 @@ namespace {
 constexpr const wchar_t* Module = L"frmSQLEditor";
 constexpr const wchar_t* LineBreak = L"\r\n";
 
-// The names in a folder. A placeholder gives no name, but the separator behind it stays: kept.
+// The names in a folder. A placeholder gives no name, but its separator is written on purpose.
 std::wstring JoinChildren(const Node& Folder, const wchar_t* Separator) {
     std::wstring Joined;
     for (Node Child = Folder.Child(); Child; Child = Child.Next()) {
@@ -43,7 +43,7 @@ constexpr uint64_t AskBeyond = 1024 * 1024;  // bytes of a file, characters of a
 
 std::wstring InMegabytes(uint64_t Bytes) { return std::to_wstring((Bytes + 512 * 1024) / (1024 * 1024)) + L" MB"; }
 
-// Asks before what is large; `What`: what it is, with the blank or the line break behind it.
+// Asks before what is large; `What`: what it is, with the blank or the line break after it.
 bool MayTakeAWhile(HWND Owner, const std::wstring& What, uint64_t Size) {
     return Size <= AskBeyond || MsgBox(Owner,
                                        What + L"is " + InMegabytes(Size) +

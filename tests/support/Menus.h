@@ -4,11 +4,11 @@
 
 #include <string>
 
-// The caption of a menu's entry without the shortcut behind it; a plain one is also without the mark of its letter.
+// The caption of a menu's entry without the shortcut after it; a plain one is also without the mark of its letter.
 std::wstring CaptionOf(HMENU menu, int position);
 std::wstring PlainCaption(HMENU menu, int position);
 
-// The entries of a menu in their order, "+" behind those that can be chosen, "-" behind the others; a submenu's in
+// The entries of a menu in their order, "+" after those that can be chosen, "-" after the others; a submenu's in
 // brackets. Separators are left out.
 std::wstring MenuEntries(const wchar_t* menu);
 

@@ -36,7 +36,7 @@ std::wstring StepsFixture::InSteps(const std::wstring& sql, std::vector<std::fun
     running = &all;
     all.Since = GetTickCount();
     all.Pause = Pause;
-    // Set again behind each step: a timer that is due already would leave the loop no moment to be idle.
+    // Set again after each step: a timer that is due already would leave the loop no moment to be idle.
     const auto tick = [](HWND, UINT, UINT_PTR id, DWORD) WINAPI {
         KillTimer(nullptr, id);
         if (running == nullptr) return;

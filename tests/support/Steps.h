@@ -15,7 +15,7 @@ protected:
     // How long the loop may be idle between two steps, in milliseconds.
     static inline UINT Pause = 30;
 
-    // As colours: the one that the character behind a position is shown in, CLR_DEFAULT for the window's own.
+    // As colours: the one that the character after a position is shown in, CLR_DEFAULT for the window's own.
     static COLORREF ColourAt(LONG position);
     static COLORREF GroundAt(LONG position);
     // The colours of the text, one letter a character: "." the window's own, then "a", "b", ... in the order in which

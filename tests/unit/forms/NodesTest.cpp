@@ -283,7 +283,7 @@ TEST(Nodes, ManyAreAddedWithoutWalkingAlongThem) {
             tree.Child(child, L"a");
             tree.Child(child, L"b");
         }
-        // What is put elsewhere than behind the last one, and what is removed, while the window has another order.
+        // What is put elsewhere than after the last one, and what is removed, while the window has another order.
         tree.Items().Add(root.Child().Index(), TreeRelationship::Previous, Variant::Missing(), L"first");
         tree.Items().Add(root.Child().Next().Index(), TreeRelationship::Next, Variant::Missing(), L"third");
         tree.Items().Remove(root.Child().Next().Next().Next().Index());

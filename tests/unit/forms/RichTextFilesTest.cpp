@@ -100,7 +100,7 @@ TEST(RichTextBox, AFileThatCannotBeLoadedChangesNothing) {
     EXPECT_EQ(editor.Path, editor.Box.FileName);
 }
 
-// Readers keep groups in a stack and words and names in buffers: the one of Wine writes behind theirs.
+// Readers keep groups in a stack and words and names in buffers: the one of Wine writes after theirs.
 TEST(RichTextBox, ARichTextBeyondAllMeasureIsRefused) {
     Editor editor;
     editor.Load("one\n", Plain);

@@ -46,7 +46,7 @@ TEST(Lexer, TellsWhatLooksLikeTheBeginningOfAText) {
     EXPECT_EQ(L"word:$a@$|word:b|word:$a@$", Tokens(L"$a@$ b $a@$", 27));
     EXPECT_EQ(L"text:q'<a'>'|word:b|text:q'(a)'|word:c", Tokens(L"q'<a'>'b q'(a)'c", 4));
     EXPECT_EQ(L"operator:(|word:a|operator:)|word:$t$b$t$", Tokens(L"(a)$t$b$t$", 27));
-    // Behind a bracket it is the index of an array.
+    // After a bracket it is the index of an array.
     EXPECT_EQ(L"word:f|operator:(|word:x|operator:)|operator:[|number:1|operator:]", Tokens(L"f(x)[1]", 8));
     EXPECT_EQ(L"number:1_000.5|word:a", Tokens(L"1_000.5 a"));
 }
@@ -113,7 +113,7 @@ TEST(Lexer, KnowsStrings) {
     EXPECT_EQ(L"text:'a\\'|word:b", Tokens(L"'a\\' b"));
     EXPECT_EQ(L"text:E'a\\'b'|word:c", Tokens(L"E'a\\'b'c", 27));
     EXPECT_EQ(L"text:E'a\\r\\n|text:\\'b'|word:c", Tokens(L"E'a\r\n\\'b'c", 27));
-    // A line ends behind a backslash too, whatever ends it.
+    // A line ends after a backslash too, whatever ends it.
     for (const wchar_t* const end : {L"\r", L"\n", L"\r\n"}) {
         const std::wstring first = std::wstring(L"E'a\\") + end;
         const std::wstring text = first + L"b'";

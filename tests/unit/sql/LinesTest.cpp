@@ -124,7 +124,7 @@ TEST_F(LinesTest, MarksComeAndGo) {
     EXPECT_EQ(L"", Done());
     Model.SetMarks({{4, 1, Mark::Alone}});
     EXPECT_EQ(L"0+3!0 4+1!2", Done());
-    // What is typed behind a mark is marked, until it is told otherwise.
+    // What is typed after a mark is marked, until it is told otherwise.
     Model.Replace(5, 0, L"x", true);
     EXPECT_EQ(L"5+1!0", Done());
     // An edit before the marks moves them: they are told again.

@@ -89,8 +89,8 @@ TEST(Statements, OneIsAtTheCaret) {
     ASSERT_EQ(3U, all.size());
     const auto at = [&](size_t position) { return StatementAt(all, text, position) - all.data(); };
     EXPECT_EQ(0, at(0));
-    EXPECT_EQ(0, at(9));   // behind the semicolon
-    EXPECT_EQ(0, at(10));  // behind the blank, on its line
+    EXPECT_EQ(0, at(9));   // after the semicolon
+    EXPECT_EQ(0, at(10));  // after the blank, on its line
     EXPECT_EQ(1, at(12));  // in the empty line
     EXPECT_EQ(1, at(14));
     EXPECT_EQ(2, at(23));  // between two without a blank: in the second

@@ -4,8 +4,8 @@
 #include <new>
 
 // new and delete of a build with BRV_TRAPS, in each program and DLL of it. Each block is looked at when it is deleted;
-// one that was written before its front or behind its end, deleted twice, deleted in the other form (array or not) or
-// as another size ends the program there. What lies behind the end the heap knows itself when its tail checking is on
+// one that was written before its front or after its end, deleted twice, deleted in the other form (array or not) or
+// as another size ends the program there. What lies after the end the heap knows itself when its tail checking is on
 // (see scripts/test-traps).
 namespace {
 

@@ -277,7 +277,7 @@ TEST_F(AppearanceTest, OtherFontsAreFollowedAndTakenBack) {
         L"select 1\r\nfrom a");
 }
 
-// A long text is replaced by making the control anew.
+// A long text is replaced by making the control again.
 TEST_F(AppearanceTest, AFreshEditorKeepsItsZoom) {
     const Object editor = Dll.Create();
     editor.Call(L"Constructor", Database.Make());

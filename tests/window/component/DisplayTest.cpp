@@ -255,7 +255,7 @@ TEST_F(DisplayTest, AfterDestructorAFreshWindowIsMade) {
     Settings::Put(L"MainLeft", L"3000");
     RECT place{};
     DisplayAndClose(editor, L"two", [&] { GetWindowRect(EditorWindow::Find(), &place); });
-    EXPECT_GT(place.left, 150);  // it was loaded anew
+    EXPECT_GT(place.left, 150);  // it was loaded again
     EXPECT_EQ(L"", Errors.Places());
 }
 

@@ -8,7 +8,7 @@ namespace {
 
 class StatementsOnDatabasesTest : public DatabasesFixture {
 protected:
-    // What an entry of the Action menu writes for the node, without the line break before and the semicolon behind it.
+    // What an entry of the Action menu writes for the node, without the line break before and the semicolon after it.
     static std::wstring Written(const wchar_t* entry) {
         EditorWindow::SetText(L"");
         EditorWindow::Choose(L"Action", entry);
@@ -56,7 +56,7 @@ protected:
         const std::wstring update = Written(L"Update");
         const std::wstring remove = Written(L"Delete");
         std::wstring insert = Written(L"Insert");
-        // Each placeholder stands on a line of its own behind VALUES.
+        // Each placeholder stands on a line of its own after VALUES.
         size_t at = insert.find(L") VALUES\r\n") + 10;
         for (const std::wstring& literal : literals) {
             const size_t end = insert.find(L"\r\n", at);

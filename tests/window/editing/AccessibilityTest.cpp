@@ -193,7 +193,7 @@ TEST_F(AccessibilityTest, NamesDoNotReachTheTexts) {
               }));
 }
 
-// A long text is replaced by making the control anew.
+// A long text is replaced by making the control again.
 TEST_F(AccessibilityTest, AFreshEditorIsNamedToo) {
     RecordingServices services;
     {

@@ -54,7 +54,7 @@ TEST_F(PaneKeysTest, CtrlEnterInsertsWhatADragWouldDrop) {
              EXPECT_EQ(L"1-7", Selection());
              return true;
          },
-         // Behind what was inserted, and a folder's names.
+         // After what was inserted, and a folder's names.
          [&] {
              Tree.Click(Tree.At({0, 0}));
              return true;

@@ -16,7 +16,7 @@ class FaultyHostFixture : public ComponentFixture {
 protected:
     FaultyHostFixture();
 
-    // The host anew: all names are looked up again. Its collections count and give items, and cannot be enumerated.
+    // The host again: all names are looked up again. Its collections count and give items, and cannot be enumerated.
     Object MakeHost();
     Object MakeList(const std::wstring& name, std::vector<Variant> items);
     Object MakeColumn(const std::wstring& name);

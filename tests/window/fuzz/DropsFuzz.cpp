@@ -33,7 +33,7 @@ std::string BytesOfText(const std::wstring& text) {
 
 class DropsFuzz : public BrowsedFixture {
 protected:
-    // Drops on a window that holds `Before`, with the caret behind it; what came in.
+    // Drops on a window that holds `Before`, with the caret after it; what came in.
     std::wstring Dropped(TestData& data, DWORD* effect = nullptr) {
         PutText(Before);
         EditorWindow::Select(7, 7);
@@ -65,7 +65,7 @@ TEST_F(DropsFuzz, Texts) {
             std::wstring text = AnyText(random, 100);
             if (random.OneIn(30)) text = TextOfLength(random, LongText);
             std::string bytes = BytesOfText(text);
-            // With its end, without, with something behind it, or half a unit more.
+            // With its end, without, with something after it, or half a unit more.
             switch (random.Below(4)) {
                 case 0:
                     bytes.append(2, '\0');
@@ -159,7 +159,7 @@ TEST_F(DropsFuzz, ListsOfFiles) {
                 case 6:  // cut anywhere, within the header too
                     known = false;
                     break;
-                default:  // the names begin behind something else
+                default:  // the names begin after something else
                     block.insert(0, "????");
                     header.pFiles += 4;
                     break;

@@ -131,7 +131,7 @@ TEST_F(MessagesFuzz, WithNothingToPointTo) {
                     }
                 }
                 EXPECT_TRUE(IsWindow(window));
-                // Behind what was posted.
+                // After what was posted.
                 PostMessageW(window, WM_CLOSE, 0, 0);
             });
             EXPECT_EQ(0, NumberOf([&] { editor.Call(L"Display", ByRef(sql)); }));

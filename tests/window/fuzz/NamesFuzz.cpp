@@ -17,7 +17,7 @@ namespace {
 
 struct Column {
     std::wstring Name;
-    std::vector<std::pair<std::wstring, Variant>> Properties;  // behind COLUMN_NAME
+    std::vector<std::pair<std::wstring, Variant>> Properties;  // after COLUMN_NAME
 };
 
 struct Model {
@@ -245,7 +245,7 @@ protected:
     }
 
     // Chooses an entry with the caret, or a selection, in the middle of a text, and says whether what was there before
-    // stays and the statement stands behind what was selected, and selected itself.
+    // stays and the statement stands after what was selected, and selected itself.
     static void ExpectInserted(Random& random, const std::wstring& expected, const std::wstring& inserted,
                                const std::function<void()>& insert) {
         const std::wstring before = random.OneIn(2) ? L"" : L"ab\r\ncd\r\n";
@@ -262,7 +262,7 @@ protected:
         SendMessageW(EditorWindow::Editor(), EM_EXGETSEL, 0, reinterpret_cast<LPARAM>(&range));
         const auto lines = std::count(inserted.begin(), inserted.end(), L'\n');
         const bool leading = inserted.rfind(L"\r\n", 0) == 0;
-        // Nothing is selected anew where nothing comes in.
+        // Nothing is selected again where nothing comes in.
         if (!inserted.empty()) {
             EXPECT_EQ(static_cast<long>(to) + (leading ? 1 : 0), range.cpMin) << Shown(inserted);
             EXPECT_EQ(static_cast<long>(to + inserted.size()) - lines, range.cpMax) << Shown(inserted);

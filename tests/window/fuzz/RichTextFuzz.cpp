@@ -50,7 +50,7 @@ void LoadRichText(const std::string& bytes, Editor& editor, const std::wstring* 
     EXPECT_EQ(editor.Path, editor.Box.FileName);
     const std::wstring text = editor.Box.Text();
     if (expected != nullptr) {
-        // The line end behind the last paragraph is a matter of taste: the control may take it for the end of the text.
+        // The line end after the last paragraph is a matter of taste: the control may take it for the end of the text.
         const bool last = *expected == text + L"\r\n";
         EXPECT_TRUE(last || *expected == text) << "expected " << Shown(*expected) << "\nbut it is " << Shown(text);
     }

@@ -100,7 +100,7 @@ Setting AnySetting(Random& random, long least, long most) {
         }
     }
     if (random.OneIn(4)) made.Type = REG_EXPAND_SZ;
-    // With an end, without, or with something behind it.
+    // With an end, without, or with something after it.
     if (!random.OneIn(3)) made.Bytes += std::string(2, '\0');
     if (random.OneIn(4)) made.Bytes += std::string(2, '\0') + AnyBytes(random, 10);
     return made;

@@ -110,7 +110,7 @@ TEST_F(ActionMenuTest, PositionsCountALineBreakAsTwo) {
         [this] {
             OpenTables();
             Tree.Click(Tree.At({0, 0, 0}));
-            EditorWindow::Select(8, 8);  // behind "a\r\nb\r\nc\r\nd\r\n": the control counts one for each
+            EditorWindow::Select(8, 8);  // after "a\r\nb\r\nc\r\nd\r\n": the control counts one for each
             EditorWindow::Choose(L"Action", L"Count rows");
             EXPECT_EQ(L"a\r\nb\r\nc\r\nd\r\n\r\nSELECT COUNT(*) FROM HR.ORDERS;\r\ne", EditorWindow::Text());
             EXPECT_EQ(L"SELECT COUNT(*) FROM HR.ORDERS;\r", EditorWindow::SelectedText());

@@ -36,7 +36,7 @@ protected:
         };
         Columns({L"ID", L"full name"});
     }
-    // What an entry of the Action menu inserts for a node, without the line break before it and the semicolon behind
+    // What an entry of the Action menu inserts for a node, without the line break before it and the semicolon after
     // it.
     std::wstring Written(HTREEITEM item, const wchar_t* entry) {
         Tree.Click(item);

@@ -351,7 +351,7 @@ TEST_F(FileDropTest, EveryEncodingIsRead) {
 
 TEST_F(FileDropTest, LineEndsOfOtherSystemsBecomeTheEditors) {
     EXPECT_EQ(L"a\r\nb\r\nc\r\n", Drop({File(L"unix.sql", "a\nb\nc")}));
-    // All of it is selected, the line break behind it too.
+    // All of it is selected, the line break after it too.
     Inside(
         [this] {
             TestData data;
