@@ -44,7 +44,7 @@ public:
         request.dwFlags = ACTCTX_FLAG_RESOURCE_NAME_VALID;
         const std::wstring path = Component::Path();
         request.lpSource = path.c_str();
-        request.lpResourceName = MAKEINTRESOURCEW(2);
+        request.lpResourceName = ISOLATIONAWARE_NOSTATICIMPORT_MANIFEST_RESOURCE_ID;
         handle_ = CreateActCtxW(&request);
         EXPECT_NE(INVALID_HANDLE_VALUE, handle_);
     }
