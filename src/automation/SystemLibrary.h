@@ -26,7 +26,7 @@ public:
     using Pointer = Result(WINAPI*)(Parameters...);
     using Loader = HMODULE (*)() noexcept;
 
-    // `load` gives the library, null when there is none; `name` is that of the export.
+    // `load` returns the library, or null when it is missing; `name` is that of the export.
     constexpr SystemFunction(Loader load, const char* name) noexcept : load_(load), name_(name) {}
     SystemFunction(const SystemFunction&) = delete;
     SystemFunction& operator=(const SystemFunction&) = delete;

@@ -26,7 +26,7 @@ void ForEachTable(Nodes& nodes, Step&& step) {
     }
 }
 
-// The folder of a table's or view's columns; nothing where there is none.
+// Returns the folder of a table's or view's columns, or nothing.
 Node ColumnsOf(const Node& table);
 bool AreColumnsRead(const Node& table);
 
@@ -34,7 +34,7 @@ bool AreColumnsRead(const Node& table);
 Node FindSchema(Nodes& nodes, const std::wstring& name);
 // The table or view of that name, or nothing. With an empty schema the one of the default schema goes before others.
 Node FindTable(Nodes& nodes, const std::wstring& schema, const std::wstring& name);
-// The column of that name, among those that were read of a table; nothing where there is none.
+// Returns the column of that name among the columns that were read of a table, or nothing.
 Node FindColumn(const Node& table, const std::wstring& name);
 
 }  // namespace ReadNodes

@@ -26,7 +26,7 @@ void frmSQLEditor::mnuFilePrint_Click() try {
     const Flagged Printing(printing_);
     rtbSQL.SetSelLength(0);
     const NotTopmost notTopmost;  // a driver's box for the name of a file may be another process's
-    // The dialog offers to print the selection too. There is none, and the whole text is printed.
+    // The dialog offers to print the selection too. Nothing is selected, so it prints the whole text.
     Printer Chosen = Printer::Choose(Handle(), PD_RETURNDC | PD_NOPAGENUMS);
     Chosen.StartDocument(DocumentName(rtbSQL.FileName));
     if (!Visible()) return;  // closed meanwhile

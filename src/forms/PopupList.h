@@ -10,7 +10,7 @@ class PopupList : public Control {
 public:
     struct Row {
         std::wstring Text;
-        std::wstring Note;  // beside it, in a column of its own
+        std::wstring Note;  // in a second column
     };
 
     // Opens the list without rows. `line`: the line that it stands beside, in pixels of the screen. `owner`: a

@@ -92,7 +92,7 @@ bool ReadRichText(std::string_view rtf, std::wstring& text) {
 }
 
 bool ReadPlainText(const std::wstring& plain, std::wstring& text) {
-    // The line feed goes in the same buffer as its carriage return: one that comes alone is a line end of its own.
+    // The line feed goes in the same buffer as its carriage return: alone it would count as another line end.
     std::wstring lines;
     lines.reserve(plain.size());
     for (const wchar_t unit : plain) {

@@ -14,7 +14,7 @@ namespace {
 
 constexpr float PanelMargin = 180;  // twips, on both sides of a panel's text together
 
-// In a status bar's text a tab character is none: it says where the text stands.
+// A status bar reads a tab character in its text as an alignment mark.
 std::wstring Plain(std::wstring text) {
     std::replace_if(
         text.begin(), text.end(), [](wchar_t c) { return c < L' '; }, L' ');

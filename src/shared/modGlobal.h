@@ -27,7 +27,8 @@ extern std::shared_ptr<clsErrorHandler>& ErrorHandler;  // made with the first r
 namespace modGlobal {
 // The catalogue; error 91 when start-up could not make it.
 const Collection<std::shared_ptr<const clsListItem>>& Catalogue();
-// The one window; error 91 when there is none. The host may release it in the middle of any call that is made to it.
+// Returns the one window; error 91 without a window. The host may release it in the middle of any call that is made to
+// it.
 frmSQLEditor& Window();
 // Start-up: runs once, before the first object is served.
 void Main();

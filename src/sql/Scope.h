@@ -26,7 +26,7 @@ NameAtCaret NameAt(std::wstring_view text, size_t caret, const Dialect& dialect)
 struct TableReference {
     std::wstring Schema;  // empty when none is written
     std::wstring Table;
-    std::wstring Alias;  // empty when there is none
+    std::wstring Alias;  // empty when none is written
 };
 
 // The tables of the statement that the caret is in, in the order in which they are written. Subqueries count too, whose
