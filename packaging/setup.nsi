@@ -5,7 +5,7 @@
 ;   ICON       of both programs
 ;   OUTPUT     the file to make
 ;
-; Command line (docs/hosting.md describes it for those who roll an add-in out):
+; Command line (docs/administration.md describes it for those who roll an add-in out):
 ;   /S  quiet   /CurrentUser   /AllUsers   /Repair  as it was installed   /D=FOLDER  last, without quotation marks
 ; Without a scope it is for everybody where this process has the rights of an administrator, which a double click does not give it,
 ; else for the user.
