@@ -4,6 +4,7 @@
 #include <ole2.h>
 
 #include <algorithm>
+#include <optional>
 
 #include "automation/App.h"
 #include "automation/HostCollection.h"
@@ -13,8 +14,10 @@
 #include "host/demo/Console.h"
 #include "host/demo/Csv.h"
 #include "host/demo/Options.h"
+#include "host/demo/Sample.h"
 #include "host/demo/StatementSplitter.h"
 #include "host/demo/TablePrinter.h"
+#include "host/demo/Unregistered.h"
 
 namespace App {
 const wchar_t* const Title = L"kolvex-demo";
@@ -39,6 +42,9 @@ std::wstring WithPlainLineEnds(std::wstring text) {
 void PrintFailure(const std::wstring& what, const RuntimeError& error) {
     Console::PrintError(what + WithPlainLineEnds(error.Description) + L"\n");
 }
+
+// Of a portable zip, whose folder has this program two folders below.
+const std::vector<std::wstring> EditorFolders = {sizeof(void*) == 8 ? L"..\\..\\x64" : L"..\\..\\x86"};
 
 class OleSession {
 public:
@@ -77,15 +83,18 @@ std::wstring DefaultSql(const Object& database) {
 }
 
 // Shows the editor; false when it could not be used.
-bool Edit(const Object& database, std::wstring& sql) {
+bool Edit(const Object& database, const Options& options, std::wstring& sql) {
     Object editor;
     try {
+        std::optional<UnregisteredClasses> classes;
+        if (options.Unregistered) classes.emplace(L"brvSQLEditor.X.manifest", EditorFolders);
         editor = Object::Create(L"brvSQLEditor.clsSQLEditor");
     } catch (...) {
-        PrintFailure(
-            L"The SQL Editor (brvSQLEditor.clsSQLEditor) is not registered on this computer, or its DLL cannot be "
-            L"loaded:\n",
-            CurrentError());
+        PrintFailure(options.Unregistered
+                         ? L"The SQL Editor (brvSQLEditor.clsSQLEditor) cannot be made:\n"
+                         : L"The SQL Editor (brvSQLEditor.clsSQLEditor) is not registered on this computer, or "
+                           L"its DLL cannot be loaded:\n",
+                     CurrentError());
         return false;
     }
     try {
@@ -216,16 +225,20 @@ private:
     int files_ = 0;
 };
 
-int Run(const Options& options) {
-    const OleSession ole;
-    Object database;
+ExitCode Connect(const Options& options, Object& database) {
+    if (options.Sample) {
+        database = MakeSampleConnection();
+        return AllWell;
+    }
     try {
+        std::optional<UnregisteredClasses> classes;
+        if (options.Unregistered) classes.emplace(L"brvADO.X.manifest");
         database = Object::Create(L"brvADO.Database");
     } catch (...) {
-        PrintFailure(
-            L"The database component (brvADO.Database) is not registered on this computer, or its DLL cannot be "
-            L"loaded:\n",
-            CurrentError());
+        PrintFailure(options.Unregistered ? L"The database component (brvADO.Database) cannot be made:\n"
+                                          : L"The database component (brvADO.Database) is not registered on this "
+                                            L"computer, or its DLL cannot be loaded:\n",
+                     CurrentError());
         return ComponentFailed;
     }
     try {
@@ -234,6 +247,17 @@ int Run(const Options& options) {
         PrintFailure(L"No connection to the database:\n", CurrentError());
         return NoConnection;
     }
+    return AllWell;
+}
+
+int Run(const Options& options) {
+    const OleSession ole;
+    // The editor makes the error component itself, while one of its members is called: the host's context is active
+    // then.
+    std::optional<UnregisteredClasses> errorClass;
+    if (options.Unregistered) errorClass.emplace(L"brvError.X.manifest");
+    Object database;
+    if (const ExitCode failed = Connect(options, database)) return failed;
     Console::Print(L"Connected: " + database.Get(L"DBTypeName", database.Get(L"DBType")).ToText() + L"\n");
 
     std::wstring sql;
@@ -252,8 +276,12 @@ int Run(const Options& options) {
     }
 
     if (options.Editor) {
-        if (!Edit(database, sql)) return ComponentFailed;
+        if (!Edit(database, options, sql)) return ComponentFailed;
         Console::Print(L"SQL from the editor:\n" + WithPlainLineEnds(sql) + (sql.ends_with(L"\n") ? L"" : L"\n"));
+    }
+    if (options.Sample) {
+        Console::Print(L"The sample has no database behind it, so this SQL was not run. --connect runs it on yours.\n");
+        return AllWell;
     }
     const std::vector<std::wstring> statements = SplitStatements(sql, database.Get(L"DBType").ToLong());
     if (statements.empty()) Console::Print(L"There is no statement to run.\n");

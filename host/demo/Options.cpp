@@ -38,6 +38,14 @@ std::wstring ReadOptions(const std::vector<std::wstring>& arguments, Options& op
             options.Editor = false;
             continue;
         }
+        if (name == L"--sample") {
+            options.Sample = true;
+            continue;
+        }
+        if (name == L"--unregistered") {
+            options.Unregistered = true;
+            continue;
+        }
         if (name != L"--connect" && name != L"--sql" && name != L"--csv" && name != L"--max-rows") {
             return L"Unknown option: " + arguments[i];
         }
@@ -54,7 +62,8 @@ std::wstring ReadOptions(const std::vector<std::wstring>& arguments, Options& op
             options.MaxRows = count;
         }
     }
-    if (options.Connect.empty()) return L"--connect is missing: which database?";
+    if (options.Sample && !options.Connect.empty()) return L"--sample and --connect are two databases: which one?";
+    if (options.Connect.empty() && !options.Sample) return L"--connect is missing: which database?";
     return {};
 }
 
@@ -64,11 +73,13 @@ const wchar_t* HelpText() {
   --connect "STRING"   the ODBC connection string, for example
                          "Driver=SQLite3;Database=C:\data\shop.db;StepAPI=1"
                          "DSN=sales;UID=anna;PWD=secret"
+  --sample             instead of a connection: the tables of a sample shop without a database, whose SQL cannot be run
   --sql TEXT|@FILE     the SQL to begin with; @FILE reads it from a file in UTF-8
   --csv FILE           writes the rows to a CSV file instead of showing them; the rows of a second
                        statement go to FILE with "-2" before its extension, and so on
   --max-rows N         shows at most N rows of each statement, 0 for all; 100 when left out, all with --csv
   --no-editor          runs the SQL at once, without the window
+  --unregistered       takes the components from the manifests that lie beside this program, not from the registry
   --help               shows this
 
 Exit code: 0 all went well, 1 a statement failed or the CSV file could not be written, 2 no connection to the

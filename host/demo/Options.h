@@ -10,6 +10,8 @@ struct Options {
     std::wstring Csv;                 // empty: rows go to the terminal
     std::optional<long> MaxRows;      // 0: no limit
     bool Editor = true;
+    bool Sample = false;        // the sample connection instead of Connect
+    bool Unregistered = false;  // the components come from the manifests beside this program
     bool Help = false;
 };
 

@@ -28,7 +28,15 @@ TEST(ReadOptions, ComplainsOfWhatIsWrong) {
     EXPECT_TRUE(wrong({L"--connect", L"x", L"--max-rows", L"ten"}));
     EXPECT_TRUE(wrong({L"--connect", L"x", L"--max-rows", L"99999999999"}));
     EXPECT_TRUE(wrong({L"--connect", L"x", L"stray"}));
+    EXPECT_TRUE(wrong({L"--sample", L"--connect", L"x"}));
     EXPECT_FALSE(wrong({L"--connect", L"x", L"--no-editor"}));
+}
+
+TEST(ReadOptions, TakesTheSampleInsteadOfAConnection) {
+    Options options;
+    EXPECT_EQ(ReadOptions({L"--sample", L"--unregistered"}, options), L"");
+    EXPECT_TRUE(options.Sample);
+    EXPECT_TRUE(options.Unregistered);
 }
 
 TEST(ReadOptions, AsksForNothingElseWithHelp) {
