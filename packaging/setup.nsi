@@ -788,7 +788,7 @@ Section "${NAME}"
     SetOutPath "$INSTDIR"
     File "${PAYLOAD}\LICENSE.txt"
     File "${PAYLOAD}\README.txt"
-    File "/oname=installed.txt" "${INSTALLED}"
+    File "/oname=$INSTDIR\installed.txt" "${INSTALLED}"
     SetOutPath "$INSTDIR\x86"
     File "${PAYLOAD}\x86\*.*"
     ${If} ${RunningX64}
