@@ -22,6 +22,8 @@ BRV_PACKAGES=(g++-mingw-w64-i686 mingw-w64-tools cmake ninja-build googletest
     libodbc2:i386 libsqliteodbc:i386 odbc-postgresql:i386 sqlite3 fonts-liberation fonts-dejavu-core)
 # What is installed where the distribution has it.
 BRV_OPTIONAL_PACKAGES=()
+# What cannot be installed for two architectures at once, NAME:ARCHITECTURE: it is unpacked below build/ unless it is installed.
+BRV_UNPACKED_PACKAGES=()
 BRV_WIN64_PACKAGES=(g++-mingw-w64-x86-64 wine64 libodbc2 libsqliteodbc odbc-postgresql)
 
 # The in-process servers that are registered, by file name.
@@ -69,6 +71,20 @@ installable() {
     done
 }
 
+# files_of PACKAGE: the files of an installed or an unpacked package.
+files_of() { dpkg -L "$1" 2>/dev/null || find "$BRV_BUILD/packages/${1/:/_}" -type f 2>/dev/null; }
+
+# unpack_package NAME:ARCHITECTURE: fetches the package, and unpacks it below build/.
+unpack_package() {
+    local folder=$BRV_BUILD/packages/${1/:/_} new code
+    mkdir -p "$BRV_BUILD/packages" && new=$(mktemp -d "$BRV_BUILD/packages/new.XXXXXX") || return 1
+    (cd "$new" && timeout 300 apt-get -o Acquire::Retries=2 download "$1" && dpkg-deb -x ./*.deb . && rm ./*.deb) </dev/null &&
+        { mv -T "$new" "$folder" || [ -d "$folder" ]; } # another command may have been first
+    code=$?
+    rm -rf "$new"
+    return $code
+}
+
 # Installs what is missing from the distribution's packages, as root or through sudo.
 install_missing() {
     if ! command -v dpkg-query >/dev/null; then
@@ -79,16 +95,25 @@ install_missing() {
         [ ${#absent[@]} -eq 0 ] || die "this is no Debian system, so nothing can be installed here; missing: ${absent[*]}"
         return 0
     fi
-    local missing optional=() wanted package name as_root=() log=$BRV_LOGS/packages.log codename apt
+    local missing optional=() unpacked=() wanted package name as_root=() log=$BRV_LOGS/packages.log codename apt
     mapfile -t missing < <(missing_packages)
     [ ${#BRV_OPTIONAL_PACKAGES[@]} = 0 ] || mapfile -t optional < <(BRV_PACKAGES=("${BRV_OPTIONAL_PACKAGES[@]}")
         installable $(missing_packages))
-    [ $((${#missing[@]} + ${#optional[@]})) -gt 0 ] || return 0
-
     mkdir -p "$BRV_LOGS"
-    say "Installing packages: ${missing[*]} ${optional[*]}"
+    for package in "${BRV_UNPACKED_PACKAGES[@]}"; do
+        [ -z "$(files_of "$package")" ] || continue
+        # With an index of packages that is there already this needs neither root nor another index.
+        if [ ${#missing[@]} = 0 ]; then
+            say "Fetching the package $package"
+            unpack_package "$package" >"$log" 2>&1 && continue
+        fi
+        unpacked+=("$package")
+    done
+    [ $((${#missing[@]} + ${#optional[@]} + ${#unpacked[@]})) -gt 0 ] || return 0
+
+    say "Installing packages: ${missing[*]} ${optional[*]} ${unpacked[*]}"
     if [ "$(id -u)" != 0 ]; then
-        command -v sudo >/dev/null || die "these packages are missing, and installing them needs root or sudo: ${missing[*]}"
+        command -v sudo >/dev/null || die "these packages are missing, and installing them needs root or sudo: ${missing[*]} ${unpacked[*]}"
         as_root=(sudo)
         [ -t 0 ] || as_root+=(-n)
     fi
@@ -105,7 +130,7 @@ install_missing() {
         printf '%s\n' "${name:-${package%%|*}}"
     done
         installable "${BRV_OPTIONAL_PACKAGES[@]}")
-    if ! "${apt[@]}" install -y --no-install-recommends "${wanted[@]}" >>"$log" 2>&1 </dev/null; then
+    if [ ${#wanted[@]} -gt 0 ] && ! "${apt[@]}" install -y --no-install-recommends "${wanted[@]}" >>"$log" 2>&1 </dev/null; then
         # An index of one architecture may lag behind the other's, and libraries of both must have one version.
         codename=$(. /etc/os-release && printf '%s' "${VERSION_CODENAME:-}")
         if [ -z "$codename" ] || ! "${apt[@]}" install -y --no-install-recommends -t "$codename" --allow-downgrades \
@@ -116,6 +141,11 @@ install_missing() {
     fi
     mapfile -t missing < <(missing_packages)
     [ ${#missing[@]} -eq 0 ] || die "still missing after the installation: ${missing[*]}"
+    for package in "${unpacked[@]}"; do
+        unpack_package "$package" >>"$log" 2>&1 && continue
+        log_tail "$log"
+        die "could not fetch and unpack the package $package (network? package index? see above)"
+    done
 }
 
 # --- build ------------------------------------------------------------------------------------------------------------
@@ -198,6 +228,15 @@ make_odbc() {
     } >"$folder/odbcinst.ini.new"
     mv "$folder/odbcinst.ini.new" "$folder/odbcinst.ini"
 }
+
+# add_odbc_driver WIDTH NAME FILE: one more of these drivers, if that width does not have it yet.
+add_odbc_driver() (
+    BRV_WIDTH=$1
+    make_odbc
+    file=$BRV_BUILD/odbc$1/odbcinst.ini
+    ! grep -qxF "Driver = $3" "$file" || exit 0
+    { cat "$file" && printf '[%s]\nDriver = %s\n\n' "$2" "$3"; } >"$file.$BASHPID" && mv "$file.$BASHPID" "$file"
+)
 
 # make_template FOLDER: a Wine prefix that nothing has run in yet, for others to be copied from. Its folders for documents are its own, not
 # links into the user's.

@@ -173,6 +173,8 @@ Connection::Connection(const std::wstring& connectionString, unsigned loginTimeo
         const std::wstring driver = InfoText(SQL_DRIVER_NAME).value_or(L"");
         if (driver.find(L"sqlite3odbc") != std::wstring::npos && driver.ends_with(L".so"))
             encoding_ = Encoding::NarrowUtf8;
+        // The driver of MariaDB writes LIMIT behind the statement, even behind CREATE TABLE or another LIMIT.
+        canLimitRows_ = driver.find(L"maodbc") == std::wstring::npos;
     } catch (...) {
         SQLFreeHandle(SQL_HANDLE_DBC, handle_);
         throw;

@@ -77,6 +77,8 @@ public:
 
     SQLHDBC Handle() const noexcept { return handle_; }
     Encoding TextEncoding() const noexcept { return encoding_; }
+    // Whether the driver can be asked for a number of rows whatever the statement is.
+    bool CanLimitRows() const noexcept { return canLimitRows_; }
     // SQLGetInfo for a text, and for numbers of 16 and 32 bits. Nothing when the driver does not know the item.
     std::optional<std::wstring> InfoText(SQLUSMALLINT item) const;
     std::optional<unsigned> InfoShort(SQLUSMALLINT item) const;
@@ -91,6 +93,7 @@ private:
     SQLHDBC handle_ = SQL_NULL_HDBC;
     bool connected_ = false;
     Encoding encoding_ = Encoding::Wide;
+    bool canLimitRows_ = true;
 };
 
 // A column of a result set.
@@ -116,7 +119,7 @@ public:
     Statement& operator=(const Statement&) = delete;
 
     // Asks the driver to give at most that many rows. Some drivers fetch a whole result first and save memory by this,
-    // others ignore it: the reader must count for itself. 0 is no limit.
+    // others ignore it: the reader must count for itself. 0 is no limit. Only where the connection can limit rows.
     void LimitRows(unsigned long rows) noexcept;
     void Execute(const std::wstring& sql);
 

@@ -118,7 +118,7 @@ RowReader::RowReader(std::shared_ptr<Session> session, const std::wstring& sql, 
     : session_(std::move(session)), connection_(session_->Live()), rowsLeft_(maxRows ? maxRows : ULONG_MAX) {
     try {
         statement_ = std::make_unique<Odbc::Statement>(*connection_);
-        if (maxRows) statement_->LimitRows(maxRows);
+        if (maxRows && connection_->CanLimitRows()) statement_->LimitRows(maxRows);
         statement_->Execute(sql);
     } catch (const Odbc::Error& error) {
         session_->NoteFailure(error);

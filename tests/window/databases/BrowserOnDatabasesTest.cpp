@@ -18,6 +18,17 @@ const std::vector<std::wstring> AwkwardInPostgres = {
     LR"(CREATE VIEW "select"."A View" AS SELECT id AS "Number", amount FROM "select".plain)",
 };
 
+const std::vector<std::wstring> AwkwardInMariaDb = {
+    L"DROP DATABASE IF EXISTS `select`",
+    L"CREATE DATABASE `select`",
+    L"CREATE TABLE `select`.plain (id integer, amount numeric(10,2))",
+    L"CREATE TABLE `select`.`Mixed Case` (`Id` integer, `with blank` text, `say \"hi\"` text, `a.b` date)",
+    L"CREATE TABLE `select`.`dots.and \"quotes\"` (x integer)",
+    L"CREATE TABLE `select`.`\u00dcn\u00efcode \u8868` (`\u0441\u0442\u043e\u043b\u0431\u0435\u0446` integer)",
+    L"CREATE TABLE `select`.`order` (`from` integer, `where` text)",
+    L"CREATE VIEW `select`.`A View` AS SELECT id AS `Number`, amount FROM `select`.plain",
+};
+
 const std::vector<std::wstring> AwkwardInSqlite = {
     LR"(CREATE TABLE plain (id integer, amount numeric(10,2)))",
     LR"(CREATE TABLE "Mixed Case" ("Id" integer, "with blank" text, "say ""hi""" text, "a.b" date))",
@@ -87,6 +98,18 @@ TEST_F(BrowserOnDatabasesTest, PostgresTheWholeWay) {
         ExpectAwkwardNames(L"select");
     });
     database.Run({LR"(DROP SCHEMA "select" CASCADE)"});
+    EXPECT_EQ(L"", Errors.Places());
+}
+
+TEST_F(BrowserOnDatabasesTest, MariaDbTheWholeWay) {
+    RealDatabase database(MariaDbServer());
+    database.Run(AwkwardInMariaDb);
+    Inside(database, [this] {
+        Tree.Open(Tree.At({}));
+        EXPECT_NE(std::wstring::npos, (L"|" + Tree.Children(Tree.At({})) + L"|").find(L"|brv|"));
+        ExpectAwkwardNames(L"select");
+    });
+    database.Run({L"DROP DATABASE `select`"});
     EXPECT_EQ(L"", Errors.Places());
 }
 

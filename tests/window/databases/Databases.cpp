@@ -53,6 +53,8 @@ std::wstring SampleShop() { return L"Driver=SQLite3;Database=" + FromEnvironment
 
 std::wstring PostgresServer() { return FromEnvironment(L"BRV_PG"); }
 
+std::wstring MariaDbServer() { return FromEnvironment(L"BRV_MARIADB"); }
+
 ScratchFile::ScratchFile() {
     const std::wstring shop = FromEnvironment(L"BRV_SHOP_DB");
     // Beside the sample, where the driver, a program of the system, finds it by the system's own name.

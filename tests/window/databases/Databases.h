@@ -23,6 +23,7 @@ private:
 // From the environment that ./test sets; without it the test fails.
 std::wstring SampleShop();  // the SQLite file that ./run shows
 std::wstring PostgresServer();
+std::wstring MariaDbServer();
 // An SQLite database in a file that goes with the test.
 class ScratchFile {
 public:
