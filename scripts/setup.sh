@@ -332,6 +332,30 @@ leave_prefix() {
     exec 9>&-
 }
 
+# smooth_fonts: text with smooth edges, for programs that start later in the prefix. Windows' own settings are not enough: at the sizes of
+# dialogs the fonts switch the smoothing off, and Wine asks the font configuration of this machine about each of them. Tests go without: they
+# look at single pixels.
+smooth_fonts() {
+    local file=$BRV_BUILD/fonts.conf
+    [ -f "$file" ] || cat >"$file" <<'XML'
+<?xml version="1.0"?>
+<!DOCTYPE fontconfig SYSTEM "urn:fontconfig:fonts.dtd">
+<fontconfig>
+  <include ignore_missing="yes">/etc/fonts/fonts.conf</include>
+  <match target="pattern">
+    <edit name="antialias" mode="assign"><bool>true</bool></edit>
+    <edit name="rgba" mode="assign"><const>rgb</const></edit>
+  </match>
+</fontconfig>
+XML
+    export FONTCONFIG_FILE=$file
+    [ ! -f "$WINEPREFIX/.smooth" ] || return 0
+    printf 'REGEDIT4\n\n[HKEY_CURRENT_USER\\Control Panel\\Desktop]\n"FontSmoothing"="2"\n%s\n%s\n%s\n' \
+        '"FontSmoothingType"=dword:00000002' '"FontSmoothingGamma"=dword:00000578' '"FontSmoothingOrientation"=dword:00000001' \
+        >"$WINEPREFIX/.smooth.reg"
+    run_wine regedit /S "$(windows_path "$WINEPREFIX/.smooth.reg")" >/dev/null 2>&1 && touch "$WINEPREFIX/.smooth"
+}
+
 # check_heaps: from here on the heaps of all programs of the prefix fill what is freed and what lies behind a block (FLG_HEAP_ENABLE_TAIL_CHECK,
 # FLG_HEAP_ENABLE_FREE_CHECK, FLG_HEAP_VALIDATE_PARAMETERS, as gflags sets them for the whole system). Windows looks at it when a block is
 # freed, Wine only when HeapValidate asks: the tests do so after each of them (tests/unit/traps/HeapSweep.cpp).
