@@ -1,4 +1,4 @@
-# Functions that scripts/pictures and scripts/appearances share: the editor's window over a database, worked by the pointer and the keyboard of the
+# Functions that scripts/pictures, scripts/appearances and ./run share: the editor's window over a database, worked by the pointer and the keyboard of the
 # display, and pictures of it. Sourced after scripts/setup.sh. They leave the host's process in $host and write to $folder.
 host=''
 
