@@ -2,6 +2,7 @@
 
 #include "automation/HostCollection.h"
 #include "automation/RuntimeError.h"
+#include "browser/ReadingProgress.h"
 #include "browser/modLists_Tree.h"
 #include "dictionary/clsDictionary.h"
 #include "editor/frmSQLEditor.h"
@@ -100,8 +101,10 @@ void modLists::PopulateDBObjSchemas(::Nodes& Nodes, const ::Node& Node) try {
         AddSchema(CurrentSchema);
         return;
     }
+    ReadingProgress Progress(L"schemas");
     Schemas.ForEach([&](const Variant& Schema) {
         AddSchema(Schema.IsNull() ? std::wstring() : Schema.ToText());
+        Progress.Count();
         return true;
     });
 } catch (...) {
@@ -113,11 +116,13 @@ void modLists::PopulateDBObjTablesViews(long ObjectType, ::Nodes& Nodes, const :
     // Cleared before the dictionary is asked, unlike schemas and columns: without a dictionary the node stays empty.
     m_ClearNode(Nodes, Node);
     const HostCollection Objects = Adapter()->Objects(ObjectType, SchemaName, L"", IncludeSys);
+    ReadingProgress Progress((ObjectType == ObjectType::Tables ? L"tables of " : L"views of ") + Node.Parent().Text());
     Objects.ForEach([&](const Variant& Name) {
         const ::Node Object =
             m_AddNode(Nodes, Name.ToText(), ObjectType == ObjectType::Tables ? NodeKind::Table : NodeKind::View,
                       Node.Index(), TreeRelationship::Child);
         AddDefaultDBObjectItems(Nodes, Object);
+        Progress.Count();
         return true;
     });
 } catch (...) {
@@ -137,6 +142,7 @@ void modLists::PopulateDBObjColumns(::Nodes& Nodes, const ::Node& Node) try {
     // Cleared after the dictionary was asked, even when it returned nothing.
     m_ClearNode(Nodes, Node);
     if (!Columns) return;
+    ReadingProgress Progress(L"columns of " + TableName);
     ResumingAfterColumnErrors([&] {
         Columns.ForEach([&](const Variant& Entry) {
             const ::Node Column = m_AddNode(Nodes, L"", NodeKind::Column, Node.Index(), TreeRelationship::Child);
@@ -148,6 +154,7 @@ void modLists::PopulateDBObjColumns(::Nodes& Nodes, const ::Node& Node) try {
                     return true;
                 });
             });
+            Progress.Count();
             return true;
         });
     });

@@ -16,6 +16,7 @@
 #include "forms/DropTarget.h"
 #include "forms/FileDialog.h"
 #include "forms/Form.h"
+#include "forms/HelpTip.h"
 #include "forms/Label.h"
 #include "forms/ListBox.h"
 #include "forms/Menu.h"
@@ -167,6 +168,9 @@ private:
     void m_DragSplitterTo(float Position);
     void picHide_Click();
     void picUnhide_Click();
+    // Moves the splitter there. When a control that has the focus is hidden by it, another one gets the focus, since no
+    // key would reach that one.
+    void m_ShowLeftPane(float Split, Control& Instead);
     void picLeft_Resize(int Index);
     void picRight_Resize();
     void mnuViewObjectBrowser_Click();
@@ -220,6 +224,9 @@ private:
     void m_DeleteLines();
     void m_BreakLine();
     void m_SelectStatement();
+    // To and from the code of a program.
+    void m_CopyAsBasic();
+    void m_PasteFromCode();
     // Puts the text back that Display brought.
     void m_RestoreDisplayed();
 
@@ -266,11 +273,19 @@ private:
     std::wstring m_AddQualified(const std::wstring& Text, size_t Caret, const std::vector<std::wstring>& Qualifiers);
     void lstNames_Chosen();
 
+    // ---- Tips (editor/frmSQLEditor_Help.cpp)
+    std::wstring m_NodeTip(const Node& Node);
+    std::wstring m_HelpText();
+    void m_ShowHelp();
+
     // ---- Finding nodes (browser/frmSQLEditor_Search.cpp)
     void m_ShowNode(const Node& Node);
     void m_FindObject();
     void m_FindNode();
     void m_FindNextNode();
+
+    // ---- Reading a branch again (browser/frmSQLEditor_Refresh.cpp)
+    void m_ReadAgain();
 
     // ---- Object browser (browser/frmSQLEditor_Browser.cpp)
     // `Opened`: the user opens the branch; false where it is only filled.
@@ -372,4 +387,5 @@ private:
     std::wstring nodeText_;       // what was looked for in the object browser
     bool nameQualified_ = false;  // something and a point stand before it
     bool choosingName_ = false;
+    HelpTip tipHelp_;
 };

@@ -4,7 +4,12 @@
 
 namespace {
 constexpr const wchar_t* Module = L"frmSQLEditor";
+
+bool IsPress(const MSG& message) noexcept {
+    return (message.message >= WM_LBUTTONDOWN && message.message <= WM_MOUSELAST) ||
+           (message.message >= WM_NCLBUTTONDOWN && message.message <= WM_NCXBUTTONDBLCLK);
 }
+}  // namespace
 
 bool frmSQLEditor::Idle() try {
     if (comparing_) {
@@ -31,9 +36,11 @@ void frmSQLEditor::ToolsClose() noexcept {
     winReplace.Close();
     winGoto.Close();
     lstNames.Close();
+    tipHelp_.Hide();
 }
 
 bool frmSQLEditor::ToolMessage(MSG& message) {
     if (lstNames.IsPressElsewhere(message)) lstNames.Close();
+    if (tipHelp_.IsShown() && IsPress(message)) tipHelp_.Hide();
     return winReplace.Translate(message) || winGoto.Translate(message);
 }

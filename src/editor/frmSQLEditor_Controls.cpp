@@ -157,6 +157,7 @@ void frmSQLEditor::WireViews() {
     trvDBObjects.Collapse = [this](const Node& Node) { trvDBObjects_Collapse(Node); };
     trvDBObjects.NodeClick = [this](const Node& Node) { trvDBObjects_NodeClick(Node); };
     trvDBObjects.SelChange = [this](const Node& Node) { trvDBObjects_SelChange(Node); };
+    trvDBObjects.NodeTip = [this](const Node& Node) { return m_NodeTip(Node); };
     trvDBObjects.ContextMenu = [this](const POINT& At) { trvDBObjects_ContextMenu(At); };
     trvDBObjects.MouseDown = [this](int B, int S, float X, float Y) { trvDBObjects_MouseDown(B, S, X, Y); };
     trvDBObjects.MouseMove = [this](int B, int S, float X, float Y) { trvDBObjects_MouseMove(B, S, X, Y); };
@@ -182,6 +183,7 @@ void frmSQLEditor::WireViews() {
                           static_cast<Control*>(&trvDatabaseSpecific)}) {
         View->ContextMenu = [this](const POINT& At) { m_ReferenceContextMenu(At); };
     }
+    for (int Index = 0; Index < 4; ++Index) m_View(Index).LostFocus = [this] { tipHelp_.Hide(); };
 }
 
 void frmSQLEditor::WireEditor() {
@@ -194,7 +196,10 @@ void frmSQLEditor::WireEditor() {
     rtbSQL.MadePlain = [this] { colours_.MadePlain(); };
     rtbSQL.SelChange = [this] { rtbSQL_SelChange(); };
     rtbSQL.Zoomed = [this] { rtbSQL_Zoomed(); };
-    rtbSQL.LostFocus = [this] { lstNames.Close(); };
+    rtbSQL.LostFocus = [this] {
+        lstNames.Close();
+        tipHelp_.Hide();
+    };
     lstNames.RowOf = [this](size_t Row) { return m_NameRow(Row); };
     lstNames.Chosen = [this] { lstNames_Chosen(); };
     rtbSQL.DragOver = [this](Control& Source, float X, float Y, DragState State) {
@@ -206,6 +211,7 @@ void frmSQLEditor::WireEditor() {
 }
 
 void frmSQLEditor::WirePanes() {
+    for (PictureBox* Box : {&picHide, &picUnhide}) Box->SetPushButton();
     picHide.Click = [this] { picHide_Click(); };
     picHide.Paint = [](HDC Context, const RECT& Client) {
         PaintBox(Context, Client);

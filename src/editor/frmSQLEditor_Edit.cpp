@@ -4,6 +4,7 @@
 #include "errors/modErrorHandler.h"
 #include "forms/Clipboard.h"
 #include "forms/InputBox.h"
+#include "sql/CodeStrings.h"
 
 namespace {
 constexpr const wchar_t* Module = L"frmSQLEditor";
@@ -132,6 +133,26 @@ void frmSQLEditor::mnuEditPaste_Click() try {
     rtbSQL.ScrollCaret();
 } catch (...) {
     ReportError(Module, L"mnuEditPaste_Click");
+}
+
+// What is selected, or all of it.
+void frmSQLEditor::m_CopyAsBasic() {
+    const std::wstring Selected = rtbSQL.SelText();
+    const Sql::BasicText Basic = Sql::ToBasic(Selected.empty() ? rtbSQL.Text() : Selected);
+    if (!m_Copy(Basic.Code, L"m_CopyAsBasic")) return;
+    sbStatusBar.ShowNote(Basic.Statements == 1
+                             ? std::wstring(L"Copied as a string of Basic.")
+                             : L"Copied as " + std::to_wstring(Basic.Statements) +
+                                   L" statements of Basic that build SQL: one takes no more than 25 lines.");
+}
+
+void frmSQLEditor::m_PasteFromCode() {
+    const std::optional<std::wstring> Text = Sql::FromCode(Clipboard::GetText(Handle()));
+    if (!Text) return sbStatusBar.ShowNote(L"The clipboard has no string of Basic, C# or Java code.");
+    // After the selection, as a paste.
+    rtbSQL.Select(rtbSQL.SelStart() + rtbSQL.SelLength(), 0);
+    rtbSQL.SetSelText(*Text);
+    rtbSQL.ScrollCaret();
 }
 
 void frmSQLEditor::mnuEditSelectAll_Click() try { rtbSQL.Select(0, rtbSQL.TextLength()); } catch (...) {

@@ -22,6 +22,7 @@ Control& frmSQLEditor::m_View(int Index) {
 
 bool frmSQLEditor::KeyPreview(MSG& message) try {
     if (message.message != WM_KEYDOWN && message.message != WM_SYSKEYDOWN) return false;
+    tipHelp_.Hide();
     const bool Ctrl = GetKeyState(VK_CONTROL) < 0;
     const bool Shift = GetKeyState(VK_SHIFT) < 0;
     const bool Alt = GetKeyState(VK_MENU) < 0;
@@ -37,6 +38,14 @@ bool frmSQLEditor::KeyPreview(MSG& message) try {
     // F3 goes on where the search was, when it was in the tree; elsewhere it is Find Next.
     if (Key == VK_F3 && !Ctrl && !Shift && !Alt && !nodeText_.empty() && trvDBObjects.HasFocus()) {
         m_FindNextNode();
+        return true;
+    }
+    if (Key == VK_F1 && !Ctrl && !Shift && !Alt) {
+        m_ShowHelp();
+        return true;
+    }
+    if (Key == VK_F5 && !Ctrl && !Shift && !Alt && trvDBObjects.HasFocus()) {
+        m_ReadAgain();
         return true;
     }
     if (Ctrl && Alt && !Shift && (Key == VK_LEFT || Key == VK_RIGHT)) {

@@ -19,7 +19,8 @@ constexpr float Margin = 50;           // from the window's sides
 constexpr float SplitterWidth = 40;    // between the panes
 constexpr float TabHeight = 300;
 constexpr float Gap = 20;
-constexpr float CollapseHeight = 200;
+constexpr float CollapseWidth = 360;   // 24 pixels of 96 dpi each way
+constexpr float CollapseHeight = 380;  // with the gap
 constexpr float LongestDescription = 7;  // lines
 constexpr int TabCount = 4;
 
@@ -83,7 +84,7 @@ void frmSQLEditor::m_SizeControls() try {
     // The grip lies under the panes and shows in the gap between them; their borders let the mouse through to it. It
     // holds the actual split; the bar holds the requested one, which a window that grows again restores.
     imgSplitterV.Move(LeftWidth, Top, Margin + SplitterWidth + Margin, PaneHeight);
-    picHide.Move(Margin + LeftWidth - TabHeight, Bottom - CollapseHeight, TabHeight, CollapseHeight - Gap);
+    picHide.Move(Margin + LeftWidth - CollapseWidth, Bottom - CollapseHeight, CollapseWidth, CollapseHeight - Gap);
     picHide.SetVisible(Shown);
     picUnhide.Move(0, Top, Margin + LeftWidth, PaneHeight);
     picUnhide.SetVisible(!Shown);
@@ -178,19 +179,24 @@ void frmSQLEditor::imgSplitterV_CaptureLost() try {
     ReportError(Module, L"imgSplitterV_CaptureLost");
 }
 
-void frmSQLEditor::picHide_Click() try {
-    savedSplit_ = WholeTwips(imgSplitterV.Left());
-    imgSplitterV.SetLeft(CollapsedSplit);
-    picSplitterV.SetLeft(CollapsedSplit);
+void frmSQLEditor::m_ShowLeftPane(float Split, Control& Instead) {
+    const HWND Focus = ::GetFocus();
+    imgSplitterV.SetLeft(Split);
+    picSplitterV.SetLeft(Split);
     m_SizeControls();
+    if (Focus != nullptr && IsChild(Handle(), Focus) && !IsWindowVisible(Focus)) Instead.SetFocus();
+}
+
+void frmSQLEditor::picHide_Click() try {
+    const bool ByKey = picHide.HasFocus();
+    savedSplit_ = WholeTwips(imgSplitterV.Left());
+    m_ShowLeftPane(CollapsedSplit, ByKey ? static_cast<Control&>(picUnhide) : rtbSQL);
 } catch (...) {
     ReportError(Module, L"picHide_Click");
 }
 
 void frmSQLEditor::picUnhide_Click() try {
-    imgSplitterV.SetLeft(static_cast<float>(savedSplit_));
-    picSplitterV.SetLeft(static_cast<float>(savedSplit_));
-    m_SizeControls();
+    m_ShowLeftPane(static_cast<float>(savedSplit_), picHide);
 } catch (...) {
     ReportError(Module, L"picUnhide_Click");
 }

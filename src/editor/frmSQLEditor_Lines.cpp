@@ -232,6 +232,10 @@ bool frmSQLEditor::rtbSQL_KeyPressed(int Key, int Shift) try {
         m_Complete();
     } else if (Key == VK_SPACE && Shifted) {
         m_SelectStatement();
+    } else if (Key == 'C' && Shifted) {
+        m_CopyAsBasic();
+    } else if (Key == 'V' && Shifted) {
+        m_PasteFromCode();
     } else if (Key == 'R' && Shifted) {
         m_RestoreDisplayed();
     } else if (Key == 'H' && !Shifted) {

@@ -98,6 +98,9 @@ public:
     std::function<bool(Control& source)>
         AcceptsDrag;  // asked on entering, for the mouse pointer alone; without it: yes
 
+    // Where the selected row or the caret is, in pixels of the screen: its left end, below it.
+    POINT SelectedPlace() const { return MenuPoint(); }
+
     // A message to the control's window; what its events let out is thrown when it is back.
     LRESULT Send(UINT message, WPARAM wParam = 0, LPARAM lParam = 0) const;
 

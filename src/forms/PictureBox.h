@@ -1,5 +1,7 @@
 #pragma once
 
+#include <optional>
+
 #include "forms/Control.h"
 
 // A plain child window that holds other controls or that its owner draws: pages, panes, grips and bars.
@@ -13,6 +15,9 @@ public:
     void SetBackColor(int systemColor) noexcept;
     // Shown while the mouse is over it, IDC_ARROW unless set.
     void SetMousePointer(const wchar_t* systemCursor) noexcept;
+    // Makes it a push button for the keyboard and for screen readers: the Tab key comes to it, Space and Enter press it,
+    // and a rectangle shows that it has the focus. The mouse presses it without giving it the focus.
+    void SetPushButton();
     // Paints the client area after the background was erased.
     std::function<void(HDC context, const RECT& client)> Paint;
 
@@ -20,7 +25,11 @@ protected:
     LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
 
 private:
+    // What a push button answers; nothing: it is none, or the message is no button's.
+    std::optional<LRESULT> OnButton(UINT message, WPARAM wParam, LPARAM lParam);
     int backColor_ = COLOR_BTNFACE;
     HCURSOR cursor_ = nullptr;
     bool clicking_ = false;  // the left button went down here and is held
+    bool pushButton_ = false;
+    bool spaceDown_ = false;
 };

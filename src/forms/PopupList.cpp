@@ -27,6 +27,14 @@ RECT PopupList::PlaceBeside(const RECT& line, SIZE size, const RECT& workArea) {
     return {left, top, left + size.cx, top + height};
 }
 
+RECT PopupList::PlaceBeside(const RECT& line, SIZE size) {
+    MONITORINFO monitor{};
+    monitor.cbSize = sizeof monitor;
+    if (!GetMonitorInfoW(MonitorFromRect(&line, MONITOR_DEFAULTTONEAREST), &monitor))
+        monitor.rcWork = {0, 0, GetSystemMetrics(SM_CXSCREEN), GetSystemMetrics(SM_CYSCREEN)};
+    return PlaceBeside(line, size, monitor.rcWork);
+}
+
 void PopupList::Open(HWND owner, const RECT& line, HFONT font, const std::wstring& accessibleName) {
     Close();
     line_ = line;
@@ -71,11 +79,7 @@ void PopupList::Arrange() {
     RECT window{0, 0, MulDiv(WidthAt96, static_cast<int>(Dpi()), 96), shown * rowHeight};
     AdjustWindowRectEx(&window, style & ~static_cast<DWORD>(WS_VSCROLL | WS_HSCROLL), FALSE,
                        static_cast<DWORD>(GetWindowLongPtrW(Handle(), GWL_EXSTYLE)));
-    MONITORINFO monitor{};
-    monitor.cbSize = sizeof monitor;
-    if (!GetMonitorInfoW(MonitorFromRect(&line_, MONITOR_DEFAULTTONEAREST), &monitor))
-        monitor.rcWork = {0, 0, GetSystemMetrics(SM_CXSCREEN), GetSystemMetrics(SM_CYSCREEN)};
-    const RECT place = PlaceBeside(line_, {window.right - window.left, window.bottom - window.top}, monitor.rcWork);
+    const RECT place = PlaceBeside(line_, {window.right - window.left, window.bottom - window.top});
     SetWindowPos(Handle(), nullptr, place.left, place.top, place.right - place.left, place.bottom - place.top,
                  SWP_NOACTIVATE | SWP_NOZORDER | SWP_NOOWNERZORDER | SWP_SHOWWINDOW);
     RECT client{};

@@ -39,6 +39,8 @@ public:
     // Where a list of that size stands beside a line: below it, or above where there is more room, and within the work
     // area. All in pixels.
     static RECT PlaceBeside(const RECT& line, SIZE size, const RECT& workArea);
+    // On the monitor of the line.
+    static RECT PlaceBeside(const RECT& line, SIZE size);
 
 protected:
     LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;

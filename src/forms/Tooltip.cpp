@@ -1,9 +1,5 @@
 #include "forms/Tooltip.h"
 
-#include <commctrl.h>
-
-#include <cstddef>
-
 #include "automation/App.h"
 #include "forms/Dpi.h"
 #include "forms/Surroundings.h"
@@ -11,12 +7,9 @@
 
 namespace {
 
-// The structure without the member that came last: common controls of every version take it.
-constexpr UINT ToolInfoSize = offsetof(TTTOOLINFOW, lpReserved);
-
 TTTOOLINFOW ToolOf(HWND control) noexcept {
     TTTOOLINFOW tool{};
-    tool.cbSize = ToolInfoSize;
+    tool.cbSize = TooltipInfoSize;
     tool.uFlags = TTF_IDISHWND | TTF_SUBCLASS;
     tool.hwnd = control;
     tool.uId = reinterpret_cast<UINT_PTR>(control);
@@ -58,14 +51,19 @@ void Tooltip::AddTool() {
     SendMessageW(tip_, TTM_SETMAXTIPWIDTH, 0, TwipsToPixels(4500, DpiOf(control_)));
     SendMessageW(tip_, TTM_SETDELAYTIME, TTDT_AUTOPOP, 20000);
     SendMessageW(tip_, TTM_ADDTOOLW, 0, reinterpret_cast<LPARAM>(&tool));
+    added_ = true;
 }
 
 void Tooltip::OnMouse(UINT message, WPARAM wParam, LPARAM lParam) {
-    if (tip_ != nullptr || text_.empty()) return;
-    tip_ = CreateTooltipWindow();
-    if (tip_ == nullptr) return;
-    SetFont(font_);
-    AddTool();
+    if (text_.empty()) return;
+    if (tip_ == nullptr) {
+        tip_ = CreateTooltipWindow();
+        if (tip_ == nullptr) return;
+        SetFont(font_);
+        AddTool();
+    }
+    if (!added_) return;
+    added_ = false;
     // From the next message on it tracks the mouse itself.
     MSG missed{};
     missed.hwnd = control_;

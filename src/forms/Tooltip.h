@@ -1,7 +1,9 @@
 #pragma once
 
 #include <windows.h>
+#include <commctrl.h>
 
+#include <cstddef>
 #include <string>
 
 // The tip of one control. Its window belongs to no other window: one that is owned by the form can keep SetWindowPos
@@ -28,7 +30,11 @@ private:
     HWND control_ = nullptr;
     HFONT font_ = nullptr;
     std::wstring text_;
+    bool added_ = false;  // since the last message of the mouse
 };
+
+// The size of TTTOOLINFOW without the member that came last: common controls of every version take it.
+inline constexpr UINT TooltipInfoSize = offsetof(TTTOOLINFOW, lpReserved);
 
 // An empty tooltip window of that kind, for controls that manage the tools of their tip themselves.
 HWND CreateTooltipWindow();

@@ -32,14 +32,37 @@ private:
 void TreeView::Create(HWND container, int id) {
     CreateWindowOf(WC_TREEVIEWW,
                    TVS_HASBUTTONS | TVS_HASLINES | TVS_LINESATROOT | TVS_SHOWSELALWAYS | TVS_DISABLEDRAGDROP |
-                       WS_TABSTOP | WS_VISIBLE | WS_CLIPSIBLINGS,
+                       TVS_NOTOOLTIPS | WS_TABSTOP | WS_VISIBLE | WS_CLIPSIBLINGS,
                    WS_EX_CLIENTEDGE, container, id, L"");
-    // The control's tip is topmost and needs no owner to stand in front. Under Wine a form that owns such a window can
-    // no longer be made topmost.
-    if (const auto tip = reinterpret_cast<HWND>(Send(TVM_GETTOOLTIPS))) {
-        SetWindowLongPtrW(tip, GWLP_HWNDPARENT, 0);
-        SetWindowPos(tip, HWND_TOPMOST, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
+}
+
+void TreeView::SetFont(HFONT font) {
+    Control::SetFont(font);
+    tip_.SetFont(font);
+}
+
+// The control's own tips show texts that are cut off and nothing else under Wine; one tip does both everywhere.
+void TreeView::RenewTip(LPARAM point) {
+    bool button = false;
+    const Node node = NodeAt(point, button);
+    if (node == tipped_) return;
+    tipped_ = node;
+    std::wstring text;
+    if (node && IsLiving(node)) {
+        if (NodeTip) text = NodeTip(node);
+        RECT row{};
+        RECT client{};
+        GetClientRect(Handle(), &client);
+        if (text.empty() && TextPlace(node, row) && (row.left < client.left || row.right > client.right))
+            text = node.Text();
     }
+    tip_.SetText(Handle(), text);
+}
+
+bool TreeView::TextPlace(const Node& node, RECT& place) const {
+    const HTREEITEM item = MirrorOf(node);
+    std::memcpy(&place, &item, sizeof item);  // the message takes the item in the place of the first bytes
+    return Send(TVM_GETITEMRECT, TRUE, reinterpret_cast<LPARAM>(&place)) != 0;
 }
 
 Node TreeView::SelectedItem() const {
@@ -124,10 +147,7 @@ POINT TreeView::MenuPoint() const {
     const Node selected = SelectedItem();
     if (!selected) return Control::MenuPoint();
     RECT row{};
-    const HTREEITEM item = MirrorOf(selected);
-    std::memcpy(&row, &item,
-                sizeof(HTREEITEM));  // the message takes the item in the place of the rectangle's first bytes
-    if (!Send(TVM_GETITEMRECT, TRUE, reinterpret_cast<LPARAM>(&row))) return Control::MenuPoint();
+    if (!TextPlace(selected, row)) return Control::MenuPoint();
     RECT client;
     GetClientRect(Handle(), &client);
     POINT point{std::clamp(row.left, client.left, client.right), std::clamp(row.bottom, client.top, client.bottom)};
@@ -135,9 +155,42 @@ POINT TreeView::MenuPoint() const {
     return point;
 }
 
+bool TreeView::AskedToStop() {
+    if (stopExpanding_ || HIWORD(GetQueueStatus(QS_KEY)) == 0) return stopExpanding_;
+    MSG key;
+    while (PeekMessageW(&key, nullptr, WM_KEYFIRST, WM_KEYLAST, PM_REMOVE)) {
+        if (key.message == WM_QUIT) {
+            // WM_QUIT passes every message filter and belongs to the program's own loop.
+            PostQuitMessage(static_cast<int>(key.wParam));
+            stopExpanding_ = true;
+            break;
+        }
+        if (key.message == WM_KEYDOWN && key.wParam == VK_ESCAPE) stopExpanding_ = true;
+    }
+    return stopExpanding_;
+}
+
+Node TreeView::FirstVisible() const {
+    TVITEMW item{};
+    item.mask = TVIF_PARAM | TVIF_HANDLE;
+    item.hItem = reinterpret_cast<HTREEITEM>(Send(TVM_GETNEXTITEM, TVGN_FIRSTVISIBLE));
+    if (item.hItem == nullptr || !Send(TVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&item))) return {};
+    return NodeOf(item.lParam);
+}
+
+int TreeView::ScrolledSideways() const noexcept { return GetScrollPos(Handle(), SB_HORZ); }
+
+void TreeView::ScrollTo(const Node& first, int sideways) {
+    if (first) {
+        const Quiet quiet(quiet_);
+        Send(TVM_SELECTITEM, TVGN_FIRSTVISIBLE, reinterpret_cast<LPARAM>(MirrorOf(first)));
+    }
+    Send(WM_HSCROLL, MAKEWPARAM(SB_THUMBPOSITION, sideways));
+}
+
 // The control's own "*" goes on whatever happens, and cannot be interrupted.
 void TreeView::ExpandAll(const Node& node) {
-    stopExpanding_ = false;
+    ExpectStop();
     const WaitCursor wait;
     const NotTopmost notTopmost;  // once, however many branches are read
     const PaintingHeld held(*this);
@@ -156,17 +209,7 @@ void TreeView::ExpandAll(const Node& node) {
         std::vector<Node> below;
         for (Node child = next.Child(); child; child = child.Next()) below.push_back(child);
         waiting.insert(waiting.end(), below.rbegin(), below.rend());
-        if (HIWORD(GetQueueStatus(QS_KEY)) == 0) continue;
-        MSG key;
-        while (PeekMessageW(&key, nullptr, WM_KEYFIRST, WM_KEYLAST, PM_REMOVE)) {
-            if (key.message == WM_QUIT) {
-                // WM_QUIT passes every message filter and belongs to the program's own loop.
-                PostQuitMessage(static_cast<int>(key.wParam));
-                stopExpanding_ = true;
-                break;
-            }
-            if (key.message == WM_KEYDOWN && key.wParam == VK_ESCAPE) stopExpanding_ = true;
-        }
+        AskedToStop();
     }
     // From the innermost outwards: a branch that does not show yet costs no layout.
     const Quiet quiet(quiet_);
@@ -205,6 +248,10 @@ LRESULT TreeView::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
             if (GetCapture() == Handle()) ReleaseCapture();
         }
         return 0;
+    }
+    if (message == WM_MOUSEMOVE) {
+        RenewTip(lParam);
+        tip_.OnMouse(message, wParam, lParam);
     }
     Answer answer;
     switch (message) {

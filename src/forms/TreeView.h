@@ -5,6 +5,7 @@
 
 #include "forms/Control.h"
 #include "forms/Nodes.h"
+#include "forms/Tooltip.h"
 
 // A hierarchical view of Nodes.
 class TreeView : public Control {
@@ -30,11 +31,24 @@ public:
     // tree without a selection, since the branch that it was in was closed, or since another one was dragged.
     NodeEvent SelChange;
 
+    // What the tip over a node says; empty: its text, where that is cut off.
+    std::function<std::wstring(const Node&)> NodeTip;
+
     // Selects nothing, where the control by itself would select its first node with the focus that comes to it.
     void SetFocus() override;
 
     // While the "*" key opens a branch with everything below it: open no further ones.
     void StopExpanding() noexcept { stopExpanding_ = true; }
+    // Whether that was called, or Escape pressed, since the last time that much was begun to be read (ExpectStop). The
+    // keys that wait are taken out of the queue.
+    bool AskedToStop();
+    void ExpectStop() noexcept { stopExpanding_ = false; }
+
+    // The first node that shows, or nothing, and how far the tree is scrolled to the right, in pixels.
+    Node FirstVisible() const;
+    int ScrolledSideways() const noexcept;
+    // Makes a node the first one that shows, as far as there are enough below it.
+    void ScrollTo(const Node& first, int sideways);
 
     // While one of these lives the tree refuses what would change it or ask for more: clicks, keys, the start of a
     // drag, and other programs that select, open, close, add or remove. Whoever fills a branch may pump messages in the
@@ -52,6 +66,7 @@ public:
     bool RefusesInput() const noexcept { return refusing_ > 0; }
 
     std::wstring DragCaption() const override;  // the selected node
+    void SetFont(HFONT font) override;
 
 protected:
     LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
@@ -85,9 +100,14 @@ private:
     Answer FromAProgram(UINT message, WPARAM wParam, LPARAM lParam);
     // Raises SelChange when something else is selected than `before`.
     void TellFrom(const Node& before);
+    // In client pixels; false for a node that does not show.
+    bool TextPlace(const Node& node, RECT& place) const;
+    void RenewTip(LPARAM point);
     void ForgetClick();  // the button comes up elsewhere, or drags
 
     Nodes nodes_{*this};
+    Tooltip tip_;
+    Node tipped_;  // the one that it is about
     int refusing_ = 0;
     bool clicking_ = false;  // the left button went down on clicked_, or on empty space
     Node clicked_;

@@ -1,3 +1,6 @@
+#include <oleacc.h>
+
+#include "editor/ControlIds.h"
 #include "support/EditorTree.h"
 #include "support/Steps.h"
 
@@ -135,4 +138,55 @@ TEST_F(PaneKeysTest, TheSplitterMovesByKeys) {
                    [] { return LeftWidth() == 110; },
                    // The caret has not moved.
                    [] { return Selection() == L"0-0"; }});
+}
+
+TEST_F(PaneKeysTest, TheCollapseButtonIsPressedByTheKeyboard) {
+    const auto hide = [] { return GetDlgItem(EditorWindow::Find(), IdHide); };
+    const auto unhide = [] { return GetDlgItem(EditorWindow::Find(), IdUnhide); };
+    for (const WORD key : {VK_SPACE, VK_RETURN}) {
+        int width = 0;
+        EXPECT_EQ(L"a", InSteps(L"a", {Focus(Tree0), Press(VK_TAB), Press(VK_TAB), Press(VK_TAB), Press(VK_TAB),
+                                       Focused(hide),
+                                       [&] {
+                                           RECT button;
+                                           GetWindowRect(hide(), &button);
+                                           const UINT dpi = GetDpiForWindow(hide());
+                                           EXPECT_GE(button.right - button.left, MulDiv(24, static_cast<int>(dpi), 96));
+                                           EXPECT_GE(button.bottom - button.top, MulDiv(24, static_cast<int>(dpi), 96));
+                                           width = LeftWidth();
+                                           return true;
+                                       },
+                                       // The other one takes its place, so that the key undoes what it did.
+                                       Press(key), Focused(unhide), [] { return LeftWidth() == 0; }, Press(key),
+                                       Focused(hide), [&] { return LeftWidth() == width; }, Press(VK_TAB),
+                                       Focused(Editor)}));
+    }
+}
+
+TEST_F(PaneKeysTest, ThePressOfAnotherProgramCollapsesTooAndTheMouseLeavesTheFocus) {
+    InSteps(L"a", {Focus(Editor),
+                   [] {
+                       const HWND hide = GetDlgItem(EditorWindow::Find(), IdHide);
+                       // What a screen reader takes it for, and does.
+                       EXPECT_EQ(65536 + 2, SendMessageW(hide, WM_GETOBJECT, 0, OBJID_QUERYCLASSNAMEIDX));
+                       EXPECT_NE(0, SendMessageW(hide, WM_GETDLGCODE, 0, 0) & DLGC_BUTTON);
+                       SendMessageW(hide, BM_CLICK, 0, 0);
+                       EXPECT_EQ(0, LeftWidth());
+                       const HWND unhide = GetDlgItem(EditorWindow::Find(), IdUnhide);
+                       SendMessageW(unhide, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(1, 3));
+                       SendMessageW(unhide, WM_LBUTTONUP, 0, MAKELPARAM(1, 3));
+                       EXPECT_LT(0, LeftWidth());
+                       EXPECT_EQ(Editor(), GetFocus());
+                       return true;
+                   }});
+}
+
+TEST_F(PaneKeysTest, TheFocusLeavesAPaneThatIsHidden) {
+    InSteps(L"a", {Focus(Tree0),
+                   [] {
+                       EditorWindow::Choose(L"View", L"Object Browser");
+                       EXPECT_EQ(0, LeftWidth());
+                       return true;
+                   },
+                   Focused(Editor)});
 }

@@ -115,15 +115,15 @@ TEST_F(LayoutTest, TheStackHasItsGapsAndTheButtonsTheirPlaces) {
         EXPECT_NEAR(Of(Tab(1)).Bottom() + 20, Of(Page(1)).Top, Pixel);
         EXPECT_NEAR(Of(Page(1)).Bottom() + 20, Of(Tab(2)).Top, Pixel);
         EXPECT_NEAR(Of(Tab(3)).Bottom() + 20, Of(Description()).Top, Pixel);
-        EXPECT_NEAR(bottom - 200, Of(Description()).Bottom(), Pixel);
+        EXPECT_NEAR(bottom - 380, Of(Description()).Bottom(), Pixel);
         for (int page = 0; page < 4; ++page) {
             EXPECT_EQ(page == 1, IsWindowEnabled(Page(page)) != FALSE) << page;
         }
         const Place hide = Of(Control(IdHide));
         EXPECT_NEAR(Of(Tab(0)).Right(), hide.Right(), Pixel);
-        EXPECT_NEAR(300, hide.Width, Pixel);
-        EXPECT_NEAR(bottom - 200, hide.Top, Pixel);
-        EXPECT_NEAR(180, hide.Height, Pixel);
+        EXPECT_NEAR(360, hide.Width, Pixel);
+        EXPECT_NEAR(bottom - 380, hide.Top, Pixel);
+        EXPECT_NEAR(360, hide.Height, Pixel);
         EXPECT_FALSE(IsWindowVisible(Control(IdUnhide)));
         const Place grip = Of(Grip());
         EXPECT_NEAR(Of(Tab(0)).Width, grip.Left, Pixel);

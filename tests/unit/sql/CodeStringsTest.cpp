@@ -1,0 +1,151 @@
+#include "sql/CodeStrings.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace {
+
+std::vector<std::wstring> Lines(const std::wstring& text) {
+    std::vector<std::wstring> lines;
+    std::wistringstream all(text);
+    for (std::wstring line; std::getline(all, line, L'\n');) {
+        if (!line.empty() && line.back() == L'\r') line.pop_back();
+        lines.push_back(line);
+    }
+    return lines;
+}
+
+std::wstring Basic(const std::wstring& text) { return Sql::ToBasic(text).Code; }
+
+std::wstring From(const std::wstring& code) { return Sql::FromCode(code).value_or(L"<none>"); }
+
+TEST(ToBasicTest, ALineIsAString) {
+    EXPECT_EQ(L"\"select 1\"", Basic(L"select 1"));
+    EXPECT_EQ(L"\"select \"\"a b\"\" from t\"", Basic(L"select \"a b\" from t"));
+    EXPECT_EQ(L"\"\"", Basic(L""));
+}
+
+TEST(ToBasicTest, LinesAreContinued) {
+    EXPECT_EQ(
+        L"\"select a\" & vbCrLf & _\r\n"
+        L"    vbCrLf & _\r\n"
+        L"    \"from t\"",
+        Basic(L"select a\r\n\r\nfrom t"));
+    EXPECT_EQ(L"\"a\" & vbCrLf", Basic(L"a\r\n"));
+    EXPECT_EQ(L"\"a\" & vbLf & \"b\" & vbCr & \"c\" & vbTab & \"d\"", Basic(L"a\nb\rc\td"));
+}
+
+TEST(ToBasicTest, WhatBasicsEditorCannotHoldIsANumber) {
+    EXPECT_EQ(L"\"a\" & ChrW(1488) & ChrW(1489) & \"b\"", Basic(L"a\u05D0\u05D1b"));
+    EXPECT_EQ(L"ChrW(55357) & ChrW(56832)", Basic(L"\U0001F600"));
+    EXPECT_EQ(L"\"a\" & ChrW(1) & \"b\"", Basic(L"a\u0001b"));
+}
+
+TEST(ToBasicTest, ALineAndAStatementAreNoLongerThanBasicTakes) {
+    for (const wchar_t c : {L'x', L'"', L'\u05D0'}) {
+        const std::wstring code = Basic(std::wstring(9000, c));
+        for (const std::wstring& line : Lines(code)) EXPECT_LE(line.size(), 1023U);
+        EXPECT_EQ(std::wstring(9000, c), From(code));
+    }
+    std::wstring text;
+    for (int line = 0; line < 60; ++line) text += L"line " + std::to_wstring(line) + L"\r\n";
+    const Sql::BasicText basic = Sql::ToBasic(text);
+    EXPECT_EQ(3U, basic.Statements);
+    int continued = 0;
+    for (const std::wstring& line : Lines(basic.Code)) {
+        const bool goesOn = line.ends_with(L" & _");
+        continued = goesOn ? continued + 1 : 0;
+        EXPECT_LE(continued, 24);
+    }
+    EXPECT_TRUE(basic.Code.starts_with(L"SQL = \"line 0\" & vbCrLf & _\r\n"));
+    EXPECT_NE(std::wstring::npos, basic.Code.find(L"\r\nSQL = SQL & \"line 25\""));
+    EXPECT_EQ(text, From(basic.Code));
+}
+
+TEST(ToBasicTest, TwentyFiveLinesAreOneExpression) {
+    std::wstring text = L"0";
+    for (int line = 1; line < 25; ++line) text += L"\r\n" + std::to_wstring(line);
+    EXPECT_EQ(1U, Sql::ToBasic(text).Statements);
+    EXPECT_TRUE(Basic(text).starts_with(L"\"0\""));
+    EXPECT_EQ(2U, Sql::ToBasic(text + L"\r\n25").Statements);
+}
+
+TEST(FromCodeTest, Basic) {
+    EXPECT_EQ(L"select a from t", From(L"sql = \"select a \" & _\r\n      \"from t\""));
+    EXPECT_EQ(L"select \"x\"\r\nfrom t", From(L"SQL = \"select \"\"x\"\"\" & vbCrLf & \"from t\""));
+    EXPECT_EQ(L"a\r\nb\tc\nd\re", From(L"\"a\" & vbNewLine & \"b\" & VBTAB & \"c\" & vbLf & \"d\" & vbCr & \"e\""));
+    EXPECT_EQ(L"a\rb\u05D0", From(L"\"a\" & Chr$(13) & \"b\" & ChrW(&H5D0)"));
+    EXPECT_EQ(L"one two", From(L"s = \"one \" ' it's \"not\" this\r\ns = s & \"two\""));
+    EXPECT_EQ(L"C:\\new\\table", From(L"p = \"C:\\new\" & \"\\table\""));
+    EXPECT_EQ(L"\"Order Details\"", From(L"\"\"\"Order Details\"\"\""));
+    EXPECT_EQ(L"it's", From(L"x = \"it's\" & y"));
+    EXPECT_EQ(L"a\r\nb\r\n", From(L"sb.AppendLine(\"a\")\nsb.AppendLine(\"b\")"));
+}
+
+TEST(FromCodeTest, CSharpAndJava) {
+    EXPECT_EQ(L"select a\nfrom t", From(L"var s = \"select a\\n\" +\r\n    \"from t\";"));
+    EXPECT_EQ(L"select \"a\" \\ \t\u05D0", From(L"s = \"select \\\"a\\\" \\\\ \\t\\u05D0\";"));
+    EXPECT_EQ(L"select \"a\"\nfrom c:\\t", From(L"s = @\"select \"\"a\"\"\r\nfrom c:\\t\";"));
+    EXPECT_EQ(L"where id = {id}", From(L"s = $\"where id = {id}\";"));
+    EXPECT_EQ(L"one two", From(L"s = \"one \" // \"not\" this\r\n  + /* \"nor\" */ \"two\";"));
+    EXPECT_EQ(L"a\r\nb", From(L"s = \"a\" + System.lineSeparator() + \"b\";"));
+    EXPECT_EQ(L"a\r\nb", From(L"s = \"a\" + Environment.NewLine + \"b\";"));
+    EXPECT_EQ(L"a,b", From(L"s = \"a\" + ',' + \"b\";"));
+    EXPECT_EQ(L"\U0001F600", From(L"s = \"\\U0001F600\";"));
+    EXPECT_EQ(L"a\r\nb\r\n", From(L"sb.AppendLine(\"a\"); sb.AppendLine(\"b\");"));
+}
+
+TEST(FromCodeTest, BlocksOfText) {
+    EXPECT_EQ(L"select \"a\"\r\n  from t",
+              From(L"String s = \"\"\"\r\n    select \"a\"\r\n      from t\r\n    \"\"\";"));
+    EXPECT_EQ(L"  a\r\n\r\n  b", From(L"var s = \"\"\"\"\n      a\n\n      b\n    \"\"\"\";"));
+    EXPECT_EQ(L"a", From(L"s = \"\"\"\n    a\"\"\";"));
+}
+
+TEST(FromCodeTest, AStringAlone) {
+    EXPECT_EQ(L"select 1", From(L"\"select 1\""));
+    EXPECT_EQ(L"a\nb", From(L"\"a\\nb\""));
+    EXPECT_EQ(L"say \"x\"", From(L"\"say \"\"x\"\"\""));
+    EXPECT_EQ(L"", From(L"\"\""));
+}
+
+TEST(FromCodeTest, WithoutStringsThereIsNothing) {
+    EXPECT_EQ(L"<none>", From(L""));
+    EXPECT_EQ(L"<none>", From(L"select a from t where b = 1"));
+    EXPECT_EQ(L"<none>", From(L"' \"a comment\""));
+}
+
+TEST(FromCodeTest, AnyTextIsTaken) {
+    const std::wstring pieces[] = {L"\"", L"\"\"\"", L"\\", L"\\u", L"\\x", L"'", L"@", L"$",    L"\n", L"\r",
+                                   L"&",  L"ChrW(",  L")",  L"/*",  L"//",  L"a", L"_", L"0042", L" "};
+    unsigned seed = 20261122;
+    for (int round = 0; round < 20000; ++round) {
+        std::wstring code;
+        for (int piece = 0; piece < 12; ++piece) {
+            seed = seed * 1664525U + 1013904223U;
+            code += pieces[(seed >> 16) % std::size(pieces)];
+        }
+        const std::optional<std::wstring> text = Sql::FromCode(code);
+        EXPECT_LE(text.value_or(L"").size(), 2 * code.size()) << testing::PrintToString(code);
+    }
+}
+
+// Whatever is copied as Basic comes back from it.
+TEST(FromCodeTest, WhatWasCopiedComesBack) {
+    const wchar_t characters[] = L"ab \"'\\&_\r\n\t\u05D0;+@$/*vbCrLf(){}";
+    unsigned seed = 7;
+    for (int round = 0; round < 5000; ++round) {
+        std::wstring text;
+        for (int at = 0; at < 40; ++at) {
+            seed = seed * 1664525U + 1013904223U;
+            text += characters[(seed >> 16) % (std::size(characters) - 1)];
+        }
+        EXPECT_EQ(text, From(Basic(text))) << testing::PrintToString(Basic(text));
+    }
+}
+
+}  // namespace
