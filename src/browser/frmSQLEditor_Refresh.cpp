@@ -118,8 +118,6 @@ void frmSQLEditor::m_ReadAgain() {
     if (Branch.Tag() == NodeKind::Schema) {
         // As a click on it, which reads both folders.
         for (Node Folder = Branch.Child(); Folder; Folder = Folder.Next()) Before.Below.try_emplace(NameOf(Folder));
-        // A schema that is closed already may hold what a click has read.
-        if (!Before.Open) trvDBObjects_Collapse(Branch);
     }
     Branch.SetExpanded(false);
     Branch.SetExpanded(true);

@@ -8,7 +8,17 @@
 
 namespace {
 constexpr const wchar_t* Module = L"frmSQLEditor";
+
+// Whether the editor of Basic, which knows the system's code page alone, can hold the character.
+bool FitsBasic(wchar_t Character) {
+    char Bytes[8];
+    BOOL Replaced = FALSE;
+    // A code page that holds everything refuses the flag; that editor knows nothing of those.
+    return WideCharToMultiByte(CP_ACP, WC_NO_BEST_FIT_CHARS, &Character, 1, Bytes, sizeof Bytes, nullptr, &Replaced) >
+               0 &&
+           !Replaced;
 }
+}  // namespace
 
 void frmSQLEditor::rtbSQL_Change() try {
     rtbSQL.DataChanged = true;
@@ -138,7 +148,7 @@ void frmSQLEditor::mnuEditPaste_Click() try {
 // What is selected, or all of it.
 void frmSQLEditor::m_CopyAsBasic() {
     const std::wstring Selected = rtbSQL.SelText();
-    const Sql::BasicText Basic = Sql::ToBasic(Selected.empty() ? rtbSQL.Text() : Selected);
+    const Sql::BasicText Basic = Sql::ToBasic(Selected.empty() ? rtbSQL.Text() : Selected, FitsBasic);
     if (!m_Copy(Basic.Code, L"m_CopyAsBasic")) return;
     sbStatusBar.ShowNote(Basic.Statements == 1
                              ? std::wstring(L"Copied as a string of Basic.")

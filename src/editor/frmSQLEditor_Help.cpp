@@ -209,7 +209,8 @@ std::wstring frmSQLEditor::m_HelpText() {
         const std::wstring Text = rtbSQL.RawText(0, rtbSQL.RawLength());
         const auto Caret = static_cast<size_t>(std::max(rtbSQL.RawSelection().second, 0L));
         std::wstring Help;
-        for (const Entry& One : EntriesAt(Text, Caret)) Help.append(Help.empty() ? L"" : L"\r\n\r\n").append(HelpOf(One));
+        for (const Entry& One : EntriesAt(Text, Caret))
+            Help.append(Help.empty() ? L"" : L"\r\n\r\n").append(HelpOf(One));
         if (!Help.empty()) return Help;
         const WordsAround Around = WordsAt(Text, Caret);
         sbStatusBar.ShowNote(Around.Words.empty() ? std::wstring(L"There is no word at the caret.")

@@ -19,8 +19,8 @@ constexpr float Margin = 50;           // from the window's sides
 constexpr float SplitterWidth = 40;    // between the panes
 constexpr float TabHeight = 300;
 constexpr float Gap = 20;
-constexpr float CollapseWidth = 360;   // 24 pixels of 96 dpi each way
-constexpr float CollapseHeight = 380;  // with the gap
+constexpr float CollapseWidth = 360;     // 24 pixels of 96 dpi each way
+constexpr float CollapseHeight = 380;    // with the gap
 constexpr float LongestDescription = 7;  // lines
 constexpr int TabCount = 4;
 
@@ -195,9 +195,7 @@ void frmSQLEditor::picHide_Click() try {
     ReportError(Module, L"picHide_Click");
 }
 
-void frmSQLEditor::picUnhide_Click() try {
-    m_ShowLeftPane(static_cast<float>(savedSplit_), picHide);
-} catch (...) {
+void frmSQLEditor::picUnhide_Click() try { m_ShowLeftPane(static_cast<float>(savedSplit_), picHide); } catch (...) {
     ReportError(Module, L"picUnhide_Click");
 }
 

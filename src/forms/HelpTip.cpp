@@ -31,8 +31,7 @@ void HelpTip::Show(HWND owner, const RECT& line, HFONT font, const std::wstring&
     // How large it is is known when it shows: Wine measures no tip before (TTM_GETBUBBLESIZE).
     RECT window{};
     GetWindowRect(tip_, &window);
-    const RECT place =
-        PopupList::PlaceBeside(line, {window.right - window.left, window.bottom - window.top});
+    const RECT place = PopupList::PlaceBeside(line, {window.right - window.left, window.bottom - window.top});
     if (place.left != window.left || place.top != window.top)
         SendMessageW(tip_, TTM_TRACKPOSITION, 0, MAKELPARAM(place.left, place.top));
 }

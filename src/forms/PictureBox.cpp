@@ -79,7 +79,8 @@ LRESULT PictureBox::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
                 RECT client;
                 GetClientRect(Handle(), &client);
                 Events::Raise([&] { Paint(context, client); });
-                if (pushButton_ && HasFocus() && (SendMessageW(Handle(), WM_QUERYUISTATE, 0, 0) & UISF_HIDEFOCUS) == 0) {
+                if (pushButton_ && HasFocus() &&
+                    (SendMessageW(Handle(), WM_QUERYUISTATE, 0, 0) & UISF_HIDEFOCUS) == 0) {
                     RECT inner = client;
                     InflateRect(&inner, -2, -2);
                     SetTextColor(context, GetSysColor(COLOR_BTNTEXT));

@@ -15,8 +15,8 @@ public:
     void SetBackColor(int systemColor) noexcept;
     // Shown while the mouse is over it, IDC_ARROW unless set.
     void SetMousePointer(const wchar_t* systemCursor) noexcept;
-    // Makes it a push button for the keyboard and for screen readers: the Tab key comes to it, Space and Enter press it,
-    // and a rectangle shows that it has the focus. The mouse presses it without giving it the focus.
+    // Makes it a push button for the keyboard and for screen readers: the Tab key comes to it, Space and Enter press
+    // it, and a rectangle shows that it has the focus. The mouse presses it without giving it the focus.
     void SetPushButton();
     // Paints the client area after the background was erased.
     std::function<void(HDC context, const RECT& client)> Paint;

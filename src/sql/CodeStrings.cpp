@@ -1,11 +1,9 @@
 #include "sql/CodeStrings.h"
 
-#include <windows.h>
-
 #include <algorithm>
+#include <cwchar>
+#include <cwctype>
 #include <vector>
-
-#include "automation/Text.h"
 
 namespace Sql {
 namespace {
@@ -16,16 +14,6 @@ namespace {
 constexpr size_t LongestLine = 1000;
 constexpr size_t LongestLiteral = 500;
 constexpr size_t MostLines = 25;
-
-bool InCodePage(std::wstring_view character) {
-    if (character.size() == 1 && character[0] < 0x7F) return true;
-    char bytes[8];
-    BOOL replaced = FALSE;
-    // The flag is refused by code pages that hold everything, of which Basic's editor knows nothing.
-    return WideCharToMultiByte(CP_ACP, WC_NO_BEST_FIT_CHARS, character.data(), static_cast<int>(character.size()),
-                               bytes, sizeof bytes, nullptr, &replaced) > 0 &&
-           !replaced;
-}
 
 const wchar_t* ConstantFor(wchar_t c) noexcept {
     switch (c) {
@@ -41,7 +29,7 @@ const wchar_t* ConstantFor(wchar_t c) noexcept {
 }
 
 // The terms that are joined by "&", line by line.
-std::vector<std::vector<std::wstring>> TermsOf(std::wstring_view text) {
+std::vector<std::vector<std::wstring>> TermsOf(std::wstring_view text, bool (*fits)(wchar_t)) {
     std::vector<std::vector<std::wstring>> lines(1);
     std::wstring literal;
     const auto flush = [&] {
@@ -64,8 +52,7 @@ std::vector<std::vector<std::wstring>> TermsOf(std::wstring_view text) {
             add(constant);
             continue;
         }
-        const bool pair = IS_HIGH_SURROGATE(c) && at + 1 < text.size() && IS_LOW_SURROGATE(text[at + 1]);
-        if (c < L' ' || c == 0x7F || pair || !InCodePage(text.substr(at, 1))) {
+        if (c < L' ' || c == 0x7F || (c > 0x7F && !fits(c))) {
             add(L"ChrW(" + std::to_wstring(static_cast<unsigned>(c)) + L")");
             continue;
         }
@@ -79,9 +66,9 @@ std::vector<std::vector<std::wstring>> TermsOf(std::wstring_view text) {
 }
 
 // The same as lines of code that Basic takes, without what joins them.
-std::vector<std::wstring> CodeLines(std::wstring_view text) {
+std::vector<std::wstring> CodeLines(std::wstring_view text, bool (*fits)(wchar_t)) {
     std::vector<std::wstring> code;
-    for (const std::vector<std::wstring>& terms : TermsOf(text)) {
+    for (const std::vector<std::wstring>& terms : TermsOf(text, fits)) {
         std::wstring line;
         for (const std::wstring& term : terms) {
             if (!line.empty() && line.size() + term.size() > LongestLine) {
@@ -97,8 +84,8 @@ std::vector<std::wstring> CodeLines(std::wstring_view text) {
 
 }  // namespace
 
-BasicText ToBasic(std::wstring_view text) {
-    const std::vector<std::wstring> lines = CodeLines(text);
+BasicText ToBasic(std::wstring_view text, bool (*fits)(wchar_t)) {
+    const std::vector<std::wstring> lines = CodeLines(text, fits);
     BasicText basic;
     basic.Statements = (lines.size() + MostLines - 1) / MostLines;
     const bool variable = basic.Statements > 1;
@@ -118,7 +105,14 @@ BasicText ToBasic(std::wstring_view text) {
 
 namespace {
 
-bool IsWordCharacter(wchar_t c) noexcept { return IsCharAlphaNumericW(c) || c == L'_'; }
+bool IsWordCharacter(wchar_t c) noexcept { return std::iswalnum(c) != 0 || c == L'_'; }
+
+wchar_t Capital(wchar_t c) noexcept { return c >= L'a' && c <= L'z' ? static_cast<wchar_t>(c - L'a' + L'A') : c; }
+
+std::wstring Capitals(std::wstring text) {
+    std::transform(text.begin(), text.end(), text.begin(), Capital);
+    return text;
+}
 
 // Reads one language; what all have in common is here.
 class Reader {
@@ -172,15 +166,16 @@ private:
         while (at_ < code_.size() && IsWordCharacter(code_[at_])) ++at_;
         const std::wstring word(code_.substr(start, at_ - start));
         outside_ += word;
-        if (SameName(word, L"vbCrLf") || SameName(word, L"vbNewLine") || word == L"NewLine" || word == L"lineSeparator")
+        const std::wstring basic = Capitals(word);
+        if (basic == L"VBCRLF" || basic == L"VBNEWLINE" || word == L"NewLine" || word == L"lineSeparator")
             text_ += L"\r\n";
-        else if (SameName(word, L"vbCr"))
+        else if (basic == L"VBCR")
             text_ += L'\r';
-        else if (SameName(word, L"vbLf"))
+        else if (basic == L"VBLF")
             text_ += L'\n';
-        else if (SameName(word, L"vbTab"))
+        else if (basic == L"VBTAB")
             text_ += L'\t';
-        else if (SameName(word, L"Chr") || SameName(word, L"ChrW"))
+        else if (basic == L"CHR" || basic == L"CHRW")
             ReadCharacter();
         else if (word == L"AppendLine")
             appending_ = true;
@@ -285,7 +280,7 @@ protected:
 
 private:
     void ReadQuoted(wchar_t quote) {
-        for (++at_; at_ < code_.size() && code_[at_] != L'\n'; ) {
+        for (++at_; at_ < code_.size() && code_[at_] != L'\n';) {
             if (code_[at_] == quote) {
                 ++at_;
                 return;
@@ -415,7 +410,7 @@ bool HasWord(const std::wstring& text, std::wstring_view word) {
 
 bool LooksLikeBasic(const Reader& basic, const Reader& braces, std::wstring_view code) {
     if (basic.IsWellFormed() != braces.IsWellFormed()) return basic.IsWellFormed();
-    const std::wstring outside = UCase(basic.Outside());
+    const std::wstring outside = Capitals(basic.Outside());
     for (size_t at = outside.find(L'&'); at != outside.npos; at = outside.find(L'&', at + 1)) {
         if (at + 1 < outside.size() && outside[at + 1] == L'&') {
             ++at;

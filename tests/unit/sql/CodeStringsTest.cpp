@@ -19,7 +19,9 @@ std::vector<std::wstring> Lines(const std::wstring& text) {
     return lines;
 }
 
-std::wstring Basic(const std::wstring& text) { return Sql::ToBasic(text).Code; }
+bool Fits(wchar_t c) { return c < 0x100; }
+
+std::wstring Basic(const std::wstring& text) { return Sql::ToBasic(text, Fits).Code; }
 
 std::wstring From(const std::wstring& code) { return Sql::FromCode(code).value_or(L"<none>"); }
 
@@ -53,7 +55,7 @@ TEST(ToBasicTest, ALineAndAStatementAreNoLongerThanBasicTakes) {
     }
     std::wstring text;
     for (int line = 0; line < 60; ++line) text += L"line " + std::to_wstring(line) + L"\r\n";
-    const Sql::BasicText basic = Sql::ToBasic(text);
+    const Sql::BasicText basic = Sql::ToBasic(text, Fits);
     EXPECT_EQ(3U, basic.Statements);
     int continued = 0;
     for (const std::wstring& line : Lines(basic.Code)) {
@@ -69,9 +71,9 @@ TEST(ToBasicTest, ALineAndAStatementAreNoLongerThanBasicTakes) {
 TEST(ToBasicTest, TwentyFiveLinesAreOneExpression) {
     std::wstring text = L"0";
     for (int line = 1; line < 25; ++line) text += L"\r\n" + std::to_wstring(line);
-    EXPECT_EQ(1U, Sql::ToBasic(text).Statements);
+    EXPECT_EQ(1U, Sql::ToBasic(text, Fits).Statements);
     EXPECT_TRUE(Basic(text).starts_with(L"\"0\""));
-    EXPECT_EQ(2U, Sql::ToBasic(text + L"\r\n25").Statements);
+    EXPECT_EQ(2U, Sql::ToBasic(text + L"\r\n25", Fits).Statements);
 }
 
 TEST(FromCodeTest, Basic) {

@@ -44,8 +44,7 @@ TEST_F(CodeKeysTest, AllOfTheTextOrTheSelectionIsCopied) {
     EXPECT_EQ(L"select \"a\"\r\nfrom t",
               InSteps(L"select \"a\"\r\nfrom t",
                       {Select(0, 0), Press('C'), Copied(L"\"select \"\"a\"\"\" & vbCrLf & _\r\n    \"from t\""),
-                       Says(L"Copied as a string of Basic."), Select(11, 15), Press('C'), Copied(L"\"from\""),
-                       [] {
+                       Says(L"Copied as a string of Basic."), Select(11, 15), Press('C'), Copied(L"\"from\""), [] {
                            EXPECT_EQ(L"11-15", Selection());
                            return true;
                        }}));

@@ -92,10 +92,9 @@ TEST_F(HelpTest, SqlOfEveryDatabaseIsExplained) {
 }
 
 TEST_F(HelpTest, WhatIsNotKnownIsSaid) {
-    Run({Help(L"nonsen|se", L"<none>"), {Put(L"nonsen|se"), Press(VK_F1), [] {
-                                             return EditorWindow::Status() ==
-                                                    L"\"nonsense\" is not in the reference of your database.";
-                                         }},
+    Run({Help(L"nonsen|se", L"<none>"),
+         {Put(L"nonsen|se"), Press(VK_F1),
+          [] { return EditorWindow::Status() == L"\"nonsense\" is not in the reference of your database."; }},
          {Put(L"a + | b"), Press(VK_F1), [] { return EditorWindow::Status() == L"There is no word at the caret."; }}});
 }
 
@@ -103,7 +102,8 @@ TEST_F(HelpTest, TheTipStandsAtTheCaretAndGoesWithTheFocus) {
     Run({{Put(L"rollback|"), Press(VK_F1), Shows(L"ROLLBACK\r\n\r\nUndoes all changes made."),
           [] {
               HWND tip = nullptr;
-              while ((tip = FindWindowExW(nullptr, tip, TOOLTIPS_CLASSW, nullptr)) != nullptr && !IsWindowVisible(tip)) {
+              while ((tip = FindWindowExW(nullptr, tip, TOOLTIPS_CLASSW, nullptr)) != nullptr &&
+                     !IsWindowVisible(tip)) {
               }
               RECT place{};
               GetWindowRect(tip, &place);
@@ -217,7 +217,8 @@ TEST_F(HelpTest, ANameThatIsCutOffIsShownWhole) {
                       Tree.Select(Tree.At({}));
                       return true;
                   },
-                  point(0), Shows(longName), point(1), Shows(L"<none>"), [] {
+                  point(0), Shows(longName), point(1), Shows(L"<none>"),
+                  [] {
                       SetCursorPos(0, 0);
                       return true;
                   }});

@@ -145,27 +145,26 @@ TEST_F(PaneKeysTest, TheCollapseButtonIsPressedByTheKeyboard) {
     const auto unhide = [] { return GetDlgItem(EditorWindow::Find(), IdUnhide); };
     for (const WORD key : {VK_SPACE, VK_RETURN}) {
         int width = 0;
-        EXPECT_EQ(L"a", InSteps(L"a", {Focus(Tree0), Press(VK_TAB), Press(VK_TAB), Press(VK_TAB), Press(VK_TAB),
-                                       Focused(hide),
-                                       [&] {
-                                           RECT button;
-                                           GetWindowRect(hide(), &button);
-                                           const UINT dpi = GetDpiForWindow(hide());
-                                           EXPECT_GE(button.right - button.left, MulDiv(24, static_cast<int>(dpi), 96));
-                                           EXPECT_GE(button.bottom - button.top, MulDiv(24, static_cast<int>(dpi), 96));
-                                           width = LeftWidth();
-                                           return true;
-                                       },
-                                       // The other one takes its place, so that the key undoes what it did.
-                                       Press(key), Focused(unhide), [] { return LeftWidth() == 0; }, Press(key),
-                                       Focused(hide), [&] { return LeftWidth() == width; }, Press(VK_TAB),
-                                       Focused(Editor)}));
+        EXPECT_EQ(
+            L"a",
+            InSteps(L"a", {Focus(Tree0), Press(VK_TAB), Press(VK_TAB), Press(VK_TAB), Press(VK_TAB), Focused(hide),
+                           [&] {
+                               RECT button;
+                               GetWindowRect(hide(), &button);
+                               const UINT dpi = GetDpiForWindow(hide());
+                               EXPECT_GE(button.right - button.left, MulDiv(24, static_cast<int>(dpi), 96));
+                               EXPECT_GE(button.bottom - button.top, MulDiv(24, static_cast<int>(dpi), 96));
+                               width = LeftWidth();
+                               return true;
+                           },
+                           // The other one takes its place, so that the key undoes what it did.
+                           Press(key), Focused(unhide), [] { return LeftWidth() == 0; }, Press(key), Focused(hide),
+                           [&] { return LeftWidth() == width; }, Press(VK_TAB), Focused(Editor)}));
     }
 }
 
 TEST_F(PaneKeysTest, ThePressOfAnotherProgramCollapsesTooAndTheMouseLeavesTheFocus) {
-    InSteps(L"a", {Focus(Editor),
-                   [] {
+    InSteps(L"a", {Focus(Editor), [] {
                        const HWND hide = GetDlgItem(EditorWindow::Find(), IdHide);
                        // What a screen reader takes it for, and does.
                        EXPECT_EQ(65536 + 2, SendMessageW(hide, WM_GETOBJECT, 0, OBJID_QUERYCLASSNAMEIDX));

@@ -198,6 +198,23 @@ TEST_F(RefreshTest, TheTreeIsScrolledAsBefore) {
                    }});
 }
 
+TEST_F(RefreshTest, ColumnsThatWereClosedStayClosed) {
+    InSteps(L"a", {Opened(),
+                   [this] {
+                       Tree.Shut(ColumnsOf(L"ORDERS"));
+                       Tree.Select(Folder());
+                       Questions.clear();
+                       return true;
+                   },
+                   F5(), Asks(L"1,HR|ORDERS|ITEMS"),
+                   [this] {
+                       EXPECT_TRUE(IsOpen(Table(L"ORDERS")));
+                       EXPECT_FALSE(IsOpen(ColumnsOf(L"ORDERS")));
+                       EXPECT_TRUE(IsOpen(ColumnsOf(L"ITEMS")));
+                       return true;
+                   }});
+}
+
 TEST_F(RefreshTest, ALostConnectionIsToldOnce) {
     InSteps(L"a", {Opened(), Select([this] { return Folder(); }),
                    [this] {
@@ -240,19 +257,20 @@ TEST_F(RefreshTest, EscapeStopsIt) {
 }
 
 TEST_F(RefreshTest, WithoutASelectionItSaysSoAndInTheEditorItDoesNothing) {
-    InSteps(L"a", {Opened(), Select([] { return static_cast<HTREEITEM>(nullptr); }), F5(),
-                   [] { return EditorWindow::Status() == L"Select what is to be read again in the object browser first."; },
-                   Select([this] { return Folder(); }),
-                   [] {
-                       SetFocus(EditorWindow::Editor());
-                       return true;
-                   },
-                   F5(),
-                   [this] {
-                       EXPECT_EQ(L"a", EditorWindow::Text());
-                       EXPECT_EQ(L"", All());
-                       return true;
-                   }});
+    InSteps(L"a",
+            {Opened(), Select([] { return static_cast<HTREEITEM>(nullptr); }), F5(),
+             [] { return EditorWindow::Status() == L"Select what is to be read again in the object browser first."; },
+             Select([this] { return Folder(); }),
+             [] {
+                 SetFocus(EditorWindow::Editor());
+                 return true;
+             },
+             F5(),
+             [this] {
+                 EXPECT_EQ(L"a", EditorWindow::Text());
+                 EXPECT_EQ(L"", All());
+                 return true;
+             }});
 }
 
 TEST_F(RefreshTest, ALongReadingSaysHowFarItIs) {
