@@ -87,6 +87,9 @@ void frmSQLEditor::m_FindObject() {
     // At the beginning of a name the caret is at that name too.
     if (Name.IsCode && Name.Whole.empty() && Caret < Text.size() && Text[Caret] > L' ')
         Name = Sql::NameAt(Text, Caret + 1, colours_.Dialect());
+    // And behind its closing quote, where another one could be begun.
+    if (Name.IsCode && Name.Whole.empty() && Caret > 0 && Text[Caret - 1] > L' ')
+        Name = Sql::NameAt(Text, Caret - 1, colours_.Dialect());
     if (!Name.IsCode || Name.Whole.empty()) return sbStatusBar.ShowNote(L"There is no name at the caret.");
     const Node Found = NodeNamed(trvDBObjects.Items(), Name.Whole, Name.Qualifiers,
                                  Sql::TablesAt(Text, Caret, colours_.Dialect(), Sql::Words(DBType)));

@@ -163,6 +163,7 @@ void frmSQLEditor::m_Complete() {
     whyNoName_ = WhyNone;
     if (From != To) rtbSQL.RawSelect(To, To);
     lstNames.Open(Handle(), rtbSQL.RawPlace(namePlace_.first), MessageFont(), L"Names");
+    nameBegun_ = Name.Begun;
     names_.Filter(Name.Begun);
     lstNames.SetRows(names_.Rows(), whyNoName_);
 }
@@ -184,6 +185,8 @@ void frmSQLEditor::m_FollowName() {
     const std::wstring Rest = rtbSQL.RawText(To, std::min(To + LongestName, rtbSQL.RawLength()));
     const auto End = Quoted ? Rest.begin() : std::find_if_not(Rest.begin(), Rest.end(), GoesOn);
     namePlace_.second = To + static_cast<long>(End - Rest.begin());
+    // A key tells of the text and of the caret, and the list is made once.
+    if (std::exchange(nameBegun_, Begun) == Begun) return;
     names_.Filter(Begun);
     lstNames.SetRows(names_.Rows(), whyNoName_);
 }

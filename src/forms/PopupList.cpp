@@ -62,7 +62,8 @@ void PopupList::SetRows(size_t count, std::wstring whyNone) {
     if (!IsOpen()) return;
     rows_ = count;
     whyNone_ = std::move(whyNone);
-    Send(LVM_SETITEMCOUNT, std::max<size_t>(count, 1));
+    // The whole list is painted again below, and scrolled to its first row.
+    Send(LVM_SETITEMCOUNT, std::max<size_t>(count, 1), LVSICF_NOINVALIDATEALL | LVSICF_NOSCROLL);
     if (!IsOpen()) return;
     Arrange();
     Select(count > 0 ? 0 : -1);
@@ -97,7 +98,9 @@ void PopupList::Arrange() {
 void PopupList::Select(long row) {
     LVITEMW state{};
     state.stateMask = LVIS_SELECTED | LVIS_FOCUSED;
-    Send(LVM_SETITEMSTATE, static_cast<WPARAM>(-1), reinterpret_cast<LPARAM>(&state));
+    // Not for all rows at once, for which Wine looks at each.
+    const auto before = Send(LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_SELECTED);
+    if (before >= 0) Send(LVM_SETITEMSTATE, static_cast<WPARAM>(before), reinterpret_cast<LPARAM>(&state));
     if (row < 0) return;
     state.state = LVIS_SELECTED | LVIS_FOCUSED;
     Send(LVM_SETITEMSTATE, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&state));

@@ -71,6 +71,7 @@ TEST_F(FindObjectTest, TheNameAtTheCaretIsSelected) {
          Find(L"select * from hr.or|ders", root + L"/HR/Tables/ORDERS"),
          Find(L"select * from \"Sales & C|o\".x", root + L"/Sales & Co"),
          Find(L"select * from hr.\"odd \"\"na|me\"\"\"", root + L"/HR/Tables/odd \"name\""),
+         Find(L"select * from hr.\"ORDERS\"|", root + L"/HR/Tables/ORDERS"),
          Find(L"select * from sales.or|ders", L"<none>"), Find(L"select 'orders|'", L"<none>"),
          Find(L"select nothing|", L"<none>"), Find(L"|", L"<none>")});
 }
