@@ -168,7 +168,9 @@ function(brv_add_test name)
         get_filename_component(arg_LABELS ${CMAKE_CURRENT_SOURCE_DIR} NAME)
     endif()
     # What may take long is begun first, so that nothing long is left for the end.
-    set_tests_properties(${name} PROPERTIES TIMEOUT ${arg_TIMEOUT} COST ${arg_TIMEOUT} LABELS "${arg_LABELS}")
+    # Wine's debugger ends a program that crashed, at times with 0.
+    set_tests_properties(${name} PROPERTIES TIMEOUT ${arg_TIMEOUT} COST ${arg_TIMEOUT} LABELS "${arg_LABELS}"
+        FAIL_REGULAR_EXPRESSION "Unhandled exception:")
 endfunction()
 
 # brv_add_script_test(<name> COMMAND script arguments... [TIMEOUT seconds] [LABELS ...])

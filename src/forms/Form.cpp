@@ -252,7 +252,7 @@ void Form::DisableOthers() {
     const InHostContexts host;
     // After the enumeration: a host may make or destroy windows when one of its own is disabled. It may hide this one.
     for (const HWND window : search.Found) {
-        if (!shown_) return;
+        if (!shown_) return;  // the host has closed it
         if (!IsWindow(window)) continue;
         disabled_.push_back(window);
         EnableWindow(window, FALSE);

@@ -6,6 +6,7 @@
 #include "forms/RichTextBox.h"
 #include "forms/Twips.h"
 #include "support/Errors.h"
+#include "support/Shortage.h"
 
 namespace {
 
@@ -257,6 +258,55 @@ TEST(Form, IsModalAndGivesTheHostItsWindowsBack) {
     EXPECT_EQ(L"controls load activate unload ", WithoutResizes(form.Log));
     DestroyWindow(host);
     DestroyWindow(disabledBefore);
+}
+
+// The list of the host's windows is made while the system enumerates them: what fails there comes out of ShowModal.
+TEST(Form, IsNotShownWhenMemoryIsShortAndTheHostIsEnabled) {
+    const Shortage shortage(GetModuleHandleW(nullptr));
+    std::vector<HWND> hosts;
+    for (int at = 0; at < 6; ++at) hosts.push_back(MakeHostWindow());
+    TestForm form;
+    form.Load();
+    long count = 1;
+    long failed = 0;
+    for (long which = 0; which <= count; ++which) {
+        form.OnActivate = [&] {
+            if (which == 0) count = Shortage::Count();
+            form.Hide();
+        };
+        Shortage::Begin(which, false);
+        try {
+            form.ShowModal();
+        } catch (const std::bad_alloc&) {
+            ++failed;
+        }
+        Shortage::End();
+        EXPECT_FALSE(form.Visible()) << which;
+        for (const HWND host : hosts) EXPECT_TRUE(IsWindowEnabled(host)) << which;
+    }
+    EXPECT_LT(2, count);
+    EXPECT_LT(2, failed);
+    for (const HWND host : hosts) DestroyWindow(host);
+}
+
+// Any program of the session may post them.
+TEST(Form, MessagesThatPointToNothingAreNobodys) {
+    TestForm form;
+    form.Load();
+    const RECT before = [&] {
+        RECT place{};
+        GetWindowRect(form.Handle(), &place);
+        return place;
+    }();
+    for (const LPARAM nowhere : {0, 1, 0xFFFF, -1}) {
+        for (const UINT message : {WM_NOTIFY, WM_DRAWITEM, WM_GETMINMAXINFO, WM_DPICHANGED, WM_NCCREATE, WM_CREATE}) {
+            SendMessageW(form.Handle(), message, 0, nowhere);
+            EXPECT_TRUE(IsWindow(form.Handle())) << message;
+        }
+    }
+    RECT after{};
+    GetWindowRect(form.Handle(), &after);
+    EXPECT_TRUE(EqualRect(&before, &after));
 }
 
 TEST(Form, ASecondShowIsAnErrorAndTheWindowStays) {

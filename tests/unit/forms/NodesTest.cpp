@@ -8,6 +8,7 @@
 
 #include "forms/TreeView.h"
 #include "support/Errors.h"
+#include "support/Shortage.h"
 #include "support/TopWindow.h"
 
 namespace {
@@ -163,6 +164,68 @@ TEST(Nodes, ABranchOfAnyDepthIsRemoved) {
         EXPECT_EQ(ErrorNumber::ElementNotFound, NumberOf([&] { below[node].Text(); }));
         EXPECT_EQ(ErrorNumber::ElementNotFound, NumberOf([&] { tree.Items().Item(std::to_wstring(node) + L"k"); }));
     }
+}
+
+// Each allocation of the filling fails once: the window shows what the model holds, and both go on from there.
+TEST(Nodes, AreAddedWhollyOrNotAtAllWhenMemoryIsShort) {
+    const Shortage shortage(GetModuleHandleW(nullptr));
+    constexpr long Few = 58;  // as many as there is room for at first, nearly
+    constexpr long Many = 70;
+    long count = 1;
+    for (long which = 0; which <= count; ++which) {
+        Tree tree;
+        const Node root = tree.Root(L"root");
+        const std::wstring text(30, L'x');
+        const auto add = [&](long at) {
+            tree.Items().Add(root.Index(), TreeRelationship::Child, std::to_wstring(at) + L" of many", text);
+        };
+        for (long at = 0; at < Few; ++at) add(at);
+        long failed = 0;
+        Shortage::Begin(which, false);
+        for (long at = Few; at < Many; ++at) {
+            try {
+                add(at);
+            } catch (const std::bad_alloc&) {
+                ++failed;
+            } catch (const RuntimeError& error) {
+                EXPECT_EQ(ErrorNumber::OutOfMemory, error.Number);
+                ++failed;
+            }
+        }
+        if (which == 0) count = Shortage::End();
+        Shortage::End();
+        ASSERT_EQ(which == 0 ? 0 : 1, failed) << which;
+        ASSERT_EQ(1 + Many - failed, tree.Items().Count()) << which;
+        ASSERT_EQ(1 + Many - failed, tree.Shown()) << which;
+        ASSERT_EQ(Many - failed, root.Children()) << which;
+        for (short at = 1; at <= tree.Items().Count(); ++at) ASSERT_EQ(at, tree.Items().Item(at).Index()) << which;
+        for (long at = 0; at < Many; ++at) {
+            if (NumberOf([&] { tree.Items().Item(std::to_wstring(at) + L" of many"); }) == 0) continue;
+            add(at);  // what failed has left no key
+        }
+        ASSERT_EQ(1 + Many, tree.Items().Count()) << which;
+    }
+    EXPECT_LT(Many - Few, count);
+}
+
+TEST(Nodes, AreRemovedWithoutMemory) {
+    const Shortage shortage(GetModuleHandleW(nullptr));
+    Tree tree;
+    const Node root = tree.Root(L"root", L"a key that is longer than what a string holds without memory");
+    Node parent = root;
+    for (int depth = 0; depth < 40; ++depth) {
+        tree.Child(parent, L"beside");
+        parent = tree.Child(parent, L"below");
+    }
+    const long index = root.Child().Index();
+    const long second = root.Child().Next().Index();
+    Shortage::Begin(1, true);
+    tree.Items().Remove(second);
+    tree.Items().Remove(index);
+    tree.Items().Clear();
+    EXPECT_EQ(0, Shortage::End());
+    EXPECT_EQ(0, tree.Items().Count());
+    EXPECT_EQ(0, tree.Shown());
 }
 
 TEST(TreeView, ExpandAndCollapseAreRaisedOnceEachTime) {

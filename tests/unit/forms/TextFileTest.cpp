@@ -4,6 +4,7 @@
 
 #include "support/Errors.h"
 #include "support/Folder.h"
+#include "support/PatchedFunction.h"
 
 using TextFile::Encoding;
 using TextFile::Format;
@@ -185,6 +186,31 @@ TEST(TextFile, AskNothingOfADevice) {
     for (const wchar_t* path : {L"C:\\pipe\\x", L"\\\\server\\share\\pipe\\x", L"\\\\server\\pipes\\x", L"\\\\?\\C:\\x",
                                 L"\\\\.\\C:\\x", L"pipe\\x"}) {
         EXPECT_EQ(0, NumberOf([&] { TextFile::CheckPath(path); })) << testing::PrintToString(path);
+    }
+}
+
+// A file may turn out to be a pipe when it is opened: by a link, or on another computer.
+TEST(TextFile, WhoeverListensBehindAFileMayNotActInTheUsersName) {
+    static std::vector<DWORD> flags;
+    flags.clear();
+    using CreateFileFunction = HANDLE(WINAPI*)(LPCWSTR, DWORD, DWORD, SECURITY_ATTRIBUTES*, DWORD, DWORD, HANDLE);
+    const CreateFileFunction refuse = [](LPCWSTR, DWORD, DWORD, SECURITY_ATTRIBUTES*, DWORD, DWORD given, HANDLE)
+                                          WINAPI -> HANDLE {
+        flags.push_back(given);
+        SetLastError(ERROR_FILE_NOT_FOUND);
+        return INVALID_HANDLE_VALUE;
+    };
+    const Folder folder;
+    {
+        const PatchedFunction patched(L"kernel32.dll", "CreateFileW", reinterpret_cast<void*>(refuse));
+        ASSERT_TRUE(patched);
+        NumberOf([&] { TextFile::Read(folder / L"a.sql"); });
+        NumberOf([&] { TextFile::Write(folder / L"a.sql", "x"); });
+    }
+    ASSERT_EQ(3U, flags.size());  // what is read, what is written over, and the new file beside it
+    for (const DWORD given : flags) {
+        EXPECT_EQ(DWORD{SECURITY_SQOS_PRESENT | SECURITY_IDENTIFICATION},
+                  given & (SECURITY_SQOS_PRESENT | SECURITY_VALID_SQOS_FLAGS));
     }
 }
 

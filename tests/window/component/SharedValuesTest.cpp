@@ -129,6 +129,21 @@ TEST_F(SharedValuesTest, WhatWasSetBeforeTheFailureStays) {
     EXPECT_NE(adapter, Dictionary);
 }
 
+// The owner's name says nothing about whether there is a database.
+TEST_F(SharedValuesTest, TheDatabaseIsKeptWhateverItsOwnerIs) {
+    Database.Members.erase(L"CurrentCatalog");
+    const Object first = Database.Make();
+    Editor.Constructor(first);
+    EXPECT_EQ(L" 0  kept none", Values());
+    EXPECT_EQ(first.Dispatch(), HostDatabase.Dispatch());
+    Give(L"CurrentCatalog", L"");
+    Give(L"UserName", L"");
+    const Object second = Database.Make();
+    Editor.Constructor(second);
+    EXPECT_EQ(L" 4 Schemas kept connected", Values());
+    EXPECT_EQ(second.Dispatch(), HostDatabase.Dispatch());
+}
+
 TEST_F(SharedValuesTest, EachConstructorMakesAnAdapterOfItsOwn) {
     Editor.Constructor(Database.Make());
     const auto first = Dictionary;

@@ -69,6 +69,36 @@ private:
     WNDPROC original_;
 };
 
+// Sees each message that is sent to the editor's window, before its procedure does, as a hook of the host does.
+class Hook {
+public:
+    explicit Hook(std::function<void(HWND, UINT, WPARAM)> seen) {
+        current = std::move(seen);
+        hook_ = SetWindowsHookExW(
+            WH_CALLWNDPROC,
+            [](int code, WPARAM own, LPARAM sent) WINAPI -> LRESULT {
+                const auto& message = *reinterpret_cast<const CWPSTRUCT*>(sent);
+                wchar_t name[40]{};
+                GetClassNameW(message.hwnd, name, 40);
+                if (code == HC_ACTION && lstrcmpW(name, L"brvSQLEditorForm") == 0)
+                    current(message.hwnd, message.message, message.wParam);
+                return CallNextHookEx(nullptr, code, own, sent);
+            },
+            nullptr, GetCurrentThreadId());
+        EXPECT_NE(nullptr, hook_);
+    }
+    ~Hook() {
+        UnhookWindowsHookEx(hook_);
+        current = nullptr;
+    }
+    Hook(const Hook&) = delete;
+    Hook& operator=(const Hook&) = delete;
+
+private:
+    static inline std::function<void(HWND, UINT, WPARAM)> current;
+    HHOOK hook_;
+};
+
 class WindowLifeTest : public BrowsedFixture {
 protected:
     Object Editor() {
@@ -169,9 +199,13 @@ TEST_F(WindowLifeTest, ClosedBeforeItShows) {
     for (const UINT when : {WM_ENABLE, WM_ACTIVATE, WM_NCACTIVATE}) {
         for (const bool byDestructor : {true, false}) {
             SCOPED_TRACE(std::to_string(when) + (byDestructor ? ", Destructor" : ", WM_CLOSE"));
+            bool displays = false;
             bool closed = false;
             const auto told = [&](UINT message, WPARAM wParam) {
-                if (message != when || LOWORD(wParam) != FALSE || closed) return;
+                if (when == WM_ENABLE && closed && message == WM_ENABLE) {
+                    EXPECT_TRUE(wParam) << "for no window";
+                }
+                if (!displays || message != when || LOWORD(wParam) != FALSE || closed) return;
                 closed = true;
                 if (byDestructor) {
                     editor.Call(L"Destructor");
@@ -181,11 +215,17 @@ TEST_F(WindowLifeTest, ClosedBeforeItShows) {
             };
             const HostWindow first(told);
             const HostWindow second(told);
-            const HostWindow third;
+            const HostWindow third(told);
+            const Hook hook([&](HWND, UINT message, WPARAM wParam) {
+                if (when == WM_ENABLE && closed && message == WM_SHOWWINDOW) {
+                    EXPECT_FALSE(wParam) << "after it was closed";
+                }
+            });
             std::wstring sql = L"mine";
             const WhenShown shown([] { EditorWindow::Close(); }, WhenShown::Expect::MayStayHidden);
+            displays = true;
             editor.Call(L"Display", ByRef(sql));
-            EXPECT_TRUE(closed || when != WM_ENABLE);
+            EXPECT_TRUE(closed);
             EXPECT_EQ(L"mine", sql);
             EXPECT_TRUE(first.Enabled());
             EXPECT_TRUE(second.Enabled());
@@ -193,6 +233,31 @@ TEST_F(WindowLifeTest, ClosedBeforeItShows) {
             EXPECT_EQ(nullptr, EditorWindow::Find());
             EXPECT_EQ(L"", Errors.Places());
         }
+    }
+    ExpectUsable(editor);
+}
+
+// Where it was asked to show and does not show yet.
+TEST_F(WindowLifeTest, ClosedWhileItIsBeingShown) {
+    const Object editor = Editor();
+    const HostWindow host;
+    for (const UINT when : {WM_SHOWWINDOW, WM_WINDOWPOSCHANGING, WM_ACTIVATE}) {
+        SCOPED_TRACE(when);
+        DisplayAndClose(editor, L"one");
+        bool closed = false;
+        const Hook hook([&](HWND window, UINT message, WPARAM wParam) {
+            if (message != when || (wParam == 0 && when != WM_WINDOWPOSCHANGING) || closed) return;
+            closed = true;
+            SendMessageW(window, WM_CLOSE, 0, 0);
+        });
+        std::wstring sql = L"mine";
+        const WhenShown shown([] { EditorWindow::Close(); }, WhenShown::Expect::MayStayHidden);
+        editor.Call(L"Display", ByRef(sql));
+        EXPECT_TRUE(closed);
+        EXPECT_EQ(L"mine", sql);
+        EXPECT_TRUE(host.Enabled());
+        EXPECT_EQ(nullptr, EditorWindow::Find());
+        EXPECT_EQ(L"", Errors.Places());
     }
     ExpectUsable(editor);
 }

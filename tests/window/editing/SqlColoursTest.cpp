@@ -116,6 +116,35 @@ TEST_F(SqlColoursTest, UndoGoesBackToTheBeginningAndLeavesTheColours) {
     EXPECT_EQ(L"", Errors.Places());
 }
 
+// What is undone may stand anywhere, whatever is selected before and afterwards.
+TEST_F(SqlColoursTest, WhatIsUndoneFarFromTheCaretHasItsColours) {
+    const auto undo = [](LONG caret) {
+        return [caret] {
+            SelectText(caret, caret);
+            SendMessageW(EditorWindow::Editor(), EM_UNDO, 0, 0);
+            SelectText(caret, caret);
+            return true;
+        };
+    };
+    const std::wstring sql = L"a\r\nselect b\r\nc";
+    EXPECT_EQ(sql, InSteps(sql, {[&] { return Pattern(sql) == L".|aaaaaa .|."; },
+                                 [] {
+                                     SelectText(13, 13);
+                                     Type(L" 'x");
+                                     return true;
+                                 },
+                                 [] { return Pattern(L"a\r\nselect b\r\nc 'x") == L".|aaaaaa .|. bb"; }, undo(0),
+                                 [&] { return Pattern(sql) == L".|aaaaaa .|."; },
+                                 [] {
+                                     SelectText(0, 0);
+                                     Type(L"from /*");
+                                     return true;
+                                 },
+                                 [] { return Pattern(L"from /*a\r\nselect b\r\nc") == L"aaaa bbb|bbbbbb b|b"; },
+                                 undo(20), [&] { return Pattern(sql) == L".|aaaaaa .|."; }}));
+    EXPECT_EQ(L"", Errors.Places());
+}
+
 TEST_F(SqlColoursTest, ColoursAreNoChange) {
     const std::wstring sql = L"select 1";
     InSteps(sql, {[&] { return Pattern(sql) == L"aaaaaa b"; },

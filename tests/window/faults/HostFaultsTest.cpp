@@ -148,7 +148,7 @@ TEST_F(HostFaultsTest, ReportsInsideEachOtherHaveAnEnd) {
         const Object held = Object::Attach(shows);
         shows->Define(L"Constructor", [](const Arguments&) { return Variant(); });
         shows->Define(L"ErrorMessage", [&, made](const Arguments&) {
-            if (++reports < 1000) {
+            if (++reports < 200) {
                 std::wstring other = L"another";
                 editor_.Call(L"Display", ByRef(other));
             }
@@ -199,6 +199,41 @@ TEST_F(HostFaultsTest, TheLastReleaseOnAnotherThreadLeavesTheWindowAlone) {
     // The next object has it.
     const Object editor = Dll.Create();
     EXPECT_EQ(L"y", DisplayAndClose(editor, L"y", [&] { EXPECT_EQ(window, EditorWindow::Find()); }));
+    EXPECT_EQ(L"", Errors.Places());
+}
+
+// A host that ends the editor where it happens to be.
+TEST_F(HostFaultsTest, ADestructorOnAnotherThreadIsReportedAndLeavesTheWindow) {
+    const Object editor = Dll.Create();
+    editor.Call(L"Constructor", Object());
+    HWND window = nullptr;
+    DisplayAndClose(editor, L"x", [&] {
+        window = EditorWindow::Find();
+        // A report, so that the error component is there already: it is made on this thread.
+        std::wstring other;
+        editor.Call(L"Display", ByRef(other));
+    });
+    Errors.Reports.clear();
+    const HANDLE thread = CreateThread(
+        nullptr, 0,
+        [](void* there) WINAPI -> DWORD {
+            CoInitializeEx(nullptr, COINIT_MULTITHREADED);
+            const long number = NumberOf([&] { static_cast<const Object*>(there)->Call(L"Destructor"); });
+            CoUninitialize();
+            return static_cast<DWORD>(number);
+        },
+        const_cast<Object*>(&editor), 0, nullptr);
+    ASSERT_EQ(WAIT_OBJECT_0, WaitForSingleObject(thread, 20000));
+    DWORD number = 99;
+    GetExitCodeThread(thread, &number);
+    CloseHandle(thread);
+    EXPECT_EQ(0U, number);
+    EXPECT_EQ(L"clsSQLEditor.Destructor " + std::to_wstring(RPC_E_WRONG_THREAD), Errors.Places());
+    Errors.Reports.clear();
+    ASSERT_TRUE(IsWindow(window));
+    EXPECT_EQ(L"y", DisplayAndClose(editor, L"y", [&] { EXPECT_EQ(window, EditorWindow::Find()); }));
+    editor.Call(L"Destructor");
+    EXPECT_FALSE(IsWindow(window));
     EXPECT_EQ(L"", Errors.Places());
 }
 

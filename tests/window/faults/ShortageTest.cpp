@@ -7,9 +7,9 @@
 #include <string>
 
 #include "Fault.h"
-#include "Shortage.h"
 #include "support/Browsed.h"
 #include "support/Errors.h"
+#include "support/Shortage.h"
 #include "support/TestData.h"
 
 // Each allocation that the component makes in a step fails once, and then it and all that follow: nothing ends the

@@ -162,6 +162,10 @@ TEST_F(OleDropTest, ALargeTextIsAskedForAndALargerOneRefused) {
         L"question: The text is 3 MB large, which takes the editor a while. Do you want to insert it?";
     const std::wstring refused = L"exclamation: The text that was dropped is too large for the editor.";
     EXPECT_EQ(asked, dropped([](TestData& data) { data.AddText(std::wstring(3 * Million, L'x')); }));
+    EXPECT_EQ(L"question: The text is 1 MB large, which takes the editor a while. Do you want to insert it?",
+              dropped([](TestData& data) { data.AddText(std::wstring(Million + 1, L'x')); }));
+    EXPECT_EQ(L"question: The text is 4 MB large, which takes the editor a while. Do you want to insert it?",
+              dropped([](TestData& data) { data.AddText(std::wstring(4 * Million, L'x')); }));
     EXPECT_EQ(refused, dropped([](TestData& data) { data.AddText(std::wstring(4 * Million + 1, L'x')); }));
     EXPECT_EQ(refused, dropped([](TestData& data) { data.Add(CF_TEXT, std::string(4 * Million + 1, 'x')); }));
     EXPECT_EQ(refused,
