@@ -383,7 +383,7 @@ private:
     NameList names_;            // that the open list shows
     std::vector<std::wstring> nameOwners_;  // tables of columns, schemas of tables
     std::pair<long, long> namePlace_{};     // of what the chosen name replaces
-    std::wstring nameBegun_;  // that the list shows the names of
+    std::wstring nameBegun_;                // that the list shows the names of
     std::wstring whyNoName_;
     std::wstring nodeText_;       // what was looked for in the object browser
     bool nameQualified_ = false;  // something and a point stand before it
