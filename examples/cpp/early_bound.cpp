@@ -1,5 +1,6 @@
 // Opens the SQL Editor early-bound, through its interface, and prints the SQL that comes back.
 //   early_bound ["SQL"]
+// With Microsoft's compiler: cl /EHsc /std:c++17 /DUNICODE /D_UNICODE early_bound.cpp ole32.lib oleaut32.lib uuid.lib
 // All that it knows of the component is in the registered type library. Microsoft's compiler reads that itself:
 //   #import "brvSQLEditor.dll" no_namespace
 //   _clsSQLEditorPtr editor(__uuidof(clsSQLEditor));
@@ -115,13 +116,16 @@ int wmain(int count, wchar_t** arguments) {
     if (FAILED(result)) {
         std::fwprintf(stderr, L"brvSQLEditor is not registered for programs of this width (0x%08lX)\n",
                       static_cast<unsigned long>(result));
+        if (type.Functions != nullptr) type.Functions->Release();
+        OleUninitialize();
         return 1;
     }
     IDispatch* database = nullptr;  // the connection object of your add-in; null: no connection
     BSTR sql = SysAllocString(count > 1 ? arguments[1] : L"SELECT 1");
     result = Call(editor, type, L"Constructor", VT_BYREF | VT_DISPATCH, &database);
     if (SUCCEEDED(result)) result = Call(editor, type, L"Display", VT_BYREF | VT_BSTR, &sql);
-    if (SUCCEEDED(result)) result = Call(editor, type, L"Destructor");
+    const HRESULT ended = Call(editor, type, L"Destructor");  // whatever came of it
+    if (SUCCEEDED(result)) result = ended;
     if (SUCCEEDED(result)) {
         std::wprintf(L"%ls\n", sql != nullptr ? sql : L"");
     } else {

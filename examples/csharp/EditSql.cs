@@ -1,68 +1,59 @@
-// Opens the SQL Editor over a connection object that is written here in C#, and prints the SQL that comes back.
-//   csc /r:Microsoft.CSharp.dll EditSql.cs        EditSql ["SQL"]
-// Build it for x86 or x64 as your add-in is. The project's tests compile it only: there is no .NET for Windows where they run.
+// Opens the SQL Editor over a database and prints the SQL that comes back.
+//   csc /r:Microsoft.CSharp.dll EditSql.cs OdbcDatabase.cs        EditSql ["ODBC connection string" ["SQL"]]
+// Build it for x86 or x64 as your add-in is, with the compiler of the .NET Framework (C:\Windows\Microsoft.NET\Framework\v4.0.30319). The
+// project's tests compile it only: there is no .NET for Windows where they run.
 
 using System;
-using System.Collections;
 using System.Runtime.InteropServices;
-using System.Text.RegularExpressions;
-
-/// The least that a connection object has: the editor asks for these members by name.
-[ComVisible(true), ClassInterface(ClassInterfaceType.AutoDispatch)]
-public class Connection
-{
-    public bool Connected { get { return true; } }
-    public string CurrentCatalog { get { return "shop"; } }
-    public string UserName { get { return Environment.UserName; } }
-    public int DBType { get { return 0; } }
-    public string SchemaTerm { get { return "Schema"; } }
-    public Dictionary Dictionary { get { return new Dictionary(); } }
-
-    public string DBTypeName(int type) { return "An example in C#"; }
-    public string FormatName(string name) { return Regex.IsMatch(name, "^[a-z_]+$") ? name : "\"" + name + "\""; }
-}
-
-[ComVisible(true), ClassInterface(ClassInterfaceType.AutoDispatch)]
-public class Dictionary
-{
-    public ArrayList Schemas(object name, bool system) { return new ArrayList { "shop" }; }
-
-    public ArrayList Objects(int type, object schema, object name, object system)
-    {
-        return type == 1 ? new ArrayList { "customer", "order item" } : new ArrayList();
-    }
-
-    // A column is a collection of properties, a property an array: name, value, attribute.
-    public ArrayList Columns(object schema, object table)
-    {
-        return new ArrayList
-        {
-            new ArrayList { new object[] { "COLUMN_NAME", "id", 0 }, new object[] { "TYPE_NAME", "INTEGER", 0 } }
-        };
-    }
-
-    public string DataTypeDesc(int type, int attribute) { return type.ToString(); }
-}
 
 public static class EditSql
 {
+    private const int InvalidClassString = unchecked((int)0x800401F3); // the name is unknown
+    private const int NotRegistered = unchecked((int)0x80040154);      // for programs of the other width, perhaps
+
     [STAThread] // the window needs a single-threaded apartment
-    public static void Main(string[] arguments)
+    public static int Main(string[] arguments)
     {
-        string sql = arguments.Length > 0 ? arguments[0] : "SELECT 1";
-        object connection = new Connection();
-        Type type = Type.GetTypeFromProgID("brvSQLEditor.clsSQLEditor", true);
-        dynamic editor = Activator.CreateInstance(type);
+        OdbcDatabase database = null;
+        try
+        {
+            if (arguments.Length > 0) database = new OdbcDatabase(arguments[0]);
+            Console.WriteLine(Edited(arguments.Length > 1 ? arguments[1] : "SELECT 1", database));
+            return 0;
+        }
+        catch (COMException error)
+        {
+            if (error.ErrorCode == InvalidClassString || error.ErrorCode == NotRegistered)
+                Console.Error.WriteLine("brvSQLEditor is not registered for programs of " + 8 * IntPtr.Size + " bits.");
+            else
+                Console.Error.WriteLine("The SQL Editor failed: " + error.Message);
+            return 1;
+        }
+        catch (System.Data.Odbc.OdbcException error)
+        {
+            Console.Error.WriteLine("The database cannot be used: " + error.Message);
+            return 1;
+        }
+        finally
+        {
+            if (database != null) database.Dispose();
+        }
+    }
+
+    /// <param name="connection">Your connection object, or null.</param>
+    private static string Edited(string sql, object connection)
+    {
+        dynamic editor = Activator.CreateInstance(Type.GetTypeFromProgID("brvSQLEditor.clsSQLEditor", true));
         try
         {
             editor.Constructor(ref connection);
             editor.Display(ref sql);
-            editor.Destructor();
+            return sql;
         }
         finally
         {
-            Marshal.ReleaseComObject(editor);
+            try { editor.Destructor(); }
+            finally { Marshal.ReleaseComObject(editor); }
         }
-        Console.WriteLine(sql);
     }
 }

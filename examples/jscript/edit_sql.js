@@ -31,8 +31,22 @@ function list(items) {
     };
 }
 
-var editor = new ActiveXObject("brvSQLEditor.clsSQLEditor");
-editor.Constructor(database);
-editor.Display(WScript.Arguments.length > 0 ? WScript.Arguments(0) : "SELECT 1");
-editor.Destructor();
+function create() {
+    try {
+        return new ActiveXObject("brvSQLEditor.clsSQLEditor");
+    } catch (error) {
+        WScript.Echo((error.number & 0xFFFF) === 429
+            ? "brvSQLEditor is not registered for programs of this width."
+            : "brvSQLEditor cannot be made: " + error.message);
+        WScript.Quit(1);
+    }
+}
+
+var editor = create();
+try {
+    editor.Constructor(database);
+    editor.Display(WScript.Arguments.length > 0 ? WScript.Arguments(0) : "SELECT 1");
+} finally {
+    editor.Destructor();
+}
 WScript.Echo("The window was closed.");
