@@ -12,4 +12,7 @@ foreach ($view in 'Registry64', 'Registry32') {
     "${view}: $server"
     if (-not (Test-Path $server)) { throw "${view}: there is no such file" }
 }
+$log = "$env:windir\Logs\brvSQLEditor-setup.log"
+if (-not (Select-String -Quiet -SimpleMatch 'Installed (exit code 0)' $log)) { throw "$log does not tell of the installation" }
+if (Test-Path "$env:ProgramFiles\brvSQLEditor\brvSQLEditor.*") { throw 'a folder of the installation itself was left' }
 exit 0
