@@ -4,6 +4,7 @@
 
 #include "support/Browsed.h"
 #include "support/Dialogs.h"
+#include "support/PatchedFunction.h"
 #include "support/TestData.h"
 
 namespace {
@@ -411,6 +412,35 @@ TEST_F(FileDropTest, WhatCannotBeInsertedIsToldAndTheRestComes) {
     EXPECT_NE(std::wstring::npos, box.Text.find(L"With 100 MB the file is too large"));
     EXPECT_EQ(L"exclamation", box.Icon);
     EXPECT_EQ(1, box.Buttons);
+    EXPECT_EQ(L"", Errors.Places());
+}
+
+// To ask for the attributes of a pipe, or to open it, is to talk to whoever listens there.
+TEST_F(FileDropTest, APipeIsAskedNothing) {
+    const std::wstring name = L"\\\\.\\pipe\\brv-drop-" + std::to_wstring(GetCurrentProcessId());
+    const HANDLE pipe =
+        CreateNamedPipeW(name.c_str(), PIPE_ACCESS_DUPLEX, PIPE_TYPE_BYTE | PIPE_NOWAIT, 1, 100, 100, 0, nullptr);
+    ASSERT_NE(INVALID_HANDLE_VALUE, pipe);
+    static std::vector<std::wstring> asked;
+    asked.clear();
+    using AttributesFunction = BOOL(WINAPI*)(LPCWSTR, GET_FILEEX_INFO_LEVELS, void*);
+    const AttributesFunction note = [](LPCWSTR path, GET_FILEEX_INFO_LEVELS, void*) WINAPI -> BOOL {
+        asked.emplace_back(path);
+        SetLastError(ERROR_FILE_NOT_FOUND);
+        return FALSE;
+    };
+    BoxAnswerer box;
+    {
+        const PatchedFunction patched(L"kernel32.dll", "GetFileAttributesExW", reinterpret_cast<void*>(note));
+        ASSERT_TRUE(patched);
+        EXPECT_EQ(L"x\r\n", Drop({name, File(L"x.sql", "x")}));
+    }
+    EXPECT_EQ(std::vector<std::wstring>{folder_ + L"\\x.sql"}, asked);
+    EXPECT_FALSE(ConnectNamedPipe(pipe, nullptr));
+    EXPECT_EQ(static_cast<DWORD>(ERROR_PIPE_LISTENING), GetLastError()) << "somebody has opened it";
+    CloseHandle(pipe);
+    EXPECT_EQ(1, box.Boxes);
+    EXPECT_NE(std::wstring::npos, box.Text.find(name + L": "));
     EXPECT_EQ(L"", Errors.Places());
 }
 
