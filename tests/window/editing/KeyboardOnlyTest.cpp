@@ -108,21 +108,12 @@ TEST_F(KeyboardOnlyTest, TheWholeGuide) {
                        Press(VK_F3),
                        Press('C', FCONTROL)};
     // A statement of the Action menu, and taken back.
-    const Steps action{Press('F', FCONTROL | FSHIFT),
-                       Opens(L"Find"),
-                       Write(L"ORDERS"),
-                       Press(VK_RETURN),
+    const Steps action{Press('F', FCONTROL | FSHIFT), Opens(L"Find"), Write(L"ORDERS"), Press(VK_RETURN),
                        Selects(L"ORDERS"),
                        // As a click on it, which reads its columns.
-                       Press(VK_RETURN),
-                       Press('A', FALT),
-                       MenuOpens(),
-                       Press('D'),
+                       Press(VK_RETURN), Press('A', FALT), MenuOpens(), Press('D'),
                        Until([] { return EditorWindow::Text().find(L"DELETE FROM") != std::wstring::npos; }),
-                       Press(VK_F6),
-                       Editing(),
-                       Press('Z', FCONTROL),
-                       Holds(L"select xNAME")};
+                       Press(VK_F6), Editing(), Press('Z', FCONTROL), Holds(L"select xNAME")};
     // The pages, each with an entry of the reference.
     const Steps pages{Press('2', FALT),
                       Until([] { return GetFocus() == View(1); }),
