@@ -124,6 +124,13 @@ bool EndsWindow(Fault fault) {
 
 bool EveryCase() { return std::getenv("BRV_ALL") != nullptr; }
 
+bool IsChosen(size_t number, size_t inARun, size_t inASample) {
+    if (EveryCase()) return true;
+    // Mixed, since faults come in an order that a plain step would always meet at the same ones.
+    const auto mixed = (static_cast<uint32_t>(number) * 2654435761U) >> 16;
+    return mixed % (std::getenv("BRV_SAMPLE") != nullptr ? inASample : inARun) == 0;
+}
+
 bool IsFollowedUp(Fault fault) {
     return EveryCase() || fault == Fault::ObjectError || fault == Fault::Reenters || fault == Fault::Forgets;
 }

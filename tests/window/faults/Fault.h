@@ -57,6 +57,9 @@ bool EndsWindow(Fault fault);
 // Whether BRV_ALL in the environment asks for cases that differ from others in what does not matter where they are. A
 // test run has time for those that stand for them.
 bool EveryCase();
+// Whether a test run takes the case of this number: one in so many, chosen alike in each run and evenly over calls and
+// faults. `inASample`: with BRV_SAMPLE in the environment, where another run takes more.
+bool IsChosen(size_t number, size_t inARun, size_t inASample);
 // Whether the next call is worth a look: after the faults that others are like.
 bool IsFollowedUp(Fault fault);
 // Exceptions that are like ObjectError or OwnError wherever their numbers mean nothing.

@@ -167,11 +167,11 @@ std::vector<Case> CasesOf(const Step& step, const std::vector<std::wstring>& cal
             if (IsWanted(step, member, occurrence, all[member], fault)) cases.push_back({member, occurrence, fault});
         }
     }
-    if (std::getenv("BRV_SAMPLE") == nullptr) return cases;
-    // Every fifth: a step's cases are some of each call and of each fault still.
-    std::vector<Case> sample;
-    for (size_t at = 0; at < cases.size(); at += 5) sample.push_back(cases[at]);
-    return sample;
+    std::vector<Case> chosen;
+    for (size_t at = 0; at < cases.size(); ++at) {
+        if (IsChosen(at, 2, 10)) chosen.push_back(cases[at]);
+    }
+    return chosen;
 }
 
 // BRV_STEP in the environment is the name of the one step that is wanted.

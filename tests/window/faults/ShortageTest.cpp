@@ -180,7 +180,10 @@ protected:
     static constexpr const wchar_t* Mine = L"-- mine";
 
     // Every so many allocations one is taken.
-    static long Stride(long count, long most) { return EveryCase() || count <= most ? 1 : (count + most - 1) / most; }
+    static long Stride(long count, long most) {
+        if (std::getenv("BRV_SAMPLE") != nullptr) most = (most + 3) / 4;
+        return EveryCase() || count <= most ? 1 : (count + most - 1) / most;
+    }
 
     // The control shows what the model holds: each of its items is a node that can be asked. Nothing is painted, which
     // takes most of the time otherwise.

@@ -96,12 +96,13 @@ TEST_F(StartFaultsTest, ConstructorAndDisplay) {
         }
         editor_ = Object();
     };
+    size_t number = 0;
     for (const std::wstring& member : right.Calls) {
         for (const Fault fault : AllFaults) {
             if (fault == Fault::Closes) continue;  // there is no window yet
             // Where the one is reported so is the other.
             const bool alike = IsSpecialNumber(fault) || fault == Fault::MissingMember || fault == Fault::OwnLimit;
-            if (alike && !EveryCase()) continue;
+            if ((alike && !EveryCase()) || !IsChosen(number++, 1, 5)) continue;
             // The first call stands for the others of its procedure in what comes after it.
             const bool first = member == right.Calls.front() || member == L"DBTypeName";
             run({member, 1, fault}, false, EveryCase() || (first && IsFollowedUp(fault)));
