@@ -56,6 +56,7 @@ Var Scope          ; "User" or "Machine": whose folders, list of programs and cl
 Var ClassScope     ; the same, where the classes are registered
 Var SharedClasses  ; "1": COM looks at the classes of the machine alone, so both scopes register there
 Var Parameters     ; of the command line, without /D=
+Var GivenScope     ; "1": the command line has told for whom
 Var GivenFolder    ; that of /D=, which is not among the parameters that an installer sees
 Var Repairing      ; "1": install what is there once more
 Var ForUser        ; the radio buttons of the page
@@ -246,6 +247,7 @@ Function .onInit
     StrCpy $Scope "User"
     StrCpy $Repairing ""
     StrCpy $RemoveUserCopy ""
+    StrCpy $GivenScope ""
     StrCpy $Stage 0
     Call HasRights
     Pop $0
@@ -261,6 +263,7 @@ Function .onInit
     ClearErrors
     ${GetOptions} $R0 "/CurrentUser" $R1
     ${IfNot} ${Errors}
+        StrCpy $GivenScope 1
         StrCpy $Scope "User"
     ${EndIf}
     ClearErrors
@@ -367,12 +370,13 @@ Function ScopePage
     Pop $ForEverybody
     ${NSD_CreateLabel} 10u 52u 90% 36u "Programs that run with administrator's rights find only what is installed for everybody."
     Pop $0
-    ; What is there already is what is most likely meant.
+    ; Where nobody has told, what is there already is what is most likely meant.
     ReadRegStr $0 HKLM "${UNINSTALL_KEY}" "InstallLocation"
     ReadRegStr $1 HKCU "${UNINSTALL_KEY}" "InstallLocation"
     ${If} $Scope == "Machine"
         ${NSD_Check} $ForEverybody
-    ${ElseIf} $0 != ""
+    ${ElseIf} $GivenScope != 1
+    ${AndIf} $0 != ""
     ${AndIf} $1 == ""
         ${NSD_Check} $ForEverybody
     ${Else}

@@ -23,6 +23,7 @@ Public Sub EditActiveCellSQL()
         Exit Sub
     End If
     If IsError(Cell.Value) Then Exit Sub
+    If Cell.Worksheet.ProtectContents And Cell.Locked Then Exit Sub
     ' A cell breaks lines with LF, the editor with CR LF.
     Before = Replace(CStr(Cell.Value), vbCrLf, vbLf)
     SQL = Before
@@ -30,16 +31,19 @@ Public Sub EditActiveCellSQL()
     On Error GoTo Failed
     Set Editor = CreateObject("brvSQLEditor.clsSQLEditor")
     Editor.Constructor OpenDatabase()
-    Editor.Display SQL
+    Do
+        Editor.Display SQL
+        SQL = Replace(SQL, vbCrLf, vbLf)
+        If Len(SQL) <= 32767 Then Exit Do
+        ' Not lost: it comes up again.
+        If MsgBox("A cell holds 32,767 characters. Shorten the statement, or save it to a file.", vbRetryCancel, "SQL Editor") = vbCancel Then
+            SQL = Before
+            Exit Do
+        End If
+    Loop
     Editor.Destructor
-    On Error GoTo 0
 
-    SQL = Replace(SQL, vbCrLf, vbLf)
     If SQL = Before Then Exit Sub
-    If Len(SQL) > 32767 Then
-        MsgBox "The statement is longer than a cell can hold (32,767 characters). It was not written back.", vbExclamation, "SQL Editor"
-        Exit Sub
-    End If
     ' The apostrophe keeps a statement that begins with a comment ("--") or "=" from being read as a formula.
     Cell.Value = "'" & SQL
     Exit Sub

@@ -2,6 +2,11 @@
 Class TestCell
     Public Value
     Public HasFormula
+    Public Locked
+    Public ProtectContents
+    Public Property Get Worksheet()
+        Set Worksheet = Me
+    End Property
 End Class
 Class TestRange
     Public RefersToRange
@@ -38,6 +43,7 @@ OpenedWith = ""
 Function IsError(Value)
     IsError = (VarType(Value) = 10)
 End Function
-Sub MsgBox(Text, Buttons, Title)
+Function MsgBox(Text, Buttons, Title)
     WScript.Echo Title & ": " & Text
-End Sub
+    MsgBox = vbRetry
+End Function
