@@ -171,9 +171,7 @@ Object MakeSampleConnection() {
     object->Define(L"UserName", [](const Arguments&) -> Variant { return L""; });
     object->Define(L"SchemaTerm", [](const Arguments&) -> Variant { return L""; });
     object->Define(L"DBType", [](const Arguments&) -> Variant { return 17L; });  // LIMIT
-    object->Define(L"DBTypeName", [](const Arguments&) -> Variant {
-        return L"Sample shop without a database: its SQL cannot be run";
-    });
+    object->Define(L"DBTypeName", [](const Arguments&) -> Variant { return L"Sample only: its SQL cannot be run"; });
     object->Define(L"FormatName", [](const Arguments& arguments) -> Variant {
         IdentifierRules rules;
         rules.Keywords = OdbcKeywords();
