@@ -10,22 +10,9 @@
 // docs/performance.md it may take 50 ms to be there, and each key 16.
 namespace {
 
-HWND NameList() {
-    for (HWND list = nullptr; (list = FindWindowExW(nullptr, list, WC_LISTVIEWW, nullptr)) != nullptr;) {
-        if (GetWindow(list, GW_OWNER) == ShownEditor() && IsWindowVisible(list)) return list;
-    }
-    return nullptr;
-}
+using EditorWindow::NameList;
 
-void Press(WORD key, bool control) {
-    BYTE before[256];
-    GetKeyboardState(before);
-    BYTE keys[256]{};
-    if (control) keys[VK_CONTROL] = 0x80;
-    SetKeyboardState(keys);
-    SendMessageW(EditorWindow::Editor(), WM_KEYDOWN, key, 1);
-    SetKeyboardState(before);
-}
+using EditorWindow::PressKey;
 
 class CompletionBench : public BrowsedFixture {};
 
@@ -50,7 +37,7 @@ TEST_F(CompletionBench, TheListAndItsKeys) {
                 EditorWindow::SetText(L"select * from ");
                 EditorWindow::Select(14, 14);
                 const double time = Took([&] {
-                    Press(VK_SPACE, true);
+                    PressKey(VK_SPACE, true);
                     if (NameList() != nullptr) PaintNow(NameList());
                 });
                 EXPECT_NE(nullptr, NameList());
@@ -60,7 +47,7 @@ TEST_F(CompletionBench, TheListAndItsKeys) {
                 {"the list of all names, against the 50 ms it may take", nodes, 1},
                 [&] {
                     const double time = open();
-                    Press(VK_ESCAPE, false);
+                    PressKey(VK_ESCAPE, false);
                     return time;
                 },
                 [] { return 50.0; });
@@ -73,7 +60,7 @@ TEST_F(CompletionBench, TheListAndItsKeys) {
                         if (NameList() != nullptr) PaintNow(NameList());
                     });
                     EXPECT_NE(nullptr, NameList());
-                    Press(VK_ESCAPE, false);
+                    PressKey(VK_ESCAPE, false);
                     return time;
                 },
                 [] { return 16.0; });

@@ -106,6 +106,23 @@ std::wstring EditorWindow::Caption() {
     return text;
 }
 
+HWND EditorWindow::NameList() {
+    for (HWND list = nullptr; (list = FindWindowExW(nullptr, list, WC_LISTVIEWW, nullptr)) != nullptr;) {
+        if (GetWindow(list, GW_OWNER) == Find() && IsWindowVisible(list)) return list;
+    }
+    return nullptr;
+}
+
+void EditorWindow::PressKey(WORD key, bool control) {
+    BYTE before[256];
+    GetKeyboardState(before);
+    BYTE keys[256]{};
+    if (control) keys[VK_CONTROL] = 0x80;
+    SetKeyboardState(keys);
+    SendMessageW(Editor(), WM_KEYDOWN, key, 1);
+    SetKeyboardState(before);
+}
+
 std::wstring EditorWindow::Root() {
     const HWND tree = GetDlgItem(Control(IdLeftPage), IdView);
     wchar_t text[300]{};

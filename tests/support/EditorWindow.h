@@ -24,6 +24,10 @@ std::wstring Caption();
 std::wstring Root();  // text of the object browser's first node, "<none>" when there is none
 void Choose(const wchar_t* menu, const wchar_t* entry);
 void PressReturn();
+// The list of Ctrl+Space; null when none is open.
+HWND NameList();
+// A key goes down in the SQL, with Ctrl or alone, without a loop between.
+void PressKey(WORD key, bool control = false);
 void Close();
 }  // namespace EditorWindow
 

@@ -4,12 +4,7 @@
 
 namespace {
 
-HWND NameList() {
-    for (HWND list = nullptr; (list = FindWindowExW(nullptr, list, WC_LISTVIEWW, nullptr)) != nullptr;) {
-        if (GetWindow(list, GW_OWNER) == EditorWindow::Find() && IsWindowVisible(list)) return list;
-    }
-    return nullptr;
-}
+using EditorWindow::NameList;
 
 std::wstring Cell(int row, int column) {
     wchar_t text[300] = L"";

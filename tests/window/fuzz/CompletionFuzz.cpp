@@ -48,22 +48,9 @@ std::wstring AnyName(Random& random) {
     }
 }
 
-HWND NameList() {
-    for (HWND list = nullptr; (list = FindWindowExW(nullptr, list, WC_LISTVIEWW, nullptr)) != nullptr;) {
-        if (GetWindow(list, GW_OWNER) == EditorWindow::Find() && IsWindowVisible(list)) return list;
-    }
-    return nullptr;
-}
+using EditorWindow::NameList;
 
-void Press(WORD key, bool control = false) {
-    BYTE before[256];
-    GetKeyboardState(before);
-    BYTE keys[256]{};
-    if (control) keys[VK_CONTROL] = 0x80;
-    SetKeyboardState(keys);
-    SendMessageW(EditorWindow::Editor(), WM_KEYDOWN, key, 1);
-    SetKeyboardState(before);
-}
+using EditorWindow::PressKey;
 
 // "|" in the text is the caret.
 void Put(const std::wstring& before, const std::wstring& after) {
@@ -97,10 +84,10 @@ TEST_F(CompletionFuzz, WhatIsOfferedIsWrittenAndFound) {
 
             const std::wstring before = L"select * from HR.";
             Put(before, L"");
-            Press(VK_SPACE, true);
+            PressKey(VK_SPACE, true);
             ASSERT_NE(nullptr, NameList());
             EXPECT_EQ(1, SendMessageW(NameList(), LVM_GETITEMCOUNT, 0, 0));
-            Press(VK_RETURN);
+            PressKey(VK_RETURN);
             EXPECT_EQ(nullptr, NameList());
             ASSERT_EQ(before + Formatted(table), EditorText()) << Shown(table);
 
@@ -108,19 +95,19 @@ TEST_F(CompletionFuzz, WhatIsOfferedIsWrittenAndFound) {
             const auto caret = static_cast<LONG>(before.size() + random.Below(Formatted(table).size() + 1));
             EditorWindow::Select(caret, caret);
             Tree.Select(nullptr);
-            Press(VK_F12);
+            PressKey(VK_F12);
             ASSERT_NE(nullptr, Tree.Selected()) << Shown(table) << " from " << caret;
             EXPECT_EQ(table, NodeText(Tree.Selected()));
 
             const std::wstring rest = L" from HR." + Formatted(table) + L" x";
             Put(L"select x.", rest);
-            Press(VK_SPACE, true);
+            PressKey(VK_SPACE, true);
             ASSERT_NE(nullptr, NameList());
             EXPECT_EQ(1, SendMessageW(NameList(), LVM_GETITEMCOUNT, 0, 0));
-            Press(VK_RETURN);
+            PressKey(VK_RETURN);
             ASSERT_EQ(L"select x." + Formatted(column) + rest, EditorText()) << Shown(column);
             Tree.Select(nullptr);
-            Press(VK_F12);
+            PressKey(VK_F12);
             ASSERT_NE(nullptr, Tree.Selected()) << Shown(column) << " of " << Shown(table);
             EXPECT_EQ(column, NodeText(Tree.Selected()));
         });
@@ -139,12 +126,12 @@ TEST_F(CompletionFuzz, AnyTextIsLookedAt) {
             const auto caret = static_cast<LONG>(random.Below(shown.size() + 1));
             EditorWindow::Select(caret, caret);
             SetFocus(EditorWindow::Editor());
-            Press(VK_SPACE, true);
-            Press(random.Pick({VK_DOWN, VK_NEXT, VK_UP}));
-            Press(VK_ESCAPE);
+            PressKey(VK_SPACE, true);
+            PressKey(random.Pick({VK_DOWN, VK_NEXT, VK_UP}));
+            PressKey(VK_ESCAPE);
             EXPECT_EQ(nullptr, NameList());
-            Press(VK_F12);
-            Press(VK_F1);
+            PressKey(VK_F12);
+            PressKey(VK_F1);
             EXPECT_EQ(shown, EditorText());
         });
     });
