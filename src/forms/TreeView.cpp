@@ -42,7 +42,7 @@ void TreeView::SetFont(HFONT font) {
 }
 
 // The control's own tips show texts that are cut off and nothing else under Wine; one tip does both everywhere.
-void TreeView::RenewTip(LPARAM point) {
+void TreeView::RenewTip(LPARAM point) try {
     bool button = false;
     const Node node = NodeAt(point, button);
     if (node == tipped_) return;
@@ -57,6 +57,8 @@ void TreeView::RenewTip(LPARAM point) {
             text = node.Text();
     }
     tip_.SetText(Handle(), text);
+} catch (...) {
+    // Nobody asked for it: a tip that cannot be made is no failure.
 }
 
 bool TreeView::TextPlace(const Node& node, RECT& place) const {
