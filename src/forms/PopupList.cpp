@@ -39,6 +39,7 @@ void PopupList::Open(HWND owner, const RECT& line, HFONT font, const std::wstrin
     Close();
     line_ = line;
     rows_ = 0;
+    selected_ = -1;
     pressed_ = -1;
     const bool topmost = (GetWindowLongPtrW(owner, GWL_EXSTYLE) & WS_EX_TOPMOST) != 0;
     CreateWindowOf(
@@ -65,6 +66,8 @@ void PopupList::SetRows(size_t count, std::wstring whyNone) {
     // The whole list is painted again below, and scrolled to its first row.
     Send(LVM_SETITEMCOUNT, std::max<size_t>(count, 1), LVSICF_NOINVALIDATEALL | LVSICF_NOSCROLL);
     if (!IsOpen()) return;
+    // The control says nothing of a selection that is behind the end now.
+    if (selected_ >= static_cast<long>(std::max<size_t>(count, 1))) selected_ = -1;
     Arrange();
     Select(count > 0 ? 0 : -1);
     InvalidateRect(Handle(), nullptr, FALSE);
@@ -82,7 +85,7 @@ void PopupList::Arrange() {
                        static_cast<DWORD>(GetWindowLongPtrW(Handle(), GWL_EXSTYLE)));
     const RECT place = PlaceBeside(line_, {window.right - window.left, window.bottom - window.top});
     SetWindowPos(Handle(), nullptr, place.left, place.top, place.right - place.left, place.bottom - place.top,
-                 SWP_NOACTIVATE | SWP_NOZORDER | SWP_NOOWNERZORDER | SWP_SHOWWINDOW);
+                 SWP_NOACTIVATE | SWP_NOZORDER | SWP_NOOWNERZORDER);
     RECT client{};
     GetClientRect(Handle(), &client);
     const LONG bar = static_cast<long>(rows_) > Send(LVM_GETCOUNTPERPAGE) &&
@@ -91,17 +94,18 @@ void PopupList::Arrange() {
                          : 0;
     const LONG width = std::max(client.right - bar, 0L);
     const LONG note = rows_ > 0 ? width * NotePercent / 100 : 0;
-    Send(LVM_SETCOLUMNWIDTH, 0, width - note);
-    Send(LVM_SETCOLUMNWIDTH, 1, note);
+    // Each change of a width paints a list that shows.
+    if (Send(LVM_GETCOLUMNWIDTH, 0) != width - note) Send(LVM_SETCOLUMNWIDTH, 0, width - note);
+    if (Send(LVM_GETCOLUMNWIDTH, 1) != note) Send(LVM_SETCOLUMNWIDTH, 1, note);
+    if (!IsWindowVisible(Handle())) ShowWindow(Handle(), SW_SHOWNA);
 }
 
 void PopupList::Select(long row) {
     LVITEMW state{};
     state.stateMask = LVIS_SELECTED | LVIS_FOCUSED;
-    // Not for all rows at once, for which Wine looks at each.
-    const auto before = Send(LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_SELECTED);
-    if (before >= 0) Send(LVM_SETITEMSTATE, static_cast<WPARAM>(before), reinterpret_cast<LPARAM>(&state));
-    if (row < 0) return;
+    if (selected_ >= 0 && selected_ != row)
+        Send(LVM_SETITEMSTATE, static_cast<WPARAM>(selected_), reinterpret_cast<LPARAM>(&state));
+    if (row < 0 || !IsOpen()) return;
     state.state = LVIS_SELECTED | LVIS_FOCUSED;
     Send(LVM_SETITEMSTATE, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&state));
     Send(LVM_ENSUREVISIBLE, static_cast<WPARAM>(row), FALSE);
@@ -116,10 +120,7 @@ void PopupList::Move(long rows) {
 
 long PopupList::PageRows() const { return std::max(static_cast<long>(Send(LVM_GETCOUNTPERPAGE)), 1L); }
 
-long PopupList::Selected() const {
-    if (!IsOpen() || rows_ == 0) return -1;
-    return static_cast<long>(Send(LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_SELECTED));
-}
+long PopupList::Selected() const { return IsOpen() && rows_ > 0 ? selected_ : -1; }
 
 long PopupList::RowAt(LPARAM point) const {
     LVHITTESTINFO hit{};
@@ -187,11 +188,25 @@ LRESULT PopupList::Draw(LPARAM lParam) const {
     }
 }
 
+// The row is kept, since the control finds it by looking at one after the other.
+void PopupList::FollowSelection(const NMLISTVIEW& change) noexcept {
+    if ((change.uChanged & LVIF_STATE) == 0) return;
+    if ((change.uNewState & LVIS_SELECTED) != 0) {
+        selected_ = change.iItem;
+    } else if ((change.uOldState & LVIS_SELECTED) != 0 && (change.iItem == selected_ || change.iItem < 0)) {
+        selected_ = -1;
+    }
+}
+
 bool PopupList::OnReflected(UINT message, WPARAM, LPARAM lParam, LRESULT& result) {
     if (message != WM_NOTIFY) return false;
     const UINT code = reinterpret_cast<const NMHDR*>(lParam)->code;
     if (code == NM_CUSTOMDRAW) {
         result = Draw(lParam);
+        return true;
+    }
+    if (code == LVN_ITEMCHANGED) {
+        FollowSelection(*reinterpret_cast<const NMLISTVIEW*>(lParam));
         return true;
     }
     if (code != LVN_GETDISPINFOW) return false;

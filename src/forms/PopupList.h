@@ -1,5 +1,8 @@
 #pragma once
 
+#include <windows.h>
+#include <commctrl.h>
+
 #include <string>
 
 #include "forms/Control.h"
@@ -50,10 +53,12 @@ private:
     long RowAt(LPARAM point) const;
     void Select(long row);
     LRESULT Draw(LPARAM lParam) const;
+    void FollowSelection(const NMLISTVIEW& change) noexcept;
     void Arrange();
 
     RECT line_{};
     size_t rows_ = 0;
     std::wstring whyNone_;
+    long selected_ = -1;
     long pressed_ = -1;
 };
