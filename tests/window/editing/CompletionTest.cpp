@@ -45,7 +45,7 @@ protected:
         return [this, text] {
             SetForegroundWindow(EditorWindow::Find());
             Tree.Click(Tree.At({}));
-            if (Tree.Named(Tree.At({}), L"HR") == nullptr) Tree.Click(Tree.At({}));
+            Tree.Open(Tree.At({}));  // a node that is in sight is clicked without a branch opening for it
             Tree.Click(Tree.Named(Tree.At({}), L"HR"));
             Put(text);
             return true;

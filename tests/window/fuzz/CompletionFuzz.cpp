@@ -79,6 +79,7 @@ TEST_F(CompletionFuzz, WhatIsOfferedIsWrittenAndFound) {
             table = AnyName(random);
             column = AnyName(random);
             Tree.Click(Tree.At({}));
+            Tree.Open(Tree.At({}));
             Tree.Click(Tree.Named(Tree.At({}), L"HR"));
             SetFocus(EditorWindow::Editor());
 
@@ -119,6 +120,7 @@ TEST_F(CompletionFuzz, WhatIsOfferedIsWrittenAndFound) {
 TEST_F(CompletionFuzz, AnyTextIsLookedAt) {
     Inside([&] {
         Tree.Click(Tree.At({}));
+        Tree.Open(Tree.At({}));
         Tree.Click(Tree.Named(Tree.At({}), L"HR"));
         ForEachCase(60, [&](Random& random) {
             PutText(AnyText(random, 80));
