@@ -29,6 +29,7 @@ TEST_F(CompletionBench, TheListAndItsKeys) {
         };
         Inside([&] {
             Tree.Click(Tree.At({}));
+            Tree.Open(Tree.At({}));
             Tree.Click(Tree.Named(Tree.At({}), L"HR"));
             const HWND editor = EditorWindow::Editor();
             SetFocus(editor);
