@@ -63,7 +63,7 @@ TEST_F(StatementsBench, OfAFolderOfTables) {
                 Round round;
                 round.Ours = Took([&] { SendMessageW(ShownEditor(), WM_COMMAND, create, 0); });
                 round.Raw = Took([&] {
-                    // The host may show a window of its own: the editor is not topmost meanwhile.
+                    // As the editor does, so that a window that the host shows is not behind it.
                     for (const HWND after : {HWND_NOTOPMOST, HWND_TOPMOST})
                         SetWindowPos(ShownEditor(), after, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
                     // SELECT, COUNT and sample rows format each name once.

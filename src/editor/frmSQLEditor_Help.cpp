@@ -203,7 +203,7 @@ std::wstring frmSQLEditor::m_NodeTip(const Node& Node) {
     return Tip.empty() ? Tip : Node.Text() + L": " + Tip;
 }
 
-// Empty: there is none, which was said in the status bar.
+// Returns the text of the tip. An empty one means that no entry was found; in the SQL the status bar says so.
 std::wstring frmSQLEditor::m_HelpText() {
     if (rtbSQL.HasFocus()) {
         const std::wstring Text = rtbSQL.RawText(0, rtbSQL.RawLength());

@@ -25,7 +25,7 @@ protected:
     LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
 
 private:
-    // What a push button answers; nothing: it is none, or the message is no button's.
+    // Answers what a push button answers. Returns nothing for other boxes and for messages that every box handles.
     std::optional<LRESULT> OnButton(UINT message, WPARAM wParam, LPARAM lParam);
     int backColor_ = COLOR_BTNFACE;
     HCURSOR cursor_ = nullptr;

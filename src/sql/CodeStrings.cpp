@@ -135,7 +135,7 @@ public:
     const std::wstring& Outside() const noexcept { return outside_; }
 
 protected:
-    // Takes a string or a comment; false when there is none here.
+    // Reads the string or the comment that begins at at_. Returns false when neither begins there.
     virtual bool ReadString() = 0;
 
     wchar_t Next(size_t further = 0) const noexcept {
@@ -306,7 +306,7 @@ private:
         }
         wellFormed_ = false;
     }
-    // So many digits of a base at most; false when there is none.
+    // Appends the character of a number with up to `most` digits. Returns false when no digit stands at at_.
     bool ReadNumber(int base, size_t most) {
         unsigned long value = 0;
         size_t digits = 0;

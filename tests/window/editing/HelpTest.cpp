@@ -71,7 +71,7 @@ TEST_F(HelpTest, TheWordAtTheCaretIsLookedUp) {
     Run({Help(L"select in|itcap(a) from t",
               L"INITCAP(s)\r\n\r\nString s, with the first letter of each word capitalized and the rest of it in "
               L"lowercase. A character that is neither letter nor digit ends a word."),
-         // What the database has of its own goes before what all have.
+         // An entry of Oracle, which other databases lack.
          Help(L"comment| on table t is 'x'",
               L"COMMENT\r\n\r\nStores a comment in the data dictionary: COMMENT ON TABLE name IS 'text' for a table or "
               L"view, COMMENT ON COLUMN table.column IS 'text' for a column. An empty text ('') removes it.")});
