@@ -7,6 +7,16 @@ add_compile_definitions(UNICODE _UNICODE WINVER=0x0A00 _WIN32_WINNT=0x0A00)
 add_compile_options($<$<COMPILE_LANGUAGE:CXX>:-Wall> $<$<COMPILE_LANGUAGE:CXX>:-Wextra>
     $<$<COMPILE_LANGUAGE:CXX>:-ffunction-sections> $<$<COMPILE_LANGUAGE:CXX>:-fdata-sections>)
 
+# Most of a compilation is the reading of headers and the making of the same templates: several sources of a target are compiled as one.
+# OFF compiles each apart: quicker for whoever changes one file again and again, and shows whether each includes what it needs.
+option(BRV_JOIN_SOURCES "Compile several sources of a target as one" ON)
+set(CMAKE_UNITY_BUILD ${BRV_JOIN_SOURCES})
+set(CMAKE_UNITY_BUILD_BATCH_SIZE 8)
+if(BRV_JOIN_SOURCES)
+    # It takes a source that is included for a header.
+    add_compile_options($<$<COMPILE_LANGUAGE:CXX>:-Wno-subobject-linkage>)
+endif()
+
 # A build whose every program and DLL ends at the first undefined behaviour, wrong index or damaged block of the heap, for scripts/test-traps.
 # MinGW brings no run-time library for the sanitizers, so a check that fails is an instruction that the processor does not have.
 option(BRV_TRAPS "End at undefined behaviour and at damage to the heap" OFF)
@@ -142,12 +152,13 @@ function(brv_add_program name)
     target_link_libraries(${name} PRIVATE ${arg_LIBRARIES})
 endfunction()
 
-# brv_add_test(<name> SOURCES ... [APP] [RC x.rc] [LIBRARIES ...] [LABELS ...] [ARGUMENTS ...] [TIMEOUT seconds])
+# brv_add_test(<name> SOURCES ... [APP] [SHARED] [RC x.rc] [LIBRARIES ...] [LABELS ...] [ARGUMENTS ...] [TIMEOUT seconds])
 # A GoogleTest program and one ctest entry for it: each start of Wine costs more than most tests. It is linked with what is in
 # tests/support, whose main function it has unless a source brings one. With APP it is a program with a title, its name, and a
-# version, 1.2.3 (see automation/App.h). The label is the last folder of the caller's path.
+# version, 1.2.3 (see automation/App.h). SHARED: takes long and hardly depends on the width, so that ./test runs a
+# third of its cases in the second one. The label is the last folder of the caller's path.
 function(brv_add_test name)
-    cmake_parse_arguments(PARSE_ARGV 1 arg "APP" "TIMEOUT" "SOURCES;RC;LIBRARIES;LABELS;ARGUMENTS")
+    cmake_parse_arguments(PARSE_ARGV 1 arg "APP;SHARED" "TIMEOUT" "SOURCES;RC;LIBRARIES;LABELS;ARGUMENTS")
     if(arg_APP)
         configure_file(${CMAKE_SOURCE_DIR}/cmake/TestApp.cpp.in ${CMAKE_BINARY_DIR}/generated/${name}App.cpp @ONLY)
         list(APPEND arg_SOURCES ${CMAKE_BINARY_DIR}/generated/${name}App.cpp)
@@ -171,6 +182,9 @@ function(brv_add_test name)
     # Wine's debugger ends a program that crashed, at times with 0.
     set_tests_properties(${name} PROPERTIES TIMEOUT ${arg_TIMEOUT} COST ${arg_TIMEOUT} LABELS "${arg_LABELS}"
         FAIL_REGULAR_EXPRESSION "Unhandled exception:")
+    if(arg_SHARED)
+        set_property(TEST ${name} APPEND PROPERTY ENVIRONMENT BRV_IS_SHARED=1)
+    endif()
 endfunction()
 
 # brv_add_script_test(<name> COMMAND script arguments... [TIMEOUT seconds] [LABELS ...])

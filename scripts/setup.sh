@@ -428,9 +428,11 @@ take_slot() {
 
 display_usable() { [ -n "${DISPLAY:-}" ] && timeout 5 xdpyinfo >/dev/null 2>&1; }
 
-# Starts a virtual display with a window manager on a free number and points DISPLAY at it.
+# start_display [bare]: starts a virtual display with a window manager on a free number and points DISPLAY at it. A bare one draws no frames
+# around the windows.
 start_display() {
-    local number="" file tries=0
+    local number="" file tries=0 manager=(openbox --sm-disable)
+    [ "${1:-}" != bare ] || manager+=(--config-file "$BRV_ROOT/scripts/bare-windows.xml")
     mkdir -p "$BRV_LOGS"
     file=$(mktemp "$BRV_LOGS/display.XXXXXX")
     Xvfb -displayfd 3 -screen 0 "${BRV_SCREEN:-1280x1024}x24" -nolisten tcp -noreset 3>"$file" >"$BRV_LOGS/xvfb.log" 2>&1 </dev/null 9>&- &
@@ -447,7 +449,7 @@ start_display() {
     fi
     export DISPLAY=:$number
     unset XAUTHORITY WAYLAND_DISPLAY
-    XDG_CONFIG_HOME=$BRV_BUILD/xdg XDG_CACHE_HOME=$BRV_BUILD/xdg openbox --sm-disable >"$BRV_LOGS/openbox.log" 2>&1 </dev/null 9>&- &
+    XDG_CONFIG_HOME=$BRV_BUILD/xdg XDG_CACHE_HOME=$BRV_BUILD/xdg "${manager[@]}" >"$BRV_LOGS/openbox.log" 2>&1 </dev/null 9>&- &
     BRV_OPENBOX=$!
     # Windows placed before the manager runs would be moved by it.
     for tries in $(seq 50); do

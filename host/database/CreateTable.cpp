@@ -51,11 +51,6 @@ bool IsSize(const std::wstring& size) {
     return digit;
 }
 
-std::wstring Capitals(std::wstring text) {
-    CharUpperBuffW(text.data(), static_cast<DWORD>(text.size()));
-    return text;
-}
-
 bool IsBlank(const std::wstring& text) { return text.find_first_not_of(L" \t") == std::wstring::npos; }
 
 // Some types have their size in the middle: "char() for bit data", "numeric() identity".

@@ -4,13 +4,9 @@
 #include <set>
 
 #include "host/database/DataTypes.h"
+#include "host/database/Identifier.h"
 
 namespace {
-
-std::wstring Capitals(std::wstring text) {
-    CharUpperBuffW(text.data(), static_cast<DWORD>(text.size()));
-    return text;
-}
 
 bool SameText(const std::wstring& a, const std::wstring& b) {
     return CompareStringOrdinal(a.data(), static_cast<int>(a.size()), b.data(), static_cast<int>(b.size()), TRUE) ==

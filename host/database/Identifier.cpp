@@ -10,12 +10,6 @@ bool IsLetter(wchar_t c) { return (c >= L'a' && c <= L'z') || (c >= L'A' && c <=
 
 bool IsDigit(wchar_t c) { return c >= L'0' && c <= L'9'; }
 
-std::wstring Capitals(std::wstring_view text) {
-    std::wstring capitals(text);
-    CharUpperBuffW(capitals.data(), static_cast<DWORD>(capitals.size()));
-    return capitals;
-}
-
 bool NeedsQuotes(const IdentifierRules& rules, std::wstring_view name) {
     if (name.empty()) return true;
     // Databases that fold names to capitals follow the standard in this too: a name begins with a letter.
@@ -32,6 +26,12 @@ bool NeedsQuotes(const IdentifierRules& rules, std::wstring_view name) {
 }
 
 }  // namespace
+
+std::wstring Capitals(std::wstring_view text) {
+    std::wstring capitals(text);
+    CharUpperBuffW(capitals.data(), static_cast<DWORD>(capitals.size()));
+    return capitals;
+}
 
 std::wstring FormatName(const IdentifierRules& rules, std::wstring_view name) {
     if (rules.Quote.empty() || !NeedsQuotes(rules, name)) return std::wstring(name);

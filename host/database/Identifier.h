@@ -25,6 +25,9 @@ struct IdentifierRules {
 // quoted names the name comes back unchanged, whatever is in it.
 std::wstring FormatName(const IdentifierRules& rules, std::wstring_view name);
 
+// The text in capitals, as the user's language has them.
+std::wstring Capitals(std::wstring_view text);
+
 // Splits a list such as SQL_KEYWORDS gives ("a, b,c") and adds its words, in capitals.
 void AddKeywords(std::set<std::wstring>& keywords, std::wstring_view list);
 

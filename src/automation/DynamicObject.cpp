@@ -8,10 +8,6 @@
 namespace {
 
 // These calls set no IErrorInfo; any on the thread is stale.
-void Check(HRESULT result) {
-    if (FAILED(result)) Raise(ErrorFromHresult(result, nullptr));
-}
-
 // The key of the default member, which has no name.
 constexpr const wchar_t* DefaultName = L"";
 constexpr const wchar_t* EnumeratorName = L"_NewEnum";
@@ -109,12 +105,13 @@ bool Arguments::Let(size_t position, const Variant& value) const {
     }
     if (raw == nullptr || (raw->vt & VT_BYREF) == 0 || raw->byref == nullptr) return false;
     if (raw->vt == (VT_BYREF | VT_VARIANT)) {
-        Check(VariantCopy(raw->pvarVal, const_cast<Variant*>(&value)));
+        RaiseIfFailed(VariantCopy(raw->pvarVal, const_cast<Variant*>(&value)));
         return true;
     }
     const auto type = static_cast<VARTYPE>(raw->vt & ~VT_BYREF);
     Variant changed;
-    Check(VariantChangeTypeEx(&changed, const_cast<Variant*>(&value), LOCALE_USER_DEFAULT, VARIANT_ALPHABOOL, type));
+    RaiseIfFailed(
+        VariantChangeTypeEx(&changed, const_cast<Variant*>(&value), LOCALE_USER_DEFAULT, VARIANT_ALPHABOOL, type));
     switch (type) {
         case VT_BSTR:
             std::swap(*raw->pbstrVal, changed.bstrVal);

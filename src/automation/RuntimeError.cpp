@@ -247,6 +247,10 @@ RuntimeError ErrorFromHresult(HRESULT hr, EXCEPINFO* exception) {
     return error;
 }
 
+void RaiseIfFailed(HRESULT hr) {
+    if (FAILED(hr)) Raise(ErrorFromHresult(hr, nullptr));
+}
+
 void CheckHresult(HRESULT hr) {
     if (SUCCEEDED(hr)) return;
     RuntimeError error = ErrorFromHresult(hr, nullptr);

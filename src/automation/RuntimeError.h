@@ -94,6 +94,8 @@ RuntimeError CurrentError() noexcept;
 // know it by; the number that an exception carries is the object's choice and stays, but for the control facility, in
 // which hosts dress the small numbers. `S_OK`-like values are never passed.
 RuntimeError ErrorFromHresult(HRESULT hr, EXCEPINFO* exception);
+// Throws ErrorFromHresult(hr, null) when `hr` is a failure.
+void RaiseIfFailed(HRESULT hr);
 // Throws ErrorFromHresult(hr, null) when `hr` is a failure, with what IErrorInfo of the thread says. Only for calls to
 // objects that set it: elsewhere it may be left over from somebody else's failure.
 void CheckHresult(HRESULT hr);

@@ -18,10 +18,6 @@ void MoveBytes(VARIANT& to, VARIANT& from) noexcept {
 VARIANT* Mutable(const VARIANT* value) noexcept { return const_cast<VARIANT*>(value); }
 
 // These calls set no IErrorInfo; any on the thread is stale.
-void Check(HRESULT result) {
-    if (FAILED(result)) Raise(ErrorFromHresult(result, nullptr));
-}
-
 // How many bytes an element of the type takes in an array, 0 for types that are no variant's value.
 UINT ElementSize(VARTYPE type) noexcept {
     switch (type) {
@@ -95,7 +91,7 @@ Variant::Variant() noexcept { VariantInit(this); }
 
 Variant::Variant(const Variant& other) : VARIANT() {
     VariantInit(this);
-    Check(VariantCopy(this, Mutable(&other)));
+    RaiseIfFailed(VariantCopy(this, Mutable(&other)));
 }
 
 Variant::Variant(Variant&& other) noexcept : VARIANT() { MoveBytes(*this, other); }
@@ -176,7 +172,7 @@ Variant::Variant(const VARIANT& other) : VARIANT() {
     }
     // Windows dereferences the pointer without a check for null.
     if ((value->vt & VT_BYREF) != 0 && value->byref == nullptr) RaiseError(ErrorNumber::TypeMismatch);
-    Check(VariantCopyInd(this, Mutable(value)));
+    RaiseIfFailed(VariantCopyInd(this, Mutable(value)));
 }
 
 Variant Variant::Missing() noexcept {
@@ -208,7 +204,7 @@ Variant Variant::ArrayOf(const std::vector<Variant>& items, long lowerBound) {
     made.vt = VT_ARRAY | VT_VARIANT;
     LONG at = lowerBound;
     for (const Variant& item : items) {
-        Check(SafeArrayPutElement(made.parray, &at, Mutable(&item)));
+        RaiseIfFailed(SafeArrayPutElement(made.parray, &at, Mutable(&item)));
         ++at;
     }
     return made;
@@ -221,7 +217,7 @@ Variant Variant::ArrayOf(std::vector<Variant>&& items, long lowerBound) {
     if (made.parray == nullptr) throw std::bad_alloc();
     made.vt = VT_ARRAY | VT_VARIANT;
     void* data = nullptr;
-    Check(SafeArrayAccessData(made.parray, &data));
+    RaiseIfFailed(SafeArrayAccessData(made.parray, &data));
     auto* element = static_cast<VARIANT*>(data);
     for (Variant& item : items) {
         *element++ = item;  // the array owns it from here on
@@ -289,7 +285,7 @@ Variant Variant::ChangedTo(VARTYPE type) const {
     if (vt == VT_DECIMAL && !IsDecimal(decVal)) RaiseError(ErrorNumber::InvalidProcedureCall);
     Variant changed;
     // Booleans read as words, as the hosts' own conversion writes them.
-    Check(VariantChangeTypeEx(&changed, Mutable(this), LOCALE_USER_DEFAULT, VARIANT_ALPHABOOL, type));
+    RaiseIfFailed(VariantChangeTypeEx(&changed, Mutable(this), LOCALE_USER_DEFAULT, VARIANT_ALPHABOOL, type));
     return changed;
 }
 
@@ -330,7 +326,7 @@ std::vector<Variant> Variant::ToArray() const {
     if (!HoldsElements(parray, type)) RaiseError(ErrorNumber::TypeMismatch);
     // By address: the functions that take an index fail at the extreme values of an index.
     struct Access {
-        explicit Access(SAFEARRAY* array) : Array(array) { Check(SafeArrayAccessData(array, &Data)); }
+        explicit Access(SAFEARRAY* array) : Array(array) { RaiseIfFailed(SafeArrayAccessData(array, &Data)); }
         ~Access() { SafeArrayUnaccessData(Array); }
         SAFEARRAY* Array;
         void* Data = nullptr;

@@ -9,8 +9,6 @@
 
 namespace {
 
-constexpr const wchar_t* Module = L"frmSQLEditor";
-
 // The tree is full: the one error of these events that the user can act on.
 void ReportOrTell(frmSQLEditor& Form, const wchar_t* Routine) {
     if (IsOwnError(CurrentError(), modLists::NodeLimitError)) {
@@ -22,7 +20,7 @@ void ReportOrTell(frmSQLEditor& Form, const wchar_t* Routine) {
                MB_OK | MB_ICONEXCLAMATION);
         return;
     }
-    ReportError(Module, Routine);
+    ReportError(frmSQLEditor::Module, Routine);
 }
 
 }  // namespace

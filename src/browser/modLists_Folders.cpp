@@ -14,7 +14,6 @@
 
 namespace {
 
-constexpr const wchar_t* Module = L"modLists";
 // Stands for the connection's default schema.
 constexpr const wchar_t* CurrentSchema = L"Current Schema";
 
@@ -25,11 +24,6 @@ std::shared_ptr<clsDictionary> Adapter() {
 }
 
 Variant SchemaArgument(const std::wstring& Text) { return Text == CurrentSchema ? Variant::Null() : Variant(Text); }
-
-void ReportUnlessOwn(const wchar_t* Routine) {
-    if (IsOwnError(CurrentError())) throw;
-    ReportError(Module, Routine);
-}
 
 // The owner of a message; null when the host released the window during the call.
 HWND MessageOwner() { return EditorForm != nullptr ? EditorForm->Handle() : nullptr; }

@@ -4,6 +4,7 @@
 
 #include "automation/Variant.h"
 #include "forms/Nodes.h"
+#include "shared/Vocabulary.h"
 
 // The object tree. (The catalogue's half of this module is in catalogue/modLists_Lists.h.)
 namespace modLists {
@@ -24,6 +25,10 @@ inline constexpr const wchar_t* Undefined = L"undefined";
 
 // Raised by m_AddNode, source the application title, when the tree holds as many nodes as it can.
 inline constexpr long NodeLimitError = -2147221502;  // ObjectErrorBase + 2
+
+// In the trap of a procedure: passes an error of the component's own up, so that the user sees one message about a full
+// tree, and reports any other as the procedure's.
+void ReportUnlessOwn(const wchar_t* Routine);
 
 // A value for display: "null" for Null, else its ordinary text.
 std::wstring m_VntToStr(const Variant& Value);

@@ -9,8 +9,6 @@
 
 namespace {
 
-constexpr const wchar_t* Module = L"modLists";
-
 // A placeholder gives an unfilled node its expand button.
 Node AddPlaceholder(Nodes& Nodes, const Node& Parent) {
     return modLists::m_AddNode(Nodes, L"(undefined)", modLists::NodeKind::Undefined, Parent.Index(),
@@ -19,13 +17,12 @@ Node AddPlaceholder(Nodes& Nodes, const Node& Parent) {
 
 [[noreturn]] void RaiseTreeIsFull() { RaiseError(modLists::NodeLimitError, L"Maximum items in TreeView exceeded."); }
 
-// The trap of the procedures that reset a branch: it passes the node limit up, so that the user sees one message.
-void ReportUnlessOwn(const wchar_t* Routine) {
+}  // namespace
+
+void modLists::ReportUnlessOwn(const wchar_t* Routine) {
     if (IsOwnError(CurrentError())) throw;
     ReportError(Module, Routine);
 }
-
-}  // namespace
 
 Node modLists::m_AddNode(::Nodes& Nodes, const std::wstring& Text, const std::wstring& Tag, const Variant& Relative,
                          const Variant& Relationship, const Variant& Key) try {

@@ -5,10 +5,6 @@
 #include "automation/RuntimeError.h"
 #include "errors/modErrorHandler.h"
 
-namespace {
-constexpr const wchar_t* Module = L"clsListItem";
-}
-
 clsListItem::clsListItem() {
     try {
         commands_.emplace();

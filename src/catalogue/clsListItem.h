@@ -12,6 +12,9 @@
 // only read afterwards. A getter that fails reports and returns an empty text or 0.
 class clsListItem {
 public:
+    // What reports and logs call it.
+    static constexpr const wchar_t* Module = L"clsListItem";
+
     clsListItem();
     ~clsListItem();
     clsListItem(const clsListItem&) = delete;

@@ -1,10 +1,6 @@
 #include "editor/frmSQLEditor.h"
 #include "errors/modErrorHandler.h"
 
-namespace {
-constexpr const wchar_t* Module = L"frmSQLEditor";
-}
-
 void frmSQLEditor::lstAnsiSQL_Click() try {
     m_SelectFromListBox(lstAnsiSQL);
     m_EnableActionMenu();

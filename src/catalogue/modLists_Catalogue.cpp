@@ -6,10 +6,6 @@
 #include "errors/modErrorHandler.h"
 #include "shared/modGlobal.h"
 
-namespace {
-constexpr const wchar_t* Module = L"modLists";
-}
-
 void modLists::CreateListItems() try {
     for (const CatalogueSection& Section : CatalogueSections()) {
         for (const CatalogueEntry& Entry : Section.Entries) {

@@ -3,6 +3,7 @@
 #include <string>
 
 #include "catalogue/ItemText.h"
+#include "shared/Vocabulary.h"
 
 // The catalogue and the panes that show it. (The object tree's half of this module is in browser/modLists_Tree.h.)
 namespace modLists {

@@ -10,8 +10,6 @@
 
 namespace {
 
-constexpr const wchar_t* Module = L"modLists";
-
 void FillList(ListBox& List, long Number) {
     {
         const PaintingHeld held(List);

@@ -22,8 +22,6 @@
 
 namespace {
 
-constexpr const wchar_t* Module = L"clsSQLEditor";
-
 enum MemberId : DISPID { IdConstructor = 1, IdDisplay = 2, IdDestructor = 3 };
 
 struct MemberName {
@@ -209,7 +207,7 @@ private:
         conversion();
         return true;
     } catch (...) {
-        ReportError(Module, routine);
+        ReportError(clsSQLEditor::Module, routine);
         return false;
     }
 

@@ -7,8 +7,6 @@
 
 namespace {
 
-constexpr const wchar_t* Module = L"clsSQLEditor";
-
 // Notices, over the time of a Constructor, whether the component has another connection afterwards. A host may well
 // give it the same one before each Display.
 class ConnectionWatch {

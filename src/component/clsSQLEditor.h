@@ -10,6 +10,9 @@
 // none reaches the host.
 class clsSQLEditor {
 public:
+    // What reports and logs call it.
+    static constexpr const wchar_t* Module = L"clsSQLEditor";
+
     clsSQLEditor();
     ~clsSQLEditor();
     clsSQLEditor(const clsSQLEditor&) = delete;

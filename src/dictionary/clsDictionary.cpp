@@ -6,10 +6,6 @@
 #include "forms/NotTopmost.h"
 #include "shared/Vocabulary.h"
 
-namespace {
-constexpr const wchar_t* Module = L"clsDictionary";
-}
-
 clsDictionary::clsDictionary() = default;
 
 // No trap here: nothing in it can fail.

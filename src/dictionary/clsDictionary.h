@@ -8,6 +8,9 @@
 // defaults, and decides which errors of the host go to the caller and which are reported.
 class clsDictionary {
 public:
+    // What reports and logs call it.
+    static constexpr const wchar_t* Module = L"clsDictionary";
+
     clsDictionary();
     ~clsDictionary();
     clsDictionary(const clsDictionary&) = delete;

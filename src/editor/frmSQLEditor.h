@@ -34,6 +34,9 @@ class clsListItem;
 // whose subjects are defined in the files that the banners name.
 class frmSQLEditor : public Form, public std::enable_shared_from_this<frmSQLEditor> {
 public:
+    // What reports and logs call it.
+    static constexpr const wchar_t* Module = L"frmSQLEditor";
+
     frmSQLEditor();
     ~frmSQLEditor() override;
 

@@ -3,7 +3,6 @@
 #include "shared/modGlobal.h"
 
 namespace {
-constexpr const wchar_t* Module = L"frmSQLEditor";
 
 bool IsPress(const MSG& message) noexcept {
     return (message.message >= WM_LBUTTONDOWN && message.message <= WM_MOUSELAST) ||

@@ -15,7 +15,6 @@
 // character.
 namespace {
 
-constexpr const wchar_t* Module = L"frmSQLEditor";
 constexpr long LongestName = 200;  // characters
 
 namespace NodeKind = modLists::NodeKind;

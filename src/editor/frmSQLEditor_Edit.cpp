@@ -7,7 +7,6 @@
 #include "sql/CodeStrings.h"
 
 namespace {
-constexpr const wchar_t* Module = L"frmSQLEditor";
 
 // Whether the editor of Basic, which knows the system's code page alone, can hold the character.
 bool FitsBasic(wchar_t Character) {

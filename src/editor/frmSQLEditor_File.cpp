@@ -6,8 +6,6 @@
 
 namespace {
 
-constexpr const wchar_t* Module = L"frmSQLEditor";
-
 // A step whose errors are not reported. Nothing that makes it look done may follow a step that failed.
 template <class Step>
 std::optional<RuntimeError> FailureOf(Step&& step) {

@@ -9,7 +9,6 @@
 // The windows of Ctrl+H and Ctrl+G. Positions are the control's, a line end being one character.
 namespace {
 
-constexpr const wchar_t* Module = L"frmSQLEditor";
 constexpr const wchar_t* NotFound = L"Not found";
 
 enum Id { FindId = 100, WithId, CaseId, WordsId, SelectionId, ReplaceId, AllId, ResultId, LineId };

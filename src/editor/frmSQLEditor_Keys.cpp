@@ -6,7 +6,6 @@
 // Keys that go from pane to pane and do there what the mouse does.
 namespace {
 
-constexpr const wchar_t* Module = L"frmSQLEditor";
 constexpr float SplitterStep = 150;  // twips
 
 bool IsIn(const Control& Control, HWND Window) noexcept {

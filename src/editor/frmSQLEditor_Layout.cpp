@@ -7,8 +7,6 @@
 // All lengths in twips.
 namespace {
 
-constexpr const wchar_t* Module = L"frmSQLEditor";
-
 constexpr float LeastWidth = 3000;
 constexpr float LeastHeight = 4000;
 constexpr float SplitLimit = 500;      // how near to either side the splitter can be dragged

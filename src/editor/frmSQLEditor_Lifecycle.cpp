@@ -16,7 +16,6 @@
 
 namespace {
 
-constexpr const wchar_t* Module = L"frmSQLEditor";
 constexpr const wchar_t* SettingsSection = L"Settings";
 
 float SavedPlacement(const wchar_t* Key, const wchar_t* Default) {

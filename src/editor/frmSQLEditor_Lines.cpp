@@ -10,7 +10,6 @@
 // Keys that work on whole lines, each as one step of undo. Positions are the control's, a line end being one character.
 namespace {
 
-constexpr const wchar_t* Module = L"frmSQLEditor";
 constexpr size_t Indentation = 4;  // blanks
 constexpr std::wstring_view Blanks = L" \t";
 

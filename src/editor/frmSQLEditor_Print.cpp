@@ -10,8 +10,6 @@
 
 namespace {
 
-constexpr const wchar_t* Module = L"frmSQLEditor";
-
 // Under this name the job stands in the printer's queue.
 std::wstring DocumentName(const std::wstring& FileName) {
     const std::wstring Name = FileName.substr(FileName.find_last_of(L"\\/") + 1);

@@ -5,7 +5,6 @@
 
 namespace {
 
-constexpr const wchar_t* Module = L"frmSQLEditor";
 constexpr long CellLimit = 32767;  // characters that a cell of the sheet holds
 
 std::wstring RowOf(const ListBox& List) {

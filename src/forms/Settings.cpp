@@ -15,8 +15,6 @@ std::wstring PathOf(const std::wstring& application, const std::wstring& section
     return L"Software\\VB and VBA Program Settings\\" + application + L"\\" + section;
 }
 
-RegistryKey Owned(HKEY key) noexcept { return RegistryKey(key); }
-
 }  // namespace
 
 std::wstring GetSetting(const std::wstring& application, const std::wstring& section, const std::wstring& key,
@@ -26,7 +24,7 @@ std::wstring GetSetting(const std::wstring& application, const std::wstring& sec
         ERROR_SUCCESS) {
         return fallback;
     }
-    const RegistryKey owned = Owned(opened);
+    const RegistryKey owned(opened);
     DWORD type = 0;
     DWORD bytes = 0;
     if (RegQueryValueExW(opened, key.c_str(), nullptr, &type, nullptr, &bytes) != ERROR_SUCCESS) return fallback;
@@ -49,7 +47,7 @@ void SaveSetting(const std::wstring& application, const std::wstring& section, c
     LSTATUS status = RegCreateKeyExW(HKEY_CURRENT_USER, PathOf(application, section).c_str(), 0, nullptr, 0,
                                      KEY_SET_VALUE, nullptr, &opened, nullptr);
     if (status != ERROR_SUCCESS) RaiseSystemError(ErrorNumber::InvalidProcedureCall, static_cast<DWORD>(status));
-    const RegistryKey owned = Owned(opened);
+    const RegistryKey owned(opened);
     status = RegSetValueExW(opened, key.c_str(), 0, REG_SZ, reinterpret_cast<const BYTE*>(value.c_str()),
                             static_cast<DWORD>((value.size() + 1) * sizeof(wchar_t)));
     if (status != ERROR_SUCCESS) RaiseSystemError(ErrorNumber::InvalidProcedureCall, static_cast<DWORD>(status));

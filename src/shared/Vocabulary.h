@@ -2,6 +2,14 @@
 
 // Numbers and words that the host's objects, the catalogue and the window's parts have in common.
 
+// What ends a line in the statements and the text.
+inline constexpr const wchar_t* LineBreak = L"\r\n";
+
+// What reports and logs call the module that fills the trees and lists.
+namespace modLists {
+inline constexpr const wchar_t* Module = L"modLists";
+}
+
 // The list of the reference that an entry of the catalogue belongs to.
 namespace CatalogueList {
 inline constexpr long AnsiSql = 1;

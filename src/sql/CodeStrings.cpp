@@ -5,6 +5,8 @@
 #include <cwctype>
 #include <vector>
 
+#include "sql/Characters.h"
+
 namespace Sql {
 namespace {
 
@@ -107,20 +109,18 @@ namespace {
 
 bool IsWordCharacter(wchar_t c) noexcept { return std::iswalnum(c) != 0 || c == L'_'; }
 
-wchar_t Capital(wchar_t c) noexcept { return c >= L'a' && c <= L'z' ? static_cast<wchar_t>(c - L'a' + L'A') : c; }
-
 std::wstring Capitals(std::wstring text) {
     std::transform(text.begin(), text.end(), text.begin(), Capital);
     return text;
 }
 
 // Reads one language; what all have in common is here.
-class Reader {
+class CodeReader {
 public:
-    explicit Reader(std::wstring_view code) noexcept : code_(code) {}
-    virtual ~Reader() = default;
-    Reader(const Reader&) = delete;
-    Reader& operator=(const Reader&) = delete;
+    explicit CodeReader(std::wstring_view code) noexcept : code_(code) {}
+    virtual ~CodeReader() = default;
+    CodeReader(const CodeReader&) = delete;
+    CodeReader& operator=(const CodeReader&) = delete;
 
     void Read() {
         while (at_ < code_.size()) {
@@ -209,9 +209,9 @@ private:
 };
 
 // Strings end with their line; a quote in them is doubled.
-class BasicReader : public Reader {
+class BasicReader : public CodeReader {
 public:
-    using Reader::Reader;
+    using CodeReader::CodeReader;
 
 protected:
     bool ReadString() override {
@@ -237,9 +237,9 @@ protected:
 };
 
 // C# and Java: escapes, verbatim strings, blocks of text between three quotes.
-class BracesReader : public Reader {
+class BracesReader : public CodeReader {
 public:
-    using Reader::Reader;
+    using CodeReader::CodeReader;
 
 protected:
     bool ReadString() override {
@@ -408,7 +408,7 @@ bool HasWord(const std::wstring& text, std::wstring_view word) {
     return false;
 }
 
-bool LooksLikeBasic(const Reader& basic, const Reader& braces, std::wstring_view code) {
+bool LooksLikeBasic(const CodeReader& basic, const CodeReader& braces, std::wstring_view code) {
     if (basic.IsWellFormed() != braces.IsWellFormed()) return basic.IsWellFormed();
     const std::wstring outside = Capitals(basic.Outside());
     for (size_t at = outside.find(L'&'); at != outside.npos; at = outside.find(L'&', at + 1)) {
@@ -443,7 +443,7 @@ std::optional<std::wstring> FromCode(std::wstring_view given) {
     BracesReader braces(code);
     basic.Read();
     braces.Read();
-    const Reader& reader = LooksLikeBasic(basic, braces, code) ? static_cast<const Reader&>(basic) : braces;
+    const CodeReader& reader = LooksLikeBasic(basic, braces, code) ? static_cast<const CodeReader&>(basic) : braces;
     if (!reader.HasStrings()) return std::nullopt;
     return reader.Text();
 }

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 
+#include "sql/Characters.h"
+
 namespace Sql {
 
 namespace {
@@ -33,8 +35,6 @@ constexpr unsigned char ClassOf(wchar_t c) noexcept {
     if (c == L'\xA0' || c == L'\xFEFF' || c == L'\x3000' || (c >= L'\x2000' && c <= L'\x200A')) return Blank;
     return Letter | Inside;
 }
-
-constexpr bool IsLineEnd(wchar_t c) noexcept { return c == L'\r' || c == L'\n'; }
 
 constexpr bool IsDigit(wchar_t c) noexcept { return c >= L'0' && c <= L'9'; }
 

@@ -5,7 +5,7 @@
 namespace Sql {
 
 namespace {
-constexpr wchar_t LineEnd = L'\r';
+constexpr wchar_t EndOfLine = L'\r';
 constexpr unsigned char ColourBits = 0x0F;
 constexpr unsigned char MarkBits = 0xF0;
 constexpr char AnyColour = 0x0E;  // a blank has none that could be seen
@@ -28,7 +28,7 @@ void Lines::SetText(std::wstring_view text, bool plain) {
     marks_.clear();
     lines_.clear();
     lines_.emplace_back();
-    for (size_t at = text_.find(LineEnd); at != text_.npos; at = text_.find(LineEnd, at + 1)) {
+    for (size_t at = text_.find(EndOfLine); at != text_.npos; at = text_.find(EndOfLine, at + 1)) {
         lines_.emplace_back().Start = static_cast<uint32_t>(at + 1);
     }
     unlexed_ = 0;
@@ -76,7 +76,7 @@ void Lines::Replace(size_t position, size_t removed, std::wstring_view inserted,
     shown_.replace(position, removed, inserted.size(), Byte(shown));
 
     // The lines that begin in what came; the first one keeps its state, since it begins where it began.
-    const size_t more = static_cast<size_t>(std::count(inserted.begin(), inserted.end(), LineEnd));
+    const size_t more = static_cast<size_t>(std::count(inserted.begin(), inserted.end(), EndOfLine));
     const size_t fewer = last - first;
     const auto behindFirst = lines_.begin() + static_cast<std::ptrdiff_t>(first) + 1;
     if (more > fewer) {
@@ -86,7 +86,7 @@ void Lines::Replace(size_t position, size_t removed, std::wstring_view inserted,
         lines_.erase(behindFirst, behindFirst + static_cast<std::ptrdiff_t>(fewer - more));
     }
     size_t line = first;
-    for (size_t at = inserted.find(LineEnd); at != inserted.npos; at = inserted.find(LineEnd, at + 1)) {
+    for (size_t at = inserted.find(EndOfLine); at != inserted.npos; at = inserted.find(EndOfLine, at + 1)) {
         lines_[++line].Start = static_cast<uint32_t>(position + at + 1);
     }
     const uint32_t moved = static_cast<uint32_t>(inserted.size() - removed);  // modulo 2^32 where it is negative

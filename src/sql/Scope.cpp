@@ -27,9 +27,9 @@ bool IsAny(std::wstring_view token, std::initializer_list<std::wstring_view> key
 }
 
 // Reads the tables out of one statement, token by token, blanks and comments left out.
-class Reader {
+class ScopeReader {
 public:
-    Reader(std::wstring_view text, std::vector<Token> tokens, const Words& words)
+    ScopeReader(std::wstring_view text, std::vector<Token> tokens, const Words& words)
         : text_(text), tokens_(std::move(tokens)), words_(words) {}
 
     std::vector<TableReference> Read() {
@@ -183,7 +183,7 @@ std::vector<TableReference> TablesAt(std::wstring_view text, size_t caret, const
     while (lexer.Next(token)) {
         if (!IsIgnored(token)) tokens.push_back(token);
     }
-    return Reader(statement, std::move(tokens), words).Read();
+    return ScopeReader(statement, std::move(tokens), words).Read();
 }
 
 }  // namespace Sql

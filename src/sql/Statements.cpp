@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <initializer_list>
 
+#include "sql/Characters.h"
 #include "sql/Lexer.h"
 
 namespace Sql {
@@ -152,8 +153,6 @@ private:
     bool afterHeader_ = false;
     Level ended_ = Level::Block;
 };
-
-bool IsLineEnd(wchar_t c) noexcept { return c == L'\r' || c == L'\n'; }
 
 // Whether nothing but blanks and digits stands between a position and the end of its line.
 bool EndsLine(std::wstring_view text, size_t at, bool digits) noexcept {

@@ -1,5 +1,6 @@
 #include "sql/Words.h"
 
+#include "sql/Characters.h"
 #include "sql/Keywords.h"
 
 namespace Sql {
@@ -32,11 +33,6 @@ std::span<const std::wstring_view> KeywordsOf(long dbType) noexcept {
         default:
             return Keywords::Everywhere;
     }
-}
-
-// By hand, since case mapping must not depend on the user's language.
-constexpr wchar_t Capital(wchar_t c) noexcept {
-    return c >= L'a' && c <= L'z' ? static_cast<wchar_t>(c - L'a' + L'A') : c;
 }
 
 bool Contains(std::span<const std::wstring_view> words, std::wstring_view word) noexcept {

@@ -2,12 +2,8 @@
 #include "editor/frmSQLEditor.h"
 #include "errors/modErrorHandler.h"
 #include "forms/NotTopmost.h"
+#include "shared/Vocabulary.h"
 #include "shared/modGlobal.h"
-
-namespace {
-constexpr const wchar_t* Module = L"frmSQLEditor";
-constexpr const wchar_t* LineBreak = L"\r\n";
-}  // namespace
 
 // Inserts a statement for an entry of the Action menu: on a line of its own, ended by a semicolon.
 void frmSQLEditor::m_InsertStatement(const std::wstring& Statement) {

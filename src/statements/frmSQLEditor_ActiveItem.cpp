@@ -7,9 +7,6 @@
 
 namespace {
 
-constexpr const wchar_t* Module = L"frmSQLEditor";
-constexpr const wchar_t* LineBreak = L"\r\n";
-
 // The texts of an item that is built for a node of the object browser.
 struct ItemTexts {
     std::wstring Select;

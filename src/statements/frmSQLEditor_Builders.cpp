@@ -8,6 +8,7 @@
 #include "browser/modLists_Tree.h"
 #include "editor/frmSQLEditor.h"
 #include "errors/modErrorHandler.h"
+#include "shared/Vocabulary.h"
 #include "shared/modGlobal.h"
 #include "statements/Dialects.h"
 
@@ -15,8 +16,6 @@
 // FormatName.
 namespace {
 
-constexpr const wchar_t* Module = L"frmSQLEditor";
-constexpr const wchar_t* LineBreak = L"\r\n";
 constexpr const wchar_t* Separator = L";\r\n";  // between two statements
 constexpr size_t SeparatorLength = 3;
 
@@ -63,7 +62,7 @@ void Trapped(const wchar_t* Routine, std::wstring& To, Append&& append) {
         append();
     } catch (...) {
         To.resize(Before);
-        ReportError(Module, Routine);
+        ReportError(frmSQLEditor::Module, Routine);
     }
 }
 

@@ -9,12 +9,10 @@
 #include "forms/Rtf.h"
 #include "forms/TextFile.h"
 #include "forms/Twips.h"
+#include "shared/Vocabulary.h"
 #include "shared/modGlobal.h"
 
 namespace {
-
-constexpr const wchar_t* Module = L"frmSQLEditor";
-constexpr const wchar_t* LineBreak = L"\r\n";
 
 // The names in a folder. A placeholder gives no name, but its separator is written on purpose.
 std::wstring JoinChildren(const Node& Folder, const wchar_t* Separator) {

@@ -20,14 +20,6 @@ struct Passed {
     DISPPARAMS Parameters{};
 };
 
-VARIANT Raw(VARTYPE type, void* byref) {
-    VARIANT raw;
-    VariantInit(&raw);
-    raw.vt = type;
-    raw.byref = byref;
-    return raw;
-}
-
 VARIANT Number(LONG value) {
     VARIANT raw;
     VariantInit(&raw);

@@ -14,6 +14,15 @@
 #include "automation/Variant.h"
 #include "support/Errors.h"
 
+// A VARIANT of the type that points at something, as hosts pass variables.
+inline VARIANT Raw(VARTYPE type, void* byref) {
+    VARIANT raw;
+    VariantInit(&raw);
+    raw.vt = type;
+    raw.byref = byref;
+    return raw;
+}
+
 // The items in order, each followed by a bar.
 inline std::wstring Joined(const HostCollection& collection) {
     std::wstring texts;

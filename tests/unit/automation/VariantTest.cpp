@@ -24,14 +24,6 @@ Variant Array(VARTYPE type, const std::vector<T>& items, long lower = 0) {
     return made;
 }
 
-VARIANT Raw(VARTYPE type, void* byref) {
-    VARIANT raw;
-    VariantInit(&raw);
-    raw.vt = type;
-    raw.byref = byref;
-    return raw;
-}
-
 }  // namespace
 
 TEST(VariantTest, TextsOfPlainValues) {

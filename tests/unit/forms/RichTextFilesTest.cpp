@@ -11,12 +11,12 @@ using namespace std::string_literals;
 
 namespace {
 
-struct Editor {
+struct FileEditor {
     TopWindow Top;
     RichTextBox Box;
     int Changes = 0;
     std::wstring Path;
-    Editor() {
+    FileEditor() {
         Box.Create(Top.Handle(), 1);
         Box.SetEditorFont(L"Courier New", 10);
         Box.Move(0, 0, 6000, 5000);
@@ -25,7 +25,7 @@ struct Editor {
         GetTempPathW(MAX_PATH, folder);
         Path = std::wstring(folder) + L"rich text " + std::to_wstring(GetCurrentProcessId()) + L".tmp";
     }
-    ~Editor() { DeleteFileW(Path.c_str()); }
+    ~FileEditor() { DeleteFileW(Path.c_str()); }
     void Load(const std::string& bytes, RichTextBox::FileKind kind) {
         TextFile::Write(Path, bytes);
         Box.LoadFile(Path, kind);
@@ -51,7 +51,7 @@ TEST(RichText, IsKnownByItsBeginningAndItsEnd) {
 }
 
 TEST(RichTextBox, LoadsAFileAsOneChangeThatCannotBeUndone) {
-    Editor editor;
+    FileEditor editor;
     editor.Box.SetText(L"old");
     editor.Changes = 0;
     editor.Load("{\\rtf1 new {\\b text}\\par end}", Rich);
@@ -68,7 +68,7 @@ TEST(RichTextBox, LoadsAFileAsOneChangeThatCannotBeUndone) {
 }
 
 TEST(RichTextBox, PositionsInRichTextAreThoseOfItsText) {
-    Editor editor;
+    FileEditor editor;
     for (const std::string& rich : {"{\\rtf1 a\\line b\\par c}"s, "{\\rtf1 a\\page b\\par c}"s,
                                     "{\\rtf1 \\trowd\\cellx1000\\cellx2000 a\\cell b\\cell\\row\\pard c}"s}) {
         editor.Load(rich, Rich);
@@ -84,7 +84,7 @@ TEST(RichTextBox, PositionsInRichTextAreThoseOfItsText) {
 }
 
 TEST(RichTextBox, AFileThatCannotBeLoadedChangesNothing) {
-    Editor editor;
+    FileEditor editor;
     editor.Load("one\n", Plain);
     editor.Box.SetSelStart(2);
     const TextFile::Format format = editor.Box.FileFormat;
@@ -102,7 +102,7 @@ TEST(RichTextBox, AFileThatCannotBeLoadedChangesNothing) {
 
 // Readers keep groups in a stack and words and names in buffers: the one of Wine writes after theirs.
 TEST(RichTextBox, ARichTextBeyondAllMeasureIsRefused) {
-    Editor editor;
+    FileEditor editor;
     editor.Load("one\n", Plain);
     const auto repeated = [](size_t times, const char* what) {
         std::string all;
@@ -129,7 +129,7 @@ TEST(RichTextBox, ARichTextBeyondAllMeasureIsRefused) {
 
 // Pictures have no place in SQL, and one that is cut off brings the reader of Wine down.
 TEST(RichTextBox, PicturesAndBinaryDataAreLeftOut) {
-    Editor editor;
+    FileEditor editor;
     for (const std::string& picture :
          {"{\\pict\\wmetafile8\\picw100\\pich100 010009000003}"s, "{\\*\\shppict{\\pict\\pngblip 00}}"s,
           "{\\pict\\wmetafile8\\bin5 }}}}}}"s, "{\\p\\bin0 ict\\wmetafile8 010009000003}"s, "\\bin3 {{{"s,
@@ -140,7 +140,7 @@ TEST(RichTextBox, PicturesAndBinaryDataAreLeftOut) {
 }
 
 TEST(RichTextBox, SavesWhatRichTextCannotHoldAsPlainTextOnly) {
-    Editor editor;
+    FileEditor editor;
     editor.Box.SetText(L"a\0b"s);
     TextFile::Write(editor.Path, "old");
     try {
@@ -157,7 +157,7 @@ TEST(RichTextBox, SavesWhatRichTextCannotHoldAsPlainTextOnly) {
 }
 
 TEST(RichTextBox, AnEmptyFileIsAnEmptyText) {
-    Editor editor;
+    FileEditor editor;
     for (const auto kind : {Rich, Plain}) {
         editor.Box.SetText(L"old");
         editor.Load("", kind);
@@ -170,7 +170,7 @@ TEST(RichTextBox, AnEmptyFileIsAnEmptyText) {
 }
 
 TEST(RichTextBox, LineEndsAtTheEndGoThroughRichText) {
-    Editor editor;
+    FileEditor editor;
     for (const std::wstring& text :
          {L"a"s, L"a\r\n"s, L"\r\n"s, L"a\r\n\r\n"s, L" a "s, L"\ta\t\r\n"s, L"\x00A0-\x00AD-"s}) {
         editor.Box.SetText(text);

@@ -25,11 +25,11 @@ private:
     BYTE before_[256]{};
 };
 
-struct Editor {
+struct KeyEditor {
     TopWindow Top;
     RichTextBox Box;
     std::wstring Asked;  // c, x and v for copy, cut and paste
-    Editor() {
+    KeyEditor() {
         Box.Create(Top.Handle(), 1);
         Box.SetEditorFont(L"Courier New", 10);
         Box.Move(0, 0, 6000, 5000);
@@ -72,7 +72,7 @@ WORD Alignment(const RichTextBox& box) {
 }  // namespace
 
 TEST(RichTextKeys, EveryEnterIsALineEnd) {
-    Editor editor;
+    KeyEditor editor;
     editor.Box.SetText(L"ab");
     editor.Box.Select(1, 0);
     editor.Press(VK_RETURN, {VK_SHIFT}, L'\r');
@@ -94,7 +94,7 @@ TEST(RichTextKeys, EveryEnterIsALineEnd) {
 }
 
 TEST(RichTextKeys, WhatIsTypedAfterAKeyThatDoesNothingIsWritten) {
-    Editor editor;
+    KeyEditor editor;
     editor.Press(VK_OEM_7, {VK_CONTROL, VK_SHIFT}, L'"');
     editor.Press(VK_SPACE, {VK_CONTROL}, L' ');
     EXPECT_EQ(L"", editor.Box.Text());
@@ -106,7 +106,7 @@ TEST(RichTextKeys, WhatIsTypedAfterAKeyThatDoesNothingIsWritten) {
 }
 
 TEST(RichTextKeys, InsertDoesNotOverwrite) {
-    Editor editor;
+    KeyEditor editor;
     editor.Box.SetText(L"abc");
     editor.Press(VK_INSERT);
     editor.Press('X', {}, L'x');
@@ -115,7 +115,7 @@ TEST(RichTextKeys, InsertDoesNotOverwrite) {
 }
 
 TEST(RichTextKeys, TheOldKeysOfTheClipboardAreTheCommands) {
-    Editor editor;
+    KeyEditor editor;
     editor.Box.SetText(L"abc");
     editor.Box.Select(0, 2);
     editor.Press(VK_INSERT, {VK_CONTROL});
@@ -138,7 +138,7 @@ TEST(RichTextKeys, TheOldKeysOfTheClipboardAreTheCommands) {
 }
 
 TEST(RichTextKeys, NothingFormatsAlignsOrSubstitutes) {
-    Editor editor;
+    KeyEditor editor;
     editor.Box.SetText(L"abc 41");
     int changes = 0;
     editor.Box.Change = [&changes] { ++changes; };
@@ -168,7 +168,7 @@ TEST(RichTextKeys, NothingFormatsAlignsOrSubstitutes) {
 }
 
 TEST(RichTextKeys, KeysThatMoveSelectDeleteAndUndoAreTheControls) {
-    Editor editor;
+    KeyEditor editor;
     editor.Box.SetText(L"one two three\r\nlast");
     editor.Press(VK_RIGHT, {VK_CONTROL});
     EXPECT_EQ(4, editor.Box.SelStart());
@@ -187,7 +187,7 @@ TEST(RichTextKeys, KeysThatMoveSelectDeleteAndUndoAreTheControls) {
 }
 
 TEST(RichTextKeys, TheCharactersOfKeysAndOfOtherProgramsAreTextOrNothing) {
-    Editor editor;
+    KeyEditor editor;
     for (const wchar_t code : {L'\x01', L'\n', L'\x0B', L'\x0C', L'\x1B', L'\x7F'}) editor.Box.Send(WM_CHAR, code, 1);
     EXPECT_EQ(L"", editor.Box.Text());
     // With AltGr, which is both keys.
@@ -198,7 +198,7 @@ TEST(RichTextKeys, TheCharactersOfKeysAndOfOtherProgramsAreTextOrNothing) {
 }
 
 TEST(RichTextKeys, TheProgramIsAskedFirst) {
-    Editor editor;
+    KeyEditor editor;
     std::wstring asked;
     editor.Box.KeyPressed = [&asked](int key, int shift) {
         asked += std::to_wstring(key) + L"," + std::to_wstring(shift) + L";";
@@ -213,7 +213,7 @@ TEST(RichTextKeys, TheProgramIsAskedFirst) {
 
 // A dialog that asks for the keys with the message that it has: the control takes itself for its child from then on.
 TEST(RichTextKeys, AskedByADialogItStaysAnEditor) {
-    Editor editor;
+    KeyEditor editor;
     MSG message{editor.Box.Handle(), WM_KEYDOWN, VK_ESCAPE, 1, 0, {}};
     const LRESULT code =
         SendMessageW(editor.Box.Handle(), WM_GETDLGCODE, VK_ESCAPE, reinterpret_cast<LPARAM>(&message));
@@ -231,7 +231,7 @@ TEST(RichTextKeys, AskedByADialogItStaysAnEditor) {
 }
 
 TEST(RichTextKeys, APaneIsNotClosed) {
-    Editor editor;
+    KeyEditor editor;
     SendMessageW(editor.Top.Handle(), WM_CLOSE, 0, 0);
     EXPECT_TRUE(IsWindow(editor.Top.Handle()));
     EXPECT_TRUE(IsWindow(editor.Box.Handle()));

@@ -11,13 +11,13 @@
 // How characters are shown is no content: what leaves the control is the same with it and without.
 namespace {
 
-struct Editor {
+struct ViewEditor {
     TopWindow Top;
     RichTextBox Box;
     int Changes = 0;
     int Plain = 0;
     std::wstring Path;
-    Editor() {
+    ViewEditor() {
         Box.Create(Top.Handle(), 1);
         Box.SetEditorFont(L"Courier New", 10);
         Box.Move(0, 0, 6000, 5000);
@@ -27,7 +27,7 @@ struct Editor {
         GetTempPathW(MAX_PATH, folder);
         Path = std::wstring(folder) + L"view " + std::to_wstring(GetCurrentProcessId()) + L".tmp";
     }
-    ~Editor() { DeleteFileW(Path.c_str()); }
+    ~ViewEditor() { DeleteFileW(Path.c_str()); }
     LRESULT Ask(UINT message, WPARAM wParam = 0, LPARAM lParam = 0) const {
         return SendMessageW(Box.Handle(), message, wParam, lParam);
     }
@@ -58,7 +58,7 @@ const std::wstring Sql = L"select 1\r\nfrom \u00e4, \u4e2d\r\n";
 }  // namespace
 
 TEST(RichTextView, ColoursAreNoChangeAndNoStepOfUndo) {
-    Editor editor;
+    ViewEditor editor;
     editor.Box.SetText(Sql);
     editor.Changes = 0;
     editor.Ask(EM_SETMODIFY, FALSE);
@@ -86,10 +86,10 @@ TEST(RichTextView, ColoursAreNoChangeAndNoStepOfUndo) {
 }
 
 TEST(RichTextView, RichTextFilesAreTheSameByteByByte) {
-    Editor plain;
+    ViewEditor plain;
     plain.Box.SetText(Sql);
     const std::string expected = plain.Saved();
-    Editor editor;
+    ViewEditor editor;
     editor.Box.SetText(Sql);
     editor.Colour();
     EXPECT_EQ(expected, editor.Saved());
@@ -101,7 +101,7 @@ TEST(RichTextView, RichTextFilesAreTheSameByteByByte) {
 }
 
 TEST(RichTextView, AnotherTextBeginsPlain) {
-    Editor editor;
+    ViewEditor editor;
     for (const std::wstring& text : {Sql, std::wstring(L"x"), std::wstring(20000, L'y')}) {
         editor.Box.SetText(Sql);
         editor.Colour();
@@ -117,7 +117,7 @@ TEST(RichTextView, AnotherTextBeginsPlain) {
 }
 
 TEST(RichTextView, RawPositionsCountOneForALineEnd) {
-    Editor editor;
+    ViewEditor editor;
     editor.Box.SetText(L"ab\r\n\r\ncd");
     EXPECT_EQ(6, editor.Box.RawLength());
     EXPECT_EQ(L"b\r\rc", editor.Box.RawText(1, 5));

@@ -8,8 +8,6 @@
 // is told and how.
 namespace {
 
-constexpr long Base = ObjectErrorBase;
-
 class BranchesTest : public BrowsedFixture {
 protected:
     void OpenSchema(int schema = 0) {
@@ -237,10 +235,10 @@ TEST_F(BranchesTest, WhatWasReadStaysWhileColumnsAreAskedForAndGoesWhileObjectsA
 
 TEST_F(BranchesTest, WhatIsToldHasItsIconItsTitleAndOneButton) {
     Database.DictionaryMembers[L"Columns"] = [](const Arguments&) -> Variant {
-        RaiseError(Base + 10, L"brvADO", L"The table has gone.");
+        RaiseError(ObjectErrorBase + 10, L"brvADO", L"The table has gone.");
     };
     Database.DictionaryMembers[L"Objects"] = [](const Arguments& a) -> Variant {
-        if (a[0].ToLong() == 2) RaiseError(Base + 1, L"brvADO", L"none");
+        if (a[0].ToLong() == 2) RaiseError(ObjectErrorBase + 1, L"brvADO", L"none");
         return Variant(MakeCollection({Variant(L"ORDERS")}));
     };
     for (const long type : {1L, 2L}) {
@@ -316,7 +314,7 @@ protected:
         };
         Database.DictionaryMembers[L"Objects"] = [this](const Arguments& a) -> Variant {
             if (a[0].ToLong() == 2) return MakeCollection({});
-            if (a[1].ToText() == L"B" && !readable_) RaiseError(Base + 1, L"brvADO", L"none");
+            if (a[1].ToText() == L"B" && !readable_) RaiseError(ObjectErrorBase + 1, L"brvADO", L"none");
             return MakeCollection({Variant(a[1].ToText() + L"1")});
         };
         Database.DictionaryMembers[L"Columns"] = [this](const Arguments& a) {

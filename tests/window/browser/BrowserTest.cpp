@@ -7,8 +7,6 @@
 
 namespace {
 
-constexpr long Base = ObjectErrorBase;
-
 class BrowserTest : public BrowsedFixture {
 protected:
     HTREEITEM At(std::initializer_list<int> path) const { return Tree.At(path); }
@@ -104,7 +102,7 @@ TEST_F(BrowserTest, ADatabaseWithoutSchemasHasTheCurrentOne) {
 
 TEST_F(BrowserTest, AMissingDictionaryIsToldInTheWordsOfTheDatabaseType) {
     Database.DictionaryMembers[L"Objects"] = [](const Arguments&) -> Variant {
-        RaiseError(Base + 1, L"brvADO", L"none");
+        RaiseError(ObjectErrorBase + 1, L"brvADO", L"none");
     };
     for (const long type : {4L, 1L}) {
         Database.Members[L"DBType"] = [type](const Arguments&) { return Variant(type); };
@@ -133,7 +131,7 @@ TEST_F(BrowserTest, AMissingDictionaryIsToldInTheWordsOfTheDatabaseType) {
 
 TEST_F(BrowserTest, ColumnsThatCannotBeReadAreToldInTheHostsWords) {
     Database.DictionaryMembers[L"Columns"] = [](const Arguments&) -> Variant {
-        RaiseError(Base + 10, L"brvADO", L"The table has gone.");
+        RaiseError(ObjectErrorBase + 10, L"brvADO", L"The table has gone.");
     };
     BoxAnswerer box;
     Inside([this] {
@@ -155,7 +153,7 @@ TEST_F(BrowserTest, APropertyThatCannotBeReadIsToldAndTheNextStatementFollows) {
     auto* made = new DynamicObject;
     const Object value = Object::Attach(made);
     made->DefineDefault([&read](const Arguments&) -> Variant {
-        if (++read == 1) RaiseError(Base + 10, L"brvADO", L"The column has gone.");
+        if (++read == 1) RaiseError(ObjectErrorBase + 10, L"brvADO", L"The column has gone.");
         return Variant(L"ID");
     });
     Database.DictionaryMembers[L"Columns"] = [&](const Arguments&) {
@@ -187,7 +185,7 @@ TEST_F(BrowserTest, AFailureThatNamesNoSourceIsNotTakenForTheComponentsOwn) {
         return Variant(MakeCollection({Variant(L"A"), Variant(name)}));
     };
     // "No dictionary", the node limit, and another number of the range.
-    for (const long one : {Base + 1, Base + 2, Base + 3}) {
+    for (const long one : {ObjectErrorBase + 1, ObjectErrorBase + 2, ObjectErrorBase + 3}) {
         number = one;
         BoxAnswerer box;
         Errors.Reports.clear();

@@ -42,13 +42,13 @@ struct Closing {
     ~Closing() { EditorWindow::Close(); }
 };
 
-struct Step {
+struct ReadingStep {
     const char* Name;
     void (*Prepare)(const EditorTree& tree);
     void (*Act)(const EditorTree& tree);
 };
 
-constexpr Step Steps[] = {
+constexpr ReadingStep Steps[] = {
     {"open the root",
      [](const EditorTree& tree) {
          tree.Click(tree.At({}));
@@ -147,7 +147,7 @@ protected:
         std::wstring Inserted;
     };
     State StateNow() const { return {WholeTree(Tree, Tree.At({})), Beside(EditorWindow::Text())}; }
-    State Run(const Step& step) {
+    State Run(const ReadingStep& step) {
         EditorWindow::SetText(L"-- mine");
         step.Prepare(Tree);
         Wanted.Arm(wanted_);
@@ -172,7 +172,7 @@ TEST_F(ReentranceTest, WhatIsDoneToTheTreeWhileTheHostIsAskedChangesNothing) {
     std::wstring text = L"x";
     const WhenShown shown([&] {
         const Closing closing;
-        for (const Step& step : Steps) {
+        for (const ReadingStep& step : Steps) {
             Wanted.Inside = nullptr;
             wanted_.reset();
             const State right = Run(step);

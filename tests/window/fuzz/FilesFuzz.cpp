@@ -2,20 +2,17 @@
 
 #include <algorithm>
 
+#include "FuzzedEditor.h"
 #include "Cases.h"
 #include "Windows.h"
-#include "forms/RichTextBox.h"
 #include "forms/TextFile.h"
 #include "support/Dialogs.h"
 #include "support/Errors.h"
 #include "support/Files.h"
-#include "support/TopWindow.h"
 
 // Files of any bytes: read, written and read again by the functions that the window uses, then by its editor, and some
 // through its menu and dialogs.
 namespace {
-
-constexpr long InvalidFormat = 321;
 
 // Line ends of a text: which kinds it has.
 bool HasOneKindOfLineEnd(const std::wstring& text) {
@@ -31,20 +28,6 @@ bool HasOneKindOfLineEnd(const std::wstring& text) {
     }
     return crLf + lf + cr <= 1;
 }
-
-// An editor without its window, on a file of its own.
-struct Editor {
-    TopWindow Top;
-    RichTextBox Box;
-    Folder Here;
-    const std::wstring Path = Here / L"any.sql";
-    int Changes = 0;
-    Editor() {
-        Box.Create(Top.Handle(), 1);
-        Box.Move(0, 0, 6000, 5000);
-        Box.Change = [this] { ++Changes; };
-    }
-};
 
 class FilesFuzz : public FilesFixture {};
 
@@ -80,7 +63,7 @@ TEST(TextFileFuzz, WhatIsWrittenIsReadAsTheSameText) {
 // The editor gives the text with CR LF, and the file back as it was where its line ends were of one kind; a file that
 // it would change otherwise is refused, and leaves everything as it was.
 TEST(EditorFileFuzz, AFileIsOpenedAndSavedAgain) {
-    Editor editor;
+    FuzzedEditor editor(L"any.sql");
     ForEachCase(40, [&](Random& random) {
         const std::string bytes = AnyFile(random, random.OneIn(40) ? 20000 : 200);
         const std::wstring text = TextFile::Decode(bytes).Text;
@@ -113,7 +96,7 @@ TEST(EditorFileFuzz, AFileIsOpenedAndSavedAgain) {
 }
 
 TEST(EditorFileFuzz, AnyTextIsSavedAndOpenedAgain) {
-    Editor editor;
+    FuzzedEditor editor(L"any.sql");
     ForEachCase(40, [&](Random& random) {
         const std::wstring text = AnyText(random, 200);
         editor.Box.SetText(text);
@@ -127,7 +110,7 @@ TEST(EditorFileFuzz, AnyTextIsSavedAndOpenedAgain) {
 
 // Positions count what the text counts.
 TEST(EditorFileFuzz, ASelectionIsThePartOfTheTextThatItSays) {
-    Editor editor;
+    FuzzedEditor editor(L"any.sql");
     ForEachCase(120, [&](Random& random) {
         const std::wstring text = InControl(AnyText(random, 100));
         editor.Box.SetText(text);

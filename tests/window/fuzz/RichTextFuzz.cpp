@@ -2,34 +2,17 @@
 
 #include <algorithm>
 
+#include "FuzzedEditor.h"
 #include "Cases.h"
 #include "RichTexts.h"
-#include "forms/RichTextBox.h"
 #include "forms/Rtf.h"
 #include "support/Errors.h"
-#include "support/Folder.h"
-#include "support/TopWindow.h"
 
 // Rich text of any damage, read from files. Either the control reads it, and what the editor then holds is a text with
 // positions of its own that can be saved, or it is refused and everything stays as it was.
 namespace {
 
-constexpr long InvalidFormat = 321;
-
-struct Editor {
-    TopWindow Top;
-    RichTextBox Box;
-    Folder Here;
-    const std::wstring Path = Here / L"any.rtf";
-    int Changes = 0;
-    Editor() {
-        Box.Create(Top.Handle(), 1);
-        Box.Move(0, 0, 6000, 5000);
-        Box.Change = [this] { ++Changes; };
-    }
-};
-
-void LoadRichText(const std::string& bytes, Editor& editor, const std::wstring* expected) {
+void LoadRichText(const std::string& bytes, FuzzedEditor& editor, const std::wstring* expected) {
     editor.Box.SetText(L"before");
     editor.Box.FileName = L"before.sql";
     const TextFile::Format format{TextFile::Encoding::Utf16BigEndian, true, TextFile::LineEnd::Cr};
@@ -72,7 +55,7 @@ void LoadRichText(const std::string& bytes, Editor& editor, const std::wstring* 
 }  // namespace
 
 TEST(RichTextFuzz, WhatIsWholeIsReadAsItsText) {
-    Editor editor;
+    FuzzedEditor editor(L"any.rtf");
     ForEachCase(40, [&](Random& random) {
         const std::wstring text = AnyPlainText(random);
         const std::string bytes = AsRichText(random, text);
@@ -82,7 +65,7 @@ TEST(RichTextFuzz, WhatIsWholeIsReadAsItsText) {
 }
 
 TEST(RichTextFuzz, WhatIsDamagedIsReadOrRefused) {
-    Editor editor;
+    FuzzedEditor editor(L"any.rtf");
     ForEachCase(50, [&](Random& random) {
         const std::string bytes = DamagedRichText(random, AnyRichText(random));
         SCOPED_TRACE(testing::PrintToString(bytes.substr(0, 2000)));

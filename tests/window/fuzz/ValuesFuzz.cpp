@@ -13,9 +13,9 @@ namespace {
 
 constexpr long Bad = -1;
 
-// The number of the run-time error that the work raises, 0 for none; a failure for whatever else it throws.
+// As NumberOf; whatever else is thrown is a failure.
 template <class Work>
-long NumberOf(Work&& work) {
+long RunTimeErrorOf(Work&& work) {
     try {
         work();
     } catch (const RuntimeError& error) {
@@ -42,31 +42,31 @@ TEST(ValuesFuzz, ScalarsConvertAsThePlatformDoes) {
         SCOPED_TRACE(Shown(value));
         if (value.IsNull() || value.IsMissing()) {
             const long expected = value.IsNull() ? ErrorNumber::InvalidUseOfNull : ErrorNumber::TypeMismatch;
-            EXPECT_EQ(expected, NumberOf([&] { value.ToText(); }));
-            EXPECT_EQ(expected, NumberOf([&] { value.ToLong(); }));
-            EXPECT_EQ(expected, NumberOf([&] { value.ToBoolean(); }));
+            EXPECT_EQ(expected, RunTimeErrorOf([&] { value.ToText(); }));
+            EXPECT_EQ(expected, RunTimeErrorOf([&] { value.ToLong(); }));
+            EXPECT_EQ(expected, RunTimeErrorOf([&] { value.ToBoolean(); }));
             return;
         }
         if (!IsWellFormed(value)) {
             EXPECT_FALSE(value.IsNumeric());
-            EXPECT_EQ(ErrorNumber::InvalidProcedureCall, NumberOf([&] { value.ToText(); }));
-            EXPECT_EQ(ErrorNumber::InvalidProcedureCall, NumberOf([&] { value.ToDouble(); }));
+            EXPECT_EQ(ErrorNumber::InvalidProcedureCall, RunTimeErrorOf([&] { value.ToText(); }));
+            EXPECT_EQ(ErrorNumber::InvalidProcedureCall, RunTimeErrorOf([&] { value.ToDouble(); }));
             return;
         }
         VARIANT changed;
         std::wstring text;
         if (SUCCEEDED(Platform(value, VT_BSTR, changed))) {
-            EXPECT_EQ(0, NumberOf([&] { text = value.ToText(); }));
+            EXPECT_EQ(0, RunTimeErrorOf([&] { text = value.ToText(); }));
             EXPECT_EQ(Shown(TextOf(changed.bstrVal)), Shown(text));
         } else {
-            EXPECT_NE(0, NumberOf([&] { text = value.ToText(); }));
+            EXPECT_NE(0, RunTimeErrorOf([&] { text = value.ToText(); }));
         }
         VariantClear(&changed);
         const auto compare = [&](VARTYPE type, auto&& convert, auto&& read) {
             VARIANT number;
             const HRESULT result = Platform(value, type, number);
             decltype(convert()) converted{};
-            const long error = NumberOf([&] { converted = convert(); });
+            const long error = RunTimeErrorOf([&] { converted = convert(); });
             EXPECT_EQ(SUCCEEDED(result), error == 0) << "type " << type << " error " << error;
             if (result == DISP_E_OVERFLOW) {
                 EXPECT_EQ(ErrorNumber::Overflow, error);
@@ -91,10 +91,10 @@ TEST(ValuesFuzz, ScalarsConvertAsThePlatformDoes) {
             EXPECT_EQ(Shown(TextOf(value.bstrVal)), Shown(text));
         }
         if (value.IsNumeric()) {
-            EXPECT_EQ(0, NumberOf([&] { value.ToDouble(); }));
+            EXPECT_EQ(0, RunTimeErrorOf([&] { value.ToDouble(); }));
         }
-        EXPECT_NE(0, NumberOf([&] { value.ToObject(); }));
-        EXPECT_NE(0, NumberOf([&] { value.ToArray(); }));
+        EXPECT_NE(0, RunTimeErrorOf([&] { value.ToObject(); }));
+        EXPECT_NE(0, RunTimeErrorOf([&] { value.ToArray(); }));
     });
 }
 
@@ -103,20 +103,20 @@ TEST(ValuesFuzz, AnyValueGivesAValueOrARunTimeError) {
         const Variant value = AnyValue(random);
         SCOPED_TRACE(Shown(value));
         Variant copy;
-        NumberOf([&] { copy = value; });
-        NumberOf([&] { value.ToText(); });
-        NumberOf([&] { value.ToLong(); });
-        NumberOf([&] { value.ToInteger(); });
-        NumberOf([&] { value.ToBoolean(); });
-        NumberOf([&] { value.ToDouble(); });
+        RunTimeErrorOf([&] { copy = value; });
+        RunTimeErrorOf([&] { value.ToText(); });
+        RunTimeErrorOf([&] { value.ToLong(); });
+        RunTimeErrorOf([&] { value.ToInteger(); });
+        RunTimeErrorOf([&] { value.ToBoolean(); });
+        RunTimeErrorOf([&] { value.ToDouble(); });
         Object object;
-        if (NumberOf([&] { object = value.ToObject(); }) == 0) {
+        if (RunTimeErrorOf([&] { object = value.ToObject(); }) == 0) {
             EXPECT_TRUE(value.IsObject());
             EXPECT_EQ(value.IsNothing(), !object);
-            NumberOf([&] { object.Get(L"Count"); });
+            RunTimeErrorOf([&] { object.Get(L"Count"); });
         }
         std::vector<Variant> elements;
-        if (NumberOf([&] { elements = value.ToArray(); }) == 0) {
+        if (RunTimeErrorOf([&] { elements = value.ToArray(); }) == 0) {
             ASSERT_TRUE(value.IsArray());
             EXPECT_EQ(1U, SafeArrayGetDim(value.parray));
             EXPECT_EQ(value.parray->rgsabound[0].cElements, elements.size());
@@ -128,9 +128,10 @@ TEST(ValuesFuzz, AnyValueGivesAValueOrARunTimeError) {
             }
         }
         HostCollection collection;
-        if (NumberOf([&] { collection = HostCollection(value); }) == 0 && collection) {
+        if (RunTimeErrorOf([&] { collection = HostCollection(value); }) == 0 && collection) {
             size_t items = 0;
-            const long number = NumberOf([&] { collection.ForEach([&](const Variant&) { return ++items < 100000; }); });
+            const long number =
+                RunTimeErrorOf([&] { collection.ForEach([&](const Variant&) { return ++items < 100000; }); });
             if (number == 0 && value.IsArray()) {
                 EXPECT_EQ(elements.size(), items);
             }
@@ -143,7 +144,7 @@ TEST(ValuesFuzz, AReferenceIsLookedThrough) {
         const AnyArgument argument(random, AnyValue(random));
         SCOPED_TRACE(Shown(argument.Value) + " way " + std::to_string(static_cast<int>(argument.How)));
         Variant copy;
-        const long number = NumberOf([&] { copy = Variant(argument.Passed); });
+        const long number = RunTimeErrorOf([&] { copy = Variant(argument.Passed); });
         using Way = AnyArgument::Way;
         if (argument.How == Way::OfItself || argument.How == Way::OfNothing) {
             EXPECT_EQ(ErrorNumber::TypeMismatch, number);
