@@ -227,3 +227,25 @@ TEST_F(ActionMenuTest, TheRightButtonShowsItOverTheReference) {
     });
     EXPECT_EQ(L"", Errors.Places());
 }
+
+// A row that another program selects by a message raises no event.
+TEST_F(ActionMenuTest, TheRightButtonBringsItUpToDate) {
+    Inside([] {
+        const MenuCatcher menu;
+        for (const int page : {1, 3}) {
+            SCOPED_TRACE(page);
+            ShowPage(page);
+            const HWND list = View(page);
+            const std::wstring first = MenuEntries(L"Action");
+            EXPECT_NE(std::wstring::npos, first.find(L"|Execute+|")) << testing::PrintToString(first);
+            SendMessageW(list, LB_SETCURSEL, static_cast<WPARAM>(-1), 0);
+            SendMessageW(list, WM_MBUTTONDOWN, MK_MBUTTON, MAKELPARAM(5, 5));
+            SendMessageW(list, WM_MBUTTONUP, 0, MAKELPARAM(5, 5));
+            EXPECT_EQ(first, MenuEntries(L"Action"));
+            SendMessageW(list, WM_RBUTTONDOWN, MK_RBUTTON, MAKELPARAM(5, 5));
+            EXPECT_NE(std::wstring::npos, MenuEntries(L"Action").find(L"|Execute-|"));
+            SendMessageW(list, WM_RBUTTONUP, 0, MAKELPARAM(5, 5));
+        }
+    });
+    EXPECT_EQ(L"", Errors.Places());
+}
