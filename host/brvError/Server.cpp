@@ -24,25 +24,8 @@ HRESULT Create(REFIID iid, void** object) {
     }
 }
 
-constexpr ComClass Classes[] = {
-    {ErrorClassId, L"brvError.clsError", L"Alerts and event log", nullptr, &Create},
-};
+constexpr ComClass ErrorClass{ErrorClassId, L"brvError.clsError", L"Alerts and event log", nullptr, &Create};
 
 }  // namespace
 
-STDAPI DllGetClassObject(REFCLSID id, REFIID iid, void** object) {
-    return Server::GetClassObject(Classes, 1, id, iid, object);
-}
-
-STDAPI DllCanUnloadNow() { return Server::CanUnload() ? S_OK : S_FALSE; }
-
-STDAPI DllRegisterServer() { return Server::Register(Classes, 1, Server::Scope::Machine, false); }
-
-STDAPI DllUnregisterServer() { return Server::Unregister(Classes, 1, Server::Scope::Machine, false); }
-
-// regsvr32 /n /i:user registers for the current user alone.
-STDAPI DllInstall(BOOL install, LPCWSTR commandLine) {
-    if (!commandLine || CompareStringOrdinal(commandLine, -1, L"user", -1, TRUE) != CSTR_EQUAL) return E_INVALIDARG;
-    return install ? Server::Register(Classes, 1, Server::Scope::User, false)
-                   : Server::Unregister(Classes, 1, Server::Scope::User, false);
-}
+const ServerModule TheServer{ErrorClass};

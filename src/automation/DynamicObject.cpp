@@ -12,23 +12,10 @@ namespace {
 constexpr const wchar_t* DefaultName = L"";
 constexpr const wchar_t* EnumeratorName = L"_NewEnum";
 
-class ItemEnumerator final : public IEnumVARIANT {
+class ItemEnumerator final : public ComObject<IEnumVARIANT> {
 public:
     explicit ItemEnumerator(std::vector<Variant> items, size_t at = 0) : items_(std::move(items)), at_(at) {}
 
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {
-        if (object == nullptr) return E_POINTER;
-        *object = iid == IID_IUnknown || iid == IID_IEnumVARIANT ? this : nullptr;
-        if (*object == nullptr) return E_NOINTERFACE;
-        AddRef();
-        return S_OK;
-    }
-    ULONG STDMETHODCALLTYPE AddRef() override { return ++references_; }
-    ULONG STDMETHODCALLTYPE Release() override {
-        const ULONG left = --references_;
-        if (left == 0) delete this;
-        return left;
-    }
     HRESULT STDMETHODCALLTYPE Next(ULONG count, VARIANT* items, ULONG* fetched) override {
         if (items == nullptr) return E_POINTER;
         ULONG given = 0;
@@ -65,11 +52,8 @@ public:
     }
 
 private:
-    ~ItemEnumerator() = default;
     std::vector<Variant> items_;
     size_t at_;
-    ULONG references_ = 1;
-    ModuleLock lock_;
 };
 
 }  // namespace
@@ -181,22 +165,6 @@ void DynamicObject::DefineEnumerator(std::function<std::vector<Variant>()> items
     };
 }
 
-HRESULT DynamicObject::QueryInterface(REFIID iid, void** object) {
-    if (object == nullptr) return E_POINTER;
-    *object = iid == IID_IUnknown || iid == IID_IDispatch ? static_cast<IDispatch*>(this) : nullptr;
-    if (*object == nullptr) return E_NOINTERFACE;
-    AddRef();
-    return S_OK;
-}
-
-ULONG DynamicObject::AddRef() { return ++references_; }
-
-ULONG DynamicObject::Release() {
-    const ULONG left = --references_;
-    if (left == 0) delete this;
-    return left;
-}
-
 HRESULT DynamicObject::GetTypeInfoCount(UINT* count) {
     if (count == nullptr) return E_POINTER;
     *count = 0;
@@ -227,14 +195,13 @@ HRESULT DynamicObject::Invoke(DISPID id, REFIID, LCID, WORD flags, DISPPARAMS* p
                               EXCEPINFO* exception, UINT*) {
     if (parameters == nullptr || (parameters->cArgs > 0 && parameters->rgvarg == nullptr)) return E_POINTER;
     // A member may let go of the object, or define others.
-    AddRef();
+    const ComPtr<DynamicObject> held(this);
     HRESULT outcome = S_OK;
     try {
         outcome = Answer(id, flags, *parameters, result);
     } catch (...) {
         outcome = FillException(CurrentError(), exception);
     }
-    Release();
     return outcome;
 }
 
@@ -254,10 +221,7 @@ HRESULT DynamicObject::Answer(DISPID id, WORD flags, DISPPARAMS& parameters, VAR
     }
     if (!slot.Read) return DISP_E_MEMBERNOTFOUND;
     Variant value = slot.Read(Arguments(parameters));
-    if (result != nullptr) {
-        *result = value;
-        static_cast<VARIANT&>(value).vt = VT_EMPTY;  // handed over
-    }
+    if (result != nullptr) *result = value.Detach();
     return S_OK;
 }
 

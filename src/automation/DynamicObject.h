@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "automation/ComObject.h"
 #include "automation/Object.h"
-#include "automation/Server.h"
 
 // The arguments of a call that came in, in their natural order.
 class Arguments {
@@ -29,7 +29,7 @@ private:
 // An object of our own that is reached by name only: members are given as functions. Names are compared without regard
 // to case. An exception that leaves a member reaches the caller as EXCEPINFO; an unknown name is DISP_E_UNKNOWNNAME.
 // Keeps a ModuleLock. Made with `new`, owned by its reference count (1 after construction).
-class DynamicObject : public IDispatch {
+class DynamicObject : public ComObject<IDispatch> {
 public:
     using Member = std::function<Variant(const Arguments&)>;
     using Setter = std::function<void(const Variant&)>;
@@ -40,9 +40,6 @@ public:
     void DefineDefault(Member member);                                   // DISPID_VALUE
     void DefineEnumerator(std::function<std::vector<Variant>()> items);  // DISPID_NEWENUM, name "_NewEnum"
 
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override;
-    ULONG STDMETHODCALLTYPE AddRef() override;
-    ULONG STDMETHODCALLTYPE Release() override;
     HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override;
     HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo**) override;
     HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR* names, UINT count, LCID, DISPID* ids) override;
@@ -50,7 +47,7 @@ public:
                                      EXCEPINFO* exception, UINT* argumentError) override;
 
 protected:
-    virtual ~DynamicObject();
+    ~DynamicObject() override;
 
 private:
     struct Slot;
@@ -58,8 +55,6 @@ private:
     HRESULT Answer(DISPID id, WORD flags, DISPPARAMS& parameters, VARIANT* result);
     std::vector<Slot> slots_;
     std::map<std::wstring, size_t> names_;
-    ULONG references_ = 1;
-    ModuleLock lock_;
 };
 
 // A collection for late-bound readers: Count, Item (from 1; a wrong position is error 9), _NewEnum. Item is the default

@@ -1,4 +1,8 @@
 #include "automation/HostCollection.h"
+
+#include <utility>
+
+#include "automation/ComPtr.h"
 #include "automation/HostContexts.h"
 #include "automation/RuntimeError.h"
 
@@ -30,10 +34,10 @@ bool SaysThatThereIsNone(long number) noexcept {
 // Owns an enumerator for one pass.
 class Enumerator {
 public:
-    explicit Enumerator(IEnumVARIANT* items) noexcept : items_(items) { items_->AddRef(); }
+    explicit Enumerator(IEnumVARIANT* items) noexcept : items_(items) {}
     ~Enumerator() {
         const InHostContexts host;
-        items_->Release();
+        items_.Reset();
     }
     Enumerator(const Enumerator&) = delete;
     Enumerator& operator=(const Enumerator&) = delete;
@@ -43,16 +47,12 @@ public:
     void Rewind(IDispatch* object) noexcept {
         const InHostContexts host;
         if (items_->Reset() == S_OK) return;
-        IEnumVARIANT* fresh = nullptr;
+        ComPtr<IEnumVARIANT> fresh;
         EXCEPINFO exception{};
-        const HRESULT asked = AskForEnumerator(object, &fresh, exception);
-        if (SUCCEEDED(asked)) {
-            items_->Release();
-            items_ = fresh;
+        if (fresh.Filled(AskForEnumerator(object, fresh.Receive(), exception))) {
+            items_ = std::move(fresh);
         } else {
-            SysFreeString(exception.bstrSource);
-            SysFreeString(exception.bstrDescription);
-            SysFreeString(exception.bstrHelpFile);
+            FreeTexts(exception);
         }
     }
 
@@ -75,7 +75,7 @@ private:
         const InHostContexts host;
         return items_->Next(1, &item, &fetched);
     }
-    IEnumVARIANT* items_;
+    ComPtr<IEnumVARIANT> items_;
 };
 
 }  // namespace

@@ -8,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+#include "automation/ComPtr.h"
 #include "automation/HostContexts.h"
 #include "automation/RuntimeError.h"
 
@@ -105,10 +106,8 @@ bool KnowsName(IDispatch* object, const wchar_t* name) noexcept {
 }
 
 bool HasTypeInfo(IDispatch* object) noexcept {
-    ITypeInfo* info = nullptr;
-    if (FAILED(object->GetTypeInfo(0, LOCALE_USER_DEFAULT, &info)) || info == nullptr) return false;
-    info->Release();
-    return true;
+    ComPtr<ITypeInfo> info;
+    return info.Filled(object->GetTypeInfo(0, LOCALE_USER_DEFAULT, info.Receive()));
 }
 
 // Whether a value is a function of JScript, which every reader but JScript would rather have called.
@@ -117,19 +116,12 @@ bool IsFunction(const VARIANT& value) noexcept {
            KnowsName(value.pdispVal, L"call");
 }
 
-void FreeTexts(EXCEPINFO& exception) noexcept {
-    SysFreeString(exception.bstrSource);
-    SysFreeString(exception.bstrDescription);
-    SysFreeString(exception.bstrHelpFile);
-    exception = {};
-}
-
 }  // namespace
 
 struct Object::State {
-    IDispatch* Dispatch = nullptr;
+    ComPtr<IDispatch> Dispatch;
     // IDispatchEx, for objects that resolve names only there; null until it is needed. It has its own member ids.
-    IDispatchEx* Extended = nullptr;
+    ComPtr<IDispatchEx> Extended;
     struct Member {
         std::wstring Name;
         DISPID Id;
@@ -143,25 +135,22 @@ struct Object::State {
     State& operator=(const State&) = delete;
     ~State() {
         const InHostContexts host;
-        if (Extended != nullptr) Extended->Release();
-        if (Dispatch != nullptr) Dispatch->Release();
+        Extended.Reset();
+        Dispatch.Reset();
     }
 
     // Which script engine made the object, if any. Asked where it matters only.
     Kind KindOf() noexcept {
         if (Asked == Kind::NotAsked) {
             const InHostContexts host;
-            IDispatchEx* script = nullptr;
-            if (FAILED(Dispatch->QueryInterface(__uuidof(IDispatchEx), reinterpret_cast<void**>(&script))) ||
-                script == nullptr) {
+            if (!Dispatch.As<IDispatchEx>()) {
                 Asked = Kind::Plain;
             } else {
-                script->Release();
                 // Every object of JScript inherits this name; those of VBScript have no type information, whatever they
                 // say of its count.
-                Asked = KnowsName(Dispatch, L"hasOwnProperty") ? Kind::JScript
-                        : HasTypeInfo(Dispatch)                ? Kind::Plain
-                                                               : Kind::VBScript;
+                Asked = KnowsName(Dispatch.Get(), L"hasOwnProperty") ? Kind::JScript
+                        : HasTypeInfo(Dispatch.Get())                ? Kind::Plain
+                                                                     : Kind::VBScript;
             }
         }
         return Asked;
@@ -182,29 +171,22 @@ struct Object::State {
 
     HRESULT LookUp(const wchar_t* name, DISPID& id) noexcept {
         const InHostContexts host;
-        if (Extended == nullptr) {
+        if (!Extended) {
             auto* writable = const_cast<LPOLESTR>(name);
             const HRESULT result = Dispatch->GetIDsOfNames(IID_NULL, &writable, 1, LOCALE_USER_DEFAULT, &id);
             // The objects of VBScript under Wine have IDispatchEx alone and leave this call unwritten.
             if (result != E_NOTIMPL) return result;
-            IDispatchEx* extended = nullptr;
             // Some objects return success and a null pointer.
-            if (FAILED(Dispatch->QueryInterface(__uuidof(IDispatchEx), reinterpret_cast<void**>(&extended))) ||
-                extended == nullptr) {
-                return result;
-            }
-            Extended = extended;
+            Extended = Dispatch.As<IDispatchEx>();
+            if (!Extended) return result;
         }
-        const BSTR text = SysAllocString(name);
-        if (text == nullptr) return E_OUTOFMEMORY;
-        const HRESULT result = Extended->GetDispID(text, fdexNameCaseInsensitive, &id);
-        SysFreeString(text);
-        return result;
+        const Bstr text = Bstr::OrNull(name);
+        return text.Get() != nullptr ? Extended->GetDispID(text.Get(), fdexNameCaseInsensitive, &id) : E_OUTOFMEMORY;
     }
 
     HRESULT Invoke(DISPID id, WORD flags, DISPPARAMS& parameters, VARIANT* result, EXCEPINFO& exception) noexcept {
         const InHostContexts host;
-        if (Extended != nullptr) {
+        if (Extended) {
             return Extended->InvokeEx(id, LOCALE_USER_DEFAULT, flags, &parameters, result, &exception, nullptr);
         }
         UINT argumentError = 0;
@@ -218,16 +200,11 @@ Object::Object() noexcept = default;
 Object::Object(IDispatch* object) {
     if (object == nullptr) return;
     state_ = std::make_shared<State>();
-    object->AddRef();
-    state_->Dispatch = object;
+    state_->Dispatch = ComPtr<IDispatch>(object);
 }
 
 Object Object::Attach(IDispatch* object) {
-    if (object == nullptr) return Object();
-    struct Release {
-        IDispatch* Held;
-        ~Release() { Held->Release(); }
-    } release{object};
+    const auto taken = ComPtr<IDispatch>::Attach(object);
     return Object(object);
 }
 
@@ -251,7 +228,7 @@ Object Object::Create(const wchar_t* progId) {
 
 Object::operator bool() const noexcept { return state_ != nullptr; }
 
-IDispatch* Object::Dispatch() const noexcept { return state_ != nullptr ? state_->Dispatch : nullptr; }
+IDispatch* Object::Dispatch() const noexcept { return state_ != nullptr ? state_->Dispatch.Get() : nullptr; }
 
 void Object::Clear() noexcept {
     // Moved out first: releasing the other object may re-enter and use this variable.
@@ -261,14 +238,9 @@ void Object::Clear() noexcept {
 bool Object::IsSameAs(const Object& other) const noexcept {
     if (Dispatch() == other.Dispatch()) return true;
     if (Dispatch() == nullptr || other.Dispatch() == nullptr) return false;
-    IUnknown* mine = nullptr;
-    IUnknown* theirs = nullptr;
-    Dispatch()->QueryInterface(IID_IUnknown, reinterpret_cast<void**>(&mine));
-    other.Dispatch()->QueryInterface(IID_IUnknown, reinterpret_cast<void**>(&theirs));
-    const bool same = mine != nullptr && mine == theirs;
-    if (mine != nullptr) mine->Release();
-    if (theirs != nullptr) theirs->Release();
-    return same;
+    const auto mine = state_->Dispatch.As<IUnknown>();
+    const auto theirs = other.state_->Dispatch.As<IUnknown>();
+    return mine && mine.Get() == theirs.Get();
 }
 
 bool Object::Has(const wchar_t* member) const noexcept {

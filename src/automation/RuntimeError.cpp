@@ -8,6 +8,8 @@
 #include <utility>
 
 #include "automation/App.h"
+#include "automation/Bstr.h"
+#include "automation/ComPtr.h"
 #include "automation/Variant.h"
 
 namespace {
@@ -111,10 +113,9 @@ std::wstring SystemText(DWORD code) {
 }
 
 std::wstring Taken(BSTR& text) {
-    std::wstring result = TextOf(text);
-    SysFreeString(text);
-    text = nullptr;
-    return result;
+    Bstr taken;
+    *taken.Receive() = std::exchange(text, nullptr);
+    return TextOf(taken.Get());
 }
 
 // A number that a host raised, without the HRESULT of its control facility. Number 0 would be no error.
@@ -139,18 +140,7 @@ std::wstring DescriptionOf(long number, HRESULT result) {
     return text.empty() ? ErrorText(number) : text;
 }
 
-BSTR BstrOrNull(const std::wstring& text) noexcept {
-    return text.empty() ? nullptr : SysAllocStringLen(text.data(), static_cast<UINT>(text.size()));
-}
-
 }  // namespace
-
-HMODULE App::Module() noexcept {
-    HMODULE module = nullptr;
-    GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
-                       reinterpret_cast<LPCWSTR>(&App::Module), &module);
-    return module;
-}
 
 std::wstring ErrorText(long number) {
     for (const Standing& standing : Texts) {
@@ -251,21 +241,26 @@ void RaiseIfFailed(HRESULT hr) {
     if (FAILED(hr)) Raise(ErrorFromHresult(hr, nullptr));
 }
 
+void FreeTexts(EXCEPINFO& exception) noexcept {
+    SysFreeString(exception.bstrSource);
+    SysFreeString(exception.bstrDescription);
+    SysFreeString(exception.bstrHelpFile);
+    exception = {};
+}
+
 void CheckHresult(HRESULT hr) {
     if (SUCCEEDED(hr)) return;
     RuntimeError error = ErrorFromHresult(hr, nullptr);
-    IErrorInfo* info = nullptr;
-    if (GetErrorInfo(0, &info) == S_OK && info != nullptr) {
-        BSTR text = nullptr;
-        if (SUCCEEDED(info->GetSource(&text)) && SysStringLen(text) > 0) {
-            error.Source = TextOf(text);
+    ComPtr<IErrorInfo> info;
+    if (info.Filled(GetErrorInfo(0, info.Receive()))) {
+        Bstr source;
+        if (SUCCEEDED(info->GetSource(source.Receive())) && SysStringLen(source.Get()) > 0) {
+            error.Source = TextOf(source.Get());
             error.Foreign = false;
         }
-        SysFreeString(text);
-        text = nullptr;
-        if (SUCCEEDED(info->GetDescription(&text)) && SysStringLen(text) > 0) error.Description = TextOf(text);
-        SysFreeString(text);
-        info->Release();
+        Bstr description;
+        if (SUCCEEDED(info->GetDescription(description.Receive())) && SysStringLen(description.Get()) > 0)
+            error.Description = TextOf(description.Get());
     }
     throw error;
 }
@@ -276,18 +271,13 @@ HRESULT HresultFromError(const RuntimeError& error) noexcept {
 }
 
 HRESULT PublishError(const RuntimeError& error) noexcept {
-    ICreateErrorInfo* made = nullptr;
-    if (SUCCEEDED(CreateErrorInfo(&made))) {
+    ComPtr<ICreateErrorInfo> made;
+    if (made.Filled(CreateErrorInfo(made.Receive()))) {
         made->SetSource(const_cast<LPOLESTR>(error.Source.c_str()));
         made->SetDescription(const_cast<LPOLESTR>(error.Description.c_str()));
         made->SetHelpFile(const_cast<LPOLESTR>(error.HelpFile.c_str()));
         made->SetHelpContext(static_cast<DWORD>(error.HelpContext));
-        IErrorInfo* info = nullptr;
-        if (SUCCEEDED(made->QueryInterface(IID_IErrorInfo, reinterpret_cast<void**>(&info)))) {
-            SetErrorInfo(0, info);
-            info->Release();
-        }
-        made->Release();
+        if (const auto info = made.As<IErrorInfo>()) SetErrorInfo(0, info.Get());
     }
     return HresultFromError(error);
 }
@@ -296,9 +286,9 @@ HRESULT FillException(const RuntimeError& error, EXCEPINFO* exception) noexcept 
     if (exception == nullptr) return PublishError(error);
     *exception = {};
     exception->scode = HresultFromError(error);
-    exception->bstrSource = BstrOrNull(error.Source);
-    exception->bstrDescription = BstrOrNull(error.Description);
-    exception->bstrHelpFile = BstrOrNull(error.HelpFile);
+    exception->bstrSource = Bstr::OrNull(error.Source).Detach();
+    exception->bstrDescription = Bstr::OrNull(error.Description).Detach();
+    exception->bstrHelpFile = Bstr::OrNull(error.HelpFile).Detach();
     exception->dwHelpContext = static_cast<DWORD>(error.HelpContext);
     return DISP_E_EXCEPTION;
 }

@@ -96,6 +96,8 @@ RuntimeError CurrentError() noexcept;
 RuntimeError ErrorFromHresult(HRESULT hr, EXCEPINFO* exception);
 // Throws ErrorFromHresult(hr, null) when `hr` is a failure.
 void RaiseIfFailed(HRESULT hr);
+// For details that nobody takes over: frees their strings and clears them.
+void FreeTexts(EXCEPINFO& exception) noexcept;
 // Throws ErrorFromHresult(hr, null) when `hr` is a failure, with what IErrorInfo of the thread says. Only for calls to
 // objects that set it: elsewhere it may be left over from somebody else's failure.
 void CheckHresult(HRESULT hr);

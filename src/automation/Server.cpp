@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "automation/App.h"
+#include "automation/ComObject.h"
 #include "automation/RuntimeError.h"
 #include "automation/SystemLibrary.h"
 
@@ -17,23 +18,10 @@ namespace {
 LONG alive = 0;
 LONG serverLocks = 0;  // counted apart: a host that unlocks too often must not outweigh a living object
 
-class ClassFactory final : public IClassFactory {
+class ClassFactory final : public ComObject<IClassFactory> {
 public:
-    explicit ClassFactory(const ComClass& made) : made_(made) {}
+    explicit ClassFactory(const ComClass& made) noexcept : made_(made) {}
 
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {
-        if (object == nullptr) return E_POINTER;
-        *object = iid == IID_IUnknown || iid == IID_IClassFactory ? this : nullptr;
-        if (*object == nullptr) return E_NOINTERFACE;
-        AddRef();
-        return S_OK;
-    }
-    ULONG STDMETHODCALLTYPE AddRef() override { return static_cast<ULONG>(InterlockedIncrement(&references_)); }
-    ULONG STDMETHODCALLTYPE Release() override {
-        const LONG left = InterlockedDecrement(&references_);
-        if (left == 0) delete this;
-        return static_cast<ULONG>(left);
-    }
     HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown* outer, REFIID iid, void** object) override {
         if (object == nullptr) return E_POINTER;
         *object = nullptr;
@@ -53,10 +41,7 @@ public:
     }
 
 private:
-    ~ClassFactory() = default;
     const ComClass& made_;
-    LONG references_ = 1;
-    ModuleLock lock_;
 };
 
 // ---- registration
@@ -68,16 +53,8 @@ std::wstring TextOfGuid(REFGUID guid) {
 }
 
 std::wstring ModulePath() {
-    std::wstring path(MAX_PATH, L'\0');
-    for (;;) {
-        const DWORD length = GetModuleFileNameW(App::Module(), path.data(), static_cast<DWORD>(path.size()));
-        if (length == 0) RaiseSystemError(ErrorNumber::PathNotFound, GetLastError());
-        if (length < path.size()) {
-            path.resize(length);
-            break;
-        }
-        path.resize(path.size() * 2);
-    }
+    const std::wstring path = App::ModulePath();
+    if (path.empty()) RaiseSystemError(ErrorNumber::PathNotFound, GetLastError());
     // A host may have loaded the module by its short name, which is not guaranteed to persist.
     std::wstring whole(32768, L'\0');
     const DWORD length = GetLongPathNameW(path.c_str(), whole.data(), static_cast<DWORD>(whole.size()));
@@ -168,17 +145,12 @@ constinit SystemFunction<HRESULT WINAPI(REFGUID, WORD, WORD, LCID, SYSKIND)> Unr
     &Automation, "UnRegisterTypeLibForUser"};
 
 HRESULT RegisterLibrary(const std::wstring& path, Server::Scope scope) noexcept {
-    ITypeLib* library = nullptr;
-    HRESULT result = LoadTypeLibEx(path.c_str(), REGKIND_NONE, &library);
+    ComPtr<ITypeLib> library;
+    const HRESULT result = LoadTypeLibEx(path.c_str(), REGKIND_NONE, library.Receive());
     if (FAILED(result)) return result;
     auto* writable = const_cast<OLECHAR*>(path.c_str());
-    if (scope == Server::Scope::Machine) {
-        result = RegisterTypeLib(library, writable, nullptr);
-    } else {
-        result = RegisterForUser ? RegisterForUser(library, writable, nullptr) : E_NOTIMPL;
-    }
-    library->Release();
-    return result;
+    if (scope == Server::Scope::Machine) return RegisterTypeLib(library.Get(), writable, nullptr);
+    return RegisterForUser ? RegisterForUser(library.Get(), writable, nullptr) : E_NOTIMPL;
 }
 
 bool IsLibraryKnown(const TLIBATTR& library) noexcept {
@@ -193,8 +165,8 @@ bool IsLibraryKnown(const TLIBATTR& library) noexcept {
 }
 
 HRESULT UnregisterLibrary(const std::wstring& path, Server::Scope scope) noexcept {
-    ITypeLib* library = nullptr;
-    HRESULT result = LoadTypeLibEx(path.c_str(), REGKIND_NONE, &library);
+    ComPtr<ITypeLib> library;
+    HRESULT result = LoadTypeLibEx(path.c_str(), REGKIND_NONE, library.Receive());
     if (FAILED(result)) return result;
     TLIBATTR* attributes = nullptr;
     result = library->GetLibAttr(&attributes);
@@ -210,7 +182,6 @@ HRESULT UnregisterLibrary(const std::wstring& path, Server::Scope scope) noexcep
         if (FAILED(result) && !IsLibraryKnown(*attributes)) result = S_OK;
         library->ReleaseTLibAttr(attributes);
     }
-    library->Release();
     return result;
 }
 
@@ -233,11 +204,8 @@ HRESULT Server::GetClassObject(const ComClass* classes, size_t count, REFCLSID i
     *object = nullptr;
     for (size_t at = 0; at < count; ++at) {
         if (classes[at].Id != id) continue;
-        auto* factory = new (std::nothrow) ClassFactory(classes[at]);
-        if (factory == nullptr) return E_OUTOFMEMORY;
-        const HRESULT result = factory->QueryInterface(iid, object);
-        factory->Release();
-        return result;
+        const auto factory = ComPtr<ClassFactory>::Attach(new (std::nothrow) ClassFactory(classes[at]));
+        return factory ? factory->QueryInterface(iid, object) : E_OUTOFMEMORY;
     }
     return CLASS_E_CLASSNOTAVAILABLE;
 }

@@ -24,6 +24,17 @@ struct ComClass {
     HRESULT (*Create)(REFIID iid, void** object);
 };
 
+// An in-process server of one class, for the exports in ServerExports.cpp. A null function is not called.
+struct ServerModule {
+    const ComClass& Class;
+    // What `regsvr32 /i` without "user" does: registers for everybody, or fails with E_INVALIDARG.
+    bool InstallsForEverybody = false;
+    void (*Start)() noexcept = nullptr;   // before each class object is handed out
+    bool (*Forget)() noexcept = nullptr;  // before an unload: releases what the module holds; false when it cannot
+    void (*End)() noexcept = nullptr;     // in DllMain, when the module is unloaded before the process ends
+};
+extern const ServerModule TheServer;  // defined once by each server
+
 namespace Server {
 // Whether nothing of the module is alive: no object, no window, no lock of a class factory.
 bool CanUnload() noexcept;

@@ -5,6 +5,7 @@
 
 #include "automation/Object.h"
 #include "automation/RuntimeError.h"
+#include "automation/Scope.h"
 
 namespace {
 
@@ -79,10 +80,8 @@ bool HoldsElements(SAFEARRAY* array, VARTYPE type) noexcept {
 
 }  // namespace
 
-BSTR NewBstr(std::wstring_view text) {
-    const BSTR made = SysAllocStringLen(text.data(), static_cast<UINT>(text.size()));
-    if (made == nullptr) throw std::bad_alloc();
-    return made;
+Bstr::Bstr(std::wstring_view text) : text_(SysAllocStringLen(text.data(), static_cast<UINT>(text.size()))) {
+    if (text_ == nullptr) throw std::bad_alloc();
 }
 
 std::wstring TextOf(BSTR text) { return text != nullptr ? std::wstring(text, SysStringLen(text)) : std::wstring(); }
@@ -119,7 +118,7 @@ Variant::~Variant() { VariantClear(this); }
 
 Variant::Variant(std::wstring_view text) {
     VariantInit(this);
-    bstrVal = NewBstr(text);
+    bstrVal = Bstr(text).Detach();
     vt = VT_BSTR;
 }
 
@@ -219,10 +218,7 @@ Variant Variant::ArrayOf(std::vector<Variant>&& items, long lowerBound) {
     void* data = nullptr;
     RaiseIfFailed(SafeArrayAccessData(made.parray, &data));
     auto* element = static_cast<VARIANT*>(data);
-    for (Variant& item : items) {
-        *element++ = item;  // the array owns it from here on
-        VariantInit(&item);
-    }
+    for (Variant& item : items) *element++ = item.Detach();
     SafeArrayUnaccessData(made.parray);
     return made;
 }
@@ -325,12 +321,9 @@ std::vector<Variant> Variant::ToArray() const {
     const auto type = static_cast<VARTYPE>(vt & VT_TYPEMASK);
     if (!HoldsElements(parray, type)) RaiseError(ErrorNumber::TypeMismatch);
     // By address: the functions that take an index fail at the extreme values of an index.
-    struct Access {
-        explicit Access(SAFEARRAY* array) : Array(array) { RaiseIfFailed(SafeArrayAccessData(array, &Data)); }
-        ~Access() { SafeArrayUnaccessData(Array); }
-        SAFEARRAY* Array;
-        void* Data = nullptr;
-    } const access(parray);
+    void* data = nullptr;
+    RaiseIfFailed(SafeArrayAccessData(parray, &data));
+    const ScopeExit access([array = parray] { SafeArrayUnaccessData(array); });
     const size_t count = parray->rgsabound[0].cElements;
     const size_t size = parray->cbElements;
     std::vector<Variant> items;
@@ -339,10 +332,16 @@ std::vector<Variant> Variant::ToArray() const {
         VARIANT element;
         VariantInit(&element);
         element.vt = static_cast<VARTYPE>(VT_BYREF | type);
-        element.byref = static_cast<BYTE*>(access.Data) + at * size;
+        element.byref = static_cast<BYTE*>(data) + at * size;
         items.emplace_back(static_cast<const VARIANT&>(element));
     }
     return items;
+}
+
+VARIANT Variant::Detach() noexcept {
+    const VARIANT contents = *this;
+    vt = VT_EMPTY;
+    return contents;
 }
 
 VARIANT* Variant::Receive() noexcept {

@@ -8,12 +8,9 @@
 #include <string_view>
 #include <vector>
 
-class Object;
+#include "automation/Bstr.h"
 
-// An owned BSTR of a text; a text that holds NUL characters keeps them. Throws error 7 when memory is out.
-BSTR NewBstr(std::wstring_view text);
-// The text of a BSTR; a null BSTR is the empty text.
-std::wstring TextOf(BSTR text);
+class Object;
 
 // An owned VARIANT that reads like the hosts' own variable: conversions follow VariantChangeType with the user's
 // locale, look through VT_BYREF, and throw error 13 (or 6, 94, 91, 438) when there is no conversion.
@@ -66,6 +63,8 @@ public:
     // The elements of a one-dimensional array of any element type, in index order; error 13 when it is none.
     std::vector<Variant> ToArray() const;
 
+    // Hands the contents over to the caller and is Empty after that.
+    VARIANT Detach() noexcept;
     // Empties the variant and gives its address to a call that fills it.
     VARIANT* Receive() noexcept;
 

@@ -5,6 +5,7 @@
 #include <new>
 
 #include "automation/App.h"
+#include "automation/ComObject.h"
 #include "automation/HostContexts.h"
 #include "automation/RuntimeError.h"
 #include <ocidl.h>
@@ -44,50 +45,20 @@ Object ObjectArgument(const VARIANT& argument) {
     return value.ToObject();
 }
 
-ITypeInfo* LoadTypeInformation(REFGUID guid) noexcept {
-    wchar_t path[MAX_PATH * 4];
-    const DWORD length = GetModuleFileNameW(App::Module(), path, static_cast<DWORD>(std::size(path)));
-    if (length == 0 || length == std::size(path)) return nullptr;
-    ITypeLib* library = nullptr;
-    if (FAILED(LoadTypeLibEx(path, REGKIND_NONE, &library))) return nullptr;
+// Owned by the caller; null when the library cannot be read.
+ITypeInfo* LoadTypeInformation(REFGUID guid) noexcept try {
+    if (!ReadyToThrow()) return nullptr;
+    ComPtr<ITypeLib> library;
     ITypeInfo* info = nullptr;
-    library->GetTypeInfoOfGuid(guid, &info);
-    library->Release();
+    if (SUCCEEDED(LoadTypeLibEx(App::ModulePath().c_str(), REGKIND_NONE, library.Receive())))
+        library->GetTypeInfoOfGuid(guid, &info);
     return info;
+} catch (...) {
+    return nullptr;
 }
 
-class SQLEditorObject final : public _clsSQLEditor, public ISupportErrorInfo, public IProvideClassInfo {
+class SQLEditorObject final : public ComObject<_clsSQLEditor, ISupportErrorInfo, IProvideClassInfo> {
 public:
-    // ---- IUnknown
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {
-        if (object == nullptr) return E_POINTER;
-        if (iid == IID_IUnknown || iid == IID_IDispatch || iid == IID__clsSQLEditor) {
-            *object = static_cast<_clsSQLEditor*>(this);
-        } else if (iid == IID_ISupportErrorInfo) {
-            *object = static_cast<ISupportErrorInfo*>(this);
-        } else if (iid == IID_IProvideClassInfo) {
-            *object = static_cast<IProvideClassInfo*>(this);
-        } else {
-            *object = nullptr;
-            return E_NOINTERFACE;
-        }
-        AddRef();
-        return S_OK;
-    }
-    ULONG STDMETHODCALLTYPE AddRef() override { return static_cast<ULONG>(InterlockedIncrement(&references_)); }
-    ULONG STDMETHODCALLTYPE Release() override {
-        const LONG left = InterlockedDecrement(&references_);
-        if (left == 0) {
-            // Destruction hides the window and runs host code; a high count keeps a re-entrant AddRef/Release from
-            // destroying twice.
-            references_ = 0x10000;
-            const HostContexts host;
-            const Awareness awareness;
-            delete this;
-        }
-        return static_cast<ULONG>(left);
-    }
-
     // ---- IDispatch
     HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override {
         if (count == nullptr) return E_POINTER;
@@ -162,12 +133,19 @@ public:
     }
 
 private:
+    // Destruction hides the window, which runs host code.
+    void Destroy() noexcept override {
+        const HostContexts host;
+        const Awareness awareness;
+        delete this;
+    }
+
     // Errors that even the reporting could not take become an HRESULT with IErrorInfo.
     template <class Work>
     HRESULT Guarded(Work&& work, EXCEPINFO* exception) noexcept {
         if (!ReadyToThrow()) return E_OUTOFMEMORY;
         // The host may release the object from inside the modal loop.
-        AddRef();
+        const ComPtr<SQLEditorObject> held(this);
         HRESULT result = S_OK;
         modGlobal::Own();
         const HostContexts host;
@@ -180,7 +158,6 @@ private:
             const RuntimeError error = CurrentError();
             result = exception != nullptr ? FillException(error, exception) : PublishError(error);
         }
-        Release();
         return result;
     }
 
@@ -227,9 +204,7 @@ private:
     }
 
     static void WriteBstr(BSTR& text, const std::wstring& sql) {
-        BSTR written = NewBstr(sql);
-        std::swap(text, written);
-        SysFreeString(written);
+        SysFreeString(std::exchange(text, Bstr(sql).Detach()));
     }
 
     // The variable that an argument stands for: by reference to a variant, which may refer to another one, and a wrong
@@ -268,24 +243,18 @@ private:
         });
     }
 
-    ~SQLEditorObject() = default;
-
-    LONG references_ = 1;
-    ModuleLock lock_;
     clsSQLEditor editor_;
 };
 
 HRESULT CreateSQLEditor(REFIID iid, void** object) {
     if (!ReadyToThrow()) return E_OUTOFMEMORY;
-    SQLEditorObject* made = nullptr;
+    ComPtr<SQLEditorObject> made;
     try {
-        made = new SQLEditorObject;
+        made = ComPtr<SQLEditorObject>::Attach(new SQLEditorObject);
     } catch (...) {
         return PublishError(CurrentError());
     }
-    const HRESULT result = made->QueryInterface(iid, object);
-    made->Release();
-    return result;
+    return made->QueryInterface(iid, object);
 }
 
 }  // namespace

@@ -1,13 +1,13 @@
 #include <algorithm>
 #include <string_view>
 
+#include "automation/Scope.h"
 #include "automation/Text.h"
 #include "browser/ReadNodes.h"
 #include "browser/modLists_Tree.h"
 #include "catalogue/Catalogue.h"
 #include "editor/frmSQLEditor.h"
 #include "errors/modErrorHandler.h"
-#include "forms/Flagged.h"
 #include "shared/modGlobal.h"
 #include "sql/Scope.h"
 
@@ -223,7 +223,7 @@ void frmSQLEditor::m_TakeName() {
     // What failed was reported. The host's code ran: what was begun may not be there any more.
     if (Written.empty() || !Visible() || rtbSQL.RawText(Place.first, Place.second) != Begun) return;
     const long Caret = Place.first + static_cast<long>(Written.size());
-    const Flagged Choosing(choosingName_);
+    const AutoReset Choosing(choosingName_, true);
     m_ReplaceRaw(Place.first, Place.second, Written, Caret, Caret);
 }
 

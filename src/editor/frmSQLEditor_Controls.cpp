@@ -7,6 +7,7 @@
 #include "automation/App.h"
 #include "editor/ControlIds.h"
 #include "editor/frmSQLEditor.h"
+#include "forms/Handles.h"
 #include "forms/Surroundings.h"
 #include "forms/SystemFunctions.h"
 #include "forms/Twips.h"
@@ -28,11 +29,9 @@ void PaintArrow(HDC Context, const RECT& Client, bool ToLeft) {
     const int Tip = ToLeft ? X - Size / 2 : X + Size / 2;
     const int Back = ToLeft ? Tip + Size : Tip - Size;
     const POINT Arrow[] = {{Tip, Y}, {Back, Y - Size}, {Back, Y + Size}};
-    const HGDIOBJ Pen = SelectObject(Context, GetStockObject(NULL_PEN));
-    const HGDIOBJ Brush = SelectObject(Context, GetSysColorBrush(COLOR_BTNTEXT));
+    const SelectedObject Pen(Context, GetStockObject(NULL_PEN));
+    const SelectedObject Brush(Context, GetSysColorBrush(COLOR_BTNTEXT));
     Polygon(Context, Arrow, 3);
-    SelectObject(Context, Brush);
-    SelectObject(Context, Pen);
 }
 
 // The face of a small button.
@@ -47,7 +46,7 @@ std::wstring FixedPitchFace(HWND Window) {
         Wanted.lfCharSet = DEFAULT_CHARSET;
         lstrcpynW(Wanted.lfFaceName, Face, LF_FACESIZE);
         bool Found = false;
-        const HDC Context = GetDC(Window);
+        const WindowDc Context(Window);
         EnumFontFamiliesExW(
             Context, &Wanted,
             [](const LOGFONTW*, const TEXTMETRICW*, DWORD, LPARAM Parameter) WINAPI -> int {
@@ -55,7 +54,6 @@ std::wstring FixedPitchFace(HWND Window) {
                 return 0;
             },
             reinterpret_cast<LPARAM>(&Found), 0);
-        ReleaseDC(Window, Context);
         if (Found) return Face;
     }
     return L"Courier New";

@@ -2,6 +2,7 @@
 #include <utility>
 
 #include "automation/App.h"
+#include "automation/Scope.h"
 #include "automation/Text.h"
 #include "browser/modLists_Tree.h"
 #include "catalogue/modLists_Lists.h"
@@ -9,7 +10,6 @@
 #include "editor/frmSQLEditor.h"
 #include "editor/modWinAPI.h"
 #include "errors/modErrorHandler.h"
-#include "forms/Flagged.h"
 #include "forms/PlainText.h"
 #include "forms/Settings.h"
 #include "shared/modGlobal.h"
@@ -44,7 +44,7 @@ bool frmSQLEditor::m_IsGone() const noexcept {
 }
 
 void frmSQLEditor::Constructor() try {
-    const Flagged Displaying(displaying_);
+    const AutoReset Displaying(displaying_, true);
     if (OwnerName.empty()) return;
     Load();
     const Node Schemas = trvDBObjects.Items().Item(std::wstring(modLists::NodeKind::Schemas));
@@ -64,7 +64,7 @@ void frmSQLEditor::Display(std::wstring& SQL) try {
     // visible while DBTypeName is read.
     if (displaying_) RaiseError(ErrorNumber::FormAlreadyShown);
     const auto held = shared_from_this();  // the host may let go of the window while it is shown
-    const Flagged displaying(displaying_);
+    const AutoReset displaying(displaying_, true);
     Load();
     if (connection_ != modGlobal::Connection()) m_ShowConnection();
     colours_.SetLanguage(DBType);

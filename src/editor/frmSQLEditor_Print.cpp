@@ -2,9 +2,9 @@
 
 #include <commdlg.h>
 
+#include "automation/Scope.h"
 #include "editor/frmSQLEditor.h"
 #include "errors/modErrorHandler.h"
-#include "forms/Flagged.h"
 #include "forms/NotTopmost.h"
 #include "forms/Printer.h"
 
@@ -21,7 +21,7 @@ std::wstring DocumentName(const std::wstring& FileName) {
 void frmSQLEditor::mnuFilePrint_Click() try {
     // The window is in use while the printer asks for the name of a file.
     if (printing_) return;
-    const Flagged Printing(printing_);
+    const AutoReset Printing(printing_, true);
     rtbSQL.SetSelLength(0);
     const NotTopmost notTopmost;  // a driver's box for the name of a file may be another process's
     // The dialog offers to print the selection too. Nothing is selected, so it prints the whole text.

@@ -1,6 +1,7 @@
 #include "errors/modErrorHandler.h"
 
 #include "automation/App.h"
+#include "automation/Scope.h"
 #include "errors/clsErrorHandler.h"
 #include "forms/NotTopmost.h"
 #include "forms/Painting.h"
@@ -13,18 +14,11 @@ namespace {
 constexpr int Deepest = 16;
 int depth = 0;
 
-struct Deeper {
-    Deeper() noexcept { ++depth; }
-    ~Deeper() { --depth; }
-    Deeper(const Deeper&) = delete;
-    Deeper& operator=(const Deeper&) = delete;
-};
-
 }  // namespace
 
 void ReportError(const std::wstring& Module, const std::wstring& Routine, const Variant& DebugMessage) {
     if (depth >= Deepest) return;
-    const Deeper deeper;
+    const AutoReset deeper(depth, depth + 1);
     const RuntimeError error = CurrentError();
     // Compiled code carries no line numbers.
     constexpr long Line = 0;

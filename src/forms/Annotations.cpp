@@ -3,13 +3,16 @@
 #include <initguid.h>
 #include <oleacc.h>
 
+Annotations::Annotations() noexcept = default;
+Annotations::~Annotations() { Clear(); }
+
 IAccPropServices* Annotations::Services() noexcept {
     if (!asked_) {
         asked_ = true;
         CoCreateInstance(CLSID_AccPropServices, nullptr, CLSCTX_INPROC_SERVER, IID_IAccPropServices,
-                         reinterpret_cast<void**>(&services_));
+                         services_.Receive<void>());
     }
-    return services_;
+    return services_.Get();
 }
 
 void Annotations::SetName(HWND window, const std::wstring& name) {
@@ -43,7 +46,6 @@ void Annotations::Clear() noexcept {
         }
     }
     told_.clear();
-    if (services_ != nullptr) services_->Release();
-    services_ = nullptr;
+    services_.Reset();
     asked_ = false;
 }

@@ -6,14 +6,16 @@
 #include <utility>
 #include <vector>
 
+#include "automation/ComPtr.h"
+
 struct IAccPropServices;
 
 // Accessible names and roles for windows whose class does not provide them. Without the system's service (Wine) it does
 // nothing and nothing fails. The windows must live as long as this object, or until Clear.
 class Annotations {
 public:
-    Annotations() = default;
-    ~Annotations() { Clear(); }
+    Annotations() noexcept;
+    ~Annotations();
     Annotations(const Annotations&) = delete;
     Annotations& operator=(const Annotations&) = delete;
 
@@ -27,7 +29,7 @@ private:
     enum class Property { Name, Role };
     // The system's service, or null. Asked for once, not for each of many windows.
     IAccPropServices* Services() noexcept;
-    IAccPropServices* services_ = nullptr;
+    ComPtr<IAccPropServices> services_;
     bool asked_ = false;
     std::vector<std::pair<HWND, Property>> told_;
 };

@@ -1,5 +1,6 @@
 #include "forms/CommandButton.h"
 
+#include "forms/Handles.h"
 #include "forms/SystemFunctions.h"
 #include "forms/Twips.h"
 
@@ -66,11 +67,9 @@ void CommandButton::SetFont(HFONT font) {
 SIZE CommandButton::CaptionSize() const {
     const std::wstring caption = WindowCaption();
     SIZE size{};
-    const HDC context = GetDC(Handle());
-    const HGDIOBJ previous = SelectObject(context, font_);
+    const WindowDc context(Handle());
+    const SelectedObject font(context, font_);
     GetTextExtentPoint32W(context, caption.c_str(), static_cast<int>(caption.size()), &size);
-    SelectObject(context, previous);
-    ReleaseDC(Handle(), context);
     return size;
 }
 

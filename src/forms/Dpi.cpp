@@ -2,15 +2,14 @@
 
 #include <initializer_list>
 
+#include "forms/Handles.h"
 #include "forms/SystemFunctions.h"
 
 UINT DpiOf(HWND window) noexcept {
     if (window != nullptr) {
         if (const UINT dpi = System::GetDpiForWindow(window)) return dpi;
     }
-    const HDC screen = GetDC(nullptr);
-    const int dpi = GetDeviceCaps(screen, LOGPIXELSX);
-    ReleaseDC(nullptr, screen);
+    const int dpi = GetDeviceCaps(WindowDc(nullptr), LOGPIXELSX);
     return dpi > 0 ? static_cast<UINT>(dpi) : 96U;
 }
 

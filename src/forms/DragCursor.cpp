@@ -2,9 +2,11 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 #include "forms/Dpi.h"
+#include "forms/Handles.h"
 #include "forms/Twips.h"
 
 namespace {
@@ -30,27 +32,20 @@ public:
         void* bits = nullptr;
         bitmap_.reset(CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, &bits, nullptr, 0));
         bits_ = static_cast<uint32_t*>(bits);
-        if (bitmap_) before_ = SelectObject(context_, bitmap_.get());
+        if (bitmap_) drawn_.emplace(context_.get(), bitmap_.get());
     }
-    ~Canvas() {
-        if (before_ != nullptr) SelectObject(context_, before_);
-        DeleteDC(context_);
-    }
-    Canvas(const Canvas&) = delete;
-    Canvas& operator=(const Canvas&) = delete;
 
     explicit operator bool() const noexcept { return bitmap_ != nullptr; }
-    HDC Context() const noexcept { return context_; }
+    HDC Context() const noexcept { return context_.get(); }
     void Fill(const RECT& area, COLORREF color) const {
         const BrushHandle brush(CreateSolidBrush(color));
-        FillRect(context_, &area, brush.get());
+        FillRect(context_.get(), &area, brush.get());
     }
 
     // What was drawn becomes opaque, the rest clear.
     CursorHandle ToCursor() {
         GdiFlush();
-        SelectObject(context_, before_);
-        before_ = nullptr;
+        drawn_.reset();
         const uint32_t key = (GetRValue(Clear) << 16) | (GetGValue(Clear) << 8) | GetBValue(Clear);
         const int stride = (width_ + 15) / 16 * 2;
         std::vector<BYTE> mask(static_cast<size_t>(stride) * static_cast<size_t>(height_));
@@ -74,12 +69,12 @@ public:
     }
 
 private:
-    HDC context_;
+    MemoryDc context_;
     int width_;
     int height_;
     BitmapHandle bitmap_;
     uint32_t* bits_ = nullptr;
-    HGDIOBJ before_ = nullptr;
+    std::optional<SelectedObject> drawn_;  // before the bitmap and the context go
 };
 
 }  // namespace
@@ -93,11 +88,9 @@ CursorHandle MakeDragCursor(HWND window, const std::wstring& text) {
 
     SIZE size{};
     if (!label.empty()) {
-        const HDC screen = GetDC(nullptr);
-        const HGDIOBJ before = SelectObject(screen, font.get());
+        const WindowDc screen(nullptr);
+        const SelectedObject inFont(screen, font.get());
         GetTextExtentPoint32W(screen, label.c_str(), static_cast<int>(label.size()), &size);
-        SelectObject(screen, before);
-        ReleaseDC(nullptr, screen);
     }
     const RECT box{scaled(10), scaled(20), scaled(10) + size.cx + scaled(8), scaled(20) + size.cy + scaled(4)};
     const int width = std::max<int>(label.empty() ? 0 : box.right, scaled(32));
@@ -120,11 +113,10 @@ CursorHandle MakeDragCursor(HWND window, const std::wstring& text) {
     if (!label.empty()) {
         canvas.Fill(box, GetSysColor(COLOR_INFOTEXT));
         canvas.Fill({box.left + 1, box.top + 1, box.right - 1, box.bottom - 1}, GetSysColor(COLOR_INFOBK));
-        const HGDIOBJ before = SelectObject(context, font.get());
+        const SelectedObject inFont(context, font.get());
         SetTextColor(context, GetSysColor(COLOR_INFOTEXT));
         SetBkMode(context, TRANSPARENT);
         TextOutW(context, box.left + scaled(4), box.top + scaled(2), label.c_str(), static_cast<int>(label.size()));
-        SelectObject(context, before);
     }
     return canvas.ToCursor();
 }

@@ -8,7 +8,7 @@
 #include <new>
 #include <string_view>
 
-#include "automation/Server.h"
+#include "automation/ComObject.h"
 #include "forms/HandedText.h"
 #include "forms/RichEdit.h"
 
@@ -113,28 +113,11 @@ std::vector<std::wstring> DroppedData::Files() const {
     return files;
 }
 
-// Reference-counted; after Detach it accepts nothing.
-class DropTarget::Target final : public IDropTarget {
+// Reference-counted, since OLE may hold it longer than the window lives; after Detach it accepts nothing.
+class DropTarget::Target final : public ComObject<IDropTarget> {
 public:
     explicit Target(DropTarget* owner) noexcept : owner_(owner) {}
     void Detach() noexcept { owner_ = nullptr; }
-
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) noexcept override {
-        if (object == nullptr) return E_POINTER;
-        if (iid != IID_IUnknown && iid != IID_IDropTarget) {
-            *object = nullptr;
-            return E_NOINTERFACE;
-        }
-        *object = static_cast<IDropTarget*>(this);
-        AddRef();
-        return S_OK;
-    }
-    ULONG STDMETHODCALLTYPE AddRef() noexcept override { return ++references_; }
-    ULONG STDMETHODCALLTYPE Release() noexcept override {
-        const ULONG left = --references_;
-        if (left == 0) delete this;
-        return left;
-    }
 
     HRESULT STDMETHODCALLTYPE DragEnter(IDataObject* data, DWORD, POINTL at, DWORD* effect) noexcept override {
         if (data == nullptr || effect == nullptr) return E_INVALIDARG;
@@ -174,7 +157,7 @@ private:
         const DWORD allowed = *effect;
         *effect = DROPEFFECT_NONE;
         if (owner_ == nullptr) return S_OK;
-        AddRef();
+        const ComPtr<Target> held(this);
         HRESULT result = S_OK;
         try {
             *effect = allowed;
@@ -183,7 +166,6 @@ private:
             *effect = DROPEFFECT_NONE;
             result = E_FAIL;
         }
-        Release();
         return result;
     }
     // The call goes to the other program, and messages are dispatched meanwhile: the window may be gone afterwards.
@@ -202,25 +184,24 @@ private:
     }
 
     DropTarget* owner_;
-    ULONG references_ = 1;
     bool accepted_ = false;
-    ModuleLock lock_;  // OLE may hold the target longer than the window lives
 };
+
+DropTarget::DropTarget() = default;
+
+DropTarget::~DropTarget() { Revoke(); }
 
 void DropTarget::Register(HWND window) {
     Revoke();
-    target_ = new Target(this);
+    target_ = ComPtr<Target>::Attach(new Target(this));
     // The control's own class may have registered a target of its own.
     RevokeDragDrop(window);
-    if (SUCCEEDED(RegisterDragDrop(window, target_))) window_ = window;
+    if (SUCCEEDED(RegisterDragDrop(window, target_.Get()))) window_ = window;
 }
 
 void DropTarget::Revoke() noexcept {
     if (window_ != nullptr) RevokeDragDrop(window_);
     window_ = nullptr;
-    if (target_ != nullptr) {
-        target_->Detach();
-        target_->Release();
-    }
-    target_ = nullptr;
+    if (target_) target_->Detach();
+    target_.Reset();
 }

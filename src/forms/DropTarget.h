@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "automation/ComPtr.h"
+
 // What another program drops: a view of its data object, valid for the time of the event.
 class DroppedData {
 public:
@@ -41,8 +43,8 @@ class DropTarget {
 public:
     using DragEvent = std::function<void(POINT screen)>;
 
-    DropTarget() = default;
-    ~DropTarget() { Revoke(); }
+    DropTarget();
+    ~DropTarget();
     DropTarget(const DropTarget&) = delete;
     DropTarget& operator=(const DropTarget&) = delete;
 
@@ -57,6 +59,6 @@ public:
 
 private:
     class Target;
-    Target* target_ = nullptr;
+    ComPtr<Target> target_;
     HWND window_ = nullptr;
 };

@@ -10,6 +10,7 @@
 #include "automation/App.h"
 #include "automation/HostContexts.h"
 #include "automation/RuntimeError.h"
+#include "automation/Scope.h"
 #include "forms/Dpi.h"
 #include "forms/Events.h"
 #include "forms/Messages.h"
@@ -290,15 +291,11 @@ void Form::ShowModal() {
     if (shown_) RaiseError(ErrorNumber::FormAlreadyShown);
     const Surroundings surroundings;
     Events::Call call;
-    struct Showing {
-        Form& Self;
-        HWND Outer = shownForm;
-        ~Showing() {
-            shownForm = Outer;
-            if (Self.shown_) Events::Raise([this] { Self.Hide(); });
-            Self.EnableOthers();
-        }
-    } showing{*this};
+    const ScopeExit showing([this, outer = shownForm] {
+        shownForm = outer;
+        if (shown_) Events::Raise([this] { Hide(); });
+        EnableOthers();
+    });
     shown_ = true;
     shownForm = handle_;
     DisableOthers();

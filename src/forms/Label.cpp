@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "forms/Handles.h"
 #include "forms/Twips.h"
 
 void Label::Create(HWND container, int id, const std::wstring& caption) {
@@ -26,24 +27,20 @@ void Label::SetFont(HFONT font) {
 }
 
 float Label::LineHeight() const {
-    const HDC context = GetDC(Handle());
-    const HGDIOBJ previous = SelectObject(context, font_);
+    const WindowDc context(Handle());
+    const SelectedObject font(context, font_);
     TEXTMETRICW metrics{};
     GetTextMetricsW(context, &metrics);
-    SelectObject(context, previous);
-    ReleaseDC(Handle(), context);
     return PixelsToTwips(metrics.tmHeight, Dpi());
 }
 
 float Label::HeightFor(float width) const {
     const UINT dpi = Dpi();
     RECT area{0, 0, TwipsToPixels(width, dpi), 0};
-    const HDC context = GetDC(Handle());
-    const HGDIOBJ previous = SelectObject(context, font_);
+    const WindowDc context(Handle());
+    const SelectedObject font(context, font_);
     DrawTextW(context, caption_.c_str(), static_cast<int>(caption_.size()), &area,
               DT_CALCRECT | DT_WORDBREAK | DT_NOPREFIX);
-    SelectObject(context, previous);
-    ReleaseDC(Handle(), context);
     return PixelsToTwips(area.bottom, dpi);
 }
 
@@ -61,7 +58,7 @@ bool Label::OnReflected(UINT message, WPARAM wParam, LPARAM, LRESULT& result) {
 
 // The margins are the window's frame: inside it the class draws and measures as it always does.
 void Label::PaintMargins() const {
-    const HDC context = GetWindowDC(Handle());
+    const WindowDc context(Handle(), GetWindowDC(Handle()));
     if (context == nullptr) return;
     RECT whole;
     GetWindowRect(Handle(), &whole);
@@ -72,7 +69,6 @@ void Label::PaintMargins() const {
     OffsetRect(&whole, -whole.left, -whole.top);
     ExcludeClipRect(context, client.left, client.top, client.right, client.bottom);
     FillRect(context, &whole, GetSysColorBrush(COLOR_BTNFACE));
-    ReleaseDC(Handle(), context);
 }
 
 LRESULT Label::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {

@@ -9,6 +9,7 @@
 
 #include "automation/App.h"
 #include "automation/RuntimeError.h"
+#include "automation/Scope.h"
 #include "automation/SystemLibrary.h"
 #include "forms/Rtf.h"
 #include "forms/Surroundings.h"
@@ -47,32 +48,30 @@ namespace {
 bool Through(std::string_view bytes, WPARAM format, std::wstring& text) {
     text.clear();
     const Surroundings surroundings;
-    struct Window {
-        HWND Handle;
-        ~Window() { DestroyWindow(Handle); }
-    } const window{CreateWindowExW(0, RichEditClass(), L"", ES_MULTILINE | ES_NOOLEDRAGDROP | WS_CHILD, 0, 0, 0, 0,
-                                   HWND_MESSAGE, nullptr, App::Module(), nullptr)};
-    if (window.Handle == nullptr) RaiseSystemError(ErrorNumber::OutOfMemory, GetLastError());
-    SendMessageW(window.Handle, EM_EXLIMITTEXT, 0, 0x7FFFFFFE);
+    const HWND window = CreateWindowExW(0, RichEditClass(), L"", ES_MULTILINE | ES_NOOLEDRAGDROP | WS_CHILD, 0, 0, 0, 0,
+                                        HWND_MESSAGE, nullptr, App::Module(), nullptr);
+    if (window == nullptr) RaiseSystemError(ErrorNumber::OutOfMemory, GetLastError());
+    const ScopeExit made([window] { DestroyWindow(window); });
+    SendMessageW(window, EM_EXLIMITTEXT, 0, 0x7FFFFFFE);
     // Wrapped to a width of nothing, each word would be a line.
-    SendMessageW(window.Handle, EM_SETTARGETDEVICE, 0, 1);
-    SendMessageW(window.Handle, EM_SETUNDOLIMIT, 0, 0);
+    SendMessageW(window, EM_SETTARGETDEVICE, 0, 1);
+    SendMessageW(window, EM_SETUNDOLIMIT, 0, 0);
     Source source{bytes};
     EDITSTREAM stream{};
     stream.dwCookie = reinterpret_cast<DWORD_PTR>(&source);
     stream.pfnCallback = &Read;
-    SendMessageW(window.Handle, EM_STREAMIN, format, reinterpret_cast<LPARAM>(&stream));
+    SendMessageW(window, EM_STREAMIN, format, reinterpret_cast<LPARAM>(&stream));
     if (stream.dwError != 0) return false;
     GETTEXTLENGTHEX measure{GTL_USECRLF | GTL_NUMCHARS | GTL_PRECISE, 1200};
-    const LRESULT length = SendMessageW(window.Handle, EM_GETTEXTLENGTHEX, reinterpret_cast<WPARAM>(&measure), 0);
+    const LRESULT length = SendMessageW(window, EM_GETTEXTLENGTHEX, reinterpret_cast<WPARAM>(&measure), 0);
     if (length <= 0) return true;
     text.resize(static_cast<size_t>(length) + 1);
     GETTEXTEX request{};
     request.cb = static_cast<DWORD>(text.size() * sizeof(wchar_t));
     request.flags = GT_USECRLF;
     request.codepage = 1200;
-    const LRESULT copied = SendMessageW(window.Handle, EM_GETTEXTEX, reinterpret_cast<WPARAM>(&request),
-                                        reinterpret_cast<LPARAM>(text.data()));
+    const LRESULT copied =
+        SendMessageW(window, EM_GETTEXTEX, reinterpret_cast<WPARAM>(&request), reinterpret_cast<LPARAM>(text.data()));
     text.resize(static_cast<size_t>(std::clamp<LRESULT>(copied, 0, length)));
     return true;
 }

@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "automation/RuntimeError.h"
+#include "automation/Scope.h"
 #include "forms/Events.h"
 #include "forms/Messages.h"
 #include "forms/PlainText.h"
@@ -188,11 +189,7 @@ void RichTextBox::Replace() {
         TakeBack(old);
         throw;
     }
-    struct Former {
-        RichTextBox& Self;
-        HWND Window;
-        ~Former() { Self.DestroyFormer(Window); }
-    } former{*this, old};
+    const ScopeExit former([&] { DestroyFormer(old); });
     SetWindowPos(Handle(), after != nullptr ? after : HWND_TOP, place.left, place.top, place.right - place.left,
                  place.bottom - place.top, SWP_NOACTIVATE);
     if (zoomed && zoom != 0) Send(EM_SETZOOM, static_cast<WPARAM>(zoom), of);
@@ -217,7 +214,7 @@ void RichTextBox::FillWith(const std::wstring& text) {
 void RichTextBox::SetText(const std::wstring& text) {
     if (Handle() == nullptr) RaiseError(ErrorNumber::ObjectNotSet);
     {
-        const Filling filling(filling_);
+        const AutoReset filling(filling_, true);
         // Replacing text in place may leave old formatting behind.
         if (rich_ || TextLength() > ReplaceBeyond) Replace();
         rich_ = false;
@@ -398,7 +395,7 @@ bool RichTextBox::OnReflected(UINT message, WPARAM wParam, LPARAM lParam, LRESUL
         CHARRANGE range{};
         Send(EM_EXGETSEL, 0, reinterpret_cast<LPARAM>(&range));
         if (const long end = ControlLength(); range.cpMax > end) {
-            const Filling filling(filling_);
+            const AutoReset filling(filling_, true);
             range = {std::min(range.cpMin, end), end};
             Send(EM_EXSETSEL, 0, reinterpret_cast<LPARAM>(&range));
         }

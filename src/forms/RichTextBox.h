@@ -171,13 +171,6 @@ protected:
     POINT MenuPoint() const override;  // at the caret
 
 private:
-    // While one lives the control's own notifications raise nothing.
-    struct Filling {
-        bool& Flag;
-        explicit Filling(bool& flag) : Flag(flag) { Flag = true; }
-        ~Filling() { Flag = false; }
-    };
-
     // A message of the keyboard (forms/RichTextBox_Keys.cpp). True: it is not for the control.
     bool OnKey(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result);
     bool IsOfTakenKey(LPARAM lParam) noexcept;

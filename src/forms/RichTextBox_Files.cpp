@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "automation/RuntimeError.h"
+#include "automation/Scope.h"
 #include "automation/Text.h"
 #include "forms/PlainText.h"
 #include "forms/RichEdit.h"
@@ -129,7 +130,7 @@ void RichTextBox::SetRichText(std::string_view rtf) {
     if (!IsRichText(rtf) || !SanitizeRtf(rtf, cleaned) || !ReadRichText(rtf, text)) RaiseError(InvalidFileFormat);
     bool counts = true;
     {
-        const Filling filling(filling_);
+        const AutoReset filling(filling_, true);
         Replace();
         std::string_view rest = cleaned;
         EDITSTREAM stream{};

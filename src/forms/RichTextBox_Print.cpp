@@ -56,7 +56,7 @@ public:
     // Draws the page that begins at a position; returns where the next one begins.
     size_t Draw(size_t from, bool first) const {
         // A page begins with a context of its own state under some drivers.
-        const HGDIOBJ before = SelectObject(context_, font_.get());
+        const SelectedObject font(context_, font_.get());
         SetTextColor(context_, RGB(0, 0, 0));
         SetBkMode(context_, TRANSPARENT);
         TEXTMETRICW metrics{};
@@ -70,7 +70,6 @@ public:
             from = fits < end ? fits : std::min(end + 2, text_.size());
             y += height;
         } while (from < text_.size() && y + height <= area_.bottom);
-        SelectObject(context_, before);
         return from;
     }
 

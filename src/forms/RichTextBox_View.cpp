@@ -7,6 +7,8 @@
 
 #include <algorithm>
 
+#include "automation/ComPtr.h"
+#include "automation/Scope.h"
 #include "forms/RichTextBox.h"
 
 // How characters are shown, apart from the text. The formats set here are not content: they make no undo step and no
@@ -14,22 +16,13 @@
 
 namespace {
 
-struct Releaser {
-    void operator()(IUnknown* object) const noexcept { object->Release(); }
-};
-template <class T>
-using Owned = std::unique_ptr<T, Releaser>;
-
 // Some import libraries lack it.
 constexpr IID TextDocumentId = {0x8CC497C0, 0xA1DF, 0x11CE, {0x80, 0x98, 0x00, 0xAA, 0x00, 0x47, 0xBE, 0x5D}};
 
-Owned<ITextDocument> DocumentOf(HWND window) noexcept {
-    IUnknown* ole = nullptr;
-    if (SendMessageW(window, EM_GETOLEINTERFACE, 0, reinterpret_cast<LPARAM>(&ole)) == 0 || ole == nullptr) return {};
-    const Owned<IUnknown> held(ole);
-    void* document = nullptr;
-    if (FAILED(ole->QueryInterface(TextDocumentId, &document))) return {};
-    return Owned<ITextDocument>(static_cast<ITextDocument*>(document));
+ComPtr<ITextDocument> DocumentOf(HWND window) noexcept {
+    ComPtr<IUnknown> ole;
+    SendMessageW(window, EM_GETOLEINTERFACE, 0, reinterpret_cast<LPARAM>(ole.Receive()));
+    return ole.As<ITextDocument>(TextDocumentId);
 }
 
 // While one lives, the control records no undo, does not paint and does not count as changed.
@@ -70,10 +63,10 @@ private:
 bool SetColour(ITextDocument& document, long from, long to, bool ground, COLORREF colour) noexcept {
     ITextRange* range = nullptr;
     if (FAILED(document.Range(from, to, &range)) || range == nullptr) return false;
-    const Owned<ITextRange> held(range);
+    const ComPtr<ITextRange> held(range);
     ITextFont* font = nullptr;
     if (FAILED(range->GetFont(&font)) || font == nullptr) return false;
-    const Owned<ITextFont> heldFont(font);
+    const ComPtr<ITextFont> heldFont(font);
     const long value = colour == CLR_DEFAULT ? static_cast<long>(tomAutoColor) : static_cast<long>(colour);
     return SUCCEEDED(ground ? font->SetBackColor(value) : font->SetForeColor(value));
 }
@@ -82,14 +75,14 @@ bool SetColour(ITextDocument& document, long from, long to, bool ground, COLORRE
 
 bool RichTextBox::Show(std::span<const Shade> shades) {
     if (shades.empty()) return true;
-    const Owned<ITextDocument> document = DocumentOf(Handle());
+    const ComPtr<ITextDocument> document = DocumentOf(Handle());
     if (!document) return false;
     RECT client;
     GetClientRect(Handle(), &client);
     RECT changed{0, client.bottom, client.right, 0};
     bool all = true;
     {
-        const Filling filling(filling_);
+        const AutoReset filling(filling_, true);
         const Unrecorded unrecorded(Handle(), *document);
         for (const Shade& shade : shades) {
             all = SetColour(*document, shade.From, shade.To, shade.Ground, shade.Colour) && all;
@@ -110,10 +103,10 @@ bool RichTextBox::Show(std::span<const Shade> shades) {
 
 void RichTextBox::ShowPlain() {
     if (!shaded_) return;
-    const Owned<ITextDocument> document = DocumentOf(Handle());
+    const ComPtr<ITextDocument> document = DocumentOf(Handle());
     if (!document) return;
     {
-        const Filling filling(filling_);
+        const AutoReset filling(filling_, true);
         const Unrecorded unrecorded(Handle(), *document);
         // After the last character too: what is typed there would take its colour from it.
         const long end = RawLength() + 1;

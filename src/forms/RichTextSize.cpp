@@ -60,11 +60,9 @@ float RichTextCorrection(HWND container, const std::wstring& face, float points)
     wanted.lfCharSet = DEFAULT_CHARSET;
     lstrcpynW(wanted.lfFaceName, face.c_str(), LF_FACESIZE);
     const FontHandle font(CreateFontIndirectW(&wanted));
-    const HDC context = GetDC(container);
-    const HGDIOBJ before = SelectObject(context, font.get());
+    const WindowDc context(container);
+    const SelectedObject inFont(context, font.get());
     TEXTMETRICW metrics{};
     GetTextMetricsW(context, &metrics);
-    SelectObject(context, before);
-    ReleaseDC(container, context);
     return RichTextCorrection(line, static_cast<int>(metrics.tmHeight), dpi, system);
 }

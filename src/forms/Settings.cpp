@@ -65,10 +65,8 @@ float ToSingle(const std::wstring& text) {
 
 // The seven digits that a Single has.
 std::wstring FromSingle(float value) {
-    BSTR text = nullptr;
-    if (FAILED(VarBstrFromR4(value, LOCALE_INVARIANT, LOCALE_NOUSEROVERRIDE, &text))) RaiseError(ErrorNumber::Overflow);
-    Variant owned;
-    owned.vt = VT_BSTR;
-    owned.bstrVal = text;
-    return TextOf(text);
+    Bstr text;
+    if (FAILED(VarBstrFromR4(value, LOCALE_INVARIANT, LOCALE_NOUSEROVERRIDE, text.Receive())))
+        RaiseError(ErrorNumber::Overflow);
+    return TextOf(text.Get());
 }

@@ -8,6 +8,7 @@
 
 #include "automation/RuntimeError.h"
 #include "forms/Dpi.h"
+#include "forms/Handles.h"
 #include "forms/Twips.h"
 
 namespace {
@@ -110,11 +111,9 @@ void StatusBar::Measure(Panel& panel) {
 
 int StatusBar::WidthOf(const std::wstring& text) const {
     SIZE size{};
-    const HDC context = GetDC(Handle());
-    const HGDIOBJ previous = font_ != nullptr ? SelectObject(context, font_) : nullptr;
+    const WindowDc context(Handle());
+    const SelectedObject font(context, font_);
     GetTextExtentPoint32W(context, text.c_str(), static_cast<int>(text.size()), &size);
-    if (previous != nullptr) SelectObject(context, previous);
-    ReleaseDC(Handle(), context);
     return static_cast<int>(size.cx) + TwipsToPixels(PanelMargin, Dpi());
 }
 

@@ -1,6 +1,7 @@
 #include "forms/Surroundings.h"
 
-#include <iterator>
+#include <new>
+#include <string>
 
 #include "automation/App.h"
 #include "forms/SystemFunctions.h"
@@ -17,15 +18,18 @@ struct Controls {
 // A program has its manifest as resource 1. A DLL has it as resource 3: as resource 2 the loader would make a context
 // of it for the DLL's own imports each time it loads the DLL, which takes longer than all the rest of the loading.
 HANDLE MakeContext() noexcept {
-    wchar_t path[MAX_PATH * 4];
-    const DWORD length = GetModuleFileNameW(App::Module(), path, static_cast<DWORD>(std::size(path)));
-    if (length == 0 || length == std::size(path)) return INVALID_HANDLE_VALUE;
+    std::wstring path;
+    try {
+        path = App::ModulePath();
+    } catch (const std::bad_alloc&) {
+        // The module alone does as well.
+    }
     for (const LPCWSTR resource :
          {ISOLATIONAWARE_NOSTATICIMPORT_MANIFEST_RESOURCE_ID, CREATEPROCESS_MANIFEST_RESOURCE_ID}) {
         ACTCTXW request{};
         request.cbSize = sizeof request;
         request.dwFlags = ACTCTX_FLAG_RESOURCE_NAME_VALID | ACTCTX_FLAG_HMODULE_VALID;
-        request.lpSource = path;
+        request.lpSource = path.empty() ? nullptr : path.c_str();
         request.lpResourceName = resource;
         request.hModule = App::Module();
         const HANDLE made = CreateActCtxW(&request);

@@ -3,6 +3,7 @@
 #include <vsstyle.h>
 
 #include "forms/Dpi.h"
+#include "forms/Handles.h"
 #include "forms/SystemFunctions.h"
 
 void PaintThemedBorder(HWND window) noexcept {
@@ -10,7 +11,7 @@ void PaintThemedBorder(HWND window) noexcept {
     if ((GetWindowLongPtrW(window, GWL_EXSTYLE) & WS_EX_CLIENTEDGE) == 0) return;
     const HTHEME theme = System::OpenThemeData(window, VSCLASS_LISTBOX);
     if (theme == nullptr) return;
-    if (const HDC context = GetWindowDC(window)) {
+    if (const WindowDc context(window, GetWindowDC(window)); context != nullptr) {
         RECT border;
         GetWindowRect(window, &border);
         OffsetRect(&border, -border.left, -border.top);
@@ -22,7 +23,6 @@ void PaintThemedBorder(HWND window) noexcept {
         const bool named = System::IsThemePartDefined(theme, LBCP_BORDER_NOSCROLL, 0) != FALSE;
         System::DrawThemeBackground(theme, context, named ? LBCP_BORDER_NOSCROLL : 0, named ? LBPSN_NORMAL : 0, &border,
                                     nullptr);
-        ReleaseDC(window, context);
     }
     System::CloseThemeData(theme);
 }

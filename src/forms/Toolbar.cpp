@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "automation/RuntimeError.h"
+#include "forms/Handles.h"
 #include "forms/SystemFunctions.h"
 #include "forms/Tooltip.h"
 #include "forms/Twips.h"
@@ -64,11 +65,11 @@ void Toolbar::MeasureButtons() {
         System::ImageList_GetIconSize(images, &imageWidth, &imageHeight);
     }
     TEXTMETRICW metrics{};
-    const HDC context = GetDC(Handle());
-    const HGDIOBJ before = SelectObject(context, reinterpret_cast<HFONT>(Send(WM_GETFONT)));
-    GetTextMetricsW(context, &metrics);
-    SelectObject(context, before);
-    ReleaseDC(Handle(), context);
+    {
+        const WindowDc context(Handle());
+        const SelectedObject font(context, reinterpret_cast<HFONT>(Send(WM_GETFONT)));
+        GetTextMetricsW(context, &metrics);
+    }
     const int height = std::max(imageHeight, static_cast<int>(metrics.tmHeight)) + Around;
     Send(TB_SETBUTTONSIZE, 0, MAKELPARAM(0, height));
     for (size_t at = 0; at < buttons_.size(); ++at) {

@@ -8,26 +8,11 @@
 #include <utility>
 #include <vector>
 
+#include "automation/Scope.h"
 #include "forms/Events.h"
 #include "forms/NotTopmost.h"
 #include "forms/Painting.h"
 #include "forms/WaitCursor.h"
-
-namespace {
-
-class Quiet {
-public:
-    explicit Quiet(bool& flag) noexcept : flag_(flag), before_(flag) { flag_ = true; }
-    ~Quiet() { flag_ = before_; }
-    Quiet(const Quiet&) = delete;
-    Quiet& operator=(const Quiet&) = delete;
-
-private:
-    bool& flag_;
-    bool before_;
-};
-
-}  // namespace
 
 void TreeView::Create(HWND container, int id) {
     CreateWindowOf(WC_TREEVIEWW,
@@ -76,7 +61,7 @@ Node TreeView::SelectedItem() const {
 }
 
 void TreeView::SetSelectedItem(const Node& node) {
-    const Quiet quiet(quiet_);
+    const AutoReset quiet(quiet_, true);
     Send(TVM_SELECTITEM, TVGN_CARET, node ? reinterpret_cast<LPARAM>(MirrorOf(node)) : 0);
 }
 
@@ -90,7 +75,7 @@ void TreeView::SetExpanded(const Node& node, bool expanded) {
         Expand(node);
     }
     {
-        const Quiet quiet(quiet_);
+        const AutoReset quiet(quiet_, true);
         Send(TVM_EXPAND, expanded ? TVE_EXPAND : TVE_COLLAPSE, reinterpret_cast<LPARAM>(MirrorOf(node)));
     }
     if (!expanded && Collapse) Collapse(node);
@@ -98,7 +83,7 @@ void TreeView::SetExpanded(const Node& node, bool expanded) {
 }
 
 void TreeView::DeleteMirror(HTREEITEM item) {
-    const Quiet quiet(quiet_);
+    const AutoReset quiet(quiet_, true);
     Send(TVM_DELETEITEM, 0, reinterpret_cast<LPARAM>(item));
 }
 
@@ -184,7 +169,7 @@ int TreeView::ScrolledSideways() const noexcept { return GetScrollPos(Handle(), 
 
 void TreeView::ScrollTo(const Node& first, int sideways) {
     if (first) {
-        const Quiet quiet(quiet_);
+        const AutoReset quiet(quiet_, true);
         Send(TVM_SELECTITEM, TVGN_FIRSTVISIBLE, reinterpret_cast<LPARAM>(MirrorOf(first)));
     }
     Send(WM_HSCROLL, MAKEWPARAM(SB_THUMBPOSITION, sideways));
@@ -214,7 +199,7 @@ void TreeView::ExpandAll(const Node& node) {
         AskedToStop();
     }
     // From the innermost outwards: a branch that does not show yet costs no layout.
-    const Quiet quiet(quiet_);
+    const AutoReset quiet(quiet_, true);
     for (auto branch = opened.rbegin(); branch != opened.rend(); ++branch) {
         if (IsLiving(*branch)) Send(TVM_EXPAND, TVE_EXPAND, reinterpret_cast<LPARAM>(MirrorOf(*branch)));
     }
@@ -339,7 +324,7 @@ LRESULT TreeView::OnFocus(WPARAM wParam, LPARAM lParam) {
     const bool selected = static_cast<bool>(SelectedItem());
     LRESULT result;
     {
-        const Quiet quiet(quiet_);
+        const AutoReset quiet(quiet_, true);
         result = Control::OnMessage(WM_SETFOCUS, wParam, lParam);
     }
     if (!selected && !focusing_ && SelChange) {
@@ -397,7 +382,7 @@ TreeView::Answer TreeView::FromAProgram(UINT message, WPARAM wParam, LPARAM lPar
             const Node before = SelectedItem();
             LRESULT result;
             {
-                const Quiet quiet(quiet_);
+                const AutoReset quiet(quiet_, true);
                 Events::Call call;
                 result = Original(message, wParam, lParam);
                 call.Rethrow();

@@ -86,7 +86,7 @@ Variant AnyArray(Random& random, int depth, ULONG most) {
             std::memcpy(static_cast<VARIANT*>(data) + at, static_cast<VARIANT*>(&element), sizeof(VARIANT));
             static_cast<VARIANT&>(element).vt = VT_EMPTY;
         } else if (type == VT_BSTR) {
-            static_cast<BSTR*>(data)[at] = random.OneIn(3) ? nullptr : NewBstr(AnyText(random));
+            static_cast<BSTR*>(data)[at] = random.OneIn(3) ? nullptr : Bstr(AnyText(random)).Detach();
         }
     }
     SafeArrayUnaccessData(made.parray);
