@@ -4,6 +4,8 @@
 
 #include <new>
 
+#include "support/CountedObject.h"
+
 // The least that an in-process COM server is: a class factory and an object with nothing in it. The component's loading
 // is measured against it.
 namespace {
@@ -12,21 +14,9 @@ constexpr CLSID EmptyClass{0x6b0e9a52, 0x3c1d, 0x4f7e, {0x9a, 0x41, 0x52, 0x0d, 
 
 LONG alive = 0;
 
-class EmptyObject final : public IDispatch {
+class EmptyObject final : public CountedObject<IDispatch, 1> {
 public:
     EmptyObject() noexcept { InterlockedIncrement(&alive); }
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {
-        *object = iid == IID_IUnknown || iid == IID_IDispatch ? this : nullptr;
-        if (*object == nullptr) return E_NOINTERFACE;
-        AddRef();
-        return S_OK;
-    }
-    ULONG STDMETHODCALLTYPE AddRef() override { return static_cast<ULONG>(InterlockedIncrement(&references_)); }
-    ULONG STDMETHODCALLTYPE Release() override {
-        const LONG left = InterlockedDecrement(&references_);
-        if (left == 0) delete this;
-        return static_cast<ULONG>(left);
-    }
     HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override {
         *count = 0;
         return S_OK;
@@ -40,18 +30,11 @@ public:
     }
 
 private:
-    ~EmptyObject() { InterlockedDecrement(&alive); }
-    LONG references_ = 1;
+    ~EmptyObject() override { InterlockedDecrement(&alive); }
 };
 
-class EmptyFactory final : public IClassFactory {
+class EmptyFactory final : public StackObject<IClassFactory> {
 public:
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {
-        *object = iid == IID_IUnknown || iid == IID_IClassFactory ? this : nullptr;
-        return *object != nullptr ? S_OK : E_NOINTERFACE;
-    }
-    ULONG STDMETHODCALLTYPE AddRef() override { return 2; }
-    ULONG STDMETHODCALLTYPE Release() override { return 1; }
     HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown*, REFIID iid, void** object) override {
         *object = nullptr;
         auto* made = new (std::nothrow) EmptyObject;

@@ -66,7 +66,7 @@ void AddProperty(Nodes& Nodes, const Node& Column, const Node& Properties, const
         if (NameText == L"COLUMN_NAME") Column.SetText(Value.ToText());
     });
     const Node Shown = modLists::m_AddNode(Nodes, modLists::m_VntToStr(Name) + L"=" + modLists::m_VntToStr(Value),
-                                           modLists::NodeKind::Property, Properties.Index(), TreeRelationship::Child);
+                                           modLists::NodeKind::Property, Properties);
     ResumingAfterColumnErrors([&] {
         if (!Value.IsNumeric() || NameText != L"DATA_TYPE") return;
         Shown.SetText(modLists::m_VntToStr(Name) + L"=" +
@@ -87,8 +87,8 @@ void modLists::PopulateDBObjSchemas(::Nodes& Nodes, const ::Node& Node) try {
     const HostCollection Schemas = Adapter()->Schemas(L"", true);
     m_ClearNode(Nodes, Node);
     const auto AddSchema = [&](const std::wstring& Text) {
-        const ::Node Schema = m_AddNode(Nodes, Text.empty() ? std::wstring(CurrentSchema) : Text, NodeKind::Schema,
-                                        Node.Index(), TreeRelationship::Child);
+        const ::Node Schema =
+            m_AddNode(Nodes, Text.empty() ? std::wstring(CurrentSchema) : Text, NodeKind::Schema, Node);
         AddDefaultSchemaItems(Nodes, Schema);
     };
     if (!Schemas) {
@@ -113,8 +113,7 @@ void modLists::PopulateDBObjTablesViews(long ObjectType, ::Nodes& Nodes, const :
     ReadingProgress Progress((ObjectType == ObjectType::Tables ? L"tables of " : L"views of ") + Node.Parent().Text());
     Objects.ForEach([&](const Variant& Name) {
         const ::Node Object =
-            m_AddNode(Nodes, Name.ToText(), ObjectType == ObjectType::Tables ? NodeKind::Table : NodeKind::View,
-                      Node.Index(), TreeRelationship::Child);
+            m_AddNode(Nodes, Name.ToText(), ObjectType == ObjectType::Tables ? NodeKind::Table : NodeKind::View, Node);
         AddDefaultDBObjectItems(Nodes, Object);
         Progress.Count();
         return true;
@@ -139,9 +138,8 @@ void modLists::PopulateDBObjColumns(::Nodes& Nodes, const ::Node& Node) try {
     ReadingProgress Progress(L"columns of " + TableName);
     ResumingAfterColumnErrors([&] {
         Columns.ForEach([&](const Variant& Entry) {
-            const ::Node Column = m_AddNode(Nodes, L"", NodeKind::Column, Node.Index(), TreeRelationship::Child);
-            const ::Node Properties =
-                m_AddNode(Nodes, L"Properties", NodeKind::Properties, Column.Index(), TreeRelationship::Child);
+            const ::Node Column = m_AddNode(Nodes, L"", NodeKind::Column, Node);
+            const ::Node Properties = m_AddNode(Nodes, L"Properties", NodeKind::Properties, Column);
             ResumingAfterColumnErrors([&] {
                 HostCollection::OrArray(Entry).ForEach([&](const Variant& Property) {
                     AddProperty(Nodes, Column, Properties, Property, *Held);

@@ -38,6 +38,9 @@ std::wstring m_VntToStr(const Variant& Value);
 Node m_AddNode(Nodes& Nodes, const std::wstring& Text, const std::wstring& Tag,
                const Variant& Relative = Variant::Missing(), const Variant& Relationship = Variant::Missing(),
                const Variant& Key = Variant::Missing());
+// The same for the last child of a node. Without Variants, for what the component adds in great numbers. A parent that
+// is gone is the caller's error, as its Index would be.
+Node m_AddNode(Nodes& Nodes, const std::wstring& Text, const std::wstring& Tag, const Node& Parent);
 // Removes all children of a node, with what is below them.
 void m_ClearNode(Nodes& Nodes, const Node& Node);
 

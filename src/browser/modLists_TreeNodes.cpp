@@ -11,8 +11,7 @@ namespace {
 
 // A placeholder gives an unfilled node its expand button.
 Node AddPlaceholder(Nodes& Nodes, const Node& Parent) {
-    return modLists::m_AddNode(Nodes, L"(undefined)", modLists::NodeKind::Undefined, Parent.Index(),
-                               TreeRelationship::Child);
+    return modLists::m_AddNode(Nodes, L"(undefined)", modLists::NodeKind::Undefined, Parent);
 }
 
 [[noreturn]] void RaiseTreeIsFull() { RaiseError(modLists::NodeLimitError, L"Maximum items in TreeView exceeded."); }
@@ -24,11 +23,14 @@ void modLists::ReportUnlessOwn(const wchar_t* Routine) {
     ReportError(Module, Routine);
 }
 
-Node modLists::m_AddNode(::Nodes& Nodes, const std::wstring& Text, const std::wstring& Tag, const Variant& Relative,
-                         const Variant& Relationship, const Variant& Key) try {
+namespace {
+
+// Adds by `Add` and tags what it has added.
+template <class Adding>
+Node Added(Nodes& Nodes, const std::wstring& Tag, Adding&& Add) try {
     // A further node could be neither numbered nor removed.
     if (Nodes.Count() == ::Nodes::Limit) RaiseTreeIsFull();
-    ::Node Node = Nodes.Add(Relative, Relationship, Key, Text);
+    ::Node Node = Add();
     Node.SetTag(Tag);
     const short Index = Node.Index();
     const short Count = Nodes.Count();
@@ -36,8 +38,20 @@ Node modLists::m_AddNode(::Nodes& Nodes, const std::wstring& Text, const std::ws
     if (Index < 0 || Count == ::Nodes::Limit) RaiseTreeIsFull();
     return Node;
 } catch (...) {
-    ReportUnlessOwn(L"m_AddNode");
+    modLists::ReportUnlessOwn(L"m_AddNode");
     return {};
+}
+
+}  // namespace
+
+Node modLists::m_AddNode(::Nodes& Nodes, const std::wstring& Text, const std::wstring& Tag, const Variant& Relative,
+                         const Variant& Relationship, const Variant& Key) {
+    return Added(Nodes, Tag, [&] { return Nodes.Add(Relative, Relationship, Key, Text); });
+}
+
+Node modLists::m_AddNode(::Nodes& Nodes, const std::wstring& Text, const std::wstring& Tag, const ::Node& Parent) {
+    static_cast<void>(Parent.Children());
+    return Added(Nodes, Tag, [&] { return Nodes.AddChild(Parent, Text); });
 }
 
 void modLists::m_ClearNode(::Nodes& Nodes, const ::Node& Node) try {
@@ -56,7 +70,7 @@ void modLists::m_ClearNode(::Nodes& Nodes, const ::Node& Node) try {
 
 void modLists::AddDefaultDBObjectItems(::Nodes& Nodes, const ::Node& Node) try {
     m_ClearNode(Nodes, Node);
-    const ::Node Columns = m_AddNode(Nodes, L"Columns", NodeKind::Columns, Node.Index(), TreeRelationship::Child);
+    const ::Node Columns = m_AddNode(Nodes, L"Columns", NodeKind::Columns, Node);
     AddPlaceholder(Nodes, Columns);
 } catch (...) {
     ReportUnlessOwn(L"AddDefaultDBObjectItems");
@@ -64,8 +78,8 @@ void modLists::AddDefaultDBObjectItems(::Nodes& Nodes, const ::Node& Node) try {
 
 void modLists::AddDefaultSchemaItems(::Nodes& Nodes, const ::Node& Node) try {
     m_ClearNode(Nodes, Node);
-    const ::Node Tables = m_AddNode(Nodes, L"Tables", NodeKind::Tables, Node.Index(), TreeRelationship::Child);
-    const ::Node Views = m_AddNode(Nodes, L"Views", NodeKind::Views, Node.Index(), TreeRelationship::Child);
+    const ::Node Tables = m_AddNode(Nodes, L"Tables", NodeKind::Tables, Node);
+    const ::Node Views = m_AddNode(Nodes, L"Views", NodeKind::Views, Node);
     AddDefaultTablesViewsItems(Nodes, Tables);
     AddDefaultTablesViewsItems(Nodes, Views);
 } catch (...) {

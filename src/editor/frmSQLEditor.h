@@ -55,7 +55,8 @@ public:
     // The panels of the status bar.
     enum Panel { ConnectionPanel = 1, CaretPanel, FormatPanel, LengthPanel, ChangedPanel, ZoomPanel };
 
-    // ---- Controls (made and wired in editor/frmSQLEditor_Controls.cpp). Public, since modLists fills them.
+    // ---- Controls (made and wired in editor/frmSQLEditor_Controls.cpp). Public for modLists, which fills the tree and
+    // the lists.
 
     Toolbar tlbToolbar;
     std::array<CommandButton, 4> cmdLeft;

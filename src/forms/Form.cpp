@@ -462,13 +462,9 @@ LRESULT Form::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
         case WM_SIZE:
             if (ready_) Form_Resize();
             return 0;
-        case WM_GETMINMAXINFO: {
-            auto& limits = *reinterpret_cast<MINMAXINFO*>(lParam);
-            const UINT dpi = Dpi();
-            limits.ptMinTrackSize.x = std::max<LONG>(limits.ptMinTrackSize.x, TwipsToPixels(MinimumWidth(), dpi));
-            limits.ptMinTrackSize.y = std::max<LONG>(limits.ptMinTrackSize.y, TwipsToPixels(MinimumHeight(), dpi));
+        case WM_GETMINMAXINFO:
+            LimitSize(*reinterpret_cast<MINMAXINFO*>(lParam));
             return 0;
-        }
         case WM_CLOSE:
             Unload();
             return 0;
@@ -478,44 +474,15 @@ LRESULT Form::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
             if (shown_) Unload();
             return TRUE;
         case WM_ACTIVATE:
-            // Restores the focus to the control that had it, as a dialog does.
-            if (LOWORD(wParam) == WA_INACTIVE) {
-                const HWND focus = GetFocus();
-                if (focus != nullptr && IsChild(handle_, focus)) lastFocus_ = focus;
-            } else if (HIWORD(wParam) == 0 && IsWindow(lastFocus_) && IsChild(handle_, lastFocus_)) {
-                ::SetFocus(lastFocus_);
-            }
+            OnActivate(LOWORD(wParam) != WA_INACTIVE, HIWORD(wParam) != 0);
             return 0;
-        case WM_DPICHANGED: {
-            RenewFonts();
-            if (placing_) {
-                dpiChanged_ = true;
-                LayOutAgain();
-                return 0;
-            }
-            const auto* suggested = reinterpret_cast<const RECT*>(lParam);
-            SetWindowPos(handle_, nullptr, suggested->left, suggested->top, suggested->right - suggested->left,
-                         suggested->bottom - suggested->top, SWP_NOZORDER | SWP_NOACTIVATE);
-            LayOutAgain();
+        case WM_DPICHANGED:
+            OnDpiChanged(*reinterpret_cast<const RECT*>(lParam));
             return 0;
-        }
         case WM_SETTINGCHANGE:
-            TellControls(message, wParam, lParam);
-            if (wParam == SPI_SETHIGHCONTRAST) ColoursChanged();
-            if (wParam == SPI_SETNONCLIENTMETRICS || wParam == SPI_SETHIGHCONTRAST) {
-                RenewFonts();
-                LayOutAgain();
-            }
-            break;
         case WM_SYSCOLORCHANGE:
-            TellControls(message, wParam, lParam);
-            ColoursChanged();
-            RedrawWindow(handle_, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_FRAME | RDW_ALLCHILDREN);
-            break;
         case WM_THEMECHANGED:
-            ColoursChanged();
-            // A theme change alters the height of the bars: laid out after they have handled it too.
-            PostMessageW(handle_, LayOutLater, 0, 0);
+            OnAppearanceChanged(message, wParam, lParam);
             break;
         case LayOutLater:
             LayOutAgain();
@@ -524,4 +491,44 @@ LRESULT Form::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
             break;
     }
     return DefWindowProcW(handle_, message, wParam, lParam);
+}
+
+void Form::LimitSize(MINMAXINFO& limits) const {
+    const UINT dpi = Dpi();
+    limits.ptMinTrackSize.x = std::max<LONG>(limits.ptMinTrackSize.x, TwipsToPixels(MinimumWidth(), dpi));
+    limits.ptMinTrackSize.y = std::max<LONG>(limits.ptMinTrackSize.y, TwipsToPixels(MinimumHeight(), dpi));
+}
+
+// Restores the focus to the control that had it, as a dialog does.
+void Form::OnActivate(bool active, bool minimised) noexcept {
+    if (!active) {
+        const HWND focus = GetFocus();
+        if (focus != nullptr && IsChild(handle_, focus)) lastFocus_ = focus;
+    } else if (!minimised && IsWindow(lastFocus_) && IsChild(handle_, lastFocus_)) {
+        ::SetFocus(lastFocus_);
+    }
+}
+
+void Form::OnDpiChanged(const RECT& suggested) {
+    RenewFonts();
+    if (placing_) {
+        dpiChanged_ = true;
+    } else {
+        SetWindowPos(handle_, nullptr, suggested.left, suggested.top, suggested.right - suggested.left,
+                     suggested.bottom - suggested.top, SWP_NOZORDER | SWP_NOACTIVATE);
+    }
+    LayOutAgain();
+}
+
+void Form::OnAppearanceChanged(UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message != WM_THEMECHANGED) TellControls(message, wParam, lParam);
+    if (message != WM_SETTINGCHANGE || wParam == SPI_SETHIGHCONTRAST) ColoursChanged();
+    if (message == WM_SYSCOLORCHANGE)
+        RedrawWindow(handle_, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_FRAME | RDW_ALLCHILDREN);
+    // A theme change alters the height of the bars: laid out after they have handled it too.
+    if (message == WM_THEMECHANGED) PostMessageW(handle_, LayOutLater, 0, 0);
+    if (message == WM_SETTINGCHANGE && (wParam == SPI_SETNONCLIENTMETRICS || wParam == SPI_SETHIGHCONTRAST)) {
+        RenewFonts();
+        LayOutAgain();
+    }
 }

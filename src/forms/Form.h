@@ -109,6 +109,11 @@ protected:
 private:
     static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
     LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam);
+    void LimitSize(MINMAXINFO& limits) const;
+    void OnActivate(bool active, bool minimised) noexcept;
+    void OnDpiChanged(const RECT& suggested);
+    // One of WM_SETTINGCHANGE, WM_SYSCOLORCHANGE and WM_THEMECHANGED.
+    void OnAppearanceChanged(UINT message, WPARAM wParam, LPARAM lParam);
     void MakeFonts();
     void RenewFonts();
     void LayOutAgain();

@@ -1,14 +1,18 @@
 #include "forms/Nodes.h"
 
 #include "automation/RuntimeError.h"
-#include "forms/TreeView.h"
 
 #include <algorithm>
 #include <cstddef>
 
 namespace {
+
 const std::wstring Nothing;
-}
+
+// A sum of a Fenwick tree, counted from 1, spans as many slots as the lowest set bit of its position says.
+constexpr size_t LowestBit(size_t at) noexcept { return at & (~at + 1); }
+
+}  // namespace
 
 // Kept small, since a tree may hold tens of thousands: shared or rare data lives outside.
 struct Node::Item {
@@ -53,11 +57,7 @@ const std::wstring& Node::Text() const { return Living().Text; }
 void Node::SetText(const std::wstring& text) const {
     Item& item = Living();
     item.Text = text;
-    TVITEMW change{};
-    change.mask = TVIF_TEXT;
-    change.hItem = item.Mirror;
-    change.pszText = item.Text.data();
-    item.Owner->tree_.Send(TVM_SETITEMW, 0, reinterpret_cast<LPARAM>(&change));
+    if (NodeWindow* const window = item.Owner->window_) window->SetMirrorText(item.Mirror, item.Text);
 }
 
 const std::wstring& Node::Tag() const { return *Living().Tag; }
@@ -71,7 +71,7 @@ const std::wstring& Node::Key() const { return *Living().Key; }
 
 short Node::Index() const {
     const Item& item = Living();
-    return static_cast<short>(item.Owner->IndexOf(item.Slot));
+    return static_cast<short>(item.Owner->LivingBefore(item.Slot + 1));
 }
 
 Node Node::Parent() const { return Of(Living().Parent); }
@@ -80,12 +80,12 @@ Node Node::Child() const { return Of(Living().First); }
 
 Node Node::FirstSibling() const {
     const Item& item = Living();
-    return Of(item.Parent != nullptr ? item.Parent->First : item.Owner->firstRoot_);
+    return Of(item.Owner->FirstBelow(item.Parent));
 }
 
 Node Node::LastSibling() const {
     const Item& item = Living();
-    return Of(item.Parent != nullptr ? item.Parent->Last : item.Owner->lastRoot_);
+    return Of(item.Owner->LastBelow(item.Parent));
 }
 
 Node Node::Next() const { return Of(Living().Next); }
@@ -98,14 +98,18 @@ bool Node::Expanded() const { return Living().Expanded; }
 
 void Node::SetExpanded(bool expanded) const {
     Item& item = Living();
-    item.Owner->tree_.SetExpanded(*this, expanded);
+    if (NodeWindow* const window = item.Owner->window_) return window->SetExpanded(*this, expanded);
+    item.Expanded = expanded;
 }
 
-bool Node::Selected() const { return Living().Owner->tree_.SelectedItem() == *this; }
+bool Node::Selected() const {
+    const NodeWindow* const window = Living().Owner->window_;
+    return window != nullptr && window->SelectedItem() == *this;
+}
 
 void Node::EnsureVisible() const {
-    Item& item = Living();
-    item.Owner->tree_.Send(TVM_ENSUREVISIBLE, 0, reinterpret_cast<LPARAM>(item.Mirror));
+    const Item& item = Living();
+    if (NodeWindow* const window = item.Owner->window_) window->ShowMirror(item.Mirror);
 }
 
 // ---- Nodes
@@ -118,13 +122,13 @@ Nodes::~Nodes() {
 }
 
 void Nodes::Adjust(size_t slot, int change) noexcept {
-    for (size_t at = slot + 1; at <= sums_.size(); at += at & (~at + 1)) sums_[at - 1] += change;
+    for (size_t at = slot + 1; at <= sums_.size(); at += LowestBit(at)) sums_[at - 1] += change;
 }
 
-long Nodes::IndexOf(size_t slot) const noexcept {
-    long index = 0;
-    for (size_t at = slot + 1; at > 0; at -= at & (~at + 1)) index += sums_[at - 1];
-    return index;
+long Nodes::LivingBefore(size_t slot) const noexcept {
+    long count = 0;
+    for (size_t at = slot; at > 0; at -= LowestBit(at)) count += sums_[at - 1];
+    return count;
 }
 
 void Nodes::Compact() noexcept {
@@ -137,25 +141,14 @@ void Nodes::Compact() noexcept {
     }
     slots_.erase(slots_.begin() + static_cast<std::ptrdiff_t>(to), slots_.end());
     sums_.erase(sums_.begin() + static_cast<std::ptrdiff_t>(to), sums_.end());
-    // Every slot holds one node now: the sum at `at` spans as many slots as its lowest set bit says.
-    for (size_t at = 1; at <= to; ++at) sums_[at - 1] = static_cast<int>(at & (~at + 1));
+    // Every slot holds one node now.
+    for (size_t at = 1; at <= to; ++at) sums_[at - 1] = static_cast<int>(LowestBit(at));
 }
 
 Node::Item* Nodes::Relative(const Variant& relative) const {
     if (relative.IsMissing() || relative.IsEmpty()) return nullptr;
     // NOLINTNEXTLINE(clang-analyzer-cplusplus.NewDelete): this collection holds each of its nodes too
     return relative.vt == VT_BSTR ? Item(relative.ToText()).item_.get() : Item(relative.ToLong()).item_.get();
-}
-
-HTREEITEM Nodes::Mirror(const Node::Item& item, HTREEITEM after) {
-    TVINSERTSTRUCTW insert{};
-    insert.hParent = item.Parent != nullptr ? item.Parent->Mirror : TVI_ROOT;
-    insert.hInsertAfter = after;
-    insert.item.mask = TVIF_TEXT | TVIF_PARAM;
-    insert.item.pszText = const_cast<wchar_t*>(item.Text.c_str());
-    insert.item.lParam = reinterpret_cast<LPARAM>(&item);
-    // Calls the control's own procedure directly: no hook or subclass needs to see this message.
-    return reinterpret_cast<HTREEITEM>(tree_.Original(TVM_INSERTITEMW, 0, reinterpret_cast<LPARAM>(&insert)));
 }
 
 // Where the window puts a node. TVI_LAST costs the control less than a named item under Wine, which searches for that
@@ -166,7 +159,7 @@ HTREEITEM Nodes::PlaceOf(const Node::Item& item, const Node::Item* previous, con
     if (previous != last) return previous->Mirror;
     constexpr long Many = 64;
     Node::Item* const parent = item.Parent;
-    if (filling_ == 0 || parent == nullptr || parent->Children < Many) return TVI_LAST;
+    if (window_ == nullptr || filling_ == 0 || parent == nullptr || parent->Children < Many) return TVI_LAST;
     if (!parent->Disordered) {
         parent->Disordered = true;
         disordered_.push_back(Slot(parent));
@@ -186,7 +179,7 @@ void Nodes::OrderMirrors() noexcept {
             return static_cast<int>(reinterpret_cast<const Node::Item*>(one)->Order -
                                     reinterpret_cast<const Node::Item*>(other)->Order);
         };
-        tree_.Original(TVM_SORTCHILDRENCB, 0, reinterpret_cast<LPARAM>(&sort));
+        window_->SortMirrors(sort);
     }
     disordered_.clear();
 }
@@ -199,49 +192,57 @@ void Nodes::MakeRoom() {
     if (disordered_.size() == disordered_.capacity()) disordered_.reserve(disordered_.size() * 2 + 4);
 }
 
+Node::Item*& Nodes::FirstBelow(Node::Item* parent) noexcept { return parent != nullptr ? parent->First : firstRoot_; }
+
+Node::Item*& Nodes::LastBelow(Node::Item* parent) noexcept { return parent != nullptr ? parent->Last : lastRoot_; }
+
 Node Nodes::Add(const Variant& relative, const Variant& relationship, const Variant& key, const std::wstring& text) {
-    const Slot made(new Node::Item);
-    made->Text = text;
     const std::wstring keyText = key.IsMissing() || key.IsEmpty() ? std::wstring() : key.ToText();
     if (!keyText.empty() && keys_.count(keyText) != 0) RaiseError(ErrorNumber::KeyNotUnique);
-
-    Node::Item* other = Relative(relative);
+    Node::Item* const other = Relative(relative);
     const long relation =
         relationship.IsMissing() || relationship.IsEmpty() ? TreeRelationship::Next : relationship.ToLong();
-    Node::Item* previous = nullptr;
-    if (relation == TreeRelationship::Child && other != nullptr) {
-        made->Parent = other;
-        previous = other->Last;
-    } else {
-        made->Parent = other != nullptr ? other->Parent : nullptr;
-        Node::Item* const last = made->Parent != nullptr ? made->Parent->Last : lastRoot_;
-        switch (other != nullptr ? relation : TreeRelationship::Last) {
-            case TreeRelationship::First:
-                previous = nullptr;
-                break;
-            case TreeRelationship::Next:
-                previous = other;
-                break;
-            case TreeRelationship::Previous:
-                previous = other->Previous;
-                break;
-            default:
-                previous = last;
-                break;
-        }
+    if (other == nullptr) return Insert(nullptr, lastRoot_, keyText, text);
+    switch (relation) {
+        case TreeRelationship::Child:
+            return Insert(other, other->Last, keyText, text);
+        case TreeRelationship::First:
+            return Insert(other->Parent, nullptr, keyText, text);
+        case TreeRelationship::Next:
+            return Insert(other->Parent, other, keyText, text);
+        case TreeRelationship::Previous:
+            return Insert(other->Parent, other->Previous, keyText, text);
+        default:
+            return Insert(other->Parent, LastBelow(other->Parent), keyText, text);
     }
-    Node::Item*& first = made->Parent != nullptr ? made->Parent->First : firstRoot_;
-    Node::Item*& last = made->Parent != nullptr ? made->Parent->Last : lastRoot_;
+}
 
-    // All that can fail comes before the first link: the control keeps the item's address for as long as it shows it.
+Node Nodes::AddChild(const Node& parent, const std::wstring& text) {
+    Node::Item& item = parent.Living();
+    if (item.Owner != this) RaiseError(ErrorNumber::ElementNotFound);
+    return Insert(&item, item.Last, {}, text);
+}
+
+// Below `parent` (null: among the roots) after `previous` (null: before all others).
+Node Nodes::Insert(Node::Item* parent, Node::Item* previous, const std::wstring& key, const std::wstring& text) {
+    const Slot made(new Node::Item);
+    made->Text = text;
+    made->Parent = parent;
+    Node::Item*& first = FirstBelow(parent);
+    Node::Item*& last = LastBelow(parent);
+
+    // All that can fail comes before the first link: the window keeps the item's address for as long as it shows it.
     MakeRoom();
     auto named = keys_.end();
-    if (!keyText.empty()) named = keys_.emplace(keyText, made.get()).first;
-
-    made->Mirror = Mirror(*made, PlaceOf(*made, previous, last));
-    if (made->Mirror == nullptr) {
-        if (named != keys_.end()) keys_.erase(named);
-        RaiseError(ErrorNumber::OutOfMemory);
+    if (!key.empty()) named = keys_.emplace(key, made.get()).first;
+    const HTREEITEM after = PlaceOf(*made, previous, last);
+    if (window_ != nullptr) {
+        made->Mirror = window_->InsertMirror(parent != nullptr ? parent->Mirror : TVI_ROOT, after, made->Text,
+                                             reinterpret_cast<LPARAM>(made.get()));
+        if (made->Mirror == nullptr) {
+            if (named != keys_.end()) keys_.erase(named);
+            RaiseError(ErrorNumber::OutOfMemory);
+        }
     }
 
     made->Owner = this;
@@ -249,14 +250,13 @@ Node Nodes::Add(const Variant& relative, const Variant& relationship, const Vari
     made->Next = previous != nullptr ? previous->Next : first;
     (previous != nullptr ? previous->Next : first) = made.get();
     (made->Next != nullptr ? made->Next->Previous : last) = made.get();
-    if (made->Parent != nullptr) ++made->Parent->Children;
+    if (parent != nullptr) ++parent->Children;
 
     made->Slot = slots_.size();
     slots_.push_back(made);
-    // The new sum spans as many slots as its position's lowest set bit says: what stands before it, less what stands
-    // before those.
+    // The new sum: this node, and what stands before it less what stands before the slots that the sum spans.
     const size_t at = slots_.size();
-    sums_.push_back(static_cast<int>(1 + IndexOf(at - 2) - IndexOf(at - (at & (~at + 1)) - 1)));
+    sums_.push_back(static_cast<int>(1 + LivingBefore(at - 1) - LivingBefore(at - LowestBit(at))));
     ++living_;
     if (named != keys_.end()) made->Key = &named->first;
     return Node(made);
@@ -284,10 +284,8 @@ Node Nodes::Item(const std::wstring& key) const {
 }
 
 void Nodes::Detach(Node::Item& item) noexcept {
-    Node::Item*& first = item.Parent != nullptr ? item.Parent->First : firstRoot_;
-    Node::Item*& last = item.Parent != nullptr ? item.Parent->Last : lastRoot_;
-    (item.Previous != nullptr ? item.Previous->Next : first) = item.Next;
-    (item.Next != nullptr ? item.Next->Previous : last) = item.Previous;
+    (item.Previous != nullptr ? item.Previous->Next : FirstBelow(item.Parent)) = item.Next;
+    (item.Next != nullptr ? item.Next->Previous : LastBelow(item.Parent)) = item.Previous;
     if (item.Parent != nullptr) --item.Parent->Children;
 }
 
@@ -320,7 +318,7 @@ void Nodes::Remove(long index) {
     const HTREEITEM mirror = item.Mirror;
     Detach(item);
     Forget(item);
-    tree_.DeleteMirror(mirror);
+    if (window_ != nullptr) window_->DeleteMirror(mirror);
 }
 
 void Nodes::Clear() {
@@ -332,18 +330,18 @@ void Nodes::Clear() {
     slots_.clear();
     sums_.clear();
     keys_.clear();
-    tree_.DeleteMirror(TVI_ROOT);
+    if (window_ != nullptr) window_->DeleteMirror(TVI_ROOT);
 }
 
-// ---- what the tree's window asks of the model
+// ---- NodeWindow
 
-Node TreeView::NodeOf(LPARAM parameter) noexcept { return Node::Of(reinterpret_cast<Node::Item*>(parameter)); }
+Node NodeWindow::NodeOf(LPARAM node) noexcept { return Node::Of(reinterpret_cast<Node::Item*>(node)); }
 
-bool TreeView::IsLiving(const Node& node) noexcept { return node.item_ != nullptr && node.item_->Owner != nullptr; }
+bool NodeWindow::IsLiving(const Node& node) noexcept { return node.item_ != nullptr && node.item_->Owner != nullptr; }
 
-HTREEITEM TreeView::MirrorOf(const Node& node) { return node.Living().Mirror; }
+HTREEITEM NodeWindow::MirrorOf(const Node& node) { return node.Living().Mirror; }
 
-bool TreeView::MarkExpanded(const Node& node, bool expanded) {
+bool NodeWindow::MarkExpanded(const Node& node, bool expanded) {
     Node::Item& item = node.Living();
     const bool changed = item.Expanded != expanded;
     item.Expanded = expanded;

@@ -13,7 +13,7 @@
 #include "automation/Variant.h"
 
 class Nodes;
-class TreeView;
+class NodeWindow;
 
 // How a new node stands to its relative.
 namespace TreeRelationship {
@@ -58,7 +58,7 @@ public:
 
 private:
     friend class Nodes;
-    friend class TreeView;
+    friend class NodeWindow;
     struct Item;
     // Intrusive, non-atomic count: nodes live on one thread, and loops over large folders copy a reference at each
     // step.
@@ -90,14 +90,37 @@ private:
     Reference item_;
 };
 
-// The nodes of a tree: the model. The control's window mirrors it and is never asked for structure or text, since it
-// validates every handle by searching all its items.
+// What shows the nodes of a tree: a mirror of the model, which is never asked for structure or text.
+class NodeWindow {
+public:
+    // A mirror for a node below the mirror `parent` (TVI_ROOT: none), after another one, TVI_FIRST or TVI_LAST. The
+    // window knows the node as `node`. Null when it takes no more.
+    virtual HTREEITEM InsertMirror(HTREEITEM parent, HTREEITEM after, const std::wstring& text, LPARAM node) = 0;
+    virtual void SetMirrorText(HTREEITEM mirror, const std::wstring& text) = 0;
+    virtual void SortMirrors(TVSORTCB& order) noexcept = 0;
+    virtual void ShowMirror(HTREEITEM mirror) = 0;
+    virtual void DeleteMirror(HTREEITEM mirror) = 0;  // with everything below it; TVI_ROOT: all
+    virtual void SetExpanded(const Node& node, bool expanded) = 0;
+    virtual Node SelectedItem() const = 0;
+
+protected:
+    ~NodeWindow() = default;
+    // The node behind the number that a mirror was made with.
+    static Node NodeOf(LPARAM node) noexcept;
+    static bool IsLiving(const Node& node) noexcept;  // not removed
+    static HTREEITEM MirrorOf(const Node& node);
+    // False when it was marked so before.
+    static bool MarkExpanded(const Node& node, bool expanded);
+};
+
+// The nodes of a tree: the model, with a window that mirrors it or without one.
 class Nodes {
 public:
     // The largest collection that a 16-bit Index can address.
     static constexpr long Limit = 32767;
 
-    explicit Nodes(TreeView& tree) : tree_(tree) {}
+    // `window`: null for a tree that is shown nowhere; else it outlives the nodes.
+    explicit Nodes(NodeWindow* window = nullptr) noexcept : window_(window) {}
     ~Nodes();
     Nodes(const Nodes&) = delete;
     Nodes& operator=(const Nodes&) = delete;
@@ -106,6 +129,8 @@ public:
     // means Next. Errors: 35601 no such relative, 35602 the key is in use, 7 the control refused or there is no memory.
     // A failure adds nothing.
     Node Add(const Variant& relative, const Variant& relationship, const Variant& key, const std::wstring& text);
+    // Adds the last child of a node of this tree; 35601 when it is none.
+    Node AddChild(const Node& parent, const std::wstring& text);
     // While one lives, many nodes may be added after the last of their siblings, each in the same time: the window of
     // the control gets them in another order and is put in order when the outermost one ends, or when it is about to be
     // painted. For branches that do not show yet.
@@ -134,20 +159,21 @@ public:
 
 private:
     friend class Node;
-    friend class TreeView;
     using Slot = Node::Reference;
 
     Node::Item* Relative(const Variant& relative) const;
     void Detach(Node::Item& item) noexcept;
     void Forget(Node::Item& item) noexcept;
     void Adjust(size_t slot, int change) noexcept;
-    long IndexOf(size_t slot) const noexcept;
+    long LivingBefore(size_t slot) const noexcept;
     void Compact() noexcept;
     void MakeRoom();
     HTREEITEM PlaceOf(const Node::Item& item, const Node::Item* previous, const Node::Item* last) noexcept;
-    HTREEITEM Mirror(const Node::Item& item, HTREEITEM after);
+    Node::Item*& FirstBelow(Node::Item* parent) noexcept;
+    Node::Item*& LastBelow(Node::Item* parent) noexcept;
+    Node Insert(Node::Item* parent, Node::Item* previous, const std::wstring& key, const std::wstring& text);
 
-    TreeView& tree_;
+    NodeWindow* const window_;
     // Slots in the order of adding; a removed node leaves a hole. The sums of a Fenwick tree over them turn a slot into
     // a position number and back, so that nothing is renumbered when a node goes.
     std::vector<Slot> slots_;

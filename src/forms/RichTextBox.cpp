@@ -405,6 +405,19 @@ bool RichTextBox::OnReflected(UINT message, WPARAM wParam, LPARAM lParam, LRESUL
     return false;
 }
 
+POINT RichTextBox::MenuPoint() const {
+    const CHARRANGE selected = Selected();
+    POINTL caret{};
+    Send(EM_POSFROMCHAR, reinterpret_cast<WPARAM>(&caret), selected.cpMax);
+    RECT client;
+    GetClientRect(Handle(), &client);
+    // Under the line, which stays in sight.
+    POINT point{caret.x, caret.y + TwipsToPixels(points_ * 20 * 1.2F, Dpi())};
+    if (!PtInRect(&client, point)) point = {};
+    ClientToScreen(Handle(), &point);
+    return point;
+}
+
 LRESULT RichTextBox::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
     LRESULT result = 0;
     if (OnKey(message, wParam, lParam, result)) return result;

@@ -6,6 +6,7 @@
 #include "automation/RuntimeError.h"
 #include "automation/Scope.h"
 #include "automation/Text.h"
+#include "forms/AtomicFile.h"
 #include "forms/PlainText.h"
 #include "forms/RichEdit.h"
 #include "forms/RichTextBox.h"
@@ -107,7 +108,7 @@ void RichTextBox::SaveFile(const std::wstring& path, FileKind kind) {
     } else {
         bytes = TextFile::Encode(Text(), format);
     }
-    TextFile::Write(path, bytes);
+    AtomicFile::Write(path, bytes);
     FileFormat = format;
     FileName = path;
     fileSum_ = SumOf(bytes);

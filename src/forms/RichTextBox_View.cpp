@@ -6,6 +6,7 @@
 #include <tom.h>
 
 #include <algorithm>
+#include <cmath>
 
 #include "automation/ComPtr.h"
 #include "automation/Scope.h"
@@ -215,4 +216,22 @@ RichTextBox::Noting::Noting(RichTextBox& box, UINT message, WPARAM wParam) : Box
     const auto [from, to] = box.RawSelection();
     Box.edit_.From = from;
     Box.edit_.To = to;
+}
+
+void RichTextBox::Zoom(int steps) {
+    constexpr long Least = 20;  // percent
+    constexpr long Most = 500;
+    const long percent = steps == 0 ? 100 : ZoomPercent() + steps * 10;
+    const float wanted = zoom_ * static_cast<float>(std::clamp(percent, Least, Most));
+    Send(EM_SETZOOM, static_cast<WPARAM>(std::lround(wanted)), 100);
+}
+
+long RichTextBox::ZoomPercent() const {
+    int numerator = 0;
+    int denominator = 0;
+    Send(EM_GETZOOM, reinterpret_cast<WPARAM>(&numerator), reinterpret_cast<LPARAM>(&denominator));
+    // Not zoomed, it answers with zeros.
+    const float now =
+        denominator > 0 && numerator > 0 ? static_cast<float>(numerator) / static_cast<float>(denominator) : 1.0F;
+    return std::lround(now * 100 / zoom_);
 }

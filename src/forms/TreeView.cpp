@@ -52,13 +52,15 @@ bool TreeView::TextPlace(const Node& node, RECT& place) const {
     return Send(TVM_GETITEMRECT, TRUE, reinterpret_cast<LPARAM>(&place)) != 0;
 }
 
-Node TreeView::SelectedItem() const {
+Node TreeView::NodeAt(WPARAM relation) const {
     TVITEMW item{};
     item.mask = TVIF_PARAM | TVIF_HANDLE;
-    item.hItem = reinterpret_cast<HTREEITEM>(Send(TVM_GETNEXTITEM, TVGN_CARET));
+    item.hItem = reinterpret_cast<HTREEITEM>(Send(TVM_GETNEXTITEM, relation));
     if (item.hItem == nullptr || !Send(TVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&item))) return {};
     return NodeOf(item.lParam);
 }
+
+Node TreeView::SelectedItem() const { return NodeAt(TVGN_CARET); }
 
 void TreeView::SetSelectedItem(const Node& node) {
     const AutoReset quiet(quiet_, true);
@@ -82,9 +84,35 @@ void TreeView::SetExpanded(const Node& node, bool expanded) {
     if (!expanded) TellFrom(before);
 }
 
-void TreeView::DeleteMirror(HTREEITEM item) {
+// The control validates every handle by searching all its items. What is said of many of them calls its own procedure
+// directly: no hook or subclass needs to see these messages.
+HTREEITEM TreeView::InsertMirror(HTREEITEM parent, HTREEITEM after, const std::wstring& text, LPARAM node) {
+    TVINSERTSTRUCTW insert{};
+    insert.hParent = parent;
+    insert.hInsertAfter = after;
+    insert.item.mask = TVIF_TEXT | TVIF_PARAM;
+    insert.item.pszText = const_cast<wchar_t*>(text.c_str());
+    insert.item.lParam = node;
+    return reinterpret_cast<HTREEITEM>(Original(TVM_INSERTITEMW, 0, reinterpret_cast<LPARAM>(&insert)));
+}
+
+void TreeView::SortMirrors(TVSORTCB& order) noexcept {
+    Original(TVM_SORTCHILDRENCB, 0, reinterpret_cast<LPARAM>(&order));
+}
+
+void TreeView::SetMirrorText(HTREEITEM mirror, const std::wstring& text) {
+    TVITEMW change{};
+    change.mask = TVIF_TEXT;
+    change.hItem = mirror;
+    change.pszText = const_cast<wchar_t*>(text.c_str());
+    Send(TVM_SETITEMW, 0, reinterpret_cast<LPARAM>(&change));
+}
+
+void TreeView::ShowMirror(HTREEITEM mirror) { Send(TVM_ENSUREVISIBLE, 0, reinterpret_cast<LPARAM>(mirror)); }
+
+void TreeView::DeleteMirror(HTREEITEM mirror) {
     const AutoReset quiet(quiet_, true);
-    Send(TVM_DELETEITEM, 0, reinterpret_cast<LPARAM>(item));
+    Send(TVM_DELETEITEM, 0, reinterpret_cast<LPARAM>(mirror));
 }
 
 Node TreeView::NodeAt(LPARAM point, bool& button) const {
@@ -157,13 +185,7 @@ bool TreeView::AskedToStop() {
     return stopExpanding_;
 }
 
-Node TreeView::FirstVisible() const {
-    TVITEMW item{};
-    item.mask = TVIF_PARAM | TVIF_HANDLE;
-    item.hItem = reinterpret_cast<HTREEITEM>(Send(TVM_GETNEXTITEM, TVGN_FIRSTVISIBLE));
-    if (item.hItem == nullptr || !Send(TVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&item))) return {};
-    return NodeOf(item.lParam);
-}
+Node TreeView::FirstVisible() const { return NodeAt(TVGN_FIRSTVISIBLE); }
 
 int TreeView::ScrolledSideways() const noexcept { return GetScrollPos(Handle(), SB_HORZ); }
 

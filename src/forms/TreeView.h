@@ -8,7 +8,7 @@
 #include "forms/Tooltip.h"
 
 // A hierarchical view of Nodes.
-class TreeView : public Control {
+class TreeView : public Control, private NodeWindow {
 public:
     using NodeEvent = std::function<void(const Node&)>;
 
@@ -17,7 +17,7 @@ public:
     Nodes& Items() noexcept { return nodes_; }
 
     // The selected node, or nothing.
-    Node SelectedItem() const;
+    Node SelectedItem() const override;
     // Selects a node, or none; raises no NodeClick.
     void SetSelectedItem(const Node& node);
 
@@ -76,14 +76,14 @@ protected:
     bool OnReflected(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result) override;
 
 private:
-    friend class Node;
-    friend class Nodes;
-    void SetExpanded(const Node& node, bool expanded);
-    void DeleteMirror(HTREEITEM item);
-    static Node NodeOf(LPARAM parameter) noexcept;
-    static bool IsLiving(const Node& node) noexcept;  // not removed
-    static HTREEITEM MirrorOf(const Node& node);
-    static bool MarkExpanded(const Node& node, bool expanded);
+    HTREEITEM InsertMirror(HTREEITEM parent, HTREEITEM after, const std::wstring& text, LPARAM node) override;
+    void SetMirrorText(HTREEITEM mirror, const std::wstring& text) override;
+    void SortMirrors(TVSORTCB& order) noexcept override;
+    void ShowMirror(HTREEITEM mirror) override;
+    void DeleteMirror(HTREEITEM mirror) override;
+    void SetExpanded(const Node& node, bool expanded) override;
+    // The node of the item that TVM_GETNEXTITEM returns for a relation.
+    Node NodeAt(WPARAM relation) const;
 
     // The node whose text is at a place of the client area, in pixels; `button`: whether it is an expand button
     // instead.
@@ -105,7 +105,7 @@ private:
     void RenewTip(LPARAM point);
     void ForgetClick();  // the button comes up elsewhere, or drags
 
-    Nodes nodes_{*this};
+    Nodes nodes_{this};
     Tooltip tip_;
     Node tipped_;  // the one that it is about
     int refusing_ = 0;

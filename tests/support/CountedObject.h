@@ -27,3 +27,19 @@ protected:
 private:
     ULONG references_ = First;
 };
+
+// One that the test owns, on the stack or for the whole program. `References` counts what is held of it, from 1.
+template <class Interface>
+class StackObject : public Interface {
+public:
+    ULONG References = 1;
+
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {
+        *object = iid == IID_IUnknown || iid == __uuidof(Interface) ? this : nullptr;
+        if (*object == nullptr) return E_NOINTERFACE;
+        AddRef();
+        return S_OK;
+    }
+    ULONG STDMETHODCALLTYPE AddRef() override { return ++References; }
+    ULONG STDMETHODCALLTYPE Release() override { return --References; }
+};

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "support/CountedObject.h"
+
 namespace {
 
 FakeErrors* currentErrors = nullptr;
@@ -52,14 +54,8 @@ Object MakeRecorder() {
     return held;
 }
 
-class RecorderFactory final : public IClassFactory {
+class RecorderFactory final : public StackObject<IClassFactory> {
 public:
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {
-        *object = iid == IID_IUnknown || iid == IID_IClassFactory ? this : nullptr;
-        return *object != nullptr ? S_OK : E_NOINTERFACE;
-    }
-    ULONG STDMETHODCALLTYPE AddRef() override { return 2; }
-    ULONG STDMETHODCALLTYPE Release() override { return 1; }
     HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown*, REFIID iid, void** object) override {
         *object = nullptr;
         if (currentErrors->CannotBeCreated) return E_ACCESSDENIED;

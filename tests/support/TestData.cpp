@@ -20,12 +20,6 @@ TestData& TestData::AddFiles(const std::vector<std::wstring>& files) {
     return Add(CF_HDROP, bytes);
 }
 
-HRESULT TestData::QueryInterface(REFIID iid, void** object) noexcept {
-    const bool known = iid == IID_IUnknown || iid == IID_IDataObject;
-    *object = known ? this : nullptr;
-    return known ? S_OK : E_NOINTERFACE;
-}
-
 HRESULT TestData::GetData(FORMATETC* format, STGMEDIUM* medium) noexcept {
     const auto found = contents_.find(format->cfFormat);
     if (found == contents_.end() || (format->tymed & TYMED_HGLOBAL) == 0) return DV_E_FORMATETC;

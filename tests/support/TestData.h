@@ -8,8 +8,10 @@
 #include <string>
 #include <vector>
 
+#include "support/CountedObject.h"
+
 // What a program that drops has in its hand: bytes by clipboard format.
-class TestData final : public IDataObject {
+class TestData final : public StackObject<IDataObject> {
 public:
     std::vector<CLIPFORMAT> Asked;  // formats that were asked for, in their order
     // Runs each time that it is asked for a format, as another program may let messages through while it answers.
@@ -28,9 +30,6 @@ public:
     }
     TestData& AddFiles(const std::vector<std::wstring>& files);
 
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) noexcept override;
-    ULONG STDMETHODCALLTYPE AddRef() noexcept override { return 2; }  // lives on the stack of a test
-    ULONG STDMETHODCALLTYPE Release() noexcept override { return 1; }
     HRESULT STDMETHODCALLTYPE GetData(FORMATETC* format, STGMEDIUM* medium) noexcept override;
     HRESULT STDMETHODCALLTYPE GetDataHere(FORMATETC*, STGMEDIUM*) noexcept override { return E_NOTIMPL; }
     HRESULT STDMETHODCALLTYPE QueryGetData(FORMATETC* format) noexcept override {

@@ -9,7 +9,7 @@
 namespace {
 
 // An enumerator that a test can make as wrong as it likes. On the stack, as FakeDispatch.
-class FakeEnumerator : public IEnumVARIANT {
+class FakeEnumerator : public StackObject<IEnumVARIANT> {
 public:
     virtual ~FakeEnumerator() { EXPECT_EQ(1u, References) << "references that were taken and not given back"; }
 
@@ -23,16 +23,7 @@ public:
     bool LeavesItemAtEnd = false;
     ULONG Largest = 0;
     int Resets = 0;
-    ULONG References = 1;
 
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {
-        *object = iid == IID_IUnknown || iid == IID_IEnumVARIANT ? this : nullptr;
-        if (*object == nullptr) return E_NOINTERFACE;
-        AddRef();
-        return S_OK;
-    }
-    ULONG STDMETHODCALLTYPE AddRef() override { return ++References; }
-    ULONG STDMETHODCALLTYPE Release() override { return --References; }
     HRESULT STDMETHODCALLTYPE Next(ULONG count, VARIANT* items, ULONG* fetched) override {
         if (count > Largest) Largest = count;
         ULONG given = 0;

@@ -12,6 +12,7 @@
 #include "automation/HostCollection.h"
 #include "automation/RuntimeError.h"
 #include "automation/Variant.h"
+#include "support/CountedObject.h"
 #include "support/Errors.h"
 
 // A VARIANT of the type that points at something, as hosts pass variables.
@@ -44,7 +45,7 @@ inline void LeaveErrorInfo(const wchar_t* source) {
 
 // An object that does what a test tells it to, however wrong. It lives on the stack: its count must be 1 again at the
 // end.
-class FakeDispatch : public IDispatch {
+class FakeDispatch : public StackObject<IDispatch> {
 public:
     using Body = std::function<HRESULT(DISPID, WORD, DISPPARAMS&, VARIANT*, EXCEPINFO*)>;
 
@@ -58,16 +59,7 @@ public:
     int Calls = 0;
     LCID Locale = 0;
     std::vector<WORD> Flags;
-    ULONG References = 1;
 
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {
-        *object = iid == IID_IUnknown || iid == IID_IDispatch ? static_cast<IDispatch*>(this) : nullptr;
-        if (*object == nullptr) return E_NOINTERFACE;
-        AddRef();
-        return S_OK;
-    }
-    ULONG STDMETHODCALLTYPE AddRef() override { return ++References; }
-    ULONG STDMETHODCALLTYPE Release() override { return --References; }
     HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override {
         *count = 0;
         return S_OK;

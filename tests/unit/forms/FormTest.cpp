@@ -53,6 +53,15 @@ protected:
     }
 };
 
+void MoveElsewhere(TestForm& form) {
+    Placement place = form.Place();
+    place.SetLeft(1500);
+    place.SetTop(3000);
+    place.SetWidth(9000);
+    place.SetHeight(7500);
+    form.MoveTo(place);
+}
+
 // Runs work once the modal loop turns, and gives up on a window that nobody closes.
 class Later {
 public:
@@ -146,12 +155,7 @@ TEST(Form, IsPlacedInOneStep) {
             return CallNextHookEx(nullptr, code, wParam, lParam);
         },
         nullptr, GetCurrentThreadId());
-    Placement place = form.Place();
-    place.SetLeft(1500);
-    place.SetTop(3000);
-    place.SetWidth(9000);
-    place.SetHeight(7500);
-    form.MoveTo(place);
+    MoveElsewhere(form);
     UnhookWindowsHookEx(hook);
     EXPECT_EQ(1, moves);
     EXPECT_FLOAT_EQ(1500, form.Left());
@@ -184,12 +188,7 @@ TEST(Form, KeepsTheSizeThatItIsPlacedWithWhenTheDotsChangeMeanwhile) {
             return CallNextHookEx(nullptr, code, wParam, lParam);
         },
         nullptr, GetCurrentThreadId());
-    Placement place = form.Place();
-    place.SetLeft(1500);
-    place.SetTop(3000);
-    place.SetWidth(9000);
-    place.SetHeight(7500);
-    form.MoveTo(place);
+    MoveElsewhere(form);
     UnhookWindowsHookEx(hook);
     EXPECT_TRUE(told);
     EXPECT_FLOAT_EQ(1500, form.Left());

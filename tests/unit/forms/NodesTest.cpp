@@ -3,7 +3,6 @@
 #include <commctrl.h>
 
 #include <map>
-#include <random>
 #include <vector>
 
 #include "forms/TreeView.h"
@@ -104,66 +103,6 @@ TEST(Nodes, ARemovedNodeTakesItsBranchAlongAndIsSafeToHold) {
     // The key is free again.
     tree.Root(L"again", L"key");
     EXPECT_EQ(1, tree.Items().Count());
-}
-
-TEST(Nodes, ReportWhatIsNotThere) {
-    Tree tree;
-    tree.Root(L"root", L"key");
-    EXPECT_EQ(ErrorNumber::ObjectNotSet, NumberOf([] { Node().Text(); }));
-    EXPECT_EQ(ErrorNumber::ObjectNotSet, NumberOf([&] { tree.Items().Item(1).Parent().Text(); }));
-    EXPECT_EQ(ErrorNumber::IndexOutOfBounds, NumberOf([&] { tree.Items().Item(0); }));
-    EXPECT_EQ(ErrorNumber::IndexOutOfBounds, NumberOf([&] { tree.Items().Item(2); }));
-    EXPECT_EQ(ErrorNumber::ElementNotFound, NumberOf([&] { tree.Items().Item(std::wstring(L"nokey")); }));
-    EXPECT_EQ(ErrorNumber::KeyNotUnique, NumberOf([&] { tree.Root(L"second", L"key"); }));
-    EXPECT_EQ(1, tree.Items().Count());
-}
-
-TEST(Nodes, PositionsFollowTheOrderOfAddingThroughAnyRemovals) {
-    Tree tree;
-    std::mt19937 random(7);
-    std::vector<Node> expected{tree.Root(L"root")};
-    for (int round = 0; round < 3000; ++round) {
-        if (random() % 3 != 0 || expected.size() < 3) {
-            expected.push_back(tree.Child(expected.front(), std::to_wstring(round)));
-        } else {
-            const size_t at = 1 + random() % (expected.size() - 1);
-            tree.Items().Remove(static_cast<long>(at) + 1);
-            expected.erase(expected.begin() + static_cast<std::ptrdiff_t>(at));
-        }
-    }
-    ASSERT_EQ(static_cast<short>(expected.size()), tree.Items().Count());
-    for (size_t at = 0; at < expected.size(); ++at) {
-        ASSERT_EQ(static_cast<short>(at + 1), expected[at].Index());
-        ASSERT_EQ(expected[at], tree.Items().Item(static_cast<long>(at) + 1));
-    }
-}
-
-TEST(Nodes, ABranchOfAnyDepthIsRemoved) {
-    Tree tree;
-    const Node root = tree.Root(L"root");
-    const Node before = tree.Child(root, L"before");
-    Node at = tree.Child(root, L"branch");
-    const Node branch = at;
-    const Node behind = tree.Child(root, L"behind");
-    // Wide and deep by turns, with keys.
-    std::vector<Node> below;
-    for (int depth = 0; depth < 40; ++depth) {
-        const short parent = at.Index();
-        for (int width = 0; width < depth % 4 + 1; ++width) {
-            below.push_back(
-                tree.Items().Add(parent, TreeRelationship::Child, std::to_wstring(below.size()) + L"k", L"x"));
-        }
-        at = below[below.size() - 1 - static_cast<size_t>(depth) % 2 % (static_cast<size_t>(depth) % 4 + 1)];
-    }
-    tree.Items().Remove(branch.Index());
-    EXPECT_EQ(3, tree.Items().Count());
-    EXPECT_EQ(3, tree.Shown());
-    EXPECT_EQ(behind, before.Next());
-    EXPECT_EQ(3, behind.Index());
-    for (size_t node = 0; node < below.size(); ++node) {
-        EXPECT_EQ(ErrorNumber::ElementNotFound, NumberOf([&] { below[node].Text(); }));
-        EXPECT_EQ(ErrorNumber::ElementNotFound, NumberOf([&] { tree.Items().Item(std::to_wstring(node) + L"k"); }));
-    }
 }
 
 // Each allocation of the filling fails once: the window shows what the model holds, and both go on from there.

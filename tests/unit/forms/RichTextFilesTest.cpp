@@ -1,6 +1,7 @@
 #include <windows.h>
 #include <richedit.h>
 
+#include "forms/AtomicFile.h"
 #include "forms/RichEdit.h"
 #include "forms/RichTextBox.h"
 #include "forms/Rtf.h"
@@ -27,7 +28,7 @@ struct FileEditor {
     }
     ~FileEditor() { DeleteFileW(Path.c_str()); }
     void Load(const std::string& bytes, RichTextBox::FileKind kind) {
-        TextFile::Write(Path, bytes);
+        AtomicFile::Write(Path, bytes);
         Box.LoadFile(Path, kind);
     }
 };
@@ -142,7 +143,7 @@ TEST(RichTextBox, PicturesAndBinaryDataAreLeftOut) {
 TEST(RichTextBox, SavesWhatRichTextCannotHoldAsPlainTextOnly) {
     FileEditor editor;
     editor.Box.SetText(L"a\0b"s);
-    TextFile::Write(editor.Path, "old");
+    AtomicFile::Write(editor.Path, "old");
     try {
         editor.Box.SaveFile(editor.Path, Rich);
         std::wstring text;

@@ -8,7 +8,7 @@
 #include <memory>
 #include <set>
 
-#include "forms/TextFile.h"
+#include "forms/AtomicFile.h"
 #include "support/Errors.h"
 #include "support/Folder.h"
 
@@ -146,7 +146,7 @@ struct When {
 
     std::wstring operator()() const {
         if ((*Asked)++ == Which) Work();
-        return TextFile::UnknownName();
+        return AtomicFile::UnknownName();
     }
 };
 
@@ -157,7 +157,7 @@ TEST(SavingTest, NobodyKnowsTheNameOfTheFileBesideBefore) {
     Watch watch(folder / L"");
     constexpr size_t Saves = 8;
     for (size_t at = 0; at < Saves; ++at) {
-        TextFile::Write(folder / L"kept.sql", std::to_string(at));
+        AtomicFile::Write(folder / L"kept.sql", std::to_string(at));
         watch.Made(20);
     }
     std::set<std::wstring> names = watch.Made();
@@ -194,7 +194,7 @@ TEST(SavingTest, WhatIsThereUnderTheNameIsNeverWrittenThrough) {
     Given names{{L"1.tmp", L"2.tmp", L"3.tmp"}};
     if (links) names.All.insert(names.All.end(), {L"4.tmp", L"5.tmp"});
     names.All.insert(names.All.end(), {L"free.tmp", L"aside.tmp"});
-    TextFile::Write(folder / L"kept.sql", "new", std::ref(names));
+    AtomicFile::Write(folder / L"kept.sql", "new", std::ref(names));
     EXPECT_EQ(names.All.size(), names.Asked);
     EXPECT_EQ("new", BytesOf(folder / L"kept.sql"));
     EXPECT_EQ("precious", BytesOf(folder / L"victim.txt"));
@@ -207,8 +207,8 @@ TEST(SavingTest, WhatIsThereUnderTheNameIsNeverWrittenThrough) {
     for (const wchar_t* name : {L"1.tmp", L"2.tmp", L"3.tmp", L"4.tmp", L"5.tmp"}) {
         if (!links && name[0] > L'3') continue;
         Given taken{{name}};
-        EXPECT_EQ(58, NumberOf([&] { TextFile::Write(folder / L"kept.sql", "newer", std::ref(taken)); })) << name;
-        EXPECT_EQ(58, NumberOf([&] { TextFile::Write(folder / L"another.sql", "newer", std::ref(taken)); })) << name;
+        EXPECT_EQ(58, NumberOf([&] { AtomicFile::Write(folder / L"kept.sql", "newer", std::ref(taken)); })) << name;
+        EXPECT_EQ(58, NumberOf([&] { AtomicFile::Write(folder / L"another.sql", "newer", std::ref(taken)); })) << name;
         EXPECT_LT(taken.Asked, 20U);
     }
     EXPECT_EQ("new", BytesOf(folder / L"kept.sql"));
@@ -226,10 +226,10 @@ TEST(SavingTest, WhatOthersDoMeanwhileLeavesNothingBehind) {
     for (const int when : {0, 1}) {
         HANDLE held = INVALID_HANDLE_VALUE;
         EXPECT_EQ(70, NumberOf([&] {
-                      TextFile::Write(path, "new", When{when, [&] {
-                                                            held = CreateFileW(path.c_str(), GENERIC_READ, 0, nullptr,
-                                                                               OPEN_EXISTING, 0, nullptr);
-                                                        }});
+                      AtomicFile::Write(path, "new", When{when, [&] {
+                                                              held = CreateFileW(path.c_str(), GENERIC_READ, 0, nullptr,
+                                                                                 OPEN_EXISTING, 0, nullptr);
+                                                          }});
                   }));
         EXPECT_NE(INVALID_HANDLE_VALUE, held);
         CloseHandle(held);
@@ -237,12 +237,12 @@ TEST(SavingTest, WhatOthersDoMeanwhileLeavesNothingBehind) {
         EXPECT_EQ(kept, folder.Names());
 
         const When fails{when, [] { RaiseError(ErrorNumber::OutOfMemory); }};
-        EXPECT_EQ(7, NumberOf([&] { TextFile::Write(path, "new", fails); }));
+        EXPECT_EQ(7, NumberOf([&] { AtomicFile::Write(path, "new", fails); }));
         EXPECT_EQ("old", BytesOf(path));
         EXPECT_EQ(kept, folder.Names());
 
         // The old file is gone: the new one takes its place all the same.
-        TextFile::Write(path, "new", When{when, [&] { EXPECT_TRUE(DeleteFileW(path.c_str())); }});
+        AtomicFile::Write(path, "new", When{when, [&] { EXPECT_TRUE(DeleteFileW(path.c_str())); }});
         EXPECT_EQ("new", BytesOf(path));
         EXPECT_EQ(kept, folder.Names());
         PutBytes(path, "old");
@@ -252,7 +252,7 @@ TEST(SavingTest, WhatOthersDoMeanwhileLeavesNothingBehind) {
                                    EXPECT_TRUE(DeleteFileW(path.c_str()));
                                    EXPECT_TRUE(CreateDirectoryW(path.c_str(), nullptr));
                                }};
-        EXPECT_EQ(75, NumberOf([&] { TextFile::Write(path, "new", folderComes); }));
+        EXPECT_EQ(75, NumberOf([&] { AtomicFile::Write(path, "new", folderComes); }));
         EXPECT_EQ(kept, folder.Names());
         EXPECT_TRUE(RemoveDirectoryW(path.c_str()));
         PutBytes(path, "old");
@@ -260,10 +260,10 @@ TEST(SavingTest, WhatOthersDoMeanwhileLeavesNothingBehind) {
     // The folder is gone.
     ASSERT_TRUE(CreateDirectoryW((folder / L"sub").c_str(), nullptr));
     const When removes{0, [&] { EXPECT_TRUE(RemoveDirectoryW((folder / L"sub").c_str())); }};
-    EXPECT_EQ(76, NumberOf([&] { TextFile::Write(folder / L"sub\\kept.sql", "new", removes); }));
+    EXPECT_EQ(76, NumberOf([&] { AtomicFile::Write(folder / L"sub\\kept.sql", "new", removes); }));
     // Somebody else was faster with a new file.
     const When faster{0, [&] { PutBytes(folder / L"new.sql", "of somebody else"); }};
-    EXPECT_EQ(58, NumberOf([&] { TextFile::Write(folder / L"new.sql", "mine", faster); }));
+    EXPECT_EQ(58, NumberOf([&] { AtomicFile::Write(folder / L"new.sql", "mine", faster); }));
     EXPECT_EQ("of somebody else", BytesOf(folder / L"new.sql"));
     EXPECT_EQ((Names{L"kept.sql", L"new.sql"}), folder.Names());
 }
@@ -272,7 +272,7 @@ TEST(SavingTest, OtherHardLinksKeepTheOldText) {
     const Folder folder;
     PutBytes(folder / L"kept.sql", "old");
     ASSERT_TRUE(CreateHardLinkW((folder / L"other.sql").c_str(), (folder / L"kept.sql").c_str(), nullptr));
-    TextFile::Write(folder / L"other.sql", "new");
+    AtomicFile::Write(folder / L"other.sql", "new");
     EXPECT_EQ("old", BytesOf(folder / L"kept.sql"));
     EXPECT_EQ("new", BytesOf(folder / L"other.sql"));
     EXPECT_EQ((Names{L"kept.sql", L"other.sql"}), folder.Names());
@@ -288,7 +288,7 @@ TEST(SavingTest, ThroughASymbolicLinkTheFileBehindItIsReplacedInItsOwnFolder) {
         Watch beside(folder / L"");
         Watch behind(folder / L"real");
         Given name{{L"1.tmp", L"2.tmp"}};
-        TextFile::Write(folder / L"link.sql", "new", std::ref(name));
+        AtomicFile::Write(folder / L"link.sql", "new", std::ref(name));
         EXPECT_EQ(std::set<std::wstring>{}, beside.Made());
         EXPECT_EQ(1U, behind.Made().count(L"1.tmp"));
         EXPECT_EQ("new", BytesOf(folder / L"real\\kept.sql"));
@@ -307,7 +307,7 @@ TEST(SavingTest, ALinkToNothingIsNotFollowed) {
     const Link link(folder, L"link.sql", L"real\\new.sql");
     if (link.Made) {
         // Windows refuses it, since something has the name; Wine does not see the link, and puts the file in its place.
-        const long number = NumberOf([&] { TextFile::Write(folder / L"link.sql", "new"); });
+        const long number = NumberOf([&] { AtomicFile::Write(folder / L"link.sql", "new"); });
         EXPECT_TRUE(number == 58 || (number == 0 && BytesOf(folder / L"link.sql") == "new")) << number;
         for (const std::wstring& name : folder.Names()) EXPECT_TRUE(name == L"real" || name == L"link.sql") << name;
     }

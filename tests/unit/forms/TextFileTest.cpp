@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include "forms/AtomicFile.h"
 #include "support/Errors.h"
 #include "support/Folder.h"
 #include "support/PatchedFunction.h"
@@ -118,12 +119,12 @@ TEST(TextFile, LineEndsOfOneKindAreKept) {
 
 TEST(TextFile, IsWrittenAndReadByEveryKindOfPath) {
     const Folder folder;
-    TextFile::Write(folder / L"new.sql", "select 1");
+    AtomicFile::Write(folder / L"new.sql", "select 1");
     EXPECT_EQ("select 1", BytesOf(folder / L"new.sql"));
-    TextFile::Write(folder / L"new.sql", "");
+    AtomicFile::Write(folder / L"new.sql", "");
     EXPECT_EQ("", BytesOf(folder / L"new.sql"));
     EXPECT_EQ(L"", TextFile::Read(folder / L"new.sql").Text);
-    TextFile::Write(folder / L"\x4E2D \x05D0.sql", "a\0b"s);
+    AtomicFile::Write(folder / L"\x4E2D \x05D0.sql", "a\0b"s);
     EXPECT_EQ(L"a\0b"s, TextFile::Read(folder / L"\x4E2D \x05D0.sql").Text);
     EXPECT_EQ(2U, folder.Names().size());
 }
@@ -136,8 +137,8 @@ TEST(TextFile, APathMayBeLong) {
     const std::wstring third = second + L"\\" + part;
     for (const std::wstring& path : {first, second, third}) ASSERT_TRUE(CreateDirectoryW(path.c_str(), nullptr));
     const std::wstring plain = third.substr(4) + L"\\long.sql";
-    TextFile::Write(plain, "one");
-    TextFile::Write(plain, "two");
+    AtomicFile::Write(plain, "one");
+    AtomicFile::Write(plain, "two");
     EXPECT_EQ(L"two", TextFile::Read(plain).Text);
     EXPECT_TRUE(DeleteFileW((third + L"\\long.sql").c_str()));
     for (const std::wstring& path : {third, second, first})
@@ -178,7 +179,7 @@ TEST(TextFile, AskNothingOfADevice) {
         EXPECT_EQ(ErrorNumber::PathFileAccessError, NumberOf([&] { TextFile::CheckPath(path); }))
             << testing::PrintToString(path);
         EXPECT_EQ(ErrorNumber::PathFileAccessError, NumberOf([&] { TextFile::ReadBytes(path); }));
-        EXPECT_EQ(ErrorNumber::PathFileAccessError, NumberOf([&] { TextFile::Write(path, "x"); }));
+        EXPECT_EQ(ErrorNumber::PathFileAccessError, NumberOf([&] { AtomicFile::Write(path, "x"); }));
     }
     EXPECT_FALSE(ConnectNamedPipe(pipe, nullptr));
     EXPECT_EQ(static_cast<DWORD>(ERROR_PIPE_LISTENING), GetLastError()) << "somebody has opened it";
@@ -205,7 +206,7 @@ TEST(TextFile, WhoeverListensBehindAFileMayNotActInTheUsersName) {
         const PatchedFunction patched(L"kernel32.dll", "CreateFileW", reinterpret_cast<void*>(refuse));
         ASSERT_TRUE(patched);
         NumberOf([&] { TextFile::Read(folder / L"a.sql"); });
-        NumberOf([&] { TextFile::Write(folder / L"a.sql", "x"); });
+        NumberOf([&] { AtomicFile::Write(folder / L"a.sql", "x"); });
     }
     ASSERT_EQ(3U, flags.size());  // what is read, what is written over, and the new file beside it
     for (const DWORD given : flags) {
@@ -237,19 +238,19 @@ TEST(TextFile, AFailureToWriteLeavesEverythingAsItWas) {
     PutBytes(path, "old");
 
     ASSERT_TRUE(SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_READONLY));
-    EXPECT_EQ(75, NumberOf([&] { TextFile::Write(path, "new"); }));
+    EXPECT_EQ(75, NumberOf([&] { AtomicFile::Write(path, "new"); }));
     SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_NORMAL);
 
     for (const DWORD share : {0, FILE_SHARE_READ, FILE_SHARE_READ | FILE_SHARE_WRITE}) {
         const HANDLE held = CreateFileW(path.c_str(), GENERIC_READ, share, nullptr, OPEN_EXISTING, 0, nullptr);
-        EXPECT_EQ(70, NumberOf([&] { TextFile::Write(path, "new"); })) << share;
+        EXPECT_EQ(70, NumberOf([&] { AtomicFile::Write(path, "new"); })) << share;
         CloseHandle(held);
     }
     CreateDirectoryW((folder / L"sub").c_str(), nullptr);
-    EXPECT_EQ(75, NumberOf([&] { TextFile::Write(folder / L"sub", "new"); }));
-    EXPECT_EQ(76, NumberOf([&] { TextFile::Write(folder / L"none\\kept.sql", "new"); }));
-    EXPECT_EQ(52, NumberOf([&] { TextFile::Write(L"", "new"); }));
-    EXPECT_EQ(75, NumberOf([&] { TextFile::Write(L"NUL", "new"); }));
+    EXPECT_EQ(75, NumberOf([&] { AtomicFile::Write(folder / L"sub", "new"); }));
+    EXPECT_EQ(76, NumberOf([&] { AtomicFile::Write(folder / L"none\\kept.sql", "new"); }));
+    EXPECT_EQ(52, NumberOf([&] { AtomicFile::Write(L"", "new"); }));
+    EXPECT_EQ(75, NumberOf([&] { AtomicFile::Write(L"NUL", "new"); }));
 
     EXPECT_EQ("old", BytesOf(path));
     EXPECT_EQ((std::vector<std::wstring>{L"kept.sql", L"sub"}), folder.Names());
@@ -262,7 +263,7 @@ TEST(TextFile, ANewTextTakesTheOldOnesPlaceAndAttributes) {
     ASSERT_TRUE(SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_HIDDEN));
     ASSERT_TRUE(GetFileAttributesW(path.c_str()) & FILE_ATTRIBUTE_HIDDEN);
     const std::string long_(3 << 20, 'x');
-    TextFile::Write(path, long_);
+    AtomicFile::Write(path, long_);
     EXPECT_EQ(long_, BytesOf(path));
     EXPECT_TRUE(GetFileAttributesW(path.c_str()) & FILE_ATTRIBUTE_HIDDEN);
     EXPECT_EQ(1U, folder.Names().size());

@@ -12,6 +12,16 @@ protected:
     HTREEITEM At(std::initializer_list<int> path) const { return Tree.At(path); }
     std::wstring Children(HTREEITEM item) const { return Tree.Children(item); }
     void Open(HTREEITEM item) const { Tree.Open(item); }
+    // With all that it is below.
+    void OpenDownTo(std::initializer_list<int> path) const {
+        HTREEITEM item = Tree.At({});
+        Open(item);
+        for (const int position : path) {
+            item = Tree.Next(TVGN_CHILD, item);
+            for (int at = 0; at < position; ++at) item = Tree.Next(TVGN_NEXT, item);
+            Open(item);
+        }
+    }
     void Shut(HTREEITEM item) const { Tree.Shut(item); }
 };
 
@@ -74,9 +84,7 @@ TEST_F(BrowserTest, TheDefaultSchemaIsAskedForAsNull) {
 
 TEST_F(BrowserTest, SystemTablesFollowTheMenuAtEachExpand) {
     Inside([this] {
-        Open(At({}));
-        Open(At({0}));
-        Open(At({0, 0}));
+        OpenDownTo({0, 0});
         EditorWindow::Choose(L"View", L"System TablesViews");
         EXPECT_EQ(L"1,HR,,own", Asked);
         Shut(At({0, 0}));
@@ -108,9 +116,7 @@ TEST_F(BrowserTest, AMissingDictionaryIsToldInTheWordsOfTheDatabaseType) {
         Database.Members[L"DBType"] = [type](const Arguments&) { return Variant(type); };
         BoxAnswerer box;
         Inside([this] {
-            Open(At({}));
-            Open(At({0}));
-            Open(At({0, 0}));
+            OpenDownTo({0, 0});
             EXPECT_EQ(L"", Children(At({0, 0})));
         });
         EXPECT_EQ(1, box.Boxes);
@@ -135,10 +141,7 @@ TEST_F(BrowserTest, ColumnsThatCannotBeReadAreToldInTheHostsWords) {
     };
     BoxAnswerer box;
     Inside([this] {
-        Open(At({}));
-        Open(At({0}));
-        Open(At({0, 0}));
-        Open(At({0, 0, 0}));
+        OpenDownTo({0, 0, 0});
         EXPECT_EQ(L"", Children(At({0, 0, 0, 0})));
     });
     EXPECT_EQ(1, box.Boxes);
@@ -163,10 +166,7 @@ TEST_F(BrowserTest, APropertyThatCannotBeReadIsToldAndTheNextStatementFollows) {
     };
     BoxAnswerer box;
     Inside([this] {
-        Open(At({}));
-        Open(At({0}));
-        Open(At({0, 0}));
-        Open(At({0, 0, 0}));
+        OpenDownTo({0, 0, 0});
         EXPECT_EQ(L"|NAME", Children(At({0, 0, 0, 0})));
         EXPECT_EQ(L"COLUMN_NAME=ID|DATA_TYPE=type 3/7", Children(At({0, 0, 0, 0, 0, 0})));
     });
@@ -190,9 +190,7 @@ TEST_F(BrowserTest, AFailureThatNamesNoSourceIsNotTakenForTheComponentsOwn) {
         BoxAnswerer box;
         Errors.Reports.clear();
         Inside([this] {
-            Open(At({}));
-            Open(At({0}));
-            Open(At({0, 0}));
+            OpenDownTo({0, 0});
             EXPECT_EQ(L"A", Children(At({0, 0})));
         });
         EXPECT_EQ(0, box.Boxes);
@@ -205,9 +203,7 @@ TEST_F(BrowserTest, AnotherErrorIsReportedAndLeavesWhatWasBuilt) {
         return Variant(MakeCollection({Variant(L"A"), Variant::Null(), Variant(L"B")}));
     };
     Inside([this] {
-        Open(At({}));
-        Open(At({0}));
-        Open(At({0, 0}));
+        OpenDownTo({0, 0});
         EXPECT_EQ(L"A", Children(At({0, 0})));
     });
     EXPECT_EQ(L"modLists.PopulateDBObjTablesViews 94", Errors.Places());
@@ -221,9 +217,7 @@ TEST_F(BrowserTest, AFullTreeIsToldOnceAndStaysWithinItsLimit) {
     };
     BoxAnswerer box;
     Inside([this] {
-        Open(At({}));
-        Open(At({0}));
-        Open(At({0, 0}));
+        OpenDownTo({0, 0});
         EXPECT_EQ(32767, Tree.Count());
         Shut(At({0, 0}));
         EXPECT_EQ(L"(undefined)|(undefined)", Children(At({0, 0})));
@@ -249,9 +243,7 @@ TEST_F(BrowserTest, AFullTreeTakesNoMoreAndCanBeEmptied) {
     };
     const BoxAnswerer box;
     Inside([&] {
-        Open(At({}));
-        Open(At({0}));
-        Open(At({0, 0}));
+        OpenDownTo({0, 0});
         fails = true;
         Tree.Click(At({2}));
         fails = false;

@@ -9,6 +9,7 @@
 #include "Windows.h"
 #include "forms/TextFile.h"
 #include "support/Browsed.h"
+#include "support/CountedObject.h"
 #include "support/Dialogs.h"
 #include "support/Folder.h"
 #include "support/TestData.h"
@@ -225,16 +226,9 @@ TEST_F(DropsFuzz, RichTexts) {
 
 // A program that offers a format and does not hand it over, or hands over something else.
 TEST_F(DropsFuzz, BrokenPromises) {
-    struct Broken final : IDataObject {
+    struct Broken final : StackObject<IDataObject> {
         Random& Chance;
         explicit Broken(Random& random) : Chance(random) {}
-        HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) noexcept override {
-            const bool known = iid == IID_IUnknown || iid == IID_IDataObject;
-            *object = known ? this : nullptr;
-            return known ? S_OK : E_NOINTERFACE;
-        }
-        ULONG STDMETHODCALLTYPE AddRef() noexcept override { return 2; }
-        ULONG STDMETHODCALLTYPE Release() noexcept override { return 1; }
         HRESULT STDMETHODCALLTYPE GetData(FORMATETC*, STGMEDIUM* medium) noexcept override {
             *medium = {};
             switch (Chance.Below(5)) {

@@ -5,6 +5,7 @@
 #include "FuzzedEditor.h"
 #include "Cases.h"
 #include "RichTexts.h"
+#include "forms/AtomicFile.h"
 #include "forms/Rtf.h"
 #include "support/Errors.h"
 
@@ -18,7 +19,7 @@ void LoadRichText(const std::string& bytes, FuzzedEditor& editor, const std::wst
     const TextFile::Format format{TextFile::Encoding::Utf16BigEndian, true, TextFile::LineEnd::Cr};
     editor.Box.FileFormat = format;
     editor.Changes = 0;
-    TextFile::Write(editor.Path, bytes);
+    AtomicFile::Write(editor.Path, bytes);
     const long number = NumberOf([&] { editor.Box.LoadFile(editor.Path, RichTextBox::FileKind::RichText); });
     if (number != 0) {
         EXPECT_EQ(InvalidFormat, number);
