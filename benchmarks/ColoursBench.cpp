@@ -9,6 +9,7 @@
 #include "Bench.h"
 #include "RawWindow.h"
 #include "Shown.h"
+#include "automation/ComPtr.h"
 #include "sql/Lexer.h"
 #include "support/Component.h"
 
@@ -29,21 +30,16 @@ std::wstring Sql100(size_t characters) {
 // Asked of the text object model, which selects and paints nothing.
 COLORREF ColourAt(HWND editor, LONG position) {
     constexpr IID TextDocumentId = {0x8CC497C0, 0xA1DF, 0x11CE, {0x80, 0x98, 0x00, 0xAA, 0x00, 0x47, 0xBE, 0x5D}};
-    IUnknown* ole = nullptr;
-    SendMessageW(editor, EM_GETOLEINTERFACE, 0, reinterpret_cast<LPARAM>(&ole));
-    void* asked = nullptr;
-    if (ole == nullptr || FAILED(ole->QueryInterface(TextDocumentId, &asked))) return CLR_DEFAULT;
-    auto* const document = static_cast<ITextDocument*>(asked);
-    ITextRange* range = nullptr;
-    ITextFont* font = nullptr;
+    ComPtr<IUnknown> ole;
+    SendMessageW(editor, EM_GETOLEINTERFACE, 0, reinterpret_cast<LPARAM>(ole.Receive()));
+    const auto document = ole.As<ITextDocument>(TextDocumentId);
+    if (!document) return CLR_DEFAULT;
+    ComPtr<ITextRange> range;
+    ComPtr<ITextFont> font;
     long colour = tomAutoColor;
-    if (SUCCEEDED(document->Range(position, position + 1, &range)) && SUCCEEDED(range->GetFont(&font))) {
+    if (range.Filled(document->Range(position, position + 1, range.Receive())) &&
+        font.Filled(range->GetFont(font.Receive())))
         font->GetForeColor(&colour);
-        font->Release();
-    }
-    if (range != nullptr) range->Release();
-    document->Release();
-    ole->Release();
     // Wine answers with what the automatic colour is now.
     const auto found = static_cast<COLORREF>(colour);
     return colour == static_cast<long>(tomAutoColor) || found == GetSysColor(COLOR_WINDOWTEXT) ? CLR_DEFAULT : found;

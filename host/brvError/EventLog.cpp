@@ -5,6 +5,8 @@
 
 #include <cstdio>
 
+#include "host/Utf8.h"
+
 namespace {
 
 constexpr LONGLONG RotateBeyond = 1024 * 1024;  // bytes
@@ -70,15 +72,6 @@ std::wstring Escaped(std::wstring text) {
     return result;
 }
 
-std::string Utf8(const std::wstring& text) {
-    if (text.empty()) return {};
-    const int length =
-        WideCharToMultiByte(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), nullptr, 0, nullptr, nullptr);
-    std::string bytes(static_cast<size_t>(length), '\0');
-    WideCharToMultiByte(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), bytes.data(), length, nullptr, nullptr);
-    return bytes;
-}
-
 std::wstring Now() {
     SYSTEMTIME time;
     GetLocalTime(&time);
@@ -122,7 +115,7 @@ bool EventLog::Append(std::initializer_list<std::wstring> fields) const noexcept
     if (fileName_.empty()) return false;
     std::wstring line = Now();
     for (const std::wstring& field : fields) line += L'\t' + Escaped(field);
-    const std::string bytes = Utf8(line) + "\r\n";
+    const std::string bytes = ToUtf8(line) + "\r\n";
 
     const size_t folderEnd = fileName_.find_last_of(L"\\/");
     if (folderEnd != std::wstring::npos) CreateDirectoryW(fileName_.substr(0, folderEnd).c_str(), nullptr);

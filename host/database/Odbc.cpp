@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "host/Utf8.h"
+
 namespace Odbc {
 namespace {
 
@@ -9,21 +11,6 @@ namespace {
 SQLWCHAR* Chars(const std::wstring& text) noexcept { return const_cast<SQLWCHAR*>(text.data()); }
 
 SQLCHAR* Bytes(const std::string& text) noexcept { return reinterpret_cast<SQLCHAR*>(const_cast<char*>(text.data())); }
-
-std::string ToUtf8(std::wstring_view text) {
-    const int length = static_cast<int>(text.size());
-    std::string utf8(
-        static_cast<size_t>(WideCharToMultiByte(CP_UTF8, 0, text.data(), length, nullptr, 0, nullptr, nullptr)), '\0');
-    WideCharToMultiByte(CP_UTF8, 0, text.data(), length, utf8.data(), static_cast<int>(utf8.size()), nullptr, nullptr);
-    return utf8;
-}
-
-std::wstring FromUtf8(std::string_view utf8) {
-    const int length = static_cast<int>(utf8.size());
-    std::wstring text(static_cast<size_t>(MultiByteToWideChar(CP_UTF8, 0, utf8.data(), length, nullptr, 0)), L'\0');
-    MultiByteToWideChar(CP_UTF8, 0, utf8.data(), length, text.data(), static_cast<int>(text.size()));
-    return text;
-}
 
 // A name as the catalogue functions take it, in one of the two encodings.
 class NameArgument {

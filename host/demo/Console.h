@@ -5,8 +5,7 @@
 #include <string>
 #include <string_view>
 
-std::string ToUtf8(std::wstring_view text);
-std::wstring FromUtf8(std::string_view utf8);
+#include "host/Utf8.h"
 
 // What Windows says of an error code, without the line end after it.
 std::wstring SystemMessage(DWORD error);

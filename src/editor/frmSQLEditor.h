@@ -118,13 +118,20 @@ public:
     MenuItem mnuViewSystem{L"System Tables&Views"};
 
 protected:
+    // ---- Controls
     void CreateControls() override;
     void FontsChanged() override;
+
+    // ---- Colours and small windows (editor/frmSQLEditor_Colours.cpp)
     bool Idle() override;
-    bool KeyPreview(MSG& message) override;
     bool ToolMessage(MSG& message) override;
     void ToolsClose() noexcept override;
     void ColoursChanged() override;
+
+    // ---- Keys for the panes (editor/frmSQLEditor_Keys.cpp)
+    bool KeyPreview(MSG& message) override;
+
+    // ---- Status bar (editor/frmSQLEditor_Status.cpp)
     void MenuHighlighted(const MenuItem* Entry) override;
     void MenusClosed() override;
 
@@ -149,8 +156,10 @@ private:
     std::wstring m_ReturnedText();  // what Display gives back
     void tlbToolbar_ButtonClick(const Toolbar::Button& Button);
 
-    // ---- Controls
+    // ---- Menu bar (editor/frmSQLEditor_Menus.cpp)
     void CreateMenus();
+
+    // ---- Controls
     void CreatePanes();
     void CreateImages();
     void NameControls();
@@ -208,6 +217,9 @@ private:
     void mnuEditSelectAll_Click();
     void mnuEditTimeDate_Click();
     void m_FindNext(const std::wstring* Text = nullptr);
+    // To and from the code of a program.
+    void m_CopyAsBasic();
+    void m_PasteFromCode();
     std::wstring m_CopiedText();
     bool m_Copy(const std::wstring& Text, const wchar_t* Routine);
     void m_ReplaceSelection(const std::wstring& Text);
@@ -228,13 +240,10 @@ private:
     void m_DeleteLines();
     void m_BreakLine();
     void m_SelectStatement();
-    // To and from the code of a program.
-    void m_CopyAsBasic();
-    void m_PasteFromCode();
     // Puts the text back that Display brought.
     void m_RestoreDisplayed();
 
-    // ---- Keys for the panes (editor/frmSQLEditor_Keys.cpp)
+    // ---- Keys for the panes
     Control& m_View(int Index);
     void m_NextPane(bool Back);
     void m_InsertDragText(Control& Source);
@@ -251,7 +260,7 @@ private:
     void m_ReplaceAll();
     void m_Result(const std::wstring& Text);
 
-    // ---- Status bar (editor/frmSQLEditor_Status.cpp)
+    // ---- Status bar
     static constexpr const wchar_t* ChangedText = L"Changed";
     void m_ShowCaret();
     void m_ShowLengths();
@@ -335,7 +344,7 @@ private:
     std::wstring m_GetStmtUpdateTable(const Node& Node);
     std::wstring m_GetStmtDeleteTable(const Node& Node);
 
-    // ---- Action menu (statements/frmSQLEditor_ActionMenu.cpp)
+    // ---- What is selected (statements/frmSQLEditor_ActiveItem.cpp)
 
     // What is selected in the active view, with statements as the tree stands now; nothing when there is no such thing.
     std::shared_ptr<const clsListItem> m_GetActiveItem();
@@ -343,6 +352,8 @@ private:
     void m_EnableActionMenu();
     void m_SelectFromListBox(const ListBox& List);
     void m_SelectFromTreeView(const TreeView& Tree);
+
+    // ---- Action menu (statements/frmSQLEditor_ActionMenu.cpp)
     void m_InsertStatement(const std::wstring& Statement);
     // Inserts the text after the editor's selection, which stays in the text, and selects what was inserted, without a
     // leading line break.

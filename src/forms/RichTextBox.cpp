@@ -15,6 +15,7 @@
 #include "forms/RichEdit.h"
 #include "forms/RichTextSize.h"
 #include "forms/ThemedBorder.h"
+#include "forms/Twips.h"
 
 namespace {
 

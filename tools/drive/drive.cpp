@@ -15,6 +15,7 @@
 
 #include "MenuHook.h"
 #include "Window.h"
+#include "host/Utf8.h"
 
 namespace {
 
@@ -46,23 +47,6 @@ constexpr char Help[] =
     "  dump                      lists all its windows: class, id, rectangle, style, text\n"
     "Exit code: 0 done, 1 not found in time, 2 usage, 3 no answer, 4 menu entry disabled.\n";
 
-std::string Utf8(const std::wstring& text) {
-    if (text.empty()) return {};
-    const int length =
-        WideCharToMultiByte(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), nullptr, 0, nullptr, nullptr);
-    std::string bytes(static_cast<size_t>(length), '\0');
-    WideCharToMultiByte(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), bytes.data(), length, nullptr, nullptr);
-    return bytes;
-}
-
-std::wstring Utf16(const std::string& bytes) {
-    if (bytes.empty()) return {};
-    const int length = MultiByteToWideChar(CP_UTF8, 0, bytes.data(), static_cast<int>(bytes.size()), nullptr, 0);
-    std::wstring text(static_cast<size_t>(length), L'\0');
-    MultiByteToWideChar(CP_UTF8, 0, bytes.data(), static_cast<int>(bytes.size()), text.data(), length);
-    return text;
-}
-
 void PrintBytes(HANDLE out, const std::string& bytes) {
     for (size_t done = 0; done < bytes.size();) {
         DWORD written = 0;
@@ -73,7 +57,7 @@ void PrintBytes(HANDLE out, const std::string& bytes) {
     }
 }
 
-void Print(const std::wstring& text) { PrintBytes(GetStdHandle(STD_OUTPUT_HANDLE), Utf8(text)); }
+void Print(const std::wstring& text) { PrintBytes(GetStdHandle(STD_OUTPUT_HANDLE), ToUtf8(text)); }
 void PrintLine(const std::wstring& text) { Print(text + L"\n"); }
 
 std::wstring OneLine(const std::wstring& text, size_t most = 200) {
@@ -138,7 +122,7 @@ void Gone(const Arguments& arguments) {
 
 std::string FileContent(const std::wstring& name) {
     HANDLE file = CreateFileW(name.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
-    if (file == INVALID_HANDLE_VALUE) throw Failure(Usage, "the file cannot be opened: " + Utf8(name));
+    if (file == INVALID_HANDLE_VALUE) throw Failure(Usage, "the file cannot be opened: " + ToUtf8(name));
     std::string content;
     char buffer[64 * 1024];
     for (DWORD got = 0; ReadFile(file, buffer, sizeof buffer, &got, nullptr) && got;) content.append(buffer, got);
@@ -147,7 +131,7 @@ std::string FileContent(const std::wstring& name) {
 }
 
 void SetText(const Arguments& arguments) {
-    const std::wstring text = Utf16(FileContent(arguments.at(1)));
+    const std::wstring text = FromUtf8(FileContent(arguments.at(1)));
     HWND editor = Editor(WaitForEditor());
     // Not WM_SETTEXT, which takes some texts for rich text.
     Send(editor, EM_SETSEL, 0, -1);
