@@ -123,6 +123,7 @@ protected:
     bool KeyPreview(MSG& message) override;
     bool ToolMessage(MSG& message) override;
     void ToolsClose() noexcept override;
+    void HiddenToolsGo() noexcept override { lstNames.Discard(); }
     void ColoursChanged() override;
     void MenuHighlighted(const MenuItem* Entry) override;
     void MenusClosed() override;
