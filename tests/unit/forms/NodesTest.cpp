@@ -1,6 +1,7 @@
 #include "forms/Nodes.h"
 
 #include <commctrl.h>
+#include <gtest/gtest.h>
 
 #include <map>
 #include <random>
