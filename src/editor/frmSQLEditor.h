@@ -126,6 +126,7 @@ protected:
     bool Idle() override;
     bool ToolMessage(MSG& message) override;
     void ToolsClose() noexcept override;
+    void HiddenToolsGo() noexcept override { lstNames.Discard(); }
     void ColoursChanged() override;
 
     // ---- Keys for the panes (editor/frmSQLEditor_Keys.cpp)

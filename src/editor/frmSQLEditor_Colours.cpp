@@ -34,7 +34,7 @@ void frmSQLEditor::ColoursChanged() try { colours_.SettingsChanged(); } catch (.
 void frmSQLEditor::ToolsClose() noexcept {
     winReplace.Close();
     winGoto.Close();
-    lstNames.Close();
+    lstNames.Discard();
     tipHelp_.Hide();
 }
 

@@ -29,6 +29,9 @@ float frmSQLEditor::MinimumWidth() const { return LeastWidth; }
 float frmSQLEditor::MinimumHeight() const { return LeastHeight; }
 
 void frmSQLEditor::Form_Resize() try {
+    // What stands beside the caret would stay where it was, in the size and the font that it had.
+    lstNames.Close();
+    tipHelp_.Hide();
     if (WindowState() == State::Minimized) return;
     // Compared in pixels: a minimum that is no whole number of them is reached all the same.
     const UINT dpi = Dpi();

@@ -38,6 +38,9 @@ public:
     // Held while a window procedure of the form or of one of its controls runs, because an event may release the form.
     // Null for a form that is not shared.
     virtual std::shared_ptr<void> Hold() noexcept { return nullptr; }
+    // The form is not topmost while a piece of the host's code runs. The windows that it keeps hidden go: Wine would
+    // make them topmost again in its place.
+    virtual void HiddenToolsGo() noexcept {}
     UINT Dpi() const noexcept;
 
     float Left() const;

@@ -18,6 +18,7 @@ NotTopmost::NotTopmost() noexcept {
     if ((GetWindowLongPtrW(shown, GWL_EXSTYLE) & WS_EX_TOPMOST) == 0) return;
     form_ = shown;
     active_ = GetActiveWindow() == shown;
+    if (Form* form = Form::Of(shown)) form->HiddenToolsGo();
     PlaceAfter(shown, HWND_NOTOPMOST);
 }
 

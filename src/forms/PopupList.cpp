@@ -14,6 +14,8 @@ constexpr long MostRows = 12;    // shown at a time
 constexpr int WidthAt96 = 360;   // pixels
 constexpr int NotePercent = 35;  // of the width
 
+bool IsTopmost(HWND window) noexcept { return (GetWindowLongPtrW(window, GWL_EXSTYLE) & WS_EX_TOPMOST) != 0; }
+
 }  // namespace
 
 RECT PopupList::PlaceBeside(const RECT& line, SIZE size, const RECT& workArea) {
@@ -35,42 +37,83 @@ RECT PopupList::PlaceBeside(const RECT& line, SIZE size) {
     return PlaceBeside(line, size, monitor.rcWork);
 }
 
-void PopupList::Open(HWND owner, const RECT& line, HFONT font, const std::wstring& accessibleName) {
-    Close();
-    line_ = line;
-    rows_ = 0;
-    selected_ = -1;
-    pressed_ = -1;
-    const bool topmost = (GetWindowLongPtrW(owner, GWL_EXSTYLE) & WS_EX_TOPMOST) != 0;
+// A window that was made for other dots per inch, another font or other settings is not shown again, and Wine lets no
+// owned window stop being topmost.
+bool PopupList::Fits(HWND owner, HFONT font) const noexcept {
+    return Handle() != nullptr && !stale_ && font == font_ && DpiOf(owner) == dpi_ &&
+           GetWindow(Handle(), GW_OWNER) == owner && IsTopmost(Handle()) == IsTopmost(owner);
+}
+
+void PopupList::Make(HWND owner, const std::wstring& accessibleName) {
     CreateWindowOf(
         WC_LISTVIEWW,
         WS_POPUP | WS_BORDER | LVS_REPORT | LVS_OWNERDATA | LVS_NOCOLUMNHEADER | LVS_SINGLESEL | LVS_SHOWSELALWAYS,
-        WS_EX_TOOLWINDOW | WS_EX_NOACTIVATE | (topmost ? WS_EX_TOPMOST : 0), owner, 0, accessibleName.c_str());
-    SetFont(font);
+        WS_EX_TOOLWINDOW | WS_EX_NOACTIVATE | (IsTopmost(owner) ? WS_EX_TOPMOST : 0), owner, 0, accessibleName.c_str());
+    dpi_ = 0;
+    count_ = 0;
+    selected_ = -1;
+    SetFont(font_);
     Send(LVM_SETEXTENDEDLISTVIEWSTYLE, 0, LVS_EX_FULLROWSELECT | LVS_EX_DOUBLEBUFFER);
     for (int column = 0; column < 2; ++column) {
         LVCOLUMNW made{};
         Send(LVM_INSERTCOLUMNW, static_cast<WPARAM>(column), reinterpret_cast<LPARAM>(&made));
     }
+    // Last: a window that was made half-way is made again.
+    stale_ = false;
+    dpi_ = DpiOf(owner);
+}
+
+void PopupList::Open(HWND owner, const RECT& line, HFONT font, const std::wstring& accessibleName) {
+    Close();
+    if (!Fits(owner, font)) {
+        Discard();
+        font_ = font;
+        Make(owner, accessibleName);
+    }
+    line_ = line;
+    open_ = true;
 }
 
 void PopupList::Close() noexcept {
-    Destroy();
     rows_ = 0;
+    whyNone_.clear();
+    pressed_ = -1;
+    if (!std::exchange(open_, false) || Handle() == nullptr) return;
+    // Hidden by somebody else, as when its owner was minimized: Windows would show it again with the owner.
+    if (!IsWindowVisible(Handle())) return Destroy();
+    // The scroll bar may be held.
+    if (GetCapture() == Handle()) ReleaseCapture();
+    ShowWindow(Handle(), SW_HIDE);
+}
+
+void PopupList::Discard() noexcept {
+    Close();
+    Destroy();
 }
 
 void PopupList::SetRows(size_t count, std::wstring whyNone) {
     if (!IsOpen()) return;
     rows_ = count;
     whyNone_ = std::move(whyNone);
-    // The whole list is painted again below, and scrolled to its first row.
-    Send(LVM_SETITEMCOUNT, std::max<size_t>(count, 1), LVSICF_NOINVALIDATEALL | LVSICF_NOSCROLL);
+    const size_t wanted = std::max<size_t>(count, 1);
+    UINT painted = RDW_INVALIDATE;
+    if (std::exchange(count_, wanted) != wanted) {
+        // The whole list is painted again below, and scrolled to its first row. A hidden window is not told to hold its
+        // painting, since the message that ends it would show it.
+        const bool shown = IsWindowVisible(Handle()) != FALSE;
+        if (shown) Send(WM_SETREDRAW, FALSE);
+        Send(LVM_SETITEMCOUNT, wanted, LVSICF_NOINVALIDATEALL | LVSICF_NOSCROLL);
+        if (shown) {
+            Send(WM_SETREDRAW, TRUE);
+            painted |= RDW_FRAME;
+        }
+    }
     if (!IsOpen()) return;
     // The control says nothing of a selection that is behind the end now.
-    if (selected_ >= static_cast<long>(std::max<size_t>(count, 1))) selected_ = -1;
+    if (selected_ >= static_cast<long>(wanted)) selected_ = -1;
     Arrange();
-    Select(count > 0 ? 0 : -1);
-    InvalidateRect(Handle(), nullptr, FALSE);
+    if (IsOpen()) Select(count > 0 ? 0 : -1);
+    if (IsOpen()) RedrawWindow(Handle(), nullptr, nullptr, painted);
 }
 
 // As high as its rows are, up to a dozen.
@@ -79,25 +122,27 @@ void PopupList::Arrange() {
     RECT row{LVIR_BOUNDS, 0, 0, 0};
     Send(LVM_GETITEMRECT, 0, reinterpret_cast<LPARAM>(&row));
     const LONG rowHeight = std::max(row.bottom - row.top, 1L);
-    const auto style = static_cast<DWORD>(GetWindowLongPtrW(Handle(), GWL_STYLE));
-    RECT window{0, 0, MulDiv(WidthAt96, static_cast<int>(Dpi()), 96), shown * rowHeight};
-    AdjustWindowRectEx(&window, style & ~static_cast<DWORD>(WS_VSCROLL | WS_HSCROLL), FALSE,
-                       static_cast<DWORD>(GetWindowLongPtrW(Handle(), GWL_EXSTYLE)));
-    const RECT place = PlaceBeside(line_, {window.right - window.left, window.bottom - window.top});
-    SetWindowPos(Handle(), nullptr, place.left, place.top, place.right - place.left, place.bottom - place.top,
-                 SWP_NOACTIVATE | SWP_NOZORDER | SWP_NOOWNERZORDER);
-    RECT client{};
-    GetClientRect(Handle(), &client);
-    const LONG bar = static_cast<long>(rows_) > Send(LVM_GETCOUNTPERPAGE) &&
-                             (GetWindowLongPtrW(Handle(), GWL_STYLE) & WS_VSCROLL) == 0
-                         ? SystemMetricFor(SM_CXVSCROLL, Dpi())
-                         : 0;
-    const LONG width = std::max(client.right - bar, 0L);
+    RECT frame{};
+    AdjustWindowRectEx(
+        &frame,
+        static_cast<DWORD>(GetWindowLongPtrW(Handle(), GWL_STYLE)) & ~static_cast<DWORD>(WS_VSCROLL | WS_HSCROLL),
+        FALSE, static_cast<DWORD>(GetWindowLongPtrW(Handle(), GWL_EXSTYLE)));
+    const SIZE frames{frame.right - frame.left, frame.bottom - frame.top};
+    const RECT place =
+        PlaceBeside(line_, {MulDiv(WidthAt96, static_cast<int>(dpi_), 96) + frames.cx, shown * rowHeight + frames.cy});
+    const LONG rowsInSight = (place.bottom - place.top - frames.cy) / rowHeight;
+    const LONG bar = static_cast<long>(rows_) > rowsInSight ? SystemMetricFor(SM_CXVSCROLL, dpi_) : 0;
+    const LONG width = std::max(place.right - place.left - frames.cx - bar, 0L);
     const LONG note = rows_ > 0 ? width * NotePercent / 100 : 0;
     // Each change of a width paints a list that shows.
     if (Send(LVM_GETCOLUMNWIDTH, 0) != width - note) Send(LVM_SETCOLUMNWIDTH, 0, width - note);
     if (Send(LVM_GETCOLUMNWIDTH, 1) != note) Send(LVM_SETCOLUMNWIDTH, 1, note);
-    if (!IsWindowVisible(Handle())) ShowWindow(Handle(), SW_SHOWNA);
+    RECT now{};
+    GetWindowRect(Handle(), &now);
+    const bool visible = IsWindowVisible(Handle()) != FALSE;
+    if (visible && EqualRect(&now, &place)) return;
+    SetWindowPos(Handle(), HWND_TOP, place.left, place.top, place.right - place.left, place.bottom - place.top,
+                 SWP_NOACTIVATE | SWP_NOOWNERZORDER | (visible ? SWP_NOZORDER : SWP_SHOWWINDOW));
 }
 
 void PopupList::Select(long row) {
@@ -162,6 +207,17 @@ LRESULT PopupList::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
         case WM_RBUTTONUP:
         case WM_MBUTTONDOWN:
             return 0;
+        case WM_SETTINGCHANGE:
+        case WM_SYSCOLORCHANGE:
+        case WM_THEMECHANGED:
+            stale_ = true;
+            return Control::OnMessage(message, wParam, lParam);
+        case WM_SETREDRAW: {
+            // Windows' list view passes it on. Wine's does not, and so paints the scroll bar at every change of it.
+            const LRESULT result = Original(message, wParam, lParam);
+            DefWindowProcW(Handle(), message, wParam, lParam);
+            return result;
+        }
         case WM_CLOSE:
             Close();
             return 0;

@@ -8,7 +8,8 @@
 #include "forms/Control.h"
 
 // A list that opens beside a place in another control and leaves the focus there: keys come through Move. Its rows are
-// asked for while they are drawn, so that a long list opens as fast as a short one.
+// asked for while they are drawn, so that a long list opens as fast as a short one. Making and first showing the window
+// takes longer than all the rest, so a closed list is a hidden one that is shown again.
 class PopupList : public Control {
 public:
     struct Row {
@@ -21,7 +22,9 @@ public:
     // window.
     void Open(HWND owner, const RECT& line, HFONT font, const std::wstring& accessibleName);
     void Close() noexcept;
-    bool IsOpen() const noexcept { return Handle() != nullptr; }
+    // Destroys the window, open or not: until the next Open there is none. It goes with its owner at the latest.
+    void Discard() noexcept;
+    bool IsOpen() const noexcept { return open_ && Handle() != nullptr; }
 
     // Shows so many rows, the first one selected, or a single row with the reason why there are none.
     void SetRows(size_t count, std::wstring whyNone);
@@ -54,8 +57,15 @@ private:
     void Select(long row);
     LRESULT Draw(LPARAM lParam) const;
     void FollowSelection(const NMLISTVIEW& change) noexcept;
+    void Make(HWND owner, const std::wstring& accessibleName);
+    bool Fits(HWND owner, HFONT font) const noexcept;
     void Arrange();
 
+    bool open_ = false;
+    bool stale_ = false;  // the system's colours, fonts, sizes or theme have changed since the window was made
+    UINT dpi_ = 0;        // of the owner when it was made
+    HFONT font_ = nullptr;
+    size_t count_ = 0;  // rows of the control
     RECT line_{};
     size_t rows_ = 0;
     std::wstring whyNone_;

@@ -65,6 +65,12 @@ Node TreeView::SelectedItem() const { return NodeAt(TVGN_CARET); }
 void TreeView::SetSelectedItem(const Node& node) {
     const AutoReset quiet(quiet_, true);
     Send(TVM_SELECTITEM, TVGN_CARET, node ? reinterpret_cast<LPARAM>(MirrorOf(node)) : 0);
+    // The control opens the closed branches above an item that it selects, and does not tell of each. Their nodes are
+    // there, so Expand is not raised.
+    for (Node above = node ? node.Parent() : Node(); above; above = above.Parent()) {
+        const auto item = reinterpret_cast<WPARAM>(MirrorOf(above));
+        if ((Send(TVM_GETITEMSTATE, item, TVIS_EXPANDED) & TVIS_EXPANDED) != 0) MarkExpanded(above, true);
+    }
 }
 
 void TreeView::SetExpanded(const Node& node, bool expanded) {
@@ -410,6 +416,7 @@ TreeView::Answer TreeView::FromAProgram(UINT message, WPARAM wParam, LPARAM lPar
                 call.Rethrow();
             }
             const Node after = SelectedItem();
+            if (after) SetSelectedItem(after);  // for the branches above it
             if (SelChange && !(after == before)) SelChange(after);
             return result;
         }

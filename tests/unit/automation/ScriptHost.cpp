@@ -1,6 +1,7 @@
 #include "ScriptHost.h"
 
 #include <map>
+#include <utility>
 
 #include "support/CountedObject.h"
 #include "automation/RuntimeError.h"

@@ -1,5 +1,7 @@
 #include "forms/Events.h"
 
+#include <gtest/gtest.h>
+
 #include "forms/CommandButton.h"
 #include "forms/PictureBox.h"
 #include "support/Errors.h"

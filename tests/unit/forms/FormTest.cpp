@@ -1,6 +1,7 @@
 #include "forms/Form.h"
 
 #include <functional>
+#include <gtest/gtest.h>
 
 #include "forms/CommandButton.h"
 #include "forms/RichTextBox.h"

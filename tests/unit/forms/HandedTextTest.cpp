@@ -1,6 +1,7 @@
 #include "forms/HandedText.h"
 
 #include <cstring>
+#include <gtest/gtest.h>
 
 #include "support/Errors.h"
 

@@ -1,5 +1,7 @@
 #include "forms/Menu.h"
 
+#include <gtest/gtest.h>
+
 #include "support/TopWindow.h"
 
 namespace {

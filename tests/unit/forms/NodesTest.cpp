@@ -1,6 +1,7 @@
 #include "forms/Nodes.h"
 
 #include <commctrl.h>
+#include <gtest/gtest.h>
 
 #include <map>
 #include <vector>
@@ -190,6 +191,42 @@ TEST(TreeView, ExpandAndCollapseAreRaisedOnceEachTime) {
         EXPECT_TRUE(root.Expanded());
         tree.View.Send(WM_KEYDOWN, VK_LEFT);
         EXPECT_EQ(round, collapsed);
+    }
+}
+
+// The control opens them to bring the item into sight; nobody asked for what they hold, which is there.
+TEST(TreeView, KnowsOfBranchesThatOpenForASelection) {
+    for (const bool byAProgram : {false, true}) {
+        Tree tree;
+        const Node root = tree.Root(L"root");
+        const Node branch = tree.Child(root, L"branch");
+        const Node leaf = tree.Child(branch, L"leaf");
+        const Node other = tree.Child(tree.Child(root, L"other branch"), L"other leaf");
+        int asked = 0;
+        tree.View.Expand = [&](const Node&) { ++asked; };
+        tree.View.SetSelectedItem(leaf);
+        if (byAProgram) {
+            const LRESULT item = tree.View.Send(TVM_GETNEXTITEM, TVGN_CARET);
+            tree.View.SetSelectedItem(root);
+            branch.SetExpanded(false);
+            root.SetExpanded(false);
+            asked = 0;
+            SendMessageW(tree.View.Handle(), TVM_SELECTITEM, TVGN_CARET, item);
+        }
+        EXPECT_EQ(leaf, tree.View.SelectedItem());
+        const LRESULT shown = tree.View.Send(TVM_GETNEXTITEM, TVGN_PARENT, tree.View.Send(TVM_GETNEXTITEM, TVGN_CARET));
+        EXPECT_NE(0, tree.View.Send(TVM_GETITEMSTATE, static_cast<WPARAM>(shown), TVIS_EXPANDED) & TVIS_EXPANDED);
+        EXPECT_TRUE(branch.Expanded()) << byAProgram;
+        EXPECT_TRUE(root.Expanded()) << byAProgram;
+        EXPECT_FALSE(other.Parent().Expanded());
+        EXPECT_EQ(0, asked);
+        // A program that opens it once more changes nothing, and closing it is told of.
+        int closed = 0;
+        tree.View.Collapse = [&](const Node& node) { closed += node == branch; };
+        branch.SetExpanded(true);
+        EXPECT_EQ(0, asked);
+        branch.SetExpanded(false);
+        EXPECT_EQ(1, closed);
     }
 }
 

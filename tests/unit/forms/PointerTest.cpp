@@ -1,3 +1,4 @@
+#include <gtest/gtest.h>
 #include <windowsx.h>
 
 #include "forms/EdgeScroll.h"

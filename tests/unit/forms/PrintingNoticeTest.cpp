@@ -1,4 +1,6 @@
 #include "forms/Printer.h"
+
+#include <gtest/gtest.h>
 #include "support/TopWindow.h"
 
 TEST(PrintingNotice, LeavesItsOwnerAsItWas) {

@@ -1,5 +1,6 @@
 #include "forms/RichTextBox.h"
 
+#include <gtest/gtest.h>
 #include <richedit.h>
 
 #include "forms/PlainText.h"

@@ -1,3 +1,4 @@
+#include <gtest/gtest.h>
 #include <richedit.h>
 
 #include <initializer_list>

@@ -1,5 +1,6 @@
 #include "forms/Settings.h"
 
+#include <gtest/gtest.h>
 #include <windows.h>
 
 #include "support/Errors.h"

@@ -1,5 +1,6 @@
 #include "forms/TextFile.h"
 
+#include <gtest/gtest.h>
 #include <windows.h>
 
 #include "forms/AtomicFile.h"

@@ -1,5 +1,6 @@
 #include "forms/Twips.h"
 
+#include <gtest/gtest.h>
 #include <limits>
 
 #include "support/Errors.h"

@@ -1,4 +1,6 @@
 #include "browser/modLists_Tree.h"
+
+#include <gtest/gtest.h>
 #include "catalogue/modLists_Lists.h"
 #include "dictionary/clsDictionary.h"
 #include "editor/frmSQLEditor.h"

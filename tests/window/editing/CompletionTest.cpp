@@ -1,4 +1,6 @@
+#include <initguid.h>
 #include <commctrl.h>
+#include <oleacc.h>
 
 #include "support/Steps.h"
 
@@ -33,6 +35,25 @@ std::wstring Rows(long most = 6) {
     }
     return all;
 }
+
+// What a program that reads the screen is told of the state of a window.
+long StateOf(HWND window) {
+    IAccessible* object = nullptr;
+    if (FAILED(AccessibleObjectFromWindow(window, static_cast<DWORD>(OBJID_CLIENT), IID_IAccessible,
+                                          reinterpret_cast<void**>(&object)))) {
+        return -1;
+    }
+    VARIANT self, state;
+    VariantInit(&self);
+    VariantInit(&state);
+    self.vt = VT_I4;
+    self.lVal = CHILDID_SELF;
+    const HRESULT told = object->get_accState(self, &state);
+    object->Release();
+    return told == S_OK && state.vt == VT_I4 ? state.lVal : -1;
+}
+
+bool IsTopmost(HWND window) { return (GetWindowLongW(window, GWL_EXSTYLE) & WS_EX_TOPMOST) != 0; }
 
 }  // namespace
 
@@ -238,6 +259,108 @@ TEST_F(CompletionTest, AClickElsewhereOrAnotherPaneClosesIt) {
                       return true;
                   },
                   Press(VK_SPACE, FCONTROL), [] { return NameList() != nullptr; }, Press(VK_HOME), Holds(L"a or")});
+}
+
+// The window is made once for a shown editor, and a closed list is one that nobody sees.
+TEST_F(CompletionTest, AClosedListIsShownAgainFromItsFirstRow) {
+    HWND list = nullptr;
+    InSteps(L"", {Ready(L"|"), Press(VK_SPACE, FCONTROL), [] { return RowCount() > 100; }, Press(VK_NEXT),
+                  Press(VK_NEXT), Press(VK_NEXT), [] { return SendMessageW(NameList(), LVM_GETTOPINDEX, 0, 0) > 10; },
+                  [&] {
+                      list = NameList();
+                      EXPECT_EQ(0, StateOf(list) & STATE_SYSTEM_INVISIBLE);
+                      EXPECT_TRUE(IsTopmost(list));
+                      return true;
+                  },
+                  Press(VK_ESCAPE), Holds(L""),
+                  [&] {
+                      EXPECT_TRUE(IsWindow(list));
+                      EXPECT_FALSE(IsWindowVisible(list));
+                      EXPECT_EQ(STATE_SYSTEM_INVISIBLE, StateOf(list) & STATE_SYSTEM_INVISIBLE);
+                      wchar_t text[10] = L"none";
+                      LVITEMW item{};
+                      item.pszText = text;
+                      item.cchTextMax = 10;
+                      SendMessageW(list, LVM_GETITEMTEXTW, 0, reinterpret_cast<LPARAM>(&item));
+                      EXPECT_STREQ(L"", text);
+                      return true;
+                  },
+                  Press(VK_SPACE, FCONTROL), [] { return RowCount() > 100; },
+                  [&] {
+                      EXPECT_EQ(list, NameList());
+                      EXPECT_EQ(L"*", Rows(1).substr(0, 1));
+                      EXPECT_EQ(0, SendMessageW(list, LVM_GETTOPINDEX, 0, 0));
+                      EXPECT_EQ(1, SendMessageW(list, LVM_GETSELECTEDCOUNT, 0, 0));
+                      EXPECT_EQ(EditorWindow::Editor(), GetFocus());
+                      SetWindowPos(EditorWindow::Find(), HWND_NOTOPMOST, 0, 0, 0, 0, SWP_NOSIZE | SWP_NOMOVE);
+                      return true;
+                  },
+                  Press(VK_ESCAPE), Holds(L""), Press(VK_SPACE, FCONTROL), [] { return RowCount() > 100; },
+                  [&] {
+                      list = NameList();
+                      EXPECT_FALSE(IsTopmost(list));
+                      return true;
+                  }});
+    EXPECT_FALSE(IsWindow(list));  // it goes with the shown editor
+    EXPECT_EQ(L"", Errors.Places());
+}
+
+// Reading columns takes the editor from the top for a while.
+TEST_F(CompletionTest, AClosedListDoesNotKeepTheEditorFromTheTop) {
+    InSteps(L"", {Ready(L"or|"), Press(VK_SPACE, FCONTROL), [] { return NameList() != nullptr; }, Press(VK_ESCAPE),
+                  Holds(L"or"),
+                  [] {
+                      Put(L"select o.| from HR.ORDERS o");
+                      return true;
+                  },
+                  Press(VK_SPACE, FCONTROL), Shows(L"*ID (column, ORDERS)|NAME (column, ORDERS)"),
+                  [] {
+                      EXPECT_TRUE(IsTopmost(EditorWindow::Find()));
+                      EXPECT_TRUE(IsTopmost(NameList()));
+                      return true;
+                  }});
+}
+
+TEST_F(CompletionTest, OtherSettingsOfTheSystemNeedAnotherList) {
+    for (const UINT message : {WM_SETTINGCHANGE, WM_SYSCOLORCHANGE, WM_THEMECHANGED}) {
+        HWND list = nullptr;
+        InSteps(L"", {Ready(L"or|"), Press(VK_SPACE, FCONTROL), [] { return NameList() != nullptr; },
+                      [&] {
+                          list = NameList();
+                          SendMessageW(list, message, 0, 0);
+                          return true;
+                      },
+                      Press(VK_ESCAPE), Holds(L"or"), Press(VK_SPACE, FCONTROL), [] { return NameList() != nullptr; },
+                      [&] {
+                          EXPECT_NE(list, NameList()) << message;
+                          EXPECT_FALSE(IsWindow(list)) << message;
+                          return true;
+                      }});
+    }
+}
+
+// The list would stay where the caret was, and an owner that is restored brings back what was hidden with it.
+TEST_F(CompletionTest, AnotherSizeOfTheWindowClosesTheList) {
+    InSteps(L"", {Ready(L"or|"), Press(VK_SPACE, FCONTROL), [] { return NameList() != nullptr; },
+                  [] {
+                      RECT place;
+                      GetWindowRect(EditorWindow::Find(), &place);
+                      SetWindowPos(EditorWindow::Find(), nullptr, 0, 0, place.right - place.left + 20,
+                                   place.bottom - place.top, SWP_NOMOVE | SWP_NOZORDER);
+                      EXPECT_EQ(nullptr, NameList());
+                      return true;
+                  },
+                  Press(VK_SPACE, FCONTROL), [] { return NameList() != nullptr; },
+                  [] {
+                      ShowWindow(EditorWindow::Find(), SW_MINIMIZE);
+                      EXPECT_EQ(nullptr, NameList());
+                      ShowWindow(EditorWindow::Find(), SW_RESTORE);
+                      EXPECT_EQ(nullptr, NameList());
+                      SetFocus(EditorWindow::Editor());
+                      return true;
+                  },
+                  Press(VK_SPACE, FCONTROL), [] { return NameList() != nullptr; }});
+    EXPECT_EQ(L"", Errors.Places());
 }
 
 TEST_F(CompletionTest, AClickTakesTheRow) {

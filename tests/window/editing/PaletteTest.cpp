@@ -73,6 +73,17 @@ TEST(Palette, DoesNotNeedATextThatReads) {
     const Palette palette = Palette::For(RGB(255, 255, 255), RGB(200, 200, 200));
     for (size_t at = 1; at < palette.Text.size(); ++at)
         EXPECT_GE(ContrastOf(palette.Text[at], RGB(255, 255, 255)), 4.5) << at;
+    for (size_t mark = 1; mark < palette.Ground.size(); ++mark)
+        EXPECT_NE(RGB(255, 255, 255), palette.Ground[mark]) << mark;
+}
+
+TEST(Palette, KeepsTheOwnTextReadableWhereItIsNeitherBlackNorWhite) {
+    const COLORREF grey = RGB(110, 110, 110);
+    const Palette palette = Palette::For(RGB(255, 255, 255), grey);
+    for (size_t mark = 1; mark < palette.Ground.size(); ++mark) {
+        EXPECT_NE(RGB(255, 255, 255), palette.Ground[mark]) << mark;
+        EXPECT_GE(ContrastOf(grey, palette.Ground[mark]), 4.5) << mark;
+    }
 }
 
 // What docs/accessibility.md tells of the colours: check-documents compares its tables with this one.
