@@ -11,7 +11,7 @@
 
 namespace {
 
-class Counted final : public StackObject<IUnknown> {};
+class CountedReference final : public StackObject<IUnknown> {};
 
 // Says that it has whatever is asked for, and writes what it was told to.
 class Liar final : public StackObject<IUnknown> {
@@ -47,7 +47,7 @@ private:
 }  // namespace
 
 TEST(ComPtr, CountsOneReferenceEach) {
-    Counted object;
+    CountedReference object;
     {
         const ComPtr<IUnknown> one(&object);
         EXPECT_EQ(2U, object.References);
