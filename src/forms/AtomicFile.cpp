@@ -70,7 +70,7 @@ public:
         // halfway. Without a backup name Wine would invent one and leave that file after a failure.
         const std::wstring aside = FolderOf(target) + name_();
         DWORD flags = 0;
-        // ReplaceFile does this by itself, but not under Wine, and what stands in for it below does not either.
+        // Windows' ReplaceFile copies these attributes. Wine's does not, nor does MoveFileEx below.
         constexpr DWORD kept = FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM | FILE_ATTRIBUTE_NOT_CONTENT_INDEXED;
         const DWORD attributes = GetFileAttributesW(target.c_str());
         if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0) {

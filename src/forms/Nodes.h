@@ -129,7 +129,7 @@ public:
     // means Next. Errors: 35601 no such relative, 35602 the key is in use, 7 the control refused or there is no memory.
     // A failure adds nothing.
     Node Add(const Variant& relative, const Variant& relationship, const Variant& key, const std::wstring& text);
-    // Adds the last child of a node of this tree; 35601 when it is none.
+    // Adds a node as the last child of `parent`. Error 35601 when `parent` is not a node of this tree.
     Node AddChild(const Node& parent, const std::wstring& text);
     // While one lives, many nodes may be added after the last of their siblings, each in the same time: the window of
     // the control gets them in another order and is put in order when the outermost one ends, or when it is about to be

@@ -22,7 +22,7 @@ public:
     // window.
     void Open(HWND owner, const RECT& line, HFONT font, const std::wstring& accessibleName);
     void Close() noexcept;
-    // Destroys the window, open or not: until the next Open there is none. It goes with its owner at the latest.
+    // Destroys the window, whether it is open or not. The next Open makes another. Windows destroys it with its owner.
     void Discard() noexcept;
     bool IsOpen() const noexcept { return open_ && Handle() != nullptr; }
 
