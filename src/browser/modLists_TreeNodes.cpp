@@ -50,7 +50,7 @@ Node modLists::m_AddNode(::Nodes& Nodes, const std::wstring& Text, const std::ws
 }
 
 Node modLists::m_AddNode(::Nodes& Nodes, const std::wstring& Text, const std::wstring& Tag, const ::Node& Parent) {
-    static_cast<void>(Parent.Children());
+    static_cast<void>(Parent.Children());  // raises, outside the trap, when the parent is gone
     return Added(Nodes, Tag, [&] { return Nodes.AddChild(Parent, Text); });
 }
 
