@@ -7,14 +7,13 @@
 #include <utility>
 
 #include "forms/Dpi.h"
+#include "forms/NotTopmost.h"
 
 namespace {
 
 constexpr long MostRows = 12;    // shown at a time
 constexpr int WidthAt96 = 360;   // pixels
 constexpr int NotePercent = 35;  // of the width
-
-bool IsTopmost(HWND window) noexcept { return (GetWindowLongPtrW(window, GWL_EXSTYLE) & WS_EX_TOPMOST) != 0; }
 
 }  // namespace
 

@@ -133,6 +133,36 @@ TEST_F(TopmostTest, TheCreateTableDialogOpensInFront) {
     DestroyWindow(host);
 }
 
+// Its small windows belong to it and go with it.
+TEST_F(TopmostTest, AnOpenFindWindowChangesNothing) {
+    Record(Database.DictionaryMembers, L"Objects");
+    bool toolWasTopmost = true;
+    auto objects = Database.DictionaryMembers[L"Objects"];
+    HWND tool = nullptr;
+    const auto isTopmost = [](HWND window) { return (GetWindowLongW(window, GWL_EXSTYLE) & WS_EX_TOPMOST) != 0; };
+    Database.DictionaryMembers[L"Objects"] = [&](const Arguments& a) {
+        toolWasTopmost = isTopmost(tool);
+        return objects(a);
+    };
+    Inside([&] {
+        Tree.Open(Tree.At({}));
+        SetFocus(EditorWindow::Editor());
+        EditorWindow::PressKey('H', true);
+        tool = FindWindowW(L"#32770", L"Replace");
+        ASSERT_NE(nullptr, tool);
+        EXPECT_TRUE(IsTopmost());
+        EXPECT_TRUE(isTopmost(tool));
+        Tree.Click(Tree.At({0}));
+        EXPECT_TRUE(IsTopmost());
+        EXPECT_TRUE(isTopmost(tool));
+        EXPECT_TRUE(IsBefore(tool, EditorWindow::Find()));
+        DestroyWindow(tool);
+    });
+    EXPECT_FALSE(Called[L"Objects"].empty());
+    EXPECT_EQ(0, std::ranges::count(Called[L"Objects"], true));
+    EXPECT_FALSE(toolWasTopmost);
+}
+
 TEST_F(TopmostTest, TheErrorComponentIsCalledWithoutIt) {
     std::vector<bool> reported;
     Errors.Wrap = [&](const Object& recorder) {
