@@ -51,6 +51,9 @@ void frmSQLEditor::m_SizeControls() try {
 
     if (Shown && LeftWidth < NarrowestPane) LeftWidth = NarrowestPane;
     if (LeftWidth > InnerWidth - NarrowestPane) LeftWidth = InnerWidth - NarrowestPane;
+    // Collapsing keeps a whole number of twips, which pixels of 168 or 192 dots per inch are not: restored from that,
+    // the panes have to stand on the same pixels.
+    LeftWidth = static_cast<float>(WholeTwips(LeftWidth));
 
     const float Top = tlbToolbar.Arrange();
     float Bottom = InnerHeight;
