@@ -7,7 +7,7 @@ foreach ($root in 'HKLM\Software\Classes', 'HKCU\Software\Classes', 'HKLM\Softwa
         'HKCU\Software\Microsoft\Windows\CurrentVersion\Uninstall', 'HKCU\Software\VB and VBA Program Settings') {
     foreach ($view in '/reg:64', '/reg:32') {
         # 1 is the exit code where nothing is found, and where the key itself is not there.
-        $found += reg.exe query $root /s /f brvSQLEditor $view 2>$null | Where-Object { $_ -match 'brvSQLEditor' }
+        $found += @(reg.exe query $root /s /f brvSQLEditor $view 2>$null | Where-Object { $_ -match 'brvSQLEditor' })
     }
 }
 foreach ($folder in $env:ProgramFiles, ${env:ProgramFiles(x86)}, "$env:LOCALAPPDATA\Programs") {

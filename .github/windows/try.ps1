@@ -23,7 +23,8 @@ if ($shown.ExitCode) { throw "the demonstration host: exit code $($shown.ExitCod
 if ($printed -notmatch '-- typed ' -or $printed -notmatch 'this SQL was not run') { throw 'the SQL did not come back' }
 foreach ($root in 'HKLM\Software\Classes', 'HKCU\Software\Classes') {
     foreach ($name in 'brvSQLEditor', 'brvADO', 'brvError') {
-        $found = reg.exe query $root /s /f $name 2>$null | Where-Object { $_ -match $name }
+        # Its errors go to the console: a redirected one would end this script in Windows PowerShell.
+        $found = @(reg.exe query $root /s /f $name | Where-Object { $_ -match $name })
         if ($found) { throw "registered: $found" }
     }
 }
