@@ -45,6 +45,20 @@ appearance_black() {
         "GrayText=63 242 63" "ButtonShadow=128 128 128" "ButtonLight=192 192 192"
 }
 
+# Black on white, as the scheme "High Contrast White" of Windows.
+appearance_white() {
+    local name pairs=()
+    for name in Window ButtonFace Menu MenuBar Scrollbar Background InfoWindow ActiveTitle InactiveTitle AppWorkspace ButtonAlternateFace \
+        GradientActiveTitle GradientInactiveTitle InactiveBorder; do
+        pairs+=("$name=255 255 255")
+    done
+    for name in WindowText ButtonText MenuText WindowFrame TitleText InactiveTitleText InfoText ButtonHilight ButtonDkShadow ActiveBorder; do
+        pairs+=("$name=0 0 0")
+    done
+    appearance_colours "${pairs[@]}" "Hilight=55 0 110" "HilightText=255 255 255" "MenuHilight=55 0 110" "HotTrackingColor=0 0 159" \
+        "GrayText=96 0 0" "ButtonShadow=128 128 128" "ButtonLight=64 64 64"
+}
+
 # A scheme that somebody made: what stands on buttons and in windows has colours of its own, each readable on its own ground only.
 appearance_odd() {
     appearance_colours "Window=0 0 64" "WindowText=255 255 0" "ButtonFace=255 255 192" "ButtonText=64 0 0" "Hilight=64 192 64" \
@@ -53,7 +67,7 @@ appearance_odd() {
         "WindowFrame=0 0 0" "Scrollbar=192 192 255" "MenuHilight=0 128 0"
 }
 
-# set_appearance DPI [FONT-HEIGHT [SCHEME]]: the scheme is "theme", "black" or "odd".
+# set_appearance DPI [FONT-HEIGHT [SCHEME]]: the scheme is "theme", "black", "white" or "odd".
 set_appearance() {
     local file=$WINEPREFIX/.appearance.reg colours=$WINEPREFIX/.colours.reg files=()
     # The theme's colours, as the prefix was made with them.
@@ -69,6 +83,7 @@ set_appearance() {
             "$([ "${3:-theme}" = theme ] && echo 1 || echo 0)"
         case ${3:-theme} in
             black) appearance_black ;;
+            white) appearance_white ;;
             odd) appearance_odd ;;
         esac
     } >"$file"
