@@ -7,7 +7,6 @@
 
 namespace {
 
-// These calls set no IErrorInfo; any on the thread is stale.
 // The key of the default member, which has no name.
 constexpr const wchar_t* DefaultName = L"";
 constexpr const wchar_t* EnumeratorName = L"_NewEnum";

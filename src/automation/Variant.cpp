@@ -18,7 +18,6 @@ void MoveBytes(VARIANT& to, VARIANT& from) noexcept {
 // The C headers take pointers to what they only read without const.
 VARIANT* Mutable(const VARIANT* value) noexcept { return const_cast<VARIANT*>(value); }
 
-// These calls set no IErrorInfo; any on the thread is stale.
 // How many bytes an element of the type takes in an array, 0 for types that are no variant's value.
 UINT ElementSize(VARTYPE type) noexcept {
     switch (type) {
