@@ -4,6 +4,7 @@
 
 #include "Bench.h"
 #include "support/Component.h"
+#include "support/WindowWatchdog.h"
 
 // Runs a step in the moment when the editor's window waits for its first message: shown, not yet painted. No timer,
 // whose interval would be in the measurement.
@@ -19,7 +20,7 @@ private:
     static LRESULT CALLBACK Hook(int code, WPARAM wParam, LPARAM lParam);
     std::function<void()> step_;
     HHOOK hook_;
-    UINT_PTR watchdog_;
+    const WindowWatchdog watchdog_{120000};
     bool ran_ = false;
 };
 

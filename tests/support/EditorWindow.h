@@ -7,6 +7,8 @@
 #include <functional>
 #include <string>
 
+#include "support/WindowWatchdog.h"
+
 // The editor's window, found from outside.
 namespace EditorWindow {
 HWND Find();                                               // null when none is shown
@@ -48,7 +50,7 @@ private:
     std::function<void()> step_;
     Expect expect_;
     UINT_PTR timer_;
-    UINT_PTR watchdog_;
+    const WindowWatchdog watchdog_;
     bool ran_ = false;
     bool finished_ = false;
 };

@@ -2,6 +2,8 @@
 
 #include <map>
 
+#include "support/WindowWatchdog.h"
+
 namespace {
 
 struct Running {
@@ -63,17 +65,12 @@ std::wstring StepsFixture::InSteps(const std::wstring& sql, std::vector<std::fun
     };
     all.Tick = tick;
     all.Timer = SetTimer(nullptr, 0, 15, tick);
-    const UINT_PTR watchdog = SetTimer(nullptr, 0, 100000, [](HWND, UINT, UINT_PTR, DWORD) WINAPI {
-        std::puts("the watchdog ends a test whose window nobody closes");
-        std::fflush(stdout);
-        TerminateProcess(GetCurrentProcess(), 99);
-    });
+    const WindowWatchdog watchdog(100000);
     const Object editor = Dll.Create();
     editor.Call(L"Constructor", Database.Make());
     std::wstring text = sql;
     editor.Call(L"Display", ByRef(text));
     KillTimer(nullptr, all.Timer);
-    KillTimer(nullptr, watchdog);
     running = nullptr;
     return text;
 }

@@ -8,6 +8,7 @@
 #include "forms/Twips.h"
 #include "support/Errors.h"
 #include "support/Shortage.h"
+#include "support/WindowWatchdog.h"
 
 namespace {
 
@@ -73,18 +74,14 @@ public:
             KillTimer(nullptr, id);
             Work();
         });
-        watchdog_ = SetTimer(nullptr, 0, 20000, [](HWND, UINT, UINT_PTR, DWORD) WINAPI { ExitProcess(99); });
     }
-    ~Later() {
-        KillTimer(nullptr, timer_);
-        KillTimer(nullptr, watchdog_);
-    }
+    ~Later() { KillTimer(nullptr, timer_); }
     Later(const Later&) = delete;
     Later& operator=(const Later&) = delete;
 
 private:
     UINT_PTR timer_;
-    UINT_PTR watchdog_;
+    const WindowWatchdog watchdog_{20000};
 };
 
 HWND MakeHostWindow() {

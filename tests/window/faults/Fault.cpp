@@ -4,6 +4,7 @@
 #include <cstdlib>
 
 #include "support/CountedObject.h"
+#include "support/WindowWatchdog.h"
 #include "automation/RuntimeError.h"
 
 namespace {
@@ -198,7 +199,7 @@ DWORD WINAPI Watchdog::Watch(void* self) {
     auto& dog = *static_cast<Watchdog*>(self);
     while (WaitForSingleObject(dog.stop_, 500) == WAIT_TIMEOUT) {
         EnterCriticalSection(&dog.lock_);
-        if (GetTickCount() - dog.begun_ > Limit) {
+        if (GetTickCount() - dog.begun_ > WindowWatchdog::Patient(Limit)) {
             std::printf("the watchdog ends a case that takes too long: %s\n", dog.name_.c_str());
             std::fflush(stdout);
             TerminateProcess(GetCurrentProcess(), 98);
