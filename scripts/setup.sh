@@ -201,7 +201,7 @@ wine_environment() {
     # No questions about Mono and Gecko, no entries in the desktop's menus.
     export WINEDLLOVERRIDES=${WINEDLLOVERRIDES:-mscoree,mshtml=;winemenubuilder.exe=d}
     export ODBCSYSINI=$BRV_BUILD/odbc$BRV_WIDTH ODBCINI=$BRV_BUILD/odbc$BRV_WIDTH/odbc.ini
-    export BRV_SHOP_DB=$BRV_BUILD/shop.db  # for tests that read the sample database
+    export BRV_SHOP_DB=${BRV_PLAIN:-$BRV_BUILD}/shop.db # for tests that read the sample database
     # Arguments and file names are UTF-8, also where the locale is "C".
     [ "$(locale charmap 2>/dev/null)" = UTF-8 ] || export LC_ALL=C.UTF-8
 }
@@ -211,6 +211,13 @@ windows_path() {
     local path
     path=$(realpath -m -- "$1") || return 1
     printf 'Z:%s' "${path//\//\\}"
+}
+
+# plain_build FOLDER: names build/ in ASCII alone, as BRV_PLAIN: by a link in FOLDER, which is the caller's to remove, where its path has other
+# letters. The driver manager of Debian 12 spoils those on their way to a driver that knows bytes alone, as that for SQLite does.
+plain_build() {
+    export BRV_PLAIN=$BRV_BUILD
+    ! LC_ALL=C grep -q '[^ -~]' <<<"$BRV_BUILD" || { ln -s "$BRV_BUILD" "$1/build" && BRV_PLAIN=$1/build; }
 }
 
 # The drivers that a program under Wine finds: it sees the driver manager and drivers of its own width on this machine.
