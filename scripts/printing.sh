@@ -12,9 +12,7 @@ start_printing() {
     # The server's helpers run as a user who may not enter the build folder.
     folder=$(mktemp -d /tmp/brv-cups.XXXXXX) || die "no folder for the print server"
     BRV_CUPS_FOLDER=$folder
-    chmod 755 "$folder"
     mkdir -p "$folder"/{etc/ppd,run,cache,spool,tmp,log,lib/backend,printed}
-    chmod 1777 "$folder/printed" "$folder/tmp"
     for part in filter daemon notifier cgi-bin monitor driver; do
         [ ! -d "/usr/lib/cups/$part" ] || ln -s "/usr/lib/cups/$part" "$folder/lib/$part"
     done
@@ -28,6 +26,8 @@ cat ${6:+"$6"} >"$folder/.$1" && printf '%s\n' "$3" >"$folder/job-$1.title" && m
 TEXT
     chmod 755 "$folder/lib/backend/keep"
     cp "$BRV_ROOT/scripts/pdf-queue.ppd" "$folder/queue.ppd"
+    chmod -R go=rX "$folder" # the umask may have closed it to the helpers
+    chmod 1777 "$folder/printed" "$folder/tmp"
     cat >"$folder/etc/cups-files.conf" <<TEXT
 ServerRoot $folder/etc
 ServerBin $folder/lib
@@ -66,10 +66,11 @@ TEXT
         /usr/sbin/cupsd -f -c "$folder/etc/cupsd.conf" -s "$folder/etc/cups-files.conf" >"$log" 2>&1 </dev/null 9>&- &
         BRV_CUPS_PID=$!
         export CUPS_SERVER=127.0.0.1:$port
+        # By its path: that of an ordinary user does not lead to /usr/sbin.
         for ((part = 0; part < 50; ++part)); do
             kill -0 "$BRV_CUPS_PID" 2>/dev/null || break
-            if timeout 10 lpadmin -p PDF -E -v "keep:$folder/printed" -P "$folder/queue.ppd" >>"$log" 2>&1 </dev/null; then
-                timeout 10 lpadmin -d PDF >>"$log" 2>&1 </dev/null
+            if timeout 10 /usr/sbin/lpadmin -p PDF -E -v "keep:$folder/printed" -P "$folder/queue.ppd" >>"$log" 2>&1 </dev/null; then
+                timeout 10 /usr/sbin/lpadmin -d PDF >>"$log" 2>&1 </dev/null
                 export BRV_PRINTED
                 BRV_PRINTED=$(windows_path "$folder/printed")
                 return 0
