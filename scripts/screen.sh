@@ -2,7 +2,6 @@
 # display, and pictures of it. Sourced after scripts/setup.sh. They leave the host's process in $host and write to $folder.
 host=''
 
-drive() { timeout -k 2 30 wine "$BRV_BIN/drive.exe" "$@" </dev/null 9>&- 2>/dev/null | tr -d '\r'; }
 settle() { sleep "${1:-0.4}"; }
 place() { # LEFT TOP WIDTH HEIGHT in twips, for the next window
     local pair

@@ -375,6 +375,14 @@ check_heaps() {
 # a console of its own on it.
 run_wine() { wine "$@" </dev/null 9>&-; }
 
+# drive COMMAND...: works the editor's window from another process (tools/drive): prints what that tool says and returns its exit code. What
+# it complains of goes to the file $drive_errors.
+drive_window() (
+    set -o pipefail # tr never fails
+    timeout -k 2 30 wine "$BRV_BIN/drive.exe" "$@" </dev/null 9>&- 2>>"${drive_errors:-/dev/null}" | tr -d '\r'
+)
+drive() { drive_window "$@"; }
+
 # Registers the in-process servers for the prefix when one of them is newer than the last time.
 register_servers() {
     local stamp=$WINEPREFIX/.registered server file due=

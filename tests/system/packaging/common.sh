@@ -28,7 +28,7 @@ finish() {
 }
 
 # Of the client's width: it reads the toolbar in the client's memory.
-drive() { timeout -k 2 30 wine "$BRV_BUILD/win$client/bin/drive.exe" "$@" </dev/null 9>&- 2>/dev/null | tr -d '\r'; }
+drive() { BRV_BIN=$BRV_BUILD/win$client/bin drive_window "$@"; }
 quietly() { timeout -k 2 60 wine "$@" </dev/null 9>&- >/dev/null 2>&1; }
 engine() { [ "$1" = 32 ] && echo 'C:\windows\syswow64\cscript.exe' || echo 'C:\windows\system32\cscript.exe'; }
 
@@ -61,3 +61,31 @@ below_prefix() { # WINDOWS-PATH: the same below the prefix
     printf '%s' "$WINEPREFIX/drive_c/${path//\\//}"
 }
 account() { ls "$WINEPREFIX/drive_c/users" | grep -v Public | head -n 1; }
+
+# ---- versions made of a few files
+
+# Makes $scratch/setup-VERSION.exe. 1.2.0 cannot be registered for 64-bit programs.
+version_of() { # VERSION FILE...
+    local folder=$scratch/$1 file
+    mkdir -p "$folder"/{x86,x64,docs,examples}
+    cp "$payload"/x86/* "$folder/x86/"
+    cp "$payload"/x64/* "$folder/x64/"
+    [ "$1" != 1.2.0 ] || echo damaged >"$folder/x64/brvSQLEditor.dll"
+    for file in LICENSE.txt README.txt docs/guide.md examples/one.txt "${@:2}"; do
+        mkdir -p "$(dirname "$folder/$file")"
+        echo "$1 $file" >"$folder/$file"
+    done
+    "$BRV_ROOT/packaging/compile" "$1" "$folder" "$scratch/setup-$1.exe" >"$scratch/compile" 2>&1 || { cat "$scratch/compile"; exit 1; }
+}
+# The installer knows /D= and _?= only without quotation marks, which an argument with a blank would get: it is given as several.
+install() { quietly "$scratch/setup-$1.exe" /S ${*:2}; } # VERSION OPTIONS
+remove() { # FOLDER
+    quietly "$(below_prefix "$1")/uninstall.exe" /S _?=$1
+    expect "exit code of the removal" 0 $?
+    rm -f "$(below_prefix "$1")/uninstall.exe"
+    rmdir "$(below_prefix "$1")" 2>/dev/null
+}
+files_in() { [ ! -d "$1" ] || (cd "$1" && find . -type f | LC_ALL=C sort); }
+entry() { timeout -k 2 30 wine reg query "$1\\$uninstall_key" </dev/null 2>/dev/null 9>&- | tr -d '\r' | grep -a REG_ | sort; }
+version_in() { registry_value "$1\\$uninstall_key" /v DisplayVersion; } # HKCU or HKLM
+log_of() { iconv -f UTF-16 -t UTF-8 "$1" | tr -d '\r'; }
