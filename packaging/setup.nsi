@@ -57,6 +57,7 @@ Var ClassScope     ; the same, where the classes are registered
 Var SharedClasses  ; "1": COM looks at the classes of the machine alone, so both scopes register there
 Var Parameters     ; of the command line, without /D=
 Var GivenScope     ; "1": the command line has told for whom
+Var Elevated       ; "1": an installer without an administrator's rights has started this one
 Var GivenFolder    ; that of /D=, which is not among the parameters that an installer sees
 Var Repairing      ; "1": install what is there once more
 Var ForUser        ; the radio buttons of the page
@@ -248,6 +249,7 @@ Function .onInit
     StrCpy $Repairing ""
     StrCpy $RemoveUserCopy ""
     StrCpy $GivenScope ""
+    StrCpy $Elevated ""
     StrCpy $Stage 0
     Call HasRights
     Pop $0
@@ -259,6 +261,11 @@ Function .onInit
     ${GetOptions} $R0 "/RemoveUserCopy" $R1
     ${IfNot} ${Errors}
         StrCpy $RemoveUserCopy 1
+    ${EndIf}
+    ClearErrors
+    ${GetOptions} $R0 "/Elevated" $R1
+    ${IfNot} ${Errors}
+        StrCpy $Elevated 1
     ${EndIf}
     ClearErrors
     ${GetOptions} $R0 "/CurrentUser" $R1
@@ -315,14 +322,12 @@ FunctionEnd
 
 ; Starts this installer with an administrator's rights and all that it was given; ends with its exit code.
 Function StartElevated
-    ${GetParameters} $0
-    ClearErrors
-    ${GetOptions} $0 "/Elevated" $1
-    ${IfNot} ${Errors} ; where the control of user accounts is off, nobody gets more rights by asking
+    ${If} $Elevated == 1 ; where the control of user accounts is off, nobody gets more rights by asking
         MessageBox MB_OK|MB_ICONEXCLAMATION "Installing for everybody needs the rights of an administrator." /SD IDOK
         SetErrorLevel 5
         Quit
     ${EndIf}
+    ${GetParameters} $0
     StrCpy $0 "$0 /AllUsers /Elevated"
     ${If} $GivenFolder != ""
         StrCpy $0 "$0 /D=$GivenFolder" ; last, and without quotation marks
@@ -381,6 +386,10 @@ Function ScopePage
         ${NSD_Check} $ForEverybody
     ${Else}
         ${NSD_Check} $ForUser
+    ${EndIf}
+    ; The rights may be those of another account, and "me" would be that one.
+    ${If} $Elevated == 1
+        EnableWindow $ForUser 0
     ${EndIf}
     nsDialogs::Show
 FunctionEnd
@@ -847,6 +856,12 @@ Function un.onInit
     ${IfNot} ${Errors}
         StrCpy $RemoveSettings 1
     ${EndIf}
+    StrCpy $Elevated ""
+    ClearErrors
+    ${GetOptions} $R0 "/Elevated" $R1
+    ${IfNot} ${Errors}
+        StrCpy $Elevated 1
+    ${EndIf}
     ; For whom it was installed is where its entry is, with this folder in it.
     StrCpy $Scope "User"
     Call un.UseScope
@@ -861,19 +876,18 @@ Function un.onInit
         UserInfo::GetAccountType
         Pop $0
         ${If} $0 != "Admin"
-            IfSilent quiet
-            ClearErrors
-            StrCpy $0 ""
-            ${If} $RemoveSettings == 1
-                StrCpy $0 "/RemoveSettings" ; of the account that it goes on with
+            ${IfNot} ${Silent}
+            ${AndIf} $Elevated != 1 ; else it would ask for ever where the control of user accounts is off
+                ClearErrors
+                ExecShell "runas" "$INSTDIR\uninstall.exe" "$R0 /Elevated" ; settings are those of the account that it goes on with
+                ${IfNot} ${Errors}
+                    Quit
+                ${EndIf}
             ${EndIf}
-            ExecShell "runas" "$INSTDIR\uninstall.exe" "$0"
-            ${If} ${Errors}
-                MessageBox MB_OK|MB_ICONEXCLAMATION "Removing what was installed for everybody needs the rights of an administrator."
-                SetErrorLevel 5
-            ${EndIf}
-            Quit
-          quiet:
+            Call un.UseScope
+            Call un.OpenLog
+            ${Log} "Failed: removing what was installed for everybody needs the rights of an administrator (exit code 5)"
+            MessageBox MB_OK|MB_ICONEXCLAMATION "Removing what was installed for everybody needs the rights of an administrator." /SD IDOK
             SetErrorLevel 5
             Quit
         ${EndIf}
@@ -892,14 +906,15 @@ Function un.SettingsPage
     Pop $0
     ${NSD_CreateCheckBox} 10u 40u 90% 12u "&Forget place and size of its window as well"
     Pop $SettingsBox
+    ${If} $RemoveSettings == 1
+        ${NSD_Check} $SettingsBox
+    ${EndIf}
     nsDialogs::Show
 FunctionEnd
 
 Function un.SettingsChosen
     ${NSD_GetState} $SettingsBox $0
-    ${If} $0 == ${BST_CHECKED}
-        StrCpy $RemoveSettings 1
-    ${EndIf}
+    StrCpy $RemoveSettings $0 ; 1: checked
 FunctionEnd
 
 Function un.RemoveFiles ; only what was installed: the folder may be one of the user's own
