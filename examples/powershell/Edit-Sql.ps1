@@ -21,7 +21,7 @@ $editor = $null
 try {
     if ($Connection) {
         if ($PSVersionTable.PSVersion.Major -gt 5) { throw 'With a connection this example needs Windows PowerShell (powershell.exe).' }
-        Add-Type -Path "$PSScriptRoot\..\csharp\OdbcDatabase.cs" -ReferencedAssemblies System.Data, System.Xml
+        Add-Type -Path "$PSScriptRoot\..\csharp\OdbcDatabase.cs" -ReferencedAssemblies 'System.Data', 'System.Xml'
         $database = New-Object OdbcDatabase $Connection
     }
     try {
