@@ -55,6 +55,7 @@ VIAddVersionKey "LegalCopyright" "Copyright (c) 2026 The brvSQLEditor authors"
 Var Scope          ; "User" or "Machine": whose folders, list of programs and classes
 Var ClassScope     ; the same, where the classes are registered
 Var SharedClasses  ; "1": COM looks at the classes of the machine alone, so both scopes register there
+Var NoClassesOfMine ; "1": for this account Windows does so, an administrator without the control of user accounts
 Var Parameters     ; of the command line, without /D=
 Var GivenScope     ; "1": the command line has told for whom
 Var Elevated       ; "1": an installer without an administrator's rights has started this one
@@ -123,6 +124,7 @@ Function ${un}UseScope ; $Scope: the folders and registry roots that the instruc
         SetShellVarContext current
     ${EndIf}
     StrCpy $SharedClasses ""
+    StrCpy $NoClassesOfMine ""
     ; Wine shows the classes of the machine alone to COM, and what it calls the machine is one user's own: there they go.
     WriteRegStr HKCU "Software\Classes\${NAME}.probe" "" "seen"
     ReadRegStr $0 HKCR "${NAME}.probe" ""
@@ -137,6 +139,7 @@ Function ${un}UseScope ; $Scope: the folders and registry roots that the instruc
         ReadRegDWORD $0 HKLM "Software\Microsoft\Windows\CurrentVersion\Policies\System" "EnableLUA"
         ${If} $0 == "0"
             StrCpy $SharedClasses 1
+            StrCpy $NoClassesOfMine 1
         ${EndIf}
     ${EndIf}
     StrCpy $ClassScope $Scope
@@ -387,8 +390,10 @@ Function ScopePage
     ${Else}
         ${NSD_Check} $ForUser
     ${EndIf}
-    ; The rights may be those of another account, and "me" would be that one.
+    ; The rights may be those of another account, and "me" would be that one. Without classes of one's own everybody would find the files of
+    ; this account.
     ${If} $Elevated == 1
+    ${OrIf} $NoClassesOfMine == 1
         EnableWindow $ForUser 0
     ${EndIf}
     nsDialogs::Show
