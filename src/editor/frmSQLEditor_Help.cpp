@@ -114,10 +114,7 @@ std::vector<Entry> EntriesAt(std::wstring_view Text, size_t Caret) {
     size_t Best = 0;
     ForEachEntry([&](const Entry& One) {
         const size_t Count = Matched(Around, One.Found->Text);
-        // The database's own goes before the language's and the host's.
-        const bool Own = One.Section->DBType != 0;
-        if (Count == 0 || Count < Best || (Count == Best && !Own)) return;
-        if (Count == Best && Found.front().Section->DBType != 0) return;
+        if (Count <= Best) return;
         Best = Count;
         Found = {One};
     });

@@ -19,7 +19,7 @@ constexpr float TabHeight = 300;
 constexpr float Gap = 20;
 constexpr float CollapseWidth = 360;     // 24 pixels of 96 dpi each way
 constexpr float CollapseHeight = 380;    // with the gap
-constexpr float LongestDescription = 7;  // lines
+constexpr float LongestDescription = 8;  // lines
 constexpr int TabCount = 4;
 
 }  // namespace

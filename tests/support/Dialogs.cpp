@@ -113,13 +113,13 @@ void Dialogs::Look() {
         for (HWND child = GetWindow(dialog, GW_CHILD); child != nullptr; child = GetWindow(child, GW_HWNDNEXT)) {
             wchar_t name[20]{};
             GetClassNameW(child, name, 20);
-            const LONG style = GetWindowLongW(child, GWL_STYLE);
-            if ((style & WS_VISIBLE) == 0) continue;
+            if ((GetWindowLongW(child, GWL_STYLE) & WS_VISIBLE) == 0) continue;
             if (lstrcmpiW(name, L"Button") == 0) seen.Buttons.push_back(GetDlgCtrlID(child));
-            if (lstrcmpiW(name, L"Static") == 0 && (style & SS_TYPEMASK) == SS_ICON) seen.HasIcon = true;
             if (TextOf(child).size() > seen.Text.size()) seen.Text = TextOf(child);
         }
         std::sort(seen.Buttons.begin(), seen.Buttons.end());
+        seen.Icon = IconOf(dialog);
+        seen.Default = GetDlgCtrlID(GetFocus());
     }
     All.push_back(seen);
     Answer answer{IDCANCEL, {}};

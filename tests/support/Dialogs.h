@@ -25,7 +25,8 @@ public:
         std::wstring Text;         // the longest text of a message box
         std::vector<int> Buttons;  // ids of its push buttons, ascending
         std::wstring Name;         // of a file dialog: the file name that it began with
-        bool HasIcon = false;
+        std::wstring Icon;         // of a message box, as BoxAnswerer has it
+        int Default = 0;           // the button that the Enter key presses
         HWND Owner = nullptr;
         bool OwnerDisabled = false;
     };

@@ -82,6 +82,9 @@ TEST(StatusBar, AHintStandsOverANoteAndThatOverThePanels) {
     EXPECT_EQ(L"hint", shown());
     bar.ClearHint();
     EXPECT_EQ(L"<panels>", shown());
+    // A tab would put what follows it in the middle of the bar.
+    bar.ShowNote(L"a\tb\r\nc");
+    EXPECT_EQ(L"a b  c", shown());
 }
 
 TEST(StatusBar, PanelsThatHaveNoRoomComeBack) {

@@ -1,11 +1,14 @@
 #include <windows.h>
 #include <commctrl.h>
 
+#include <algorithm>
 #include <map>
 
 #include "catalogue/Catalogue.h"
 #include "catalogue/CatalogueEntry.h"
+#include "editor/ControlIds.h"
 #include "support/Browsed.h"
+#include "support/Screen.h"
 
 // The reference as the running window shows it: every entry of every pane, its description, and what the Action menu
 // does with it.
@@ -156,5 +159,29 @@ TEST_F(PanesTest, WithoutADictionaryTheTreeIsEmptyAndTheListsAreFull) {
         EXPECT_EQ(0, EditorTree(EditorTree::DatabaseSpecific).Count());
         EXPECT_EQ(10, SendMessageW(View(1), LB_GETCOUNT, 0, 0));
         EXPECT_EQ(25, SendMessageW(View(3), LB_GETCOUNT, 0, 0));
+    });
+}
+
+// As wide as the window opens, and not low.
+TEST_F(PanesTest, EveryDescriptionIsSeenWhole) {
+    Inside([this] {
+        SetWindowPos(EditorWindow::Find(), nullptr, 0, 0, 6500 * ScreenDpi() / 1440, 9000 * ScreenDpi() / 1440,
+                     SWP_NOMOVE | SWP_NOZORDER);
+        const HWND label = EditorWindow::Control(IdDescription);
+        RECT client;
+        GetClientRect(label, &client);
+        const HDC context = GetDC(label);
+        const HGDIOBJ before = SelectObject(context, reinterpret_cast<HFONT>(SendMessageW(label, WM_GETFONT, 0, 0)));
+        LONG highest = 0;
+        for (const auto& [id, entry] : Entries) {
+            RECT text{0, 0, client.right, 0};
+            const std::wstring description = entry.Texts.Description.Text();
+            DrawTextW(context, description.c_str(), -1, &text, DT_CALCRECT | DT_WORDBREAK | DT_NOPREFIX);
+            EXPECT_LE(text.bottom, client.bottom) << id;
+            highest = std::max(highest, text.bottom);
+        }
+        SelectObject(context, before);
+        ReleaseDC(label, context);
+        EXPECT_GT(highest, client.bottom / 2);
     });
 }

@@ -134,6 +134,46 @@ TEST_F(ConstructorTest, TheNextDisplayShowsTheNewConnectionInTheSameWindow) {
     editor.Call(L"Constructor", Object());
 }
 
+// A host may keep its object and connect it elsewhere.
+TEST_F(ConstructorTest, EachValueThatDiffersMakesAnotherConnection) {
+    long type = 4;
+    std::wstring catalogue = L"SALES";
+    std::wstring term;
+    Database.Members[L"DBType"] = [&](const Arguments&) { return Variant(type); };
+    Database.Members[L"CurrentCatalog"] = [&](const Arguments&) { return Variant(catalogue); };
+    Database.Members[L"SchemaTerm"] = [&](const Arguments&) { return Variant(term); };
+    Database.DictionaryMembers[L"Schemas"] = [](const Arguments&) {
+        return Variant(MakeCollection({Variant(L"ONE")}));
+    };
+    const Object database = Database.Make();
+    const Object editor = Dll.Create();
+    editor.Call(L"Constructor", database);
+    // The nodes of the tree when the window comes; its branches are opened then.
+    const auto nodes = [&] {
+        LRESULT count = 0;
+        DisplayAndClose(editor, L"x", [&] {
+            count = SendMessageW(View(0), TVM_GETCOUNT, 0, 0);
+            SendMessageW(View(0), TVM_EXPAND, TVE_EXPAND, SendMessageW(View(0), TVM_GETNEXTITEM, TVGN_ROOT, 0));
+        });
+        return count;
+    };
+    EXPECT_EQ(2, nodes());
+    const auto again = [&] {
+        editor.Call(L"Constructor", database);
+        return nodes();
+    };
+    EXPECT_EQ(1 + 7, again());
+    type = 8;
+    EXPECT_EQ(2, again());
+    catalogue = L"HR";
+    EXPECT_EQ(2, again());
+    term = L"Owner";
+    EXPECT_EQ(2, again());
+    EXPECT_EQ(1 + 7, again());
+    EXPECT_EQ(L"", Errors.Places());
+    editor.Call(L"Constructor", Object());
+}
+
 TEST_F(ConstructorTest, NothingAfterAConnectionLeavesTheAdapterAndSoAFailingStatus) {
     const Object editor = Dll.Create();
     editor.Call(L"Constructor", Database.Make());

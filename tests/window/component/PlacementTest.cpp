@@ -142,6 +142,30 @@ TEST_F(PlacementTest, AWindowBeyondTheScreenIsBroughtIntoViewWhenItIsShown) {
     EXPECT_EQ(L"", Errors.Places());
 }
 
+// Its screen may be gone when it is restored.
+TEST_F(PlacementTest, AWindowThatComesBackFromMinimisedIsBroughtIntoView) {
+    const Object editor = Disconnected();
+    HWND window = nullptr;
+    DisplayAndClose(editor, L"x", [&] {
+        window = EditorWindow::Find();
+        ShowWindow(window, SW_MINIMIZE);
+    });
+    WINDOWPLACEMENT place{};
+    place.length = sizeof place;
+    ASSERT_TRUE(GetWindowPlacement(window, &place));
+    OffsetRect(&place.rcNormalPosition, 30000, 0);
+    place.showCmd = SW_HIDE;
+    SetWindowPlacement(window, &place);
+    RECT seen{};
+    DisplayAndClose(editor, L"x", [&] {
+        EXPECT_FALSE(IsIconic(window));
+        GetWindowRect(window, &seen);
+    });
+    RECT common{};
+    const RECT screen{0, 0, GetSystemMetrics(SM_CXSCREEN), GetSystemMetrics(SM_CYSCREEN)};
+    EXPECT_TRUE(IntersectRect(&common, &seen, &screen)) << seen.left << "," << seen.top;
+}
+
 TEST_F(PlacementTest, ClosingMinimisedSavesNothing) {
     const Object editor = Disconnected();
     DisplayAndClose(editor, L"x", [] { ShowWindow(EditorWindow::Find(), SW_MINIMIZE); });

@@ -96,3 +96,19 @@ TEST_F(ReportTest, AnEventThatCannotBeReportedEndsTheWindowAndFreesTheHost) {
     DestroyWindow(host);
     Settings::Clear();
 }
+
+// An error component that shows each error, and a host whose timer fails again meanwhile, would exhaust the stack.
+TEST_F(ReportTest, FailuresWhileOneIsReportedAreReportedToSomeDepth) {
+    Database.Members.erase(L"Connected");
+    const Object database = Database.Make();
+    const Object editor = Dll.Create();
+    Errors.OnReport = [&] {
+        if (Errors.Reports.size() < 50) editor.Call(L"Constructor", database);
+    };
+    editor.Call(L"Constructor", database);
+    EXPECT_EQ(16U, Errors.Reports.size());
+    // And then as ever.
+    editor.Call(L"Constructor", database);
+    EXPECT_EQ(32U, Errors.Reports.size());
+    Errors.OnReport = {};
+}

@@ -193,6 +193,25 @@ TEST_F(WindowLifeTest, DestroyedWhileTheDictionaryIsAsked) {
     ExpectUsable(editor);
 }
 
+// The first Display still has the text to give back.
+TEST_F(WindowLifeTest, NoOtherWindowIsMadeWhileADestroyedOneReturns) {
+    const Object editor = Editor();
+    std::wstring sql = L"mine";
+    const WhenShown shown([&] {
+        EditorWindow::SetText(L"edited");
+        DestroyWindow(EditorWindow::Find());
+        std::wstring other = L"other";
+        editor.Call(L"Display", ByRef(other));
+        EXPECT_EQ(L"other", other);
+        EXPECT_EQ(L"frmSQLEditor.Display 400", Errors.Places());
+        Errors.Reports.clear();
+    });
+    editor.Call(L"Display", ByRef(sql));
+    EXPECT_EQ(L"edited", sql);
+    ExpectUsable(editor);
+    EXPECT_EQ(L"", Errors.Places());
+}
+
 TEST_F(WindowLifeTest, ClosedBeforeItShows) {
     const Object editor = Editor();
     DisplayAndClose(editor, L"one");

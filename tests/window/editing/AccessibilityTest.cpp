@@ -212,15 +212,13 @@ TEST_F(AccessibilityTest, AFreshEditorIsNamedToo) {
     EXPECT_EQ(L"", Errors.Places());
 }
 
-TEST_F(AccessibilityTest, TheTabKeyShowsWhereTheFocusIs) {
+TEST_F(AccessibilityTest, TheKeysThatMoveTheFocusShowWhereItIs) {
     const Object editor = Dll.Create();
     editor.Call(L"Constructor", Database.Make());
-    std::wstring sql = L"select 1";
     // Wine does not answer WM_QUERYUISTATE: the message that asks for the rectangle is watched itself.
     static int asked;
     static HWND form, before, after;
-    asked = 0;
-    form = before = after = nullptr;
+    static WPARAM key;
     const HHOOK hook = SetWindowsHookExW(
         WH_CALLWNDPROC,
         [](int code, WPARAM wParam, LPARAM lParam) WINAPI -> LRESULT {
@@ -233,25 +231,32 @@ TEST_F(AccessibilityTest, TheTabKeyShowsWhereTheFocusIs) {
         },
         nullptr, GetCurrentThreadId());
     ASSERT_NE(nullptr, hook);
-    {
-        const WhenShown shown([] {
-            form = EditorWindow::Find();
-            before = GetDlgItem(form, IdLeftButton);
-            SetFocus(before);
-            EXPECT_EQ(0, asked);
-            PostMessageW(before, WM_KEYDOWN, VK_TAB, 1);
-            SetTimer(nullptr, 0, 100, [](HWND, UINT, UINT_PTR id, DWORD) WINAPI {
-                KillTimer(nullptr, id);
-                after = GetFocus();
-                EditorWindow::Close();
+    for (const WPARAM each : {VK_TAB, VK_F6}) {
+        SCOPED_TRACE(each);
+        key = each;
+        asked = 0;
+        form = before = after = nullptr;
+        std::wstring sql = L"select 1";
+        {
+            const WhenShown shown([] {
+                form = EditorWindow::Find();
+                before = GetDlgItem(form, IdLeftButton);
+                SetFocus(before);
+                EXPECT_EQ(0, asked);
+                PostMessageW(before, WM_KEYDOWN, key, 1);
+                SetTimer(nullptr, 0, 100, [](HWND, UINT, UINT_PTR id, DWORD) WINAPI {
+                    KillTimer(nullptr, id);
+                    after = GetFocus();
+                    EditorWindow::Close();
+                });
             });
-        });
-        editor.Call(L"Display", ByRef(sql));
+            editor.Call(L"Display", ByRef(sql));
+        }
+        EXPECT_EQ(1, asked);
+        EXPECT_NE(nullptr, after);
+        EXPECT_NE(before, after);
     }
     UnhookWindowsHookEx(hook);
-    EXPECT_EQ(1, asked);
-    EXPECT_NE(nullptr, after);
-    EXPECT_NE(before, after);
 }
 
 TEST_F(AccessibilityTest, TheEnterKeyChoosesThePageOfAButton) {

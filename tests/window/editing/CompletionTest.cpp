@@ -431,3 +431,36 @@ TEST_F(CompletionTest, TheHostDoesSomethingElseWhileItIsAsked) {
     EXPECT_EQ(L"select o. from ORDERS o", text);
     EXPECT_EQ(nullptr, NameList());
 }
+
+TEST_F(CompletionTest, ASelectionGivesWayToTheCaretAtItsEnd) {
+    InSteps(L"", {Ready(L"select or|"),
+                  [] {
+                      SelectText(0, 9);
+                      return true;
+                  },
+                  Press(VK_SPACE, FCONTROL), Shows(L"*ORDERS (table, HR)", 1),
+                  [] {
+                      EXPECT_EQ(L"9-9", Selection());
+                      return true;
+                  },
+                  Press(VK_ESCAPE), Holds(L"select or")});
+    EXPECT_EQ(L"", Errors.Places());
+}
+
+// As a dialog of its own does when it closes.
+TEST_F(CompletionTest, TheHostMayTakeTheFocusWhileItIsAsked) {
+    Database.DictionaryMembers[L"Columns"] = [this](const Arguments&) {
+        SetFocus(Tree.Handle());
+        return Variant(MakeCollection({Column(L"ID", 3L)}));
+    };
+    InSteps(L"", {Ready(L"select o.| from ORDERS o"), Press(VK_SPACE, FCONTROL), Shows(L"*ID (column, ORDERS)"),
+                  Press(VK_RETURN), Holds(L"select o.ID from ORDERS o")});
+    EXPECT_EQ(L"", Errors.Places());
+}
+
+TEST_F(CompletionTest, AKeywordThatIsBegunWithACapitalIsWrittenInCapitals) {
+    InSteps(L"", {Ready(L"Whe|"), Press(VK_SPACE, FCONTROL), Shows(L"*WHEN (keyword)|WHERE (keyword)", 2),
+                  Press(VK_DOWN), Press(VK_RETURN), Holds(L"WHERE"), Ready(L"whe|"), Press(VK_SPACE, FCONTROL),
+                  Shows(L"*WHEN (keyword)|WHERE (keyword)", 2), Press(VK_DOWN), Press(VK_RETURN), Holds(L"where")});
+    EXPECT_EQ(L"", Errors.Places());
+}

@@ -103,6 +103,27 @@ TEST_F(FindObjectTest, AnotherPageGivesWay) {
     Run({steps});
 }
 
+TEST_F(FindObjectTest, WhatOnlyStandsForUnreadBranchesIsNotFound) {
+    Run({{[this] {
+              Tree.Select(nullptr);
+              SetTimer(nullptr, 0, 20, [](HWND, UINT, UINT_PTR id, DWORD) WINAPI {
+                  const HWND box = FindWindowW(L"#32770", L"Find");
+                  if (box == nullptr || !IsWindowVisible(box)) return;
+                  KillTimer(nullptr, id);
+                  SetDlgItemTextW(box, 101, L"undefined");
+                  SendMessageW(box, WM_COMMAND, IDOK, 0);
+              });
+              SetFocus(EditorWindow::Editor());
+              Key('F', FCONTROL | FSHIFT);
+              return true;
+          },
+          [this] {
+              if (EditorWindow::Status().find(L"\"undefined\" is in no name") == std::wstring::npos) return false;
+              EXPECT_EQ(L"<none>", Path());
+              return true;
+          }}});
+}
+
 TEST_F(FindObjectTest, TheTreeIsSearchedAndF3GoesOn) {
     const auto answer = [] {
         SetTimer(nullptr, 0, 20, [](HWND, UINT, UINT_PTR id, DWORD) WINAPI {
@@ -138,4 +159,24 @@ TEST_F(FindObjectTest, TheTreeIsSearchedAndF3GoesOn) {
               return true;
           },
           next, is(L"Schemas/HR/Views/ORDERS"), next, is(L"Schemas/HR/Tables/ORDERS")}});
+}
+
+TEST_F(FindObjectTest, OfTwoTablesTheDefaultSchemasIsMeant) {
+    Database.Members[L"CurrentCatalog"] = [](const Arguments&) { return Variant(L"sales & co"); };
+    std::vector<Step> steps = Find(L"select * from orders|", L"Schemas/Sales & Co/Tables/ORDERS");
+    steps.insert(steps.begin(), [this] {
+        Tree.Click(Tree.Named(Tree.At({}), L"Sales & Co"));
+        Asked.clear();
+        return true;
+    });
+    Run({steps, Find(L"select * from hr.orders|", L"Schemas/HR/Tables/ORDERS")});
+}
+
+TEST_F(FindObjectTest, OfTwoTablesTheOneThatIsWrittenAlikeIsMeant) {
+    Database.DictionaryMembers[L"Objects"] = [](const Arguments&) {
+        return Variant(MakeCollection({Variant(L"Orders"), Variant(L"ORDERS")}));
+    };
+    Run({Find(L"select * from ORDERS|", L"Schemas/HR/Tables/ORDERS"),
+         Find(L"select * from Orders|", L"Schemas/HR/Tables/Orders"),
+         Find(L"select * from orders|", L"Schemas/HR/Tables/Orders")});
 }

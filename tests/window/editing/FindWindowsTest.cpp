@@ -105,8 +105,15 @@ TEST_F(FindWindowsTest, ReplacesWithinTheSelection) {
 }
 
 TEST_F(FindWindowsTest, GoesToALine) {
-    InSteps(L"a\r\nb\r\nc", {Press('G'), [] { return Goto() != nullptr; },
+    InSteps(L"a\r\nb\r\nc", {[] {
+                                 SelectText(4, 4);
+                                 return true;
+                             },
+                             Press('G'), [] { return Goto() != nullptr; },
                              [] {
+                                 wchar_t line[10]{};
+                                 GetDlgItemTextW(Goto(), LineId, line, 10);
+                                 EXPECT_STREQ(L"3", line);  // where the caret is
                                  SetDlgItemTextW(Goto(), LineId, L"2");
                                  Push(Goto(), IDOK);
                                  EXPECT_EQ(L"2-2", Selection());
@@ -168,5 +175,52 @@ TEST_F(FindWindowsTest, TheZoomFollowsItsKeys) {
     InSteps(L"a", {Press(VK_ADD), [=] { return zoom() == 110; }, Press(VK_OEM_PLUS), [=] { return zoom() == 120; },
                    Press(VK_OEM_MINUS), [=] { return zoom() == 110; }, Press('0'), [=] { return zoom() == 100; },
                    Press(VK_SUBTRACT), [=] { return zoom() == 90; }, Press(VK_NUMPAD0), [=] { return zoom() == 100; }});
+    EXPECT_EQ(L"", Errors.Places());
+}
+
+TEST_F(FindWindowsTest, WholeWordsMayBeginAndEndWithASign) {
+    InSteps(L"f(a) xf(a", {Press('H'), [] { return Replace() != nullptr; },
+                           [] {
+                               Check(WordsId, true);
+                               const auto found = [](const wchar_t* text, LONG from) {
+                                   Put(FindId, text);
+                                   SelectText(from, from);
+                                   Push(Replace(), IDOK);
+                                   return Result().empty() ? Selection() : Result();
+                               };
+                               EXPECT_EQ(L"0-2", found(L"f(", 0));
+                               EXPECT_EQ(L"0-2", found(L"f(", 3));  // not in xf(
+                               EXPECT_EQ(L"1-3", found(L"(a", 0));
+                               EXPECT_EQ(L"7-9", found(L"(a", 3));
+                               EXPECT_EQ(L"Not found", found(L"x", 0));
+                               EXPECT_EQ(L"0-2", found(L"f(", 0));  // and nothing says otherwise
+                               return true;
+                           }});
+    EXPECT_EQ(L"", Errors.Places());
+}
+
+TEST_F(FindWindowsTest, WhatIsReplacedIsNotLookedAtAgain) {
+    InSteps(L"aaaaa a", {Press('H'), [] { return Replace() != nullptr; },
+                         [] {
+                             Put(FindId, L"aa");
+                             Put(WithId, L"b");
+                             Push(Replace(), AllId);
+                             EXPECT_EQ(L"bba a", EditorWindow::Text());
+                             EXPECT_EQ(L"2 replaced", Result());
+                             return true;
+                         }});
+    EXPECT_EQ(L"", Errors.Places());
+}
+
+TEST_F(FindWindowsTest, GoesFarDown) {
+    std::wstring text;
+    for (int line = 1; line < 1300; ++line) text += L"\r\n";
+    InSteps(text, {Press('G'), [] { return Goto() != nullptr; },
+                   [] {
+                       SetDlgItemTextW(Goto(), LineId, L"1234");
+                       Push(Goto(), IDOK);
+                       EXPECT_EQ(L"1233-1233", Selection());
+                       return true;
+                   }});
     EXPECT_EQ(L"", Errors.Places());
 }

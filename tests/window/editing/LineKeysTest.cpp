@@ -53,6 +53,9 @@ TEST_F(LineKeysTest, LinesAreIndentedAndBack) {
                                    {0, 11, VK_OEM_4, FCONTROL, L"a\r\n  b\r\nc", L"0-7"},
                                    {1, 1, VK_OEM_6, FCONTROL, L"    a\r\n      b\r\n\tc", L"5-5"},
                                    {5, 5, VK_OEM_4, FCONTROL, L"a\r\n  b\r\n\tc", L"2-2"}});
+    // An empty line among others stays empty; alone it is indented.
+    Check(L"a\r\n\r\nb", {{0, 4, VK_OEM_6, FCONTROL, L"    a\r\n\r\n    b", L"0-12"}});
+    Check(L"a\r\n\r\nb", {{2, 2, VK_OEM_6, FCONTROL, L"a\r\n    \r\nb", L"6-6"}});
 }
 
 TEST_F(LineKeysTest, LinesMove) {

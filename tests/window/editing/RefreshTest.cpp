@@ -280,6 +280,8 @@ TEST_F(RefreshTest, ALongReadingSaysHowFarItIs) {
     Database.DictionaryMembers[L"DataTypeDesc"] = [&](const Arguments&) {
         if (slow) Sleep(40);
         const std::wstring note = EditorWindow::Status();
+        // The loop paints nothing meanwhile.
+        EXPECT_FALSE(GetUpdateRect(EditorWindow::Child(L"msctls_statusbar32"), nullptr, FALSE));
         if (notes.empty() || notes.back() != note) notes.push_back(note);
         return Variant(L"type");
     };

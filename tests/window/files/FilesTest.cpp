@@ -45,7 +45,7 @@ TEST_F(FilesTest, TheQuestionsReadAsTheyShould) {
         for (const Dialogs::Seen& seen : dialogs.All) {
             EXPECT_EQ(L"brvSQLEditor", seen.Title);
             EXPECT_EQ((std::vector<int>{IDCANCEL, IDYES, IDNO}), seen.Buttons);
-            EXPECT_TRUE(seen.HasIcon);
+            EXPECT_EQ(L"information", seen.Icon);
             EXPECT_EQ(EditorWindow::Find(), seen.Owner);
             EXPECT_TRUE(seen.OwnerDisabled);
         }
@@ -111,6 +111,26 @@ TEST_F(FilesTest, SaveWithoutANameIsSaveAs) {
         EXPECT_EQ("select 1\r\nfrom dual xy", BytesOf(Here / L"a.sql"));
     });
     EXPECT_EQ(L"a.sql|", Here.Listing());
+    EXPECT_EQ(L"", Errors.Places());
+}
+
+TEST_F(FilesTest, SaveAsBeginsWithTheNameOfTheText) {
+    Inside(L"text", [this] {
+        const auto name = [] {
+            Dialogs dialogs;
+            dialogs.Cancel();
+            SaveAs();
+            return dialogs.All.size() == 1 ? dialogs.All[0].Name : std::wstring(L"<none>");
+        };
+        {
+            Dialogs dialogs;
+            dialogs.File(Here / L"a.sql");
+            SaveAs();
+        }
+        EXPECT_NE(std::wstring::npos, name().find(L"a.sql"));
+        New();
+        EXPECT_EQ(L"", name());
+    });
     EXPECT_EQ(L"", Errors.Places());
 }
 
@@ -211,6 +231,8 @@ TEST_F(FilesTest, AFileThatAnotherProgramHasChangedIsNotOverwrittenUnasked) {
                               L"to overwrite it?",
                           dialogs.All[0].Text);
                 EXPECT_EQ((std::vector<int>{IDYES, IDNO}), dialogs.All[0].Buttons);
+                EXPECT_EQ(IDNO, dialogs.All[0].Default);
+                EXPECT_EQ(L"exclamation", dialogs.All[0].Icon);
                 EXPECT_EQ(EditorWindow::Find(), dialogs.All[0].Owner);
                 EXPECT_EQ(theirs, BytesOf(Here / name));
             }

@@ -263,6 +263,33 @@ TEST_F(BuildersTest, AStatementGoesOnWithoutAReferenceThatFailed) {
 }
 
 // The folder's item has six names: two each for SELECT, COUNT and sample rows.
+TEST_F(BuildersTest, TheOwnerIsReadForEachStatementOfAFolder) {
+    Type(4);
+    const Object editor = Dll.Create();
+    std::wstring owner = L"SCOTT";
+    Database.Members[L"CurrentCatalog"] = [&](const Arguments&) { return Variant(owner); };
+    int asked = 0;
+    Object database;
+    Database.Members[L"FormatName"] = [&](const Arguments& a) -> Variant {
+        const Variant name = a[0];
+        if (++asked == 3) {
+            owner = L"SALES";
+            editor.Call(L"Constructor", database);
+        }
+        return name;
+    };
+    database = Database.Make();
+    editor.Call(L"Constructor", database);
+    DisplayAndClose(editor, L"", [this] {
+        OpenAll(0);
+        Tree.Select(Tree.At({0, 0}));
+        EXPECT_EQ(L"SELECT COUNT(*) FROM SALES.ORDERS;\r\nSELECT COUNT(*) FROM order lines",
+                  Written(L"Count rows in all tables"));
+    });
+    EXPECT_EQ(L"", Errors.Places());
+    editor.Call(L"Constructor", Object());
+}
+
 TEST_F(BuildersTest, EachStatementOfAFolderIsMadeByTheConnectionOfItsTime) {
     Type(4);
     const Object editor = Dll.Create();

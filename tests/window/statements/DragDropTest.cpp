@@ -95,6 +95,24 @@ TEST_F(DragDropTest, TheReferenceDropsItsEntries) {
     EXPECT_EQ(L"", Errors.Places());
 }
 
+// What is dragged may go while it is dragged.
+TEST_F(DragDropTest, WhatFailsIsNotOfferedAndReportedWhenItIsDropped) {
+    Inside([] {
+        ShowPage(1);
+        const HWND list = View(1);
+        const HWND editor = EditorWindow::Editor();
+        EditorWindow::SetText(L"text");
+        SendMessageW(list, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(5, 5));
+        SendMessageW(list, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(5, 45));
+        SendMessageW(list, LB_SETCURSEL, static_cast<WPARAM>(-1), 0);
+        SendMessageW(list, WM_MOUSEMOVE, MK_LBUTTON, Mapped(editor, list, PlaceOf(0)));
+        EXPECT_EQ(LoadCursorW(nullptr, IDC_NO), GetCursor());
+        SendMessageW(list, WM_LBUTTONUP, 0, Mapped(editor, list, PlaceOf(0)));
+        EXPECT_EQ(L"text", EditorWindow::Text());
+    });
+    EXPECT_EQ(0U, Errors.Places().find(L"frmSQLEditor.rtbSQL_DragDrop ")) << testing::PrintToString(Errors.Places());
+}
+
 TEST_F(DragDropTest, TheCaretFollowsAndTheFocusGoesAndComes) {
     Inside(
         [this] {

@@ -94,6 +94,18 @@ TEST_F(OleDropTest, PicturesAndWhatIsNotKnownAreRefused) {
     EXPECT_EQ(L"", Errors.Places());
 }
 
+// A link to something is taken for what it leads to.
+TEST_F(OleDropTest, WhatMayOnlyBeLinkedIsInserted) {
+    EXPECT_EQ(L"linkedone", Inside(
+                                [] {
+                                    TestData text;
+                                    text.AddText(L"linked");
+                                    EXPECT_EQ(DWORD{DROPEFFECT_LINK}, DropOnEditor(text, PlaceOf(0), DROPEFFECT_LINK));
+                                },
+                                L"one"));
+    EXPECT_EQ(L"", Errors.Places());
+}
+
 TEST_F(OleDropTest, FormatsAreAskedForInTheirOrder) {
     Inside([] {
         TestData nothing;
@@ -167,6 +179,9 @@ TEST_F(OleDropTest, ALargeTextIsAskedForAndALargerOneRefused) {
               dropped([](TestData& data) { data.AddText(std::wstring(Million + 1, L'x')); }));
     EXPECT_EQ(L"question: The text is 4 MB large, which takes the editor a while. Do you want to insert it?",
               dropped([](TestData& data) { data.AddText(std::wstring(4 * Million, L'x')); }));
+    // To the nearest.
+    EXPECT_NE(std::wstring::npos,
+              dropped([](TestData& data) { data.AddText(std::wstring(Million + Million / 2, L'x')); }).find(L" 2 MB "));
     EXPECT_EQ(refused, dropped([](TestData& data) { data.AddText(std::wstring(4 * Million + 1, L'x')); }));
     EXPECT_EQ(refused, dropped([](TestData& data) { data.Add(CF_TEXT, std::string(4 * Million + 1, 'x')); }));
     EXPECT_EQ(refused,
@@ -448,7 +463,8 @@ TEST_F(FileDropTest, ALargeFileIsAskedFor) {
     BoxAnswerer box(IDCANCEL);
     EXPECT_EQ(L"x\r\none", Drop({Sparse(L"large.sql", 3), File(L"x.sql", "x")}, L"one"));
     EXPECT_EQ(1, box.Boxes);
-    EXPECT_NE(std::wstring::npos, box.Text.find(L"is 3 MB large"));
+    EXPECT_EQ(folder_ + L"\\large.sql\r\nis 3 MB large, which takes the editor a while. Do you want to insert it?",
+              box.Text);
     EXPECT_EQ(L"question", box.Icon);
     EXPECT_EQ(2, box.Buttons);
 }
