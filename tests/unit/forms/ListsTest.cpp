@@ -117,6 +117,7 @@ TEST(StatusBar, PanelsThatHaveNoRoomComeBack) {
     ASSERT_GT(4U, narrow.size());
     EXPECT_LE(2U, narrow.size());
     EXPECT_GE(narrow[0], 250 / 2 - 20);
+    EXPECT_EQ(2U, widen(60).size());  // the first one and the next, however narrow
     bar.SetPanelText(4, L"other");
     EXPECT_EQ(wide, widen(600));
     wchar_t text[100]{};

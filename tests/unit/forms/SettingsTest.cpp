@@ -44,6 +44,8 @@ TEST_F(SettingsTest, WhatWasSavedComesBack) {
 TEST_F(SettingsTest, AValueWithoutItsEndingNulAndOneOfAnotherType) {
     Put(REG_SZ, L"1234", 8);
     EXPECT_EQ(L"1234", GetSetting(L"FormsTest", L"Settings", L"Key", L""));
+    Put(REG_EXPAND_SZ, L"5678", 10);
+    EXPECT_EQ(L"5678", GetSetting(L"FormsTest", L"Settings", L"Key", L""));
     const DWORD number = 1000;
     Put(REG_DWORD, &number, sizeof number);
     EXPECT_EQ(L"", GetSetting(L"FormsTest", L"Settings", L"Key", L"1000"));

@@ -193,6 +193,19 @@ TEST_F(WindowLifeTest, DestroyedWhileTheDictionaryIsAsked) {
     ExpectUsable(editor);
 }
 
+// Windows ends the session: the edit is the host's before its own turn comes.
+TEST_F(WindowLifeTest, TheEndOfTheSessionClosesTheWindow) {
+    const Object editor = Editor();
+    EXPECT_EQ(L"edited", DisplayAndClose(editor, L"mine", [] {
+                  const HWND window = EditorWindow::Find();
+                  EditorWindow::SetText(L"edited");
+                  EXPECT_TRUE(SendMessageW(window, WM_QUERYENDSESSION, 0, 0));
+                  EXPECT_FALSE(IsWindowVisible(window));
+              }));
+    ExpectUsable(editor);
+    EXPECT_EQ(L"", Errors.Places());
+}
+
 // The first Display still has the text to give back.
 TEST_F(WindowLifeTest, NoOtherWindowIsMadeWhileADestroyedOneReturns) {
     const Object editor = Editor();

@@ -254,6 +254,22 @@ TEST_F(FilesTest, AFileThatAnotherProgramHasChangedIsNotOverwrittenUnasked) {
     EXPECT_EQ(L"", Errors.Places());
 }
 
+TEST_F(FilesTest, NorOneThatHasBecomeLargerThanTheEditorTakes) {
+    PutBytes(Here / L"a.sql", "one");
+    const std::string theirs(4 * 1024 * 1024 + 1, 'x');
+    Inside(L"", [&] {
+        Load(Here / L"a.sql");
+        Type(L"!");
+        PutBytes(Here / L"a.sql", theirs);
+        Dialogs dialogs;
+        dialogs.Button(IDNO);
+        Save();
+        EXPECT_EQ(1U, dialogs.All.size());
+    });
+    EXPECT_TRUE(theirs == BytesOf(Here / L"a.sql"));
+    EXPECT_EQ(L"", Errors.Places());
+}
+
 TEST_F(FilesTest, MixedLineEndsBecomeThoseOfWindows) {
     PutBytes(Here / L"a.sql", "a\nb\r\nc\rd");
     Inside(L"", [this] {
