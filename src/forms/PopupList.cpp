@@ -57,6 +57,9 @@ void PopupList::Make(HWND owner, const std::wstring& accessibleName) {
         LVCOLUMNW made{};
         Send(LVM_INSERTCOLUMNW, static_cast<WPARAM>(column), reinterpret_cast<LPARAM>(&made));
     }
+    // The height of a row is asked of the first.
+    Send(LVM_SETITEMCOUNT, 1, LVSICF_NOINVALIDATEALL | LVSICF_NOSCROLL);
+    count_ = 1;
     // Last: a window that was made half-way is made again.
     stale_ = false;
     dpi_ = DpiOf(owner);
@@ -95,28 +98,45 @@ void PopupList::SetRows(size_t count, std::wstring whyNone) {
     rows_ = count;
     whyNone_ = std::move(whyNone);
     const size_t wanted = std::max<size_t>(count, 1);
+    const bool more = wanted > count_;
     UINT painted = RDW_INVALIDATE;
-    if (std::exchange(count_, wanted) != wanted) {
-        // The whole list is painted again below, and scrolled to its first row. A hidden window is not told to hold its
-        // painting, since the message that ends it would show it.
-        const bool shown = IsWindowVisible(Handle()) != FALSE;
-        if (shown) Send(WM_SETREDRAW, FALSE);
-        Send(LVM_SETITEMCOUNT, wanted, LVSICF_NOINVALIDATEALL | LVSICF_NOSCROLL);
-        if (shown) {
-            Send(WM_SETREDRAW, TRUE);
-            painted |= RDW_FRAME;
-        }
-    }
+    // Rows go before their room does and come after it: no bar is ever needed in between. Under Wine a vertical bar,
+    // which takes room from the columns, and a horizontal one, which takes it from the rows, would keep each other.
+    if (!more) painted |= SetCount(wanted);
+    Arrange();
+    if (more) painted |= SetCount(wanted);
     if (!IsOpen()) return;
     // The control says nothing of a selection that is behind the end now.
     if (selected_ >= static_cast<long>(wanted)) selected_ = -1;
-    Arrange();
-    if (IsOpen()) Select(count > 0 ? 0 : -1);
+    Select(count > 0 ? 0 : -1);
+    if (IsOpen() && !IsWindowVisible(Handle()))
+        SetWindowPos(Handle(), HWND_TOP, 0, 0, 0, 0,
+                     SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE | SWP_NOOWNERZORDER | SWP_SHOWWINDOW);
     if (IsOpen()) RedrawWindow(Handle(), nullptr, nullptr, painted);
+}
+
+// Returns what has to be painted again beside the rows, as flags of RedrawWindow. The list stays where it is scrolled
+// to.
+UINT PopupList::SetCount(size_t count) {
+    if (!IsOpen() || std::exchange(count_, count) == count) return 0;
+    // A hidden window is not told to hold its painting, since the message that ends it would show it.
+    const bool shown = IsWindowVisible(Handle()) != FALSE;
+    if (shown) Send(WM_SETREDRAW, FALSE);
+    Send(LVM_SETITEMCOUNT, count, LVSICF_NOINVALIDATEALL | LVSICF_NOSCROLL);
+    if (!shown) return 0;
+    Send(WM_SETREDRAW, TRUE);
+    return RDW_FRAME;
+}
+
+void PopupList::SetColumns(LONG first, LONG second) {
+    // Each change of a width paints a list that shows.
+    if (Send(LVM_GETCOLUMNWIDTH, 0) != first) Send(LVM_SETCOLUMNWIDTH, 0, first);
+    if (Send(LVM_GETCOLUMNWIDTH, 1) != second) Send(LVM_SETCOLUMNWIDTH, 1, second);
 }
 
 // As high as its rows are, up to a dozen.
 void PopupList::Arrange() {
+    if (!IsOpen()) return;
     const auto shown = static_cast<long>(std::min<size_t>(std::max<size_t>(rows_, 1), MostRows));
     RECT row{LVIR_BOUNDS, 0, 0, 0};
     Send(LVM_GETITEMRECT, 0, reinterpret_cast<LPARAM>(&row));
@@ -133,15 +153,15 @@ void PopupList::Arrange() {
     const LONG bar = static_cast<long>(rows_) > rowsInSight ? SystemMetricFor(SM_CXVSCROLL, dpi_) : 0;
     const LONG width = std::max(place.right - place.left - frames.cx - bar, 0L);
     const LONG note = rows_ > 0 ? width * NotePercent / 100 : 0;
-    // Each change of a width paints a list that shows.
-    if (Send(LVM_GETCOLUMNWIDTH, 0) != width - note) Send(LVM_SETCOLUMNWIDTH, 0, width - note);
-    if (Send(LVM_GETCOLUMNWIDTH, 1) != note) Send(LVM_SETCOLUMNWIDTH, 1, note);
+    // Columns, too, are never wider than the list is at the moment.
+    const bool narrower = width < Send(LVM_GETCOLUMNWIDTH, 0) + Send(LVM_GETCOLUMNWIDTH, 1);
+    if (narrower) SetColumns(width - note, note);
     RECT now{};
     GetWindowRect(Handle(), &now);
-    const bool visible = IsWindowVisible(Handle()) != FALSE;
-    if (visible && EqualRect(&now, &place)) return;
-    SetWindowPos(Handle(), HWND_TOP, place.left, place.top, place.right - place.left, place.bottom - place.top,
-                 SWP_NOACTIVATE | SWP_NOOWNERZORDER | (visible ? SWP_NOZORDER : SWP_SHOWWINDOW));
+    if (!EqualRect(&now, &place))
+        SetWindowPos(Handle(), nullptr, place.left, place.top, place.right - place.left, place.bottom - place.top,
+                     SWP_NOACTIVATE | SWP_NOZORDER);
+    if (!narrower) SetColumns(width - note, note);
 }
 
 void PopupList::Select(long row) {

@@ -59,6 +59,8 @@ private:
     void FollowSelection(const NMLISTVIEW& change) noexcept;
     void Make(HWND owner, const std::wstring& accessibleName);
     bool Fits(HWND owner, HFONT font) const noexcept;
+    UINT SetCount(size_t count);
+    void SetColumns(LONG first, LONG second);
     void Arrange();
 
     bool open_ = false;

@@ -261,6 +261,44 @@ TEST_F(CompletionTest, AClickElsewhereOrAnotherPaneClosesIt) {
                   Press(VK_SPACE, FCONTROL), [] { return NameList() != nullptr; }, Press(VK_HOME), Holds(L"a or")});
 }
 
+// Bars that come while the list has another size would take each other's room from then on.
+TEST_F(CompletionTest, RowsThatFitNeedNoScrollBar) {
+    const auto fits = [](long least, long most) {
+        return [=] {
+            const long rows = RowCount();
+            if (rows < least || rows > most) return false;
+            const DWORD style = static_cast<DWORD>(GetWindowLongW(NameList(), GWL_STYLE));
+            EXPECT_EQ(0U, style & WS_HSCROLL) << rows;
+            EXPECT_EQ(rows > 12 ? WS_VSCROLL : 0U, style & WS_VSCROLL) << rows;
+            EXPECT_EQ(std::min(rows, 12L), SendMessageW(NameList(), LVM_GETCOUNTPERPAGE, 0, 0));
+            EXPECT_EQ(0, SendMessageW(NameList(), LVM_GETTOPINDEX, 0, 0));
+            return true;
+        };
+    };
+    InSteps(L"", {Ready(L"orders|"),
+                  Press(VK_SPACE, FCONTROL),
+                  fits(2, 2),
+                  Press(VK_BACK),
+                  fits(3, 12),
+                  Press(VK_BACK),
+                  Press(VK_BACK),
+                  Press(VK_BACK),
+                  Press(VK_BACK),
+                  fits(13, 1000),
+                  Writes(L"rders"),
+                  fits(2, 2),
+                  Press(VK_ESCAPE),
+                  Holds(L"orders"),
+                  Press(VK_SPACE, FCONTROL),
+                  fits(2, 2),
+                  Press(VK_ESCAPE),
+                  Holds(L"orders"),
+                  Press(VK_BACK),
+                  Press(VK_SPACE, FCONTROL),
+                  fits(3, 12)});
+    EXPECT_EQ(L"", Errors.Places());
+}
+
 // The window is made once for a shown editor, and a closed list is one that nobody sees.
 TEST_F(CompletionTest, AClosedListIsShownAgainFromItsFirstRow) {
     HWND list = nullptr;
