@@ -1,5 +1,5 @@
 # What the tests of the installer share. Sourced by them; $here is their folder.
-. "$here/../../../scripts/setup.sh"
+. "$here/../../support/programs.sh"
 package=$BRV_BUILD/package # made by the test package_made
 setup=$(ls "$package"/*-setup.exe) portable=$(ls "$package"/*-portable.zip)
 payload=${portable%-portable.zip}
@@ -7,25 +7,7 @@ uninstall_key='Software\Microsoft\Windows\CurrentVersion\Uninstall\brvSQLEditor'
 
 use_preset win64
 unset BRV_PREFIX
-scratch=$(mktemp -d)
-host=''
-cleanup() {
-    [ -z "$host" ] || kill "$host" 2>/dev/null
-    leave_prefix
-    rm -rf "$scratch"
-}
-trap cleanup EXIT
-
-failures=0
-fail() {
-    printf '%s\n' "$*"
-    failures=$((failures + 1))
-}
-expect() { [ "$2" = "$3" ] || fail "$1: expected \"$2\", found \"$3\""; } # WHAT EXPECTED ACTUAL
-finish() {
-    [ $failures -eq 0 ] && echo "as expected"
-    exit $((failures > 0))
-}
+unset BRVERROR_ALERTS BRVERROR_LOG
 
 # Of the client's width: it reads the toolbar in the client's memory.
 drive() { BRV_BIN=$BRV_BUILD/win$client/bin drive_window "$@"; }
@@ -34,13 +16,12 @@ engine() { [ "$1" = 32 ] && echo 'C:\windows\syswow64\cscript.exe' || echo 'C:\w
 
 start_client() { # WIDTH
     client=$1
-    timeout -k 2 60 wine "$(engine "$1")" //nologo "$(windows_path "$here/client.vbs")" >"$scratch/out" 2>/dev/null </dev/null 9>&- &
+    timeout -k 2 60 wine "$(engine "$1")" //nologo "$(windows_path "$support/client.vbs")" >"$scratch/out" 2>/dev/null </dev/null 9>&- &
     host=$!
     drive wait 30 >/dev/null || { fail "$1-bit client: its window did not come"; cat "$scratch/out"; }
 }
 end_client() {
-    printf 'select 2' >"$scratch/sql"
-    drive settext "$(windows_path "$scratch/sql")"
+    set_text 'select 2'
     drive press 1
     wait "$host"
     expect "exit code of the client" 0 $?

@@ -1,6 +1,0 @@
-Dim Editor, SQL
-Set Editor = CreateObject("brvSQLEditor.clsSQLEditor")
-Editor.Constructor Nothing
-SQL = "select 1"
-Editor.Display SQL
-WScript.Echo SQL
