@@ -44,22 +44,6 @@ void Prepare(HWND window, HMENU popup, int position) {
     SendMessageW(window, WM_INITMENUPOPUP, reinterpret_cast<WPARAM>(popup), MAKELPARAM(position, FALSE));
 }
 
-void List(HWND window, HMENU menu, int depth, std::wstring& text) {
-    if (depth > 8) return;
-    for (int position = 0, count = GetMenuItemCount(menu); position < count; ++position) {
-        const Entry entry = ReadEntry(menu, position);
-        text.append(static_cast<size_t>(depth) * 2, L' ');
-        text += entry.Separator ? L"-" : entry.Caption;
-        if (!entry.Popup && !entry.Separator) text += L"  #" + std::to_wstring(entry.Id);
-        if (entry.State & MFS_CHECKED) text += L"  checked";
-        if (entry.State & MFS_DISABLED) text += L"  disabled";
-        text += L"\r\n";
-        if (!entry.Popup) continue;
-        Prepare(window, entry.Popup, position);
-        List(window, entry.Popup, depth + 1, text);
-    }
-}
-
 void Find(HWND window, MenuRequest& request) {
     HMENU menu = GetMenu(window);
     for (uint32_t level = 0; menu && level < request.Depth && level < ARRAYSIZE(request.Path); ++level) {
@@ -88,19 +72,7 @@ void Answer(uint32_t process) {
     if (!mapping) return;
     if (auto* request = static_cast<MenuRequest*>(
             MapViewOfFile(mapping, FILE_MAP_WRITE | FILE_MAP_READ, 0, 0, sizeof(MenuRequest)))) {
-        HWND window = reinterpret_cast<HWND>(static_cast<uintptr_t>(request->Window));
-        if (request->Depth == 0) {
-            std::wstring text;
-            if (HMENU menu = GetMenu(window)) {
-                List(window, menu, 0, text);
-                request->Found = 1;
-            }
-            request->Length =
-                static_cast<uint32_t>(text.size() < ARRAYSIZE(request->Text) ? text.size() : ARRAYSIZE(request->Text));
-            wmemcpy(request->Text, text.data(), request->Length);
-        } else {
-            Find(window, *request);
-        }
+        Find(reinterpret_cast<HWND>(static_cast<uintptr_t>(request->Window)), *request);
         UnmapViewOfFile(request);
     }
     CloseHandle(mapping);

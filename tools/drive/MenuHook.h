@@ -12,14 +12,12 @@
 // message registered as MenuMessage.
 struct MenuRequest {
     uint64_t Window;
-    uint32_t Depth;        // captions in Path; 0 lists the whole menu bar into Text
+    uint32_t Depth;        // captions in Path
     wchar_t Path[6][128];  // "File", "Close": without ampersands and what follows a tab
 
     uint32_t Found;  // the answers
     uint32_t Id;
-    uint32_t State;   // MFS_...
-    uint32_t Length;  // of Text, characters
-    wchar_t Text[64 * 1024];
+    uint32_t State;  // MFS_...
 };
 
 constexpr wchar_t MenuMessage[] = L"brvSQLEditor.drive.menu";

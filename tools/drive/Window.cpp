@@ -105,16 +105,11 @@ std::vector<HWND> Descendants(HWND window) {
     return all;
 }
 
-std::vector<HWND> DescendantsOfClass(HWND window, const wchar_t* part) {
+HWND DescendantOfClass(HWND window, const wchar_t* part, size_t number) {
     std::vector<HWND> matching;
     for (HWND child : Descendants(window)) {
         if (Upper(ClassOf(child)).find(Upper(part)) != std::wstring::npos) matching.push_back(child);
     }
-    return matching;
-}
-
-HWND DescendantOfClass(HWND window, const wchar_t* part, size_t number) {
-    const std::vector<HWND> matching = DescendantsOfClass(window, part);
     if (number < 1 || number > matching.size()) {
         throw Failure(NotFound, "the window has " + std::to_string(matching.size()) + " of these controls, number " +
                                     std::to_string(number) + " was wanted");

@@ -39,9 +39,8 @@ HWND WaitForEditor();
 
 // Descendants in z-order, parents first.
 std::vector<HWND> Descendants(HWND window);
-// Descendants whose class name contains `part`, upper and lower case being the same.
-std::vector<HWND> DescendantsOfClass(HWND window, const wchar_t* part);
-// The one numbered `number`, from 1; throws Failure{NotFound}.
+// The descendant numbered `number`, from 1, of those whose class name contains `part`, upper and lower case being the
+// same; throws Failure{NotFound}.
 HWND DescendantOfClass(HWND window, const wchar_t* part, size_t number);
 
 // Memory in the process of a window, for messages whose pointers the system does not carry across. Structures have the

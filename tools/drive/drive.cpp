@@ -25,7 +25,6 @@ constexpr char Help[] =
     "drive [--time SECONDS] COMMAND ...    works the SQL Editor's window (time limit 10 s unless given)\n"
     "  wait [SECONDS]            waits for the window; prints its handle and rectangle: left top right bottom\n"
     "  gone [SECONDS]            waits until the window is no longer shown\n"
-    "  rect                      prints the rectangle\n"
     "  caption | text            prints the caption, the editor's text\n"
     "  status [PART]             prints a part of the status bar (the first)\n"
     "  settext FILE              replaces the editor's text by the file's (UTF-8)\n"
@@ -33,9 +32,7 @@ constexpr char Help[] =
     "  button N                  prints the screen centre of toolbar button N: x y\n"
     "  press N                   presses toolbar button N\n"
     "  menu CAPTION CAPTION...   chooses from the menu bar, captions without ampersand and shortcut\n"
-    "  menus                     lists the menu bar\n"
     "  tree [N]                  lists tree control N with its texts; +/- says expanded or not, * selected\n"
-    "  list [N]                  lists list box N; * says selected\n"
     "  node N TEXT | row N ROW | tab N | character POSITION\n"
     "                            prints where it is on the screen: x y (rows and positions from 1)\n"
     "  expand N                  expands the first node of tree control N that shows and is not expanded yet\n"
@@ -98,8 +95,13 @@ void SetTime(const Arguments& arguments, size_t index) {
 
 HWND Editor(HWND window) { return DescendantOfClass(window, L"RICHEDIT", 1); }
 
-// --- waiting
-// ----------------------------------------------------------------------------------------------------------
+// A point of the window's client area, as a point of the screen.
+void PrintPlace(HWND window, POINT point) {
+    ClientToScreen(window, &point);
+    PrintLine(std::to_wstring(point.x) + L" " + std::to_wstring(point.y));
+}
+
+// ---- waiting
 
 void Wait(const Arguments& arguments) {
     SetTime(arguments, 1);
@@ -117,16 +119,18 @@ void Gone(const Arguments& arguments) {
     }
 }
 
-// --- texts
-// ------------------------------------------------------------------------------------------------------------
+// ---- texts
 
 std::string FileContent(const std::wstring& name) {
     HANDLE file = CreateFileW(name.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
     if (file == INVALID_HANDLE_VALUE) throw Failure(Usage, "the file cannot be opened: " + ToUtf8(name));
     std::string content;
     char buffer[64 * 1024];
-    for (DWORD got = 0; ReadFile(file, buffer, sizeof buffer, &got, nullptr) && got;) content.append(buffer, got);
+    BOOL read = FALSE;
+    for (DWORD got = 0; (read = ReadFile(file, buffer, sizeof buffer, &got, nullptr)) && got;)
+        content.append(buffer, got);
     CloseHandle(file);
+    if (!read) throw Failure(Usage, "the file cannot be read: " + ToUtf8(name));
     return content;
 }
 
@@ -160,8 +164,7 @@ void Status(const Arguments& arguments) {
     PrintLine(text.ReadText(length));
 }
 
-// --- toolbar
-// ----------------------------------------------------------------------------------------------------------
+// ---- toolbar
 
 HWND Toolbar() { return DescendantOfClass(WaitForEditor(), TOOLBARCLASSNAMEW, 1); }
 
@@ -172,9 +175,7 @@ void ButtonCentre(const Arguments& arguments) {
         throw Failure(NotFound, "no such button");
     RECT rect;
     memory.Read(&rect, sizeof rect);
-    POINT centre = {(rect.left + rect.right) / 2, (rect.top + rect.bottom) / 2};
-    ClientToScreen(bar, &centre);
-    PrintLine(std::to_wstring(centre.x) + L" " + std::to_wstring(centre.y));
+    PrintPlace(bar, {(rect.left + rect.right) / 2, (rect.top + rect.bottom) / 2});
 }
 
 void PressButton(const Arguments& arguments) {
@@ -187,8 +188,7 @@ void PressButton(const Arguments& arguments) {
     Post(GetParent(bar), WM_COMMAND, MAKEWPARAM(button.idCommand, BN_CLICKED), reinterpret_cast<LPARAM>(bar));
 }
 
-// --- menu bar
-// ---------------------------------------------------------------------------------------------------------
+// ---- menu bar
 
 struct CloseHandleDeleter {
     void operator()(void* handle) const { CloseHandle(handle); }
@@ -200,7 +200,7 @@ struct UnhookDeleter {
     void operator()(HHOOK hook) const { UnhookWindowsHookEx(hook); }
 };
 
-// Asks the part of this program that runs in the window's process. `path` empty: lists the menu bar.
+// Asks the part of this program that runs in the window's process.
 std::unique_ptr<MenuRequest> AskMenu(HWND window, const Arguments& path) {
     wchar_t name[64];
     MenuRequestName(name, GetCurrentProcessId());
@@ -244,101 +244,90 @@ void ChooseMenu(const Arguments& arguments) {
     Post(window, WM_COMMAND, MAKEWPARAM(answer->Id, 0), 0);
 }
 
-void ListMenus(const Arguments&) {
-    const auto answer = AskMenu(WaitForEditor(), {});
-    if (!answer->Found) throw Failure(NotFound, "the window has no menu bar");
-    Print(std::wstring(answer->Text, answer->Length));
-}
+// ---- trees
 
-// --- lists and trees
-// --------------------------------------------------------------------------------------------------
+// Reads nodes of a tree control, each with its state and text.
+class Tree {
+public:
+    explicit Tree(HWND window) : Window(window), memory_(window, sizeof(TVITEMW) + Capacity * sizeof(wchar_t)) {}
+    HWND const Window;
+    TVITEMW Item{};
+    std::wstring Text;
 
-void ListItems(const Arguments& arguments) {
-    HWND list = DescendantOfClass(WaitForEditor(), L"LISTBOX", NumberAt(arguments, 1));
-    const LRESULT count = Send(list, LB_GETCOUNT), selected = Send(list, LB_GETCURSEL);
-    for (LRESULT row = 0; row < count; ++row) {
-        const LRESULT length = Send(list, LB_GETTEXTLEN, static_cast<WPARAM>(row));
-        if (length < 0) throw Failure(NotFound, "the list box changed while it was read");
-        // A row may have grown since: leave room rather than trust the length.
-        std::wstring text(static_cast<size_t>(length) + 4096, L'\0');
-        const LRESULT got = Send(list, LB_GETTEXT, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(text.data()));
-        text.resize(got > 0 ? static_cast<size_t>(got) : 0);
-        PrintLine((row == selected ? L"* " : L"  ") + OneLine(text));
+    LRESULT Next(WPARAM relation, LRESULT item = 0) const { return Send(Window, TVM_GETNEXTITEM, relation, item); }
+    // Into Item and Text; throws Failure{NotFound} when the node has gone.
+    void Read(LRESULT item) {
+        Item = {};
+        Item.mask = TVIF_TEXT | TVIF_STATE | TVIF_CHILDREN | TVIF_HANDLE;
+        Item.hItem = reinterpret_cast<HTREEITEM>(item);
+        Item.stateMask = TVIS_EXPANDED | TVIS_SELECTED;
+        Item.pszText = reinterpret_cast<wchar_t*>(memory_.Address(sizeof(TVITEMW)));
+        Item.cchTextMax = Capacity;
+        memory_.Write(&Item, sizeof Item);
+        if (!Send(Window, TVM_GETITEMW, 0, memory_.Address()))
+            throw Failure(NotFound, "the tree changed while it was read");
+        memory_.Read(&Item, sizeof Item);
+        Text = memory_.ReadText(Capacity, sizeof(TVITEMW));
     }
+    // False when the node does not show.
+    bool Place(LRESULT item, RECT& rect) {
+        memory_.Write(&item, sizeof(HTREEITEM));  // where the message looks for it
+        if (!Send(Window, TVM_GETITEMRECT, TRUE, memory_.Address())) return false;
+        memory_.Read(&rect, sizeof rect);
+        return true;
+    }
+
+private:
+    static constexpr size_t Capacity = 4096;
+    RemoteMemory memory_;
+};
+
+Tree TreeAt(const Arguments& arguments) {
+    return Tree(DescendantOfClass(WaitForEditor(), WC_TREEVIEWW, NumberAt(arguments, 1)));
 }
 
 void ListTree(const Arguments& arguments) {
-    HWND tree = DescendantOfClass(WaitForEditor(), WC_TREEVIEWW, NumberAt(arguments, 1));
-    constexpr size_t Capacity = 4096;
-    RemoteMemory memory(tree, sizeof(TVITEMW) + Capacity * sizeof(wchar_t));
+    Tree tree = TreeAt(arguments);
     std::function<void(LRESULT, size_t)> print = [&](LRESULT item, size_t depth) {
-        for (; item; item = Send(tree, TVM_GETNEXTITEM, TVGN_NEXT, item)) {
-            TVITEMW request = {};
-            request.mask = TVIF_TEXT | TVIF_STATE | TVIF_CHILDREN | TVIF_HANDLE;
-            request.hItem = reinterpret_cast<HTREEITEM>(item);
-            request.stateMask = TVIS_EXPANDED | TVIS_SELECTED;
-            request.pszText = reinterpret_cast<wchar_t*>(memory.Address(sizeof(TVITEMW)));
-            request.cchTextMax = Capacity;
-            memory.Write(&request, sizeof request);
-            if (!Send(tree, TVM_GETITEMW, 0, memory.Address()))
-                throw Failure(NotFound, "the tree changed while it was read");
-            TVITEMW answer;
-            memory.Read(&answer, sizeof answer);
-            const wchar_t sign = answer.state & TVIS_EXPANDED ? L'-' : answer.cChildren ? L'+' : L' ';
-            PrintLine(std::wstring(depth * 2, L' ') + (answer.state & TVIS_SELECTED ? L"*" : L"") + sign + L" " +
-                      OneLine(memory.ReadText(Capacity, sizeof(TVITEMW))));
-            print(Send(tree, TVM_GETNEXTITEM, TVGN_CHILD, item), depth + 1);
+        for (; item; item = tree.Next(TVGN_NEXT, item)) {
+            tree.Read(item);
+            const wchar_t sign = tree.Item.state & TVIS_EXPANDED ? L'-' : tree.Item.cChildren ? L'+' : L' ';
+            PrintLine(std::wstring(depth * 2, L' ') + (tree.Item.state & TVIS_SELECTED ? L"*" : L"") + sign + L" " +
+                      OneLine(tree.Text));
+            print(tree.Next(TVGN_CHILD, item), depth + 1);
         }
     };
-    print(Send(tree, TVM_GETNEXTITEM, TVGN_ROOT), 0);
+    print(tree.Next(TVGN_ROOT), 0);
 }
 
-// --- places on the screen, for whoever moves a real mouse
-// ---------------------------------------------------------------------------------------------------------
-
-void PrintPlace(HWND window, POINT point) {
-    ClientToScreen(window, &point);
-    PrintLine(std::to_wstring(point.x) + L" " + std::to_wstring(point.y));
-}
+// ---- places on the screen, for scripts that move the display's pointer
 
 // The beginning of the text of the first node that shows, or would if the tree were higher, and has the text. Scrolls
 // there.
 void NodePlace(const Arguments& arguments) {
-    HWND tree = DescendantOfClass(WaitForEditor(), WC_TREEVIEWW, NumberAt(arguments, 1));
-    const std::wstring wanted = arguments.size() > 2 ? arguments[2] : std::wstring();
-    constexpr size_t Capacity = 1024;
-    RemoteMemory memory(tree, sizeof(TVITEMW) + Capacity * sizeof(wchar_t));
-    for (LRESULT item = Send(tree, TVM_GETNEXTITEM, TVGN_ROOT); item;
-         item = Send(tree, TVM_GETNEXTITEM, TVGN_NEXTVISIBLE, item)) {
-        TVITEMW request = {};
-        request.mask = TVIF_TEXT | TVIF_HANDLE;
-        request.hItem = reinterpret_cast<HTREEITEM>(item);
-        request.pszText = reinterpret_cast<wchar_t*>(memory.Address(sizeof(TVITEMW)));
-        request.cchTextMax = Capacity;
-        memory.Write(&request, sizeof request);
-        if (!Send(tree, TVM_GETITEMW, 0, memory.Address()) || memory.ReadText(Capacity, sizeof(TVITEMW)) != wanted)
-            continue;
-        Send(tree, TVM_ENSUREVISIBLE, 0, item);
-        RECT rect = {};
-        memory.Write(&rect, sizeof rect);
-        memory.Write(&item, sizeof(HTREEITEM));
-        if (!Send(tree, TVM_GETITEMRECT, TRUE, memory.Address())) break;
-        memory.Read(&rect, sizeof rect);
-        PrintPlace(tree, {rect.left + 4, (rect.top + rect.bottom) / 2});
+    Tree tree = TreeAt(arguments);
+    for (LRESULT item = tree.Next(TVGN_ROOT); item; item = tree.Next(TVGN_NEXTVISIBLE, item)) {
+        tree.Read(item);
+        if (tree.Text != arguments.at(2)) continue;
+        Send(tree.Window, TVM_ENSUREVISIBLE, 0, item);
+        RECT rect;
+        if (!tree.Place(item, rect)) break;
+        PrintPlace(tree.Window, {rect.left + 4, (rect.top + rect.bottom) / 2});
         return;
     }
     throw Failure(NotFound, "no such node shows");
 }
 
-// Whether a node was not open and is now. Nodes without children stay.
+// Passes over nodes without children, which no message expands.
 void ExpandNode(const Arguments& arguments) {
-    HWND tree = DescendantOfClass(WaitForEditor(), WC_TREEVIEWW, NumberAt(arguments, 1));
-    for (LRESULT item = Send(tree, TVM_GETNEXTITEM, TVGN_ROOT); item;
-         item = Send(tree, TVM_GETNEXTITEM, TVGN_NEXTVISIBLE, item)) {
-        const auto handle = static_cast<WPARAM>(item);
-        if ((Send(tree, TVM_GETITEMSTATE, handle, TVIS_EXPANDED) & TVIS_EXPANDED) != 0) continue;
-        Send(tree, TVM_EXPAND, TVE_EXPAND, item);
-        if ((Send(tree, TVM_GETITEMSTATE, handle, TVIS_EXPANDED) & TVIS_EXPANDED) != 0) return;
+    const Tree tree = TreeAt(arguments);
+    for (LRESULT item = tree.Next(TVGN_ROOT); item; item = tree.Next(TVGN_NEXTVISIBLE, item)) {
+        const auto expanded = [&] {
+            return (Send(tree.Window, TVM_GETITEMSTATE, static_cast<WPARAM>(item), TVIS_EXPANDED) & TVIS_EXPANDED) != 0;
+        };
+        if (expanded()) continue;
+        Send(tree.Window, TVM_EXPAND, TVE_EXPAND, item);
+        if (expanded()) return;
     }
     throw Failure(NotFound, "there is no node to expand");
 }
@@ -352,7 +341,7 @@ void TabPlace(const Arguments& arguments) {
 
 void RowPlace(const Arguments& arguments) {
     HWND list = DescendantOfClass(WaitForEditor(), L"LISTBOX", NumberAt(arguments, 1));
-    // Below WM_USER the system carries what pointers point to across by itself.
+    // For messages below WM_USER the system carries across what their pointers point to.
     RECT rect;
     if (Send(list, LB_GETITEMRECT, NumberAt(arguments, 2) - 1, reinterpret_cast<LPARAM>(&rect)) == LB_ERR)
         throw Failure(NotFound, "no such row");
@@ -378,8 +367,7 @@ void PrintSelection(const Arguments&) {
     PrintLine(std::to_wstring(range.cpMin) + L" " + std::to_wstring(range.cpMax));
 }
 
-// --- dialogs
-// ----------------------------------------------------------------------------------------------------------
+// ---- dialogs
 
 // All texts of a dialog, line by line.
 std::wstring DialogText(HWND dialog) {
@@ -453,8 +441,7 @@ void Dialog(const Arguments& arguments) {
     throw Failure(NotFound, "the dialog has no such button");
 }
 
-// --- everything
-// -------------------------------------------------------------------------------------------------------
+// ---- everything
 
 void DumpWindow(HWND window, size_t depth) {
     wchar_t style[64];
@@ -471,7 +458,6 @@ void DumpWindow(HWND window, size_t depth) {
 const std::map<std::wstring, void (*)(const Arguments&)> Commands = {
     {L"wait", Wait},
     {L"gone", Gone},
-    {L"rect", [](const Arguments&) { PrintLine(Numbers(RectOf(WaitForEditor()))); }},
     {L"caption", [](const Arguments&) { PrintLine(TextOf(WaitForEditor())); }},
     {L"text", [](const Arguments&) { Print(TextOf(Editor(WaitForEditor()))); }},
     {L"status", Status},
@@ -480,9 +466,7 @@ const std::map<std::wstring, void (*)(const Arguments&)> Commands = {
     {L"button", ButtonCentre},
     {L"press", PressButton},
     {L"menu", ChooseMenu},
-    {L"menus", ListMenus},
     {L"tree", ListTree},
-    {L"list", ListItems},
     {L"node", NodePlace},
     {L"row", RowPlace},
     {L"expand", ExpandNode},
