@@ -28,7 +28,6 @@ enum class TextRule {
 
 // Entries that share everything but their texts. They have the Ids FirstId, FirstId + 1, ... in their order.
 struct CatalogueSection {
-    std::wstring_view Heading;
     long FirstId;
     long list;                   // a CatalogueList
     long DBType;                 // a DatabaseType, 0 any database

@@ -55,8 +55,6 @@ public:
     void Move(float left, float top, float width, float height);
     void SetLeft(float left) { Move(left, top_, width_, height_); }
     void SetHeight(float height) { Move(left_, top_, width_, height); }
-    // Applies the position again after the dots per inch changed.
-    void Reposition() { Move(left_, top_, width_, height_); }
 
     bool Visible() const noexcept { return visible_; }  // as set; a control in a hidden container may be visible
     void SetVisible(bool visible);

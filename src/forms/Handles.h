@@ -21,7 +21,6 @@ inline void DestroyImageList(HIMAGELIST list) noexcept { System::ImageList_Destr
 using FontHandle = std::unique_ptr<std::remove_pointer_t<HFONT>, HandleCloser<&DeleteObject>>;
 using BrushHandle = std::unique_ptr<std::remove_pointer_t<HBRUSH>, HandleCloser<&DeleteObject>>;
 using BitmapHandle = std::unique_ptr<std::remove_pointer_t<HBITMAP>, HandleCloser<&DeleteObject>>;
-using MenuHandle = std::unique_ptr<std::remove_pointer_t<HMENU>, HandleCloser<&DestroyMenu>>;
 using AcceleratorHandle = std::unique_ptr<std::remove_pointer_t<HACCEL>, HandleCloser<&DestroyAcceleratorTable>>;
 using IconHandle = std::unique_ptr<std::remove_pointer_t<HICON>, HandleCloser<&DestroyIcon>>;
 using CursorHandle = std::unique_ptr<std::remove_pointer_t<HCURSOR>, HandleCloser<&DestroyCursor>>;

@@ -52,8 +52,6 @@ void StatusBar::SetPanelText(int panel, const std::wstring& text) {
     if (panel == 1 || changed.Needed > before) PlacePanels();
 }
 
-std::wstring StatusBar::PanelText(int panel) const { return panels_[IndexOf(panel)].Text; }
-
 void StatusBar::KeepRoom(int panel, const std::wstring& text) {
     Panel& kept = panels_[IndexOf(panel)];
     kept.Room = text;

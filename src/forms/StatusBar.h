@@ -15,7 +15,6 @@ public:
     void Create(HWND container, int id, std::vector<float> widths);
 
     void SetPanelText(int panel, const std::wstring& text);
-    std::wstring PanelText(int panel) const;
     // A text that the panel will have: it has room for it from now on, so that no other panel moves then.
     void KeepRoom(int panel, const std::wstring& text);
     // What the tip says over the panel; empty: what the whole bar says, where not all of it is to be seen.
