@@ -69,6 +69,21 @@ const wchar_t* const columnFields[] = {
 };
 enum Field { FieldCatalog = 0, FieldSchema = 1, FieldTable = 2, FieldDataType = 4, FieldTypeName = 5 };
 
+// Where a schema's objects are, as arguments of a catalogue call. An empty schema is the default one.
+struct Place {
+    Place(const SessionFacts& facts, const std::wstring& schema)
+        : Wanted(schema.empty() ? facts.DefaultSchema : schema) {
+        if (Wanted.empty()) return;
+        if (facts.CatalogsAreSchemas) {
+            Catalog = Wanted;
+        } else if (!facts.SchemaTerm.empty()) {
+            Schema = Odbc::EscapePattern(Wanted, facts.SearchEscape);
+        }
+    }
+    std::wstring Wanted;
+    Odbc::Name Catalog, Schema;
+};
+
 // A field as a number where it is one by its type and reads as one.
 Variant FieldValue(const Odbc::Name& text, const Odbc::ColumnInfo& info) {
     if (!text) return Variant::Null();
@@ -121,26 +136,21 @@ std::vector<std::wstring> Dictionary::Objects(long objectType, const std::wstrin
     if (objectType != Tables && objectType != Views) RaiseError(ErrorNumber::InvalidProcedureCall);
     const bool views = objectType == Views;
     const SessionFacts& facts = session_->Facts();
-    const std::wstring& wanted = schema.empty() ? facts.DefaultSchema : schema;
+    const Place place(facts, schema);
 
     std::vector<std::wstring> names;
     session_->Read([&](Odbc::Connection& connection) {
         names.clear();
-        std::optional<std::wstring> catalogArgument, schemaArgument;
-        if (!wanted.empty() && facts.CatalogsAreSchemas) catalogArgument = wanted;
-        if (!wanted.empty() && !facts.CatalogsAreSchemas && !facts.SchemaTerm.empty()) {
-            schemaArgument = Odbc::EscapePattern(wanted, facts.SearchEscape);
-        }
         const Odbc::Name table = only.empty() ? Odbc::Name() : Odbc::EscapePattern(only, facts.SearchEscape);
         const std::wstring types = TypeList(connection, views, includeSystem);
-        for (const TableRow& row : ReadTables(connection, catalogArgument, schemaArgument, table, types)) {
+        for (const TableRow& row : ReadTables(connection, place.Catalog, place.Schema, table, types)) {
             if (!row.Table || row.Table->empty()) continue;
             // A driver may give more than it was asked for: other types, and what a wildcard in the schema's name
             // matches.
             if (IsView(row.Type) != views) continue;
             const bool ownTable = facts.Kind->SystemPrefix && row.Table->starts_with(facts.Kind->SystemPrefix);
             if (!includeSystem && (ownTable || IsSystem(row.Type))) continue;
-            if (schemaArgument && row.Schema.value_or(L"") != wanted) continue;
+            if (place.Schema && row.Schema.value_or(L"") != place.Wanted) continue;
             if (!only.empty() && !SameText(*row.Table, only)) continue;
             names.push_back(*row.Table);
         }
@@ -162,16 +172,11 @@ std::vector<std::wstring> Dictionary::Objects(long objectType, const std::wstrin
 std::vector<ColumnProperties> Dictionary::ReadColumns(Odbc::Connection& connection, const std::wstring& schema,
                                                       const std::wstring& table) const {
     const SessionFacts& facts = session_->Facts();
-    const std::wstring& wanted = schema.empty() ? facts.DefaultSchema : schema;
-    Odbc::Name catalogArgument, schemaArgument;
-    if (!wanted.empty() && facts.CatalogsAreSchemas) catalogArgument = wanted;
-    if (!wanted.empty() && !facts.CatalogsAreSchemas && !facts.SchemaTerm.empty()) {
-        schemaArgument = Odbc::EscapePattern(wanted, facts.SearchEscape);
-    }
+    const Place place(facts, schema);
 
     const auto read = [&](const std::wstring& pattern) {
         Odbc::Statement statement(connection);
-        statement.Columns(catalogArgument, schemaArgument, pattern, std::nullopt);
+        statement.Columns(place.Catalog, place.Schema, pattern, std::nullopt);
         const std::vector<Odbc::ColumnInfo>& infos = statement.AllColumns();
         std::vector<ColumnProperties> columns;
         Odbc::Name firstCatalog, firstSchema;

@@ -44,10 +44,10 @@ private:
 };
 
 // How texts go through the driver manager.
-// After Wine the driver manager is unixODBC. It turns the texts of the W functions into the locale's bytes for a
-// driver that has no W functions of its own, and loses every character beyond U+FFFF on the way, in a locale without
-// UTF-8 all that is not ASCII. The SQLite driver for Unix is such a driver; its narrow functions take and give UTF-8 in
-// every locale, so they are called instead. Windows' own drivers all have W functions.
+// Under Wine the driver manager is unixODBC. For a driver without W functions it turns texts into the locale's bytes,
+// and loses every character beyond U+FFFF on the way; in a locale without UTF-8, all that is not ASCII. The SQLite
+// driver for Unix is such a driver; its narrow functions take and give UTF-8 in every locale, so they are called
+// instead. Windows' own drivers all have W functions.
 enum class Encoding { Wide, NarrowUtf8 };
 
 // Diagnostic records of a handle, at most 64 of them.

@@ -43,7 +43,7 @@ void PrintFailure(const std::wstring& what, const RuntimeError& error) {
     Console::PrintError(what + WithPlainLineEnds(error.Description) + L"\n");
 }
 
-// Of a portable zip, whose folder has this program two folders below.
+// Where a portable zip has the editor, seen from the folder of this program.
 const std::vector<std::wstring> EditorFolders = {sizeof(void*) == 8 ? L"..\\..\\x64" : L"..\\..\\x86"};
 
 class OleSession {
