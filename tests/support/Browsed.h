@@ -58,6 +58,13 @@ protected:
             return Variant(MakeCollection(std::move(columns)));
         };
     }
+    void Tables(int count) {  // T0, T1, ..., and as many views
+        Database.DictionaryMembers[L"Objects"] = [count](const Arguments&) {
+            std::vector<Variant> names;
+            for (int at = 0; at < count; ++at) names.push_back(Variant(L"T" + std::to_wstring(at)));
+            return Variant(MakeCollection(std::move(names)));
+        };
+    }
     void Type(long code) {
         Database.Members[L"DBType"] = [code](const Arguments&) { return Variant(code); };
     }

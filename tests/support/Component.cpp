@@ -52,8 +52,12 @@ std::wstring ComponentFixture::DisplayAndClose(const Object& editor, const std::
     return text;
 }
 
-std::wstring ComponentFixture::Inside(const std::function<void()>& work, const std::wstring& sql) {
+Object ComponentFixture::Connected() {
     const Object editor = Dll.Create();
     editor.Call(L"Constructor", Database.Make());
-    return DisplayAndClose(editor, sql, work);
+    return editor;
+}
+
+std::wstring ComponentFixture::Inside(const std::wstring& sql, const std::function<void()>& work) {
+    return DisplayAndClose(Connected(), sql, work);
 }

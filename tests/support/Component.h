@@ -32,12 +32,13 @@ class ComponentFixture : public testing::Test {
 protected:
     ComponentFixture();
     ~ComponentFixture() override;
-    // Constructor with a database, Display with the text, closing it at once; returns what came back.
+    Object Connected();  // a new object, connected to Database
+    // Display with the text, which runs `inside` and closes the window; returns the text that came back.
     std::wstring DisplayAndClose(const Object& editor, const std::wstring& sql,
                                  const std::function<void()>& inside = {});
-    // Shows the window of a new object, connected to Database, on `sql` and runs `work` inside; returns the text that
-    // came back.
-    std::wstring Inside(const std::function<void()>& work, const std::wstring& sql = L"select 1");
+    // The same with a new object that is connected to Database.
+    std::wstring Inside(const std::wstring& sql, const std::function<void()>& work);
+    std::wstring Inside(const std::function<void()>& work) { return Inside(L"select 1", work); }
 
     FakeErrors Errors;
     FakeDatabase Database;

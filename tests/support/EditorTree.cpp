@@ -12,8 +12,9 @@ HWND View(int page) { return GetDlgItem(EditorWindow::Control(IdLeftPage + page)
 void ShowPage(int page) { SendMessageW(EditorWindow::Control(IdLeftButton + page), BM_CLICK, 0, 0); }
 
 std::wstring Description() {
-    wchar_t text[4000]{};
-    GetWindowTextW(EditorWindow::Control(IdDescription), text, 4000);
+    const HWND label = EditorWindow::Control(IdDescription);
+    std::wstring text(static_cast<size_t>(GetWindowTextLengthW(label)) + 1, L'\0');
+    text.resize(static_cast<size_t>(GetWindowTextW(label, text.data(), static_cast<int>(text.size()))));
     return text;
 }
 
@@ -63,6 +64,13 @@ HTREEITEM EditorTree::Named(HTREEITEM parent, const wchar_t* text) const {
 
 HTREEITEM EditorTree::Selected() const { return Next(TVGN_CARET, nullptr); }
 
+std::wstring EditorTree::SelectedPath() const {
+    std::wstring path;
+    for (HTREEITEM at = Selected(); at != nullptr; at = Next(TVGN_PARENT, at))
+        path = Text(at) + (path.empty() ? L"" : L"/") + path;
+    return path.empty() ? L"<none>" : path;
+}
+
 int EditorTree::Count() const { return static_cast<int>(SendMessageW(Handle(), TVM_GETCOUNT, 0, 0) & 0xFFFF); }
 
 void EditorTree::Select(HTREEITEM item) const {
@@ -104,4 +112,19 @@ void EditorTree::Open(HTREEITEM item) const {
 void EditorTree::Shut(HTREEITEM item) const {
     Select(item);
     Key(VK_LEFT);
+}
+
+void EditorTree::OpenDownTo(std::initializer_list<int> path) const {
+    HTREEITEM item = Next(TVGN_ROOT, nullptr);
+    Open(item);
+    for (int position : path) {
+        item = Next(TVGN_CHILD, item);
+        while (position-- > 0 && item != nullptr) item = Next(TVGN_NEXT, item);
+        Open(item);
+    }
+}
+
+bool EditorTree::Expanded(HTREEITEM item) const {
+    return (SendMessageW(Handle(), TVM_GETITEMSTATE, reinterpret_cast<WPARAM>(item), TVIS_EXPANDED) & TVIS_EXPANDED) !=
+           0;
 }

@@ -23,6 +23,7 @@ public:
     std::wstring Children(HTREEITEM item) const;                   // joined by "|"
     HTREEITEM Named(HTREEITEM parent, const wchar_t* text) const;  // a child by its text
     HTREEITEM Selected() const;
+    std::wstring SelectedPath() const;  // the texts from the root to what is selected, joined by "/"
     int Count() const;
 
     // As another program does it, such as a screen reader: no click.
@@ -34,6 +35,9 @@ public:
     // Opens or closes by the keyboard.
     void Open(HTREEITEM item) const;
     void Shut(HTREEITEM item) const;
+    // Opens the root, each node on the way, and the one at its end.
+    void OpenDownTo(std::initializer_list<int> path) const;
+    bool Expanded(HTREEITEM item) const;
     // Where the item's text is, in client pixels; false when it does not show.
     bool Place(HTREEITEM item, POINT& at) const;
 

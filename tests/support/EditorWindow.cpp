@@ -94,9 +94,9 @@ std::wstring EditorWindow::SelectedText() {
     return text;
 }
 
-std::wstring EditorWindow::Status() {
+std::wstring EditorWindow::Status(int panel) {
     wchar_t text[1000]{};
-    SendMessageW(Child(STATUSCLASSNAMEW), SB_GETTEXTW, 0, reinterpret_cast<LPARAM>(text));
+    SendMessageW(Child(STATUSCLASSNAMEW), SB_GETTEXTW, static_cast<WPARAM>(panel - 1), reinterpret_cast<LPARAM>(text));
     return text;
 }
 

@@ -21,7 +21,7 @@ void SetText(const std::wstring& text);
 CHARRANGE Selection();
 void Select(LONG from, LONG to);
 std::wstring SelectedText();
-std::wstring Status();
+std::wstring Status(int panel = 1);  // a panel of the status bar
 std::wstring Caption();
 std::wstring Root();  // text of the object browser's first node, "<none>" when there is none
 void Choose(const wchar_t* menu, const wchar_t* entry);

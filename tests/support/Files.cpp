@@ -1,13 +1,8 @@
 #include "support/Files.h"
 
-#include <commctrl.h>
 #include <richedit.h>
 
 #include "support/Dialogs.h"
-
-std::wstring FilesFixture::Inside(const std::wstring& sql, const std::function<void()>& steps) {
-    return ComponentFixture::Inside(steps, sql);
-}
 
 void FilesFixture::Type(const std::wstring& text) {
     const HWND editor = EditorWindow::Editor();
@@ -30,10 +25,4 @@ bool FilesFixture::Modified() {
     Open();
     EXPECT_EQ(text, EditorWindow::Text());
     return dialogs.All.size() == 1 && dialogs.All[0].Name.empty() && dialogs.All[0].Buttons.size() == 3;
-}
-
-std::wstring FilesFixture::FormatPanel() {
-    wchar_t text[200]{};
-    SendMessageW(EditorWindow::Child(STATUSCLASSNAMEW), SB_GETTEXTW, 2, reinterpret_cast<LPARAM>(text));
-    return text;
 }

@@ -6,8 +6,6 @@
 // The window's File menu, with the dialogs answered.
 class FilesFixture : public ComponentFixture {
 protected:
-    // Shows the window on the text, runs the steps in it, and closes it. Reports are left in Errors.
-    std::wstring Inside(const std::wstring& sql, const std::function<void()>& steps);
     static void New() { EditorWindow::Choose(L"File", L"New"); }
     static void Open() { EditorWindow::Choose(L"File", L"Open..."); }
     static void Save() { EditorWindow::Choose(L"File", L"Save"); }
@@ -17,7 +15,7 @@ protected:
     void Load(const std::wstring& path);
     // Whether New would ask; the text is kept when it does.
     bool Modified();
-    static std::wstring FormatPanel();
+    static std::wstring FormatPanel() { return EditorWindow::Status(3); }
 
     Folder Here;
 };

@@ -8,8 +8,10 @@
 Folder::Folder() {
     wchar_t temporary[MAX_PATH];
     GetTempPathW(MAX_PATH, temporary);
-    path_ = std::wstring(temporary) + L"sql files " + std::to_wstring(GetCurrentProcessId()) + L"\\";
-    CreateDirectoryW(path_.c_str(), nullptr);
+    static int serial = 0;
+    path_ = std::wstring(temporary) + L"sql files " + std::to_wstring(GetCurrentProcessId()) + L"-" +
+            std::to_wstring(++serial) + L"\\";
+    EXPECT_TRUE(CreateDirectoryW(path_.c_str(), nullptr));
 }
 
 Folder::~Folder() {

@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-// A folder of its own, which goes with everything in it.
+// A new folder, which goes with everything in it.
 class Folder {
 public:
     Folder();
@@ -12,6 +12,7 @@ public:
     Folder& operator=(const Folder&) = delete;
 
     std::wstring operator/(const wchar_t* name) const { return path_ + name; }
+    std::wstring Path() const { return path_.substr(0, path_.size() - 1); }
     std::vector<std::wstring> Names() const;  // of what is in it, sorted
     std::wstring Listing() const;             // the same, each followed by a bar
 

@@ -86,9 +86,22 @@ FakeErrors::FakeErrors() {
 FakeErrors::~FakeErrors() {
     CoRevokeClassObject(cookie_);
     currentErrors = nullptr;
+    EXPECT_EQ(looked_, Reports.size()) << "not all reports were looked at: " << testing::PrintToString(Places());
 }
 
-std::wstring FakeErrors::Places() const {
+Report FakeErrors::Only() {
+    looked_ = Reports.size();
+    EXPECT_EQ(1U, Reports.size()) << testing::PrintToString(Places());
+    return Reports.empty() ? Report() : Reports.front();
+}
+
+void FakeErrors::Forget() {
+    Reports.clear();
+    looked_ = 0;
+}
+
+std::wstring FakeErrors::Places() {
+    looked_ = Reports.size();
     std::wstring places;
     for (const Report& report : Reports) {
         if (!places.empty()) places += L"|";
@@ -107,24 +120,16 @@ FakeDatabase::FakeDatabase() {
     Members[L"DBTypeName"] = [](const Arguments& a) { return Variant(L"Type " + a[0].ToText()); };
 }
 
-Object FakeDatabase::Make() {
-    auto* made = new DynamicObject;
-    const Object held = Object::Attach(made);
-    for (const auto& [name, member] : Members) {
-        made->Define(name, [this, name = name, member = member](const Arguments& a) {
-            Log.push_back(name);
-            return member(a);
-        });
-    }
-    return held;
-}
+Object FakeDatabase::Make() { return Logging(Members, L""); }
 
-Object FakeDatabase::MakeDictionary() {
+Object FakeDatabase::MakeDictionary() { return Logging(DictionaryMembers, L"Dictionary."); }
+
+Object FakeDatabase::Logging(const AllMembers& members, const std::wstring& before) {
     auto* made = new DynamicObject;
     const Object held = Object::Attach(made);
-    for (const auto& [name, member] : DictionaryMembers) {
-        made->Define(name, [this, name = name, member = member](const Arguments& a) {
-            Log.push_back(L"Dictionary." + name);
+    for (const auto& [name, member] : members) {
+        made->Define(name, [this, entry = before + name, member = member](const Arguments& a) {
+            Log.push_back(entry);
             return member(a);
         });
     }
@@ -134,5 +139,11 @@ Object FakeDatabase::MakeDictionary() {
 std::wstring FakeDatabase::Logged() const {
     std::wstring all;
     for (const std::wstring& entry : Log) all += entry + L" ";
+    return all;
+}
+
+std::wstring FakeDatabase::Taken() {
+    std::wstring all = Logged();
+    Log.clear();
     return all;
 }

@@ -27,7 +27,8 @@ struct Report {
     std::wstring Place() const { return Module + L"." + Routine; }
 };
 
-// Stands in for "brvError.clsError" while it lives. The class must be registered, as ./test does.
+// Stands in for "brvError.clsError" while it lives. The class must be registered, as ./test does. A report that the
+// test has not looked at, by Places or Only, when this ends is a failure of the test.
 class FakeErrors {
 public:
     FakeErrors();
@@ -48,21 +49,29 @@ public:
     // Every error component that is made is given to it, and what it gives back is handed out.
     std::function<Object(const Object&)> Wrap;
 
-    std::wstring Places() const;  // "module.routine number|..."
+    std::wstring Places();  // "module.routine number|..."
+    Report Only();          // the one report there is; a failure where there is another number of them
+    void Forget();          // takes all away, looked at or not
 
 private:
+    size_t looked_ = 0;  // so many of the reports
     DWORD cookie_ = 0;
 };
 
 // A host database. Members can be replaced or taken away; every use is logged.
 class FakeDatabase {
 public:
+    using AllMembers = std::map<std::wstring, std::function<Variant(const Arguments&)>>;
     FakeDatabase();
     std::vector<std::wstring> Log;
-    std::map<std::wstring, std::function<Variant(const Arguments&)>> Members;
-    std::map<std::wstring, std::function<Variant(const Arguments&)>> DictionaryMembers;
+    AllMembers Members;
+    AllMembers DictionaryMembers;
     // An object with the members as they stand now.
     Object Make();
     Object MakeDictionary();
-    std::wstring Logged() const;
+    std::wstring Logged() const;  // each entry followed by a blank
+    std::wstring Taken();         // the same, and forgets it
+
+private:
+    Object Logging(const AllMembers& members, const std::wstring& before);
 };

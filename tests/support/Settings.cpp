@@ -1,5 +1,6 @@
 #include "support/Settings.h"
 
+#include <gtest/gtest.h>
 #include <windows.h>
 
 #include "automation/App.h"
@@ -30,4 +31,13 @@ void Settings::Put(const wchar_t* key, const wchar_t* value) {
     RegSetValueExW(opened, key, 0, REG_SZ, reinterpret_cast<const BYTE*>(value),
                    static_cast<DWORD>((wcslen(value) + 1) * sizeof(wchar_t)));
     RegCloseKey(opened);
+}
+
+void Settings::Refuse() {
+    Clear();
+    // Below a volatile key no lasting one can be made.
+    HKEY key = nullptr;
+    EXPECT_EQ(ERROR_SUCCESS, RegCreateKeyExW(HKEY_CURRENT_USER, SettingsRoot().c_str(), 0, nullptr, REG_OPTION_VOLATILE,
+                                             KEY_ALL_ACCESS, nullptr, &key, nullptr));
+    RegCloseKey(key);
 }

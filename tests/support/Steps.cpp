@@ -1,5 +1,6 @@
 #include "support/Steps.h"
 
+#include <algorithm>
 #include <map>
 
 #include "support/WindowWatchdog.h"
@@ -7,7 +8,7 @@
 namespace {
 
 struct Running {
-    std::vector<std::function<bool()>> Steps;
+    std::vector<Step> Steps;
     size_t At = 0;
     DWORD Since = 0;
     UINT_PTR Timer = 0;
@@ -33,7 +34,7 @@ CHARFORMAT2W FormatAt(LONG position) {
 
 }  // namespace
 
-std::wstring StepsFixture::InSteps(const std::wstring& sql, std::vector<std::function<bool()>> steps) {
+std::wstring StepsFixture::InSteps(const std::wstring& sql, Steps steps) {
     Running all{std::move(steps)};
     running = &all;
     all.Since = GetTickCount();
@@ -66,13 +67,29 @@ std::wstring StepsFixture::InSteps(const std::wstring& sql, std::vector<std::fun
     all.Tick = tick;
     all.Timer = SetTimer(nullptr, 0, 15, tick);
     const WindowWatchdog watchdog(100000);
-    const Object editor = Dll.Create();
-    editor.Call(L"Constructor", Database.Make());
+    const Object editor = Connected();
     std::wstring text = sql;
     editor.Call(L"Display", ByRef(text));
     KillTimer(nullptr, all.Timer);
     running = nullptr;
     return text;
+}
+
+StepsFixture::Steps StepsFixture::Joined(const std::vector<Steps>& all) {
+    Steps joined;
+    for (const Steps& some : all) joined.insert(joined.end(), some.begin(), some.end());
+    return joined;
+}
+
+void StepsFixture::PutWithCaret(std::wstring text) {
+    const size_t caret = text.find(L'|');
+    text.erase(caret, 1);
+    SetForegroundWindow(EditorWindow::Find());
+    EditorWindow::SetText(text);
+    SetFocus(EditorWindow::Editor());
+    const std::wstring before = text.substr(0, caret);  // where a line end is one position of the control
+    const auto at = static_cast<LONG>(caret) - static_cast<LONG>(std::ranges::count(before, L'\r'));
+    SelectText(at, at);
 }
 
 COLORREF StepsFixture::ColourAt(LONG position) {

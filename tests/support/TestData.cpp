@@ -32,25 +32,25 @@ HRESULT TestData::GetData(FORMATETC* format, STGMEDIUM* medium) noexcept {
 }
 
 // OLE keeps the target of a window in a property of the window. (In the same process it is the pointer itself.)
-IDropTarget* EditorDropTarget() {
-    auto* target = static_cast<IDropTarget*>(GetPropW(EditorWindow::Editor(), L"OleDropTargetInterface"));
-    if (target != nullptr) target->AddRef();
-    return target;
+ComPtr<IDropTarget> EditorDropTarget() {
+    return ComPtr(static_cast<IDropTarget*>(GetPropW(EditorWindow::Editor(), L"OleDropTargetInterface")));
+}
+
+void FinishDrop() {
+    MSG message;
+    while (PeekMessageW(&message, EditorWindow::Editor(), 0, 0, PM_REMOVE)) DispatchMessageW(&message);
 }
 
 DWORD DropOnEditor(TestData& data, POINTL at, DWORD allowed) {
-    IDropTarget* const target = EditorDropTarget();
-    EXPECT_NE(nullptr, target);
-    if (target == nullptr) return DROPEFFECT_NONE;
+    const auto target = EditorDropTarget();
+    EXPECT_TRUE(target);
+    if (!target) return DROPEFFECT_NONE;
     DWORD effect = allowed;
     EXPECT_EQ(S_OK, target->DragEnter(&data, MK_LBUTTON, {0, 0}, &effect));
     effect = allowed;
     EXPECT_EQ(S_OK, target->DragOver(MK_LBUTTON, at, &effect));
     effect = allowed;
     EXPECT_EQ(S_OK, target->Drop(&data, 0, at, &effect));
-    target->Release();
-    // What the editor does when the other program has had its answer.
-    MSG message;
-    while (PeekMessageW(&message, EditorWindow::Editor(), 0, 0, PM_REMOVE)) DispatchMessageW(&message);
+    FinishDrop();
     return effect;
 }

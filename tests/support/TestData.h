@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "automation/ComPtr.h"
 #include "support/CountedObject.h"
 
 // What a program that drops has in its hand: bytes by clipboard format.
@@ -48,8 +49,10 @@ private:
     std::map<CLIPFORMAT, std::string> contents_;
 };
 
-// The drop target that the editor has registered with OLE; AddRef'd.
-IDropTarget* EditorDropTarget();
+// The drop target that the editor has registered with OLE; empty when there is none.
+ComPtr<IDropTarget> EditorDropTarget();
+// Lets the editor do what it puts off until the other program has had its answer.
+void FinishDrop();
 // What OLE calls for a drag that comes from the left edge of the screen to a place and lets go there; the effect that
 // came back, when the editor has done what it does afterwards. `allowed`: what the dragging program lets be done with
 // its data.

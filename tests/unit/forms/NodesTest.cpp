@@ -24,7 +24,7 @@ struct Tree {
     Node Child(const Node& parent, const std::wstring& text) {
         return Items().Add(parent.Index(), TreeRelationship::Child, Variant::Missing(), text);
     }
-    long Shown() { return static_cast<long>(View.Send(0x1100 + 5 /* TVM_GETCOUNT */)); }
+    long Shown() { return static_cast<long>(View.Send(TVM_GETCOUNT)); }
 };
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include "forms/RichTextBox.h"
 #include "forms/Rtf.h"
 #include "support/Errors.h"
+#include "support/Folder.h"
 #include "support/TopWindow.h"
 
 using namespace std::string_literals;
@@ -17,17 +18,14 @@ struct FileEditor {
     TopWindow Top;
     RichTextBox Box;
     int Changes = 0;
-    std::wstring Path;
+    Folder Here;
+    std::wstring Path = Here / L"text.tmp";
     FileEditor() {
         Box.Create(Top.Handle(), 1);
         Box.SetEditorFont(L"Courier New", 10);
         Box.Move(0, 0, 6000, 5000);
         Box.Change = [this] { ++Changes; };
-        wchar_t folder[MAX_PATH];
-        GetTempPathW(MAX_PATH, folder);
-        Path = std::wstring(folder) + L"rich text " + std::to_wstring(GetCurrentProcessId()) + L".tmp";
     }
-    ~FileEditor() { DeleteFileW(Path.c_str()); }
     void Load(const std::string& bytes, RichTextBox::FileKind kind) {
         AtomicFile::Write(Path, bytes);
         Box.LoadFile(Path, kind);

@@ -7,6 +7,7 @@
 #include <map>
 
 #include "forms/RichTextBox.h"
+#include "support/Folder.h"
 #include "support/TopWindow.h"
 
 // How characters are shown is no content: what leaves the control is the same with it and without.
@@ -17,18 +18,15 @@ struct ViewEditor {
     RichTextBox Box;
     int Changes = 0;
     int Plain = 0;
-    std::wstring Path;
+    Folder Here;
+    std::wstring Path = Here / L"text.tmp";
     ViewEditor() {
         Box.Create(Top.Handle(), 1);
         Box.SetEditorFont(L"Courier New", 10);
         Box.Move(0, 0, 6000, 5000);
         Box.Change = [this] { ++Changes; };
         Box.MadePlain = [this] { ++Plain; };
-        wchar_t folder[MAX_PATH];
-        GetTempPathW(MAX_PATH, folder);
-        Path = std::wstring(folder) + L"view " + std::to_wstring(GetCurrentProcessId()) + L".tmp";
     }
-    ~ViewEditor() { DeleteFileW(Path.c_str()); }
     LRESULT Ask(UINT message, WPARAM wParam = 0, LPARAM lParam = 0) const {
         return SendMessageW(Box.Handle(), message, wParam, lParam);
     }

@@ -3,24 +3,9 @@
 #include <gtest/gtest.h>
 
 #include "host/demo/Console.h"
+#include "support/Folder.h"
 
 namespace {
-
-std::wstring TemporaryPath(const wchar_t* name) {
-    wchar_t folder[MAX_PATH + 1] = {};
-    GetTempPathW(MAX_PATH, folder);
-    return std::wstring(folder) + name + std::to_wstring(GetCurrentProcessId()) + L".csv";
-}
-
-std::string Contents(const std::wstring& path) {
-    const HANDLE file = CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
-    if (file == INVALID_HANDLE_VALUE) return "(no file)";
-    std::string bytes(static_cast<size_t>(GetFileSize(file, nullptr)), '\0');
-    DWORD read = 0;
-    ReadFile(file, bytes.data(), static_cast<DWORD>(bytes.size()), &read, nullptr);
-    CloseHandle(file);
-    return bytes;
-}
 
 TEST(CsvRow, QuotesOnlyWhereItMust) {
     EXPECT_EQ(CsvRow({L"a", L"1.5", L"two words"}), L"a,1.5,two words\r\n");
@@ -39,44 +24,37 @@ TEST(CsvRow, LeavesNothingThatASpreadsheetRuns) {
 }
 
 TEST(CsvFile, LeavesAloneWhatStandsUnderItsTemporaryName) {
-    const std::wstring path = TemporaryPath(L"brv-planted-");
+    const Folder here;
+    const std::wstring path = here / L"a.csv";
     const std::wstring planted = path + L"." + std::to_wstring(GetCurrentProcessId()) + L"-0.part";
-    for (const std::wstring& name : {path + L".part", planted}) {
-        const HANDLE file = CreateFileW(name.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
-        DWORD written = 0;
-        WriteFile(file, "mine", 4, &written, nullptr);
-        CloseHandle(file);
-    }
+    for (const std::wstring& name : {path + L".part", planted}) PutBytes(name, "mine");
     {
         CsvFile file(path);
         EXPECT_TRUE(file.Write({L"a"}));
         EXPECT_TRUE(file.Close()) << ToUtf8(file.Failure());
     }
-    EXPECT_EQ(Contents(path),
+    EXPECT_EQ(BytesOf(path),
               "\xEF\xBB\xBF"
               "a\r\n");
-    for (const std::wstring& name : {path + L".part", planted}) {
-        EXPECT_EQ(Contents(name), "mine");
-        DeleteFileW(name.c_str());
-    }
-    DeleteFileW(path.c_str());
+    for (const std::wstring& name : {path + L".part", planted}) EXPECT_EQ(BytesOf(name), "mine");
 }
 
 TEST(CsvFile, WritesUtf8WithAMark) {
-    const std::wstring path = TemporaryPath(L"brv-utf8-");
+    const Folder here;
+    const std::wstring path = here / L"a.csv";
     {
         CsvFile file(path);
         EXPECT_TRUE(file.Write({L"Größe", L"日本"}));
         EXPECT_TRUE(file.Close()) << ToUtf8(file.Failure());
     }
-    EXPECT_EQ(Contents(path),
+    EXPECT_EQ(BytesOf(path),
               "\xEF\xBB\xBFGr\xC3\xB6\xC3\x9F"
               "e,\xE6\x97\xA5\xE6\x9C\xAC\r\n");
-    DeleteFileW(path.c_str());
 }
 
 TEST(CsvFile, LeavesTheOldFileWhenItIsNotClosed) {
-    const std::wstring path = TemporaryPath(L"brv-old-");
+    const Folder here;
+    const std::wstring path = here / L"a.csv";
     {
         CsvFile file(path);
         file.Write({L"old"});
@@ -86,9 +64,8 @@ TEST(CsvFile, LeavesTheOldFileWhenItIsNotClosed) {
         CsvFile file(path);
         file.Write({L"new"});
     }
-    EXPECT_EQ(Contents(path), "\xEF\xBB\xBFold\r\n");
+    EXPECT_EQ(BytesOf(path), "\xEF\xBB\xBFold\r\n");
     EXPECT_EQ(GetFileAttributesW((path + L".part").c_str()), INVALID_FILE_ATTRIBUTES);
-    DeleteFileW(path.c_str());
 }
 
 TEST(CsvFile, TellsWhyItCannotWrite) {

@@ -3,6 +3,7 @@
 
 #include "host/demo/Console.h"
 #include "SampleDatabase.h"
+#include "support/Folder.h"
 
 // The demonstration host as a program, run without its window. brvADO.dll must be registered, as ./test does it.
 namespace {
@@ -115,21 +116,13 @@ TEST(KolvexDemo, SaysThatItCannotConnect) {
 }
 
 TEST(KolvexDemo, WritesCsv) {
-    wchar_t folder[MAX_PATH + 1] = {};
-    GetTempPathW(MAX_PATH, folder);
-    const std::wstring path = std::wstring(folder) + L"brv-demo-" + std::to_wstring(GetCurrentProcessId()) + L".csv";
+    const Folder here;
+    const std::wstring path = here / L"a.csv";
     const Outcome outcome =
         RunSql(L"select weekday, \"from\" as \"from, local\" from opening_hours where weekday < 3 order by 1",
                {L"--csv", path});
     EXPECT_EQ(outcome.ExitCode, 0u);
-    const HANDLE file =
-        CreateFileW(path.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, FILE_FLAG_DELETE_ON_CLOSE, nullptr);
-    ASSERT_NE(file, INVALID_HANDLE_VALUE);
-    char bytes[256] = {};
-    DWORD count = 0;
-    ReadFile(file, bytes, sizeof bytes - 1, &count, nullptr);
-    CloseHandle(file);
-    EXPECT_STREQ(bytes, "\xEF\xBB\xBFweekday,\"from, local\"\r\n1,\r\n2,09:30\r\n");
+    EXPECT_EQ(BytesOf(path), "\xEF\xBB\xBFweekday,\"from, local\"\r\n1,\r\n2,09:30\r\n");
 }
 
 TEST(KolvexDemo, SaysThatTheSqlFileIsMissing) {

@@ -13,8 +13,6 @@
 // What is to be seen of the window, measured as it stands.
 class AppearanceFixture : public EditingFixture, public WindowParts {
 protected:
-    void TearDown() override { EXPECT_EQ(L"", Errors.Places()); }
-
     static int Pixels(int twips) { return MulDiv(twips, ScreenDpi(), 1440); }
     static RECT Place(HWND window) {
         RECT bounds;

@@ -135,28 +135,26 @@ TEST_F(ColoursTest, TextAndGroundBelongTogether) {
 
 TEST_F(ColoursTest, WhatIsPaintedIsOfTheScheme) {
     if (IsThemeActive()) GTEST_SKIP() << "a theme paints in colours of its own";
-    Inside(
-        [] {
-            SetWindowPos(EditorWindow::Find(), HWND_TOPMOST, 10, 10, 0, 0, SWP_NOSIZE);
-            SendMessageW(Tab(1), BM_CLICK, 0, 0);
-            SendMessageW(View(1), LB_SETCURSEL, 1, 0);
-            SendMessageW(Page(1), WM_COMMAND, MAKEWPARAM(IdView + 1, LBN_SELCHANGE), reinterpret_cast<LPARAM>(View(1)));
-            SetFocus(EditorWindow::Editor());
-            Paint();
-            ExpectPainted("editor", EditorWindow::Editor(), COLOR_WINDOWTEXT, COLOR_WINDOW);
-            ExpectPainted("list", View(1), COLOR_WINDOWTEXT, COLOR_WINDOW);
-            ExpectPainted("selected row", View(1), COLOR_HIGHLIGHT, COLOR_WINDOW);
-            ExpectPainted("description", Description(), COLOR_BTNTEXT, COLOR_BTNFACE);
-            ExpectPainted("toolbar", Toolbar(), COLOR_BTNTEXT, COLOR_BTNFACE);
-            ExpectPainted("status bar", StatusBar(), COLOR_BTNTEXT, COLOR_BTNFACE);
-            ExpectPainted("button", Tab(2), COLOR_BTNTEXT, COLOR_BTNFACE);
-            ExpectPainted("collapse button", Control(IdHide), COLOR_BTNTEXT, COLOR_BTNFACE);
-            SendMessageW(Tab(0), BM_CLICK, 0, 0);
-            SetFocus(EditorWindow::Editor());
-            Paint();
-            ExpectPainted("tree", View(0), COLOR_WINDOWTEXT, COLOR_WINDOW);
-        },
-        L"SELECT HHH\r\nFROM LLLL");
+    Inside(L"SELECT HHH\r\nFROM LLLL", [] {
+        SetWindowPos(EditorWindow::Find(), HWND_TOPMOST, 10, 10, 0, 0, SWP_NOSIZE);
+        SendMessageW(Tab(1), BM_CLICK, 0, 0);
+        SendMessageW(View(1), LB_SETCURSEL, 1, 0);
+        SendMessageW(Page(1), WM_COMMAND, MAKEWPARAM(IdView + 1, LBN_SELCHANGE), reinterpret_cast<LPARAM>(View(1)));
+        SetFocus(EditorWindow::Editor());
+        Paint();
+        ExpectPainted("editor", EditorWindow::Editor(), COLOR_WINDOWTEXT, COLOR_WINDOW);
+        ExpectPainted("list", View(1), COLOR_WINDOWTEXT, COLOR_WINDOW);
+        ExpectPainted("selected row", View(1), COLOR_HIGHLIGHT, COLOR_WINDOW);
+        ExpectPainted("description", Description(), COLOR_BTNTEXT, COLOR_BTNFACE);
+        ExpectPainted("toolbar", Toolbar(), COLOR_BTNTEXT, COLOR_BTNFACE);
+        ExpectPainted("status bar", StatusBar(), COLOR_BTNTEXT, COLOR_BTNFACE);
+        ExpectPainted("button", Tab(2), COLOR_BTNTEXT, COLOR_BTNFACE);
+        ExpectPainted("collapse button", Control(IdHide), COLOR_BTNTEXT, COLOR_BTNFACE);
+        SendMessageW(Tab(0), BM_CLICK, 0, 0);
+        SetFocus(EditorWindow::Editor());
+        Paint();
+        ExpectPainted("tree", View(0), COLOR_WINDOWTEXT, COLOR_WINDOW);
+    });
 }
 
 namespace {
@@ -253,32 +251,30 @@ TEST_F(ColoursTest, TheDescriptionHasRoomAroundItsText) {
 TEST_F(ColoursTest, OtherColoursAreFollowed) {
     static std::set<HWND> told;
     told.clear();
-    Inside(
-        [] {
-            SetWindowPos(EditorWindow::Find(), HWND_TOPMOST, 10, 10, 0, 0, SWP_NOSIZE);
-            const HHOOK hook = SetWindowsHookExW(
-                WH_CALLWNDPROC,
-                [](int code, WPARAM wParam, LPARAM lParam) WINAPI -> LRESULT {
-                    const auto& sent = *reinterpret_cast<const CWPSTRUCT*>(lParam);
-                    if (code == HC_ACTION && sent.message == WM_SYSCOLORCHANGE) told.insert(sent.hwnd);
-                    return CallNextHookEx(nullptr, code, wParam, lParam);
-                },
-                nullptr, GetCurrentThreadId());
-            ASSERT_NE(nullptr, hook);
-            Paint();
-            {
-                const OtherColours green({{COLOR_WINDOW, RGB(0, 64, 0)}, {COLOR_WINDOWTEXT, RGB(255, 255, 255)}});
-                MSG message;
-                while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) DispatchMessageW(&message);
-                EXPECT_EQ(RGB(0, 64, 0), MostOf(PixelsOf(EditorWindow::Editor())));
-                EXPECT_EQ(RGB(0, 64, 0), MostOf(PixelsOf(View(0))));
-            }
-            UnhookWindowsHookEx(hook);
-            EXPECT_TRUE(told.contains(EditorWindow::Find()));
-            for (const HWND control : {Toolbar(), StatusBar(), Description(), EditorWindow::Editor(), Tab(0), View(0),
-                                       View(1), View(2), View(3)}) {
-                EXPECT_TRUE(told.contains(control)) << GetDlgCtrlID(control);
-            }
-        },
-        L"select 1");
+    Inside(L"select 1", [] {
+        SetWindowPos(EditorWindow::Find(), HWND_TOPMOST, 10, 10, 0, 0, SWP_NOSIZE);
+        const HHOOK hook = SetWindowsHookExW(
+            WH_CALLWNDPROC,
+            [](int code, WPARAM wParam, LPARAM lParam) WINAPI -> LRESULT {
+                const auto& sent = *reinterpret_cast<const CWPSTRUCT*>(lParam);
+                if (code == HC_ACTION && sent.message == WM_SYSCOLORCHANGE) told.insert(sent.hwnd);
+                return CallNextHookEx(nullptr, code, wParam, lParam);
+            },
+            nullptr, GetCurrentThreadId());
+        ASSERT_NE(nullptr, hook);
+        Paint();
+        {
+            const OtherColours green({{COLOR_WINDOW, RGB(0, 64, 0)}, {COLOR_WINDOWTEXT, RGB(255, 255, 255)}});
+            MSG message;
+            while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) DispatchMessageW(&message);
+            EXPECT_EQ(RGB(0, 64, 0), MostOf(PixelsOf(EditorWindow::Editor())));
+            EXPECT_EQ(RGB(0, 64, 0), MostOf(PixelsOf(View(0))));
+        }
+        UnhookWindowsHookEx(hook);
+        EXPECT_TRUE(told.contains(EditorWindow::Find()));
+        for (const HWND control : {Toolbar(), StatusBar(), Description(), EditorWindow::Editor(), Tab(0), View(0),
+                                   View(1), View(2), View(3)}) {
+            EXPECT_TRUE(told.contains(control)) << GetDlgCtrlID(control);
+        }
+    });
 }

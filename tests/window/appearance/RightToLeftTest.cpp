@@ -50,21 +50,18 @@ std::wstring Raw() {  // with one character for a line end, as the control keeps
 
 class RightToLeftTest : public EditingFixture {
 protected:
-    void TearDown() override { EXPECT_EQ(L"", Errors.Places()); }
 };
 
 class RightToLeftFilesTest : public FilesFixture {
 protected:
-    void TearDown() override { EXPECT_EQ(L"", Errors.Places()); }
 };
 
 }  // namespace
 
 TEST_F(RightToLeftTest, DisplayHandsBackWhatItWasGiven) {
-    EXPECT_EQ(Mixed, Inside([] { EXPECT_EQ(Mixed, EditorWindow::Text()); }, Mixed));
+    EXPECT_EQ(Mixed, Inside(Mixed, [] { EXPECT_EQ(Mixed, EditorWindow::Text()); }));
     // Through a fresh control, which takes the place of one with a long text.
-    const Object editor = Dll.Create();
-    editor.Call(L"Constructor", Database.Make());
+    const Object editor = Connected();
     std::wstring lengthy;
     while (lengthy.size() < 40000) lengthy += Mixed + L"\r\n";
     EXPECT_EQ(lengthy, DisplayAndClose(editor, lengthy, [] {}));
@@ -72,8 +69,7 @@ TEST_F(RightToLeftTest, DisplayHandsBackWhatItWasGiven) {
 }
 
 TEST_F(RightToLeftTest, EachOfTheUnseenCharactersIsKept) {
-    const Object editor = Dll.Create();
-    editor.Call(L"Constructor", Database.Make());
+    const Object editor = Connected();
     for (const wchar_t mark :
          L"\u200b\u200c\u200d\u200e\u200f\u202a\u202b\u202c\u202d\u202e\u2060\u2066\u2067\u2068\u2069\u061c\ufeff"s) {
         // First, last, between letters of both directions, and at the ends of lines.
@@ -83,45 +79,39 @@ TEST_F(RightToLeftTest, EachOfTheUnseenCharactersIsKept) {
 }
 
 TEST_F(RightToLeftTest, WhatIsTypedComesBack) {
-    EXPECT_EQ(L"select \u05d0\u200f\u0628;", Inside(
-                                                 [] {
-                                                     SelectText(7, 7);
-                                                     for (const wchar_t unit : L"\u05d0\u200f\u0628"s) {
-                                                         SendMessageW(EditorWindow::Editor(), WM_CHAR, unit, 1);
-                                                     }
-                                                     EXPECT_EQ(L"10-10", Selection());
-                                                 },
-                                                 L"select ;"));
+    EXPECT_EQ(L"select \u05d0\u200f\u0628;", Inside(L"select ;", [] {
+                  SelectText(7, 7);
+                  for (const wchar_t unit : L"\u05d0\u200f\u0628"s) {
+                      SendMessageW(EditorWindow::Editor(), WM_CHAR, unit, 1);
+                  }
+                  EXPECT_EQ(L"10-10", Selection());
+              }));
 }
 
 TEST_F(RightToLeftTest, CopyCutAndPasteKeepIt) {
-    EXPECT_EQ(Mixed + Mixed, Inside(
-                                 [] {
-                                     Choose(L"Select All");
-                                     Choose(L"Copy");
-                                     EXPECT_EQ(Mixed, ClipboardText());
-                                     Choose(L"Cut");
-                                     EXPECT_EQ(L"", EditorWindow::Text());
-                                     EXPECT_EQ(Mixed, ClipboardText());
-                                     Choose(L"Paste");
-                                     EXPECT_EQ(Mixed, EditorWindow::Text());
-                                     const auto end = static_cast<LONG>(Raw().size());
-                                     SelectText(end, end);
-                                     Choose(L"Paste");
-                                 },
-                                 Mixed));
+    EXPECT_EQ(Mixed + Mixed, Inside(Mixed, [] {
+                  Choose(L"Select All");
+                  Choose(L"Copy");
+                  EXPECT_EQ(Mixed, ClipboardText());
+                  Choose(L"Cut");
+                  EXPECT_EQ(L"", EditorWindow::Text());
+                  EXPECT_EQ(Mixed, ClipboardText());
+                  Choose(L"Paste");
+                  EXPECT_EQ(Mixed, EditorWindow::Text());
+                  const auto end = static_cast<LONG>(Raw().size());
+                  SelectText(end, end);
+                  Choose(L"Paste");
+              }));
 }
 
 TEST_F(RightToLeftTest, ADropKeepsIt) {
-    EXPECT_EQ(L"<" + Mixed + L">", Inside(
-                                       [] {
-                                           SelectText(1, 1);
-                                           TestData data;
-                                           data.AddText(Mixed);
-                                           // A place outside the text: where the caret is.
-                                           EXPECT_EQ(DWORD{DROPEFFECT_COPY}, DropOnEditor(data, {-5000, -5000}));
-                                       },
-                                       L"<>"));
+    EXPECT_EQ(L"<" + Mixed + L">", Inside(L"<>", [] {
+                  SelectText(1, 1);
+                  TestData data;
+                  data.AddText(Mixed);
+                  // A place outside the text: where the caret is.
+                  EXPECT_EQ(DWORD{DROPEFFECT_COPY}, DropOnEditor(data, {-5000, -5000}));
+              }));
 }
 
 TEST_F(RightToLeftTest, CaseAndFindLeaveWhatHasNoCase) {
@@ -129,23 +119,21 @@ TEST_F(RightToLeftTest, CaseAndFindLeaveWhatHasNoCase) {
     for (wchar_t& unit : upper) {
         if (unit >= L'a' && unit <= L'z') unit = static_cast<wchar_t>(unit - 32);
     }
-    EXPECT_EQ(upper, Inside(
-                         [] {
-                             Choose(L"Select All");
-                             Choose(L"Make Upper Case");
-                             SelectText(0, 0);
-                             SetTimer(nullptr, 0, 20, [](HWND, UINT, UINT_PTR id, DWORD) WINAPI {
-                                 const HWND box = FindWindowW(L"#32770", L"Find");
-                                 if (box == nullptr || !IsWindowVisible(box)) return;
-                                 KillTimer(nullptr, id);
-                                 SetDlgItemTextW(box, 101, L"\u0645\u0631\u062d\u0628\u0627 aBc\u202c");
-                                 SendMessageW(box, WM_COMMAND, IDOK, 0);
-                             });
-                             Choose(L"Find...");
-                             const auto at = static_cast<LONG>(Raw().find(L"\u0645\u0631\u062d\u0628\u0627"));
-                             EXPECT_EQ(std::to_wstring(at) + L"-" + std::to_wstring(at + 10), Selection());
-                         },
-                         Mixed));
+    EXPECT_EQ(upper, Inside(Mixed, [] {
+                  Choose(L"Select All");
+                  Choose(L"Make Upper Case");
+                  SelectText(0, 0);
+                  SetTimer(nullptr, 0, 20, [](HWND, UINT, UINT_PTR id, DWORD) WINAPI {
+                      const HWND box = FindWindowW(L"#32770", L"Find");
+                      if (box == nullptr || !IsWindowVisible(box)) return;
+                      KillTimer(nullptr, id);
+                      SetDlgItemTextW(box, 101, L"\u0645\u0631\u062d\u0628\u0627 aBc\u202c");
+                      SendMessageW(box, WM_COMMAND, IDOK, 0);
+                  });
+                  Choose(L"Find...");
+                  const auto at = static_cast<LONG>(Raw().find(L"\u0645\u0631\u062d\u0628\u0627"));
+                  EXPECT_EQ(std::to_wstring(at) + L"-" + std::to_wstring(at + 10), Selection());
+              }));
 }
 
 TEST_F(RightToLeftTest, NamesOfTheDatabaseReachTheStatement) {
@@ -159,18 +147,16 @@ TEST_F(RightToLeftTest, NamesOfTheDatabaseReachTheStatement) {
     };
     Columns({column.c_str(), L"\u2067id\u2069"});
     Type(8);  // with the schema's name before the table's
-    const std::wstring returned = Inside(
-        [&] {
-            Tree.Open(Tree.At({}));
-            EXPECT_EQ(L"\u05de\u05db\u05d9\u05e8\u05d5\u05ea", Tree.Text(Tree.At({0})));
-            Tree.Open(Tree.At({0}));
-            Tree.Open(Tree.At({0, 0}));
-            EXPECT_EQ(table, Tree.Text(Tree.At({0, 0, 0})));
-            Tree.Click(Tree.At({0, 0, 0}));
-            EXPECT_NE(std::wstring::npos, Description().find(table));
-            EditorWindow::Choose(L"Action", L"Select");
-        },
-        L"");
+    const std::wstring returned = Inside(L"", [&] {
+        Tree.Open(Tree.At({}));
+        EXPECT_EQ(L"\u05de\u05db\u05d9\u05e8\u05d5\u05ea", Tree.Text(Tree.At({0})));
+        Tree.Open(Tree.At({0}));
+        Tree.Open(Tree.At({0, 0}));
+        EXPECT_EQ(table, Tree.Text(Tree.At({0, 0, 0})));
+        Tree.Click(Tree.At({0, 0, 0}));
+        EXPECT_NE(std::wstring::npos, Description().find(table));
+        EditorWindow::Choose(L"Action", L"Select");
+    });
     EXPECT_EQ(L"\r\nSELECT " + column + L"\r\n, \u2067id\u2069\r\nFROM \u05de\u05db\u05d9\u05e8\u05d5\u05ea.[" + table +
                   L"]\r\n;\r\n",
               returned);
@@ -186,23 +172,21 @@ TEST_F(RightToLeftTest, AMirroredHostDoesNotMirrorTheWindow) {
     const HWND other = CreateWindowExW(0, L"Static", L"", WS_POPUP, 0, 0, 10, 10, nullptr, nullptr, nullptr, nullptr);
     EXPECT_NE(0, GetWindowLongW(other, GWL_EXSTYLE) & WS_EX_LAYOUTRTL);
     DestroyWindow(other);
-    EXPECT_EQ(Mixed, Inside(
-                         [] {
-                             const HWND window = EditorWindow::Find();
-                             EXPECT_EQ(0, GetWindowLongW(window, GWL_EXSTYLE) & WS_EX_LAYOUTRTL);
-                             EnumChildWindows(
-                                 window,
-                                 [](HWND child, LPARAM) WINAPI -> BOOL {
-                                     EXPECT_EQ(0, GetWindowLongW(child, GWL_EXSTYLE) & WS_EX_LAYOUTRTL);
-                                     return TRUE;
-                                 },
-                                 0);
-                             RECT tab, editor;
-                             GetWindowRect(GetDlgItem(window, IdLeftButton), &tab);
-                             GetWindowRect(EditorWindow::Editor(), &editor);
-                             EXPECT_LT(tab.right, editor.left);
-                         },
-                         Mixed));
+    EXPECT_EQ(Mixed, Inside(Mixed, [] {
+                  const HWND window = EditorWindow::Find();
+                  EXPECT_EQ(0, GetWindowLongW(window, GWL_EXSTYLE) & WS_EX_LAYOUTRTL);
+                  EnumChildWindows(
+                      window,
+                      [](HWND child, LPARAM) WINAPI -> BOOL {
+                          EXPECT_EQ(0, GetWindowLongW(child, GWL_EXSTYLE) & WS_EX_LAYOUTRTL);
+                          return TRUE;
+                      },
+                      0);
+                  RECT tab, editor;
+                  GetWindowRect(GetDlgItem(window, IdLeftButton), &tab);
+                  GetWindowRect(EditorWindow::Editor(), &editor);
+                  EXPECT_LT(tab.right, editor.left);
+              }));
 }
 
 TEST_F(RightToLeftFilesTest, OpenAndSaveKeepItInEveryEncoding) {

@@ -301,7 +301,7 @@ TEST(CatalogueTest, UserNameIsListedTwiceWithTheSameTexts) {
     EXPECT_EQ(first.ExecuteText, second.ExecuteText);
 }
 
-TEST(CatalogueTest, DescriptionsThatUsersKnowStayAsTheyAre) {
+TEST(CatalogueTest, DescriptionsAreVerbatim) {
     ExpectDescription(0, L"@", L"Executes the SQL in a file.");
     ExpectDescription(1, L":", L"Create a bind parameter e.g. :my_param or a bound cell e.g. :A1.");
     ExpectDescription(2, L"&", L"Create a substitution parameter e.g. &my_param. :A1.");
@@ -396,8 +396,8 @@ TEST(CatalogueTest, NoTwoEntriesShareASentence) {
     }
 }
 
-// The others are the product's own words and keep to stricter rules than the ones that users know.
-TEST(CatalogueTest, DescriptionsOfOurOwnSayEnoughAndEachItsOwn) {
+// Those that DescriptionsAreVerbatim does not pin keep to stricter rules.
+TEST(CatalogueTest, OtherDescriptionsSayEnoughAndEachItsOwn) {
     const std::set<long> known = {36,  53,  63,  64,  77,  86,  87,  99,  101, 110, 112, 115, 125,
                                   149, 173, 196, 210, 226, 233, 248, 250, 256, 270, 277, 282};
     constexpr size_t sensibleLength = 25;

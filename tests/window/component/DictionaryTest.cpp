@@ -2,7 +2,6 @@
 
 #include "automation/App.h"
 #include "errors/clsErrorHandler.h"
-#include "errors/modErrorHandler.h"
 #include "shared/modGlobal.h"
 #include "support/Errors.h"
 #include "support/HostFakes.h"
@@ -87,7 +86,6 @@ TEST_F(DictionaryTest, ForwardsInOrderWithItsDefaults) {
     EXPECT_EQ(L"3:3 0:3 ", Asked);
     dictionary.DataTypeDesc(3, 7);
     EXPECT_EQ(L"3:3 7:3 ", Asked);
-    EXPECT_EQ(L"", Errors.Places());
 }
 
 TEST_F(DictionaryTest, WhatIsNoCollectionIsReported) {
@@ -95,15 +93,14 @@ TEST_F(DictionaryTest, WhatIsNoCollectionIsReported) {
     for (const Variant& value : {Variant(5L), Variant(L"A"), Variant::Null(), Variant(), Variant(Host.Make())}) {
         Answer(L"Schemas", value);
         dictionary.Constructor(Host.MakeDictionary());
-        Errors.Reports.clear();
+        Errors.Forget();
         EXPECT_FALSE(dictionary.Schemas(L""));
         EXPECT_EQ(L"clsDictionary.Get Schemas 13", Errors.Places());
     }
     Answer(L"Schemas", Variant::Nothing());
     dictionary.Constructor(Host.MakeDictionary());
-    Errors.Reports.clear();
+    Errors.Forget();
     EXPECT_FALSE(dictionary.Schemas(L""));
-    EXPECT_EQ(L"", Errors.Places());
 }
 
 TEST_F(DictionaryTest, AnArrayIsNoCollection) {
@@ -126,7 +123,6 @@ TEST_F(DictionaryTest, NumbersThatWindowsDefinesArePassedOnAsTheHostRaisedThem) 
         dictionary.Constructor(Host.MakeDictionary());
         EXPECT_EQ(number, NumberOf([&] { dictionary.Columns(L"", L""); }));
     }
-    EXPECT_EQ(L"", Errors.Places());
 }
 
 TEST_F(DictionaryTest, NoDictionaryComesFromObjectsUnderTheApplicationsName) {
@@ -168,7 +164,7 @@ TEST_F(DictionaryTest, ColumnsPassesOnWhatTheHostsComponentNumbersItself) {
                                 Reported{5, L"brvADO"}}) {
         Fail(L"Columns", one.Number, one.Source);
         dictionary.Constructor(Host.MakeDictionary());
-        Errors.Reports.clear();
+        Errors.Forget();
         EXPECT_FALSE(dictionary.Columns(L"", L""));
         EXPECT_EQ(L"clsDictionary.Get Columns " + std::to_wstring(one.Number), Errors.Places());
     }
@@ -184,7 +180,7 @@ TEST_F(DictionaryTest, ObjectsReportsEveryOtherError) {
          {Reported{-2147221503, L"other"}, Reported{-2147221502, L"brvADO"}, Reported{7, L"brvADO"}}) {
         Fail(L"Objects", one.Number, one.Source);
         dictionary.Constructor(Host.MakeDictionary());
-        Errors.Reports.clear();
+        Errors.Forget();
         EXPECT_FALSE(dictionary.Objects(1));
         EXPECT_EQ(L"clsDictionary.Get Objects " + std::to_wstring(one.Number), Errors.Places());
     }
@@ -200,61 +196,4 @@ TEST_F(DictionaryTest, LetsTheDictionaryGo) {
     dictionary.Destructor();
     EXPECT_EQ(0U, raw->Release());
     EXPECT_FALSE(dictionary.Connected());
-}
-
-TEST(ErrorHandlerTest, ForwardsEveryMember) {
-    FakeErrors errors;
-    clsErrorHandler handler;
-    handler.Alert(L"careful");
-    handler.Alert(L"careful", L"Title");
-    handler.LogEvent(L"started");
-    EXPECT_EQ((std::vector<std::wstring>{L"Alert,careful,<missing>", L"Alert,careful,Title", L"LogEvent,started"}),
-              errors.Told);
-    EXPECT_TRUE(handler.DisplayAlerts());  // any number but 0
-    handler.SetDisplayAlerts(false);
-    EXPECT_FALSE(errors.DisplayAlerts);
-    EXPECT_FALSE(handler.DisplayAlerts());
-    RuntimeError error;
-    error.Number = 13;
-    error.Source = L"here";
-    error.Description = L"there";
-    handler.ErrorMessage(L"modA", L"ProcB", MakeErrorObject(error), 70, L"index=[1]");
-    ASSERT_EQ(1U, errors.Reports.size());
-    EXPECT_EQ(L"modA.ProcB 13", errors.Places());
-    EXPECT_EQ(70, errors.Reports[0].Line);
-    EXPECT_EQ(L"index=[1]", errors.Reports[0].Debug);
-    handler.Destructor();
-    handler.LogEvent(L"still there");
-    EXPECT_EQ(4U, errors.Told.size());
-}
-
-TEST(ErrorHandlerTest, AnErrorIsHandedOverWithAllItSays) {
-    RuntimeError error;
-    error.Number = -2147221494;
-    error.Source = L"brvADO";
-    error.Description = L"gone";
-    error.HelpFile = L"help.chm";
-    error.HelpContext = 42;
-    error.LastDllError = 5;
-    const Object object = MakeErrorObject(error);
-    EXPECT_EQ(-2147221494, object.Get(L"Number").ToLong());
-    EXPECT_EQ(L"brvADO", object.Get(L"Source").ToText());
-    EXPECT_EQ(L"gone", object.Get(L"Description").ToText());
-    EXPECT_EQ(L"help.chm", object.Get(L"HelpFile").ToText());
-    EXPECT_EQ(42, object.Get(L"HelpContext").ToLong());
-    EXPECT_EQ(5, object.Get(L"LastDllError").ToLong());
-    EXPECT_EQ(-2147221494, Variant(object).ToLong());  // its default member
-}
-
-TEST(ComponentErrors, AreToldApartByTheirRange) {
-    EXPECT_TRUE(IsNotComponentError(-2147221504));
-    EXPECT_FALSE(IsNotComponentError(-2147221503));
-    EXPECT_FALSE(IsNotComponentError(-2147155970));
-    EXPECT_TRUE(IsNotComponentError(-2147155969));
-    EXPECT_TRUE(IsNotComponentError(5));
-    EXPECT_TRUE(IsNotComponentError(-5));
-    EXPECT_TRUE(IsNotComponentError(262143));
-    EXPECT_EQ(ErrorNumber::Overflow, NumberOf([] { IsNotComponentError(262144); }));
-    EXPECT_EQ(ErrorNumber::Overflow, NumberOf([] { IsNotComponentError(2147483647); }));
-    EXPECT_TRUE(IsNotComponentError(-2147483647 - 1));
 }

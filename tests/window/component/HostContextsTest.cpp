@@ -1,6 +1,7 @@
 #include <cstdio>
 #include <set>
 
+#include "WatchedErrors.h"
 #include "support/Browsed.h"
 
 // A host with an activation context and an awareness of dots per inch of its own.
@@ -100,21 +101,11 @@ TEST_F(HostContextsTest, TheHostsCodeRunsInItsOwn) {
     LookIn(Database.DictionaryMembers);
     Errors.Wrap = [&](const Object& recorder) {
         Look(L"creation of the error component");
-        auto* made = new DynamicObject;
-        const Object wrapper = Object::Attach(made);
-        made->Define(L"Constructor", [this](const Arguments&) {
-            Look(L"error component's Constructor");
-            return Variant();
-        });
-        made->Define(L"ErrorMessage", [this, recorder](const Arguments& a) {
-            Look(L"ErrorMessage");
-            return recorder.Call(L"ErrorMessage", a[0], a[1], a[2], a[3], Variant::Missing());
-        });
-        return wrapper;
+        return Watched(recorder, [this](const wchar_t* member) { Look(member); });
     };
     Inside([this] {
         Look(L"a timer of the host");
-        for (const auto& path : {std::initializer_list<int>{}, {0}, {0, 0}, {0, 0, 0}}) Tree.Open(Tree.At(path));
+        Tree.OpenDownTo({0, 0, 0});
         Tree.Click(Tree.At({0, 0, 0}));
         EditorWindow::Choose(L"Action", L"Select");
         Tree.Click(Tree.At({0, 0}));
@@ -128,33 +119,23 @@ TEST_F(HostContextsTest, TheHostsCodeRunsInItsOwn) {
     }
     Look(L"after Display");
     EXPECT_EQ(L"", AllStrange());
-    EXPECT_EQ(L"", Errors.Places());
 }
 
 TEST_F(HostContextsTest, TheErrorComponentRunsInTheHosts) {
     Errors.Wrap = [&](const Object& recorder) {
         Look(L"creation");
-        auto* made = new DynamicObject;
-        const Object wrapper = Object::Attach(made);
-        made->Define(L"Constructor", [this](const Arguments&) {
-            Look(L"Constructor");
-            return Variant();
-        });
-        made->Define(L"ErrorMessage", [this, recorder](const Arguments& a) {
-            Look(L"ErrorMessage");
-            return recorder.Call(L"ErrorMessage", a[0], a[1], a[2], a[3], Variant::Missing());
-        });
-        return wrapper;
+        return Watched(recorder, [this](const wchar_t* member) { Look(member); });
     };
     Database.Members[L"FormatName"] = [](const Arguments&) -> Variant { RaiseError(5); };
     Inside([this] {
-        for (const auto& path : {std::initializer_list<int>{}, {0}, {0, 0}}) Tree.Open(Tree.At(path));
+        Tree.OpenDownTo({0, 0});
         Tree.Click(Tree.At({0, 0, 0}));
         EditorWindow::Choose(L"Action", L"Delete");
     });
     EXPECT_LT(0, Seen[L"creation"]);
     EXPECT_LT(0, Seen[L"Constructor"]);
     EXPECT_LT(0, Seen[L"ErrorMessage"]);
+    EXPECT_NE(L"", Errors.Places());
     EXPECT_EQ(L"", AllStrange());
 }
 

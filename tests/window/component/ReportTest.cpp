@@ -1,4 +1,6 @@
 #include "automation/Version.h"
+#include "errors/clsErrorHandler.h"
+#include "errors/modErrorHandler.h"
 #include "support/Component.h"
 #include "support/Errors.h"
 #include "support/Settings.h"
@@ -18,18 +20,17 @@ TEST_F(ReportTest, TheErrorComponentIsMadeOnceWithTitleAndVersion) {
     EXPECT_EQ(L"brvSQLEditor," + std::to_wstring(BRV_VERSION_MAJOR) + L"," + std::to_wstring(BRV_VERSION_MINOR) + L"," +
                   std::to_wstring(BRV_VERSION_REVISION),
               Errors.Constructed[0]);
-    EXPECT_EQ(2U, Errors.Reports.size());
+    EXPECT_EQ(L"clsSQLEditor.Constructor 438|clsSQLEditor.Constructor 438", Errors.Places());
 }
 
 TEST_F(ReportTest, AReportHasLineZeroAndNoDebugText) {
     Database.Members.erase(L"UserName");
-    const Object editor = Dll.Create();
-    editor.Call(L"Constructor", Database.Make());
-    ASSERT_EQ(1U, Errors.Reports.size());
-    EXPECT_EQ(0, Errors.Reports[0].Line);
-    EXPECT_TRUE(Errors.Reports[0].DebugMissing);
-    EXPECT_EQ(L"brvSQLEditor", Errors.Reports[0].Source);
-    EXPECT_NE(L"", Errors.Reports[0].Description);
+    const Object editor = Connected();
+    const Report report = Errors.Only();
+    EXPECT_EQ(0, report.Line);
+    EXPECT_TRUE(report.DebugMissing);
+    EXPECT_EQ(L"brvSQLEditor", report.Source);
+    EXPECT_NE(L"", report.Description);
 }
 
 TEST_F(ReportTest, WhenTheReportingFailsTheErrorReachesTheHostAtLast) {
@@ -69,7 +70,6 @@ TEST_F(ReportTest, AnErrorOfTheErrorComponentTravelsUpThroughTheTraps) {
     // The window is there now and is not loaded again.
     Errors.ErrorMessageFails = false;
     EXPECT_EQ(L"x", DisplayAndClose(editor, L"x"));
-    EXPECT_EQ(L"", Errors.Places());
 }
 
 TEST_F(ReportTest, AnEventThatCannotBeReportedEndsTheWindowAndFreesTheHost) {
@@ -81,11 +81,7 @@ TEST_F(ReportTest, AnEventThatCannotBeReportedEndsTheWindowAndFreesTheHost) {
     const WhenShown shown([&] {
         EXPECT_FALSE(IsWindowEnabled(host));
         // Closing fails to save and then to report it.
-        HKEY key = nullptr;
-        Settings::Clear();
-        RegCreateKeyExW(HKEY_CURRENT_USER, L"Software\\VB and VBA Program Settings\\brvSQLEditor", 0, nullptr,
-                        REG_OPTION_VOLATILE, KEY_ALL_ACCESS, nullptr, &key, nullptr);
-        RegCloseKey(key);
+        Settings::Refuse();
         Errors.CannotBeCreated = true;
         PostMessageW(EditorWindow::Find(), WM_CLOSE, 0, 0);
     });
@@ -111,4 +107,61 @@ TEST_F(ReportTest, FailuresWhileOneIsReportedAreReportedToSomeDepth) {
     editor.Call(L"Constructor", database);
     EXPECT_EQ(32U, Errors.Reports.size());
     Errors.OnReport = {};
+    Errors.Forget();
+}
+
+TEST(ErrorHandlerTest, ForwardsEveryMember) {
+    FakeErrors errors;
+    clsErrorHandler handler;
+    handler.Alert(L"careful");
+    handler.Alert(L"careful", L"Title");
+    handler.LogEvent(L"started");
+    EXPECT_EQ((std::vector<std::wstring>{L"Alert,careful,<missing>", L"Alert,careful,Title", L"LogEvent,started"}),
+              errors.Told);
+    EXPECT_TRUE(handler.DisplayAlerts());  // any number but 0
+    handler.SetDisplayAlerts(false);
+    EXPECT_FALSE(errors.DisplayAlerts);
+    EXPECT_FALSE(handler.DisplayAlerts());
+    RuntimeError error;
+    error.Number = 13;
+    error.Source = L"here";
+    error.Description = L"there";
+    handler.ErrorMessage(L"modA", L"ProcB", MakeErrorObject(error), 70, L"index=[1]");
+    EXPECT_EQ(L"modA.ProcB 13", errors.Places());
+    EXPECT_EQ(70, errors.Only().Line);
+    EXPECT_EQ(L"index=[1]", errors.Only().Debug);
+    handler.Destructor();
+    handler.LogEvent(L"still there");
+    EXPECT_EQ(4U, errors.Told.size());
+}
+
+TEST(ErrorHandlerTest, AnErrorIsHandedOverWithAllItSays) {
+    RuntimeError error;
+    error.Number = -2147221494;
+    error.Source = L"brvADO";
+    error.Description = L"gone";
+    error.HelpFile = L"help.chm";
+    error.HelpContext = 42;
+    error.LastDllError = 5;
+    const Object object = MakeErrorObject(error);
+    EXPECT_EQ(-2147221494, object.Get(L"Number").ToLong());
+    EXPECT_EQ(L"brvADO", object.Get(L"Source").ToText());
+    EXPECT_EQ(L"gone", object.Get(L"Description").ToText());
+    EXPECT_EQ(L"help.chm", object.Get(L"HelpFile").ToText());
+    EXPECT_EQ(42, object.Get(L"HelpContext").ToLong());
+    EXPECT_EQ(5, object.Get(L"LastDllError").ToLong());
+    EXPECT_EQ(-2147221494, Variant(object).ToLong());  // its default member
+}
+
+TEST(ComponentErrors, AreToldApartByTheirRange) {
+    EXPECT_TRUE(IsNotComponentError(-2147221504));
+    EXPECT_FALSE(IsNotComponentError(-2147221503));
+    EXPECT_FALSE(IsNotComponentError(-2147155970));
+    EXPECT_TRUE(IsNotComponentError(-2147155969));
+    EXPECT_TRUE(IsNotComponentError(5));
+    EXPECT_TRUE(IsNotComponentError(-5));
+    EXPECT_TRUE(IsNotComponentError(262143));
+    EXPECT_EQ(ErrorNumber::Overflow, NumberOf([] { IsNotComponentError(262144); }));
+    EXPECT_EQ(ErrorNumber::Overflow, NumberOf([] { IsNotComponentError(2147483647); }));
+    EXPECT_TRUE(IsNotComponentError(-2147483647 - 1));
 }

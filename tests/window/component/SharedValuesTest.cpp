@@ -68,7 +68,6 @@ TEST_F(SharedValuesTest, ADisconnectedDatabaseLeavesAnEmptyRootAndAnAdapter) {
     Editor.Constructor(Database.Make());
     EXPECT_EQ(L" 99  nothing not connected", Values());
     EXPECT_NE(before, Dictionary);
-    EXPECT_EQ(L"", Errors.Places());
 }
 
 TEST_F(SharedValuesTest, TheCurrentCatalogGoesBeforeTheUserName) {
@@ -114,6 +113,8 @@ TEST_F(SharedValuesTest, WhatWasSetBeforeTheFailureStays) {
         database.Members.erase(one.Missing);
         const Object given = database.Make();
         Editor.Constructor(given);
+        EXPECT_EQ(L"clsSQLEditor.Constructor 438", Errors.Places()) << one.Missing;
+        Errors.Forget();
         EXPECT_EQ(one.Left, Values()) << one.Missing;
         EXPECT_EQ(adapter, Dictionary) << one.Missing;
         // The database is kept once it has said that it is connected.
@@ -124,6 +125,7 @@ TEST_F(SharedValuesTest, WhatWasSetBeforeTheFailureStays) {
     const auto adapter = Dictionary;
     Database.Members.erase(L"Dictionary");
     Editor.Constructor(Database.Make());
+    EXPECT_EQ(L"clsSQLEditor.Constructor 438", Errors.Places());
     EXPECT_EQ(L"SCOTT 4 Schemas kept not connected",
               Values());  // the new adapter was made before its dictionary was read
     EXPECT_NE(adapter, Dictionary);
@@ -134,6 +136,7 @@ TEST_F(SharedValuesTest, TheDatabaseIsKeptWhateverItsOwnerIs) {
     Database.Members.erase(L"CurrentCatalog");
     const Object first = Database.Make();
     Editor.Constructor(first);
+    EXPECT_EQ(L"clsSQLEditor.Constructor 438", Errors.Places());
     EXPECT_EQ(L" 0  kept none", Values());
     EXPECT_EQ(first.Dispatch(), HostDatabase.Dispatch());
     Give(L"CurrentCatalog", L"");
@@ -191,15 +194,11 @@ TEST_F(SharedValuesTest, TheEndOfAnObjectThatCannotBeReportedIsNoCrash) {
     modGlobal::Main();
     for (const auto& one : cases) {
         Settings::Clear();
-        Errors.Reports.clear();
+        Errors.Forget();
         ErrorHandler.reset();
         EditorForm = std::make_shared<frmSQLEditor>();
         EditorForm->Load();
-        HKEY key = nullptr;
-        // Below a volatile key no lasting one can be made.
-        RegCreateKeyExW(HKEY_CURRENT_USER, L"Software\\VB and VBA Program Settings\\brvSQLEditor", 0, nullptr,
-                        REG_OPTION_VOLATILE, KEY_ALL_ACCESS, nullptr, &key, nullptr);
-        RegCloseKey(key);
+        Settings::Refuse();
         Errors.CreateFailures = one.Failures;
         { clsSQLEditor ending; }
         EXPECT_EQ(one.Place, Errors.Places());

@@ -1,5 +1,6 @@
 #include <algorithm>
 
+#include "WatchedErrors.h"
 #include "support/Browsed.h"
 
 // The window is topmost, except while code runs that may show a window of its own.
@@ -98,7 +99,6 @@ TEST_F(TopmostTest, TheDictionaryIsCalledWithoutIt) {
         EXPECT_FALSE(Called[name].empty()) << name;
         EXPECT_EQ(0, std::ranges::count(Called[name], true)) << name;
     }
-    EXPECT_EQ(L"", Errors.Places());
 }
 
 TEST_F(TopmostTest, TheCreateTableDialogOpensInFront) {
@@ -120,8 +120,7 @@ TEST_F(TopmostTest, TheCreateTableDialogOpensInFront) {
     host = CreateWindowExW(0, L"Static", L"host", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 0, 0, 100, 100, nullptr, nullptr,
                            nullptr, nullptr);
     Inside([&] {
-        Tree.Open(Tree.At({}));
-        Tree.Open(Tree.At({0}));
+        Tree.OpenDownTo({0});
         Tree.Click(Tree.At({0, 0}));
         EditorWindow::Choose(L"Action", L"Create");
         EXPECT_TRUE(IsTopmost());
@@ -166,26 +165,17 @@ TEST_F(TopmostTest, AnOpenFindWindowChangesNothing) {
 TEST_F(TopmostTest, TheErrorComponentIsCalledWithoutIt) {
     std::vector<bool> reported;
     Errors.Wrap = [&](const Object& recorder) {
-        auto* made = new DynamicObject;
-        const Object wrapper = Object::Attach(made);
-        made->Define(L"Constructor", [&reported](const Arguments&) {
-            reported.push_back(IsTopmost());
-            return Variant();
-        });
-        made->Define(L"ErrorMessage", [&reported, recorder](const Arguments& a) {
-            reported.push_back(IsTopmost());
-            return recorder.Call(L"ErrorMessage", a[0], a[1], a[2], a[3], Variant::Missing());
-        });
-        return wrapper;
+        return Watched(recorder, [&](const wchar_t*) { reported.push_back(IsTopmost()); });
     };
     Database.Members[L"FormatName"] = [](const Arguments&) -> Variant { RaiseError(5); };
     Inside([this] {
-        for (const auto& path : {std::initializer_list<int>{}, {0}, {0, 0}}) Tree.Open(Tree.At(path));
+        Tree.OpenDownTo({0, 0});
         Tree.Click(Tree.At({0, 0, 0}));
         EditorWindow::Choose(L"Action", L"Delete");
         EXPECT_TRUE(IsTopmost());
     });
     EXPECT_GE(reported.size(), 2U);
+    EXPECT_NE(L"", Errors.Places());
     EXPECT_EQ(0, std::ranges::count(reported, true));
 }
 
@@ -227,7 +217,7 @@ TEST_F(TopmostTest, NothingFlickers) {
     };
     Database.Members[L"ShowCreateTableDialog1"] = [](const Arguments&) { return Variant(); };
     Inside([&] {
-        for (const auto& path : {std::initializer_list<int>{}, {0}, {0, 0}}) Tree.Open(Tree.At(path));
+        Tree.OpenDownTo({0, 0});
         {
             const Watch watch;
             Tree.Open(Tree.At({0, 0, 0}));

@@ -151,14 +151,12 @@ TEST_F(AccessibilityTest, ControlsHaveNamesAndTheRolesOfTheirClasses) {
         EXPECT_EQ(L"Splitter", NameOf(GetDlgItem(window, IdSplitter)));
         EXPECT_NE(0, About(EditorWindow::Editor()).Role);
     });
-    EXPECT_EQ(L"", Errors.Places());
 }
 
 TEST_F(AccessibilityTest, TheServiceIsToldAndItIsTakenBack) {
     RecordingServices services;
     {
-        const Object editor = Dll.Create();
-        editor.Call(L"Constructor", Database.Make());
+        const Object editor = Connected();
         DisplayAndClose(editor, L"select 1", [&] {
             const HWND window = EditorWindow::Find();
             for (int page = 0; page < 4; ++page) {
@@ -181,7 +179,6 @@ TEST_F(AccessibilityTest, TheServiceIsToldAndItIsTakenBack) {
     EXPECT_TRUE(services.Names.empty());
     EXPECT_TRUE(services.Roles.empty());
     EXPECT_EQ(0, services.OfDeadWindows);
-    EXPECT_EQ(L"", Errors.Places());
 }
 
 // Whatever a control is called, what it shows stays what it was.
@@ -197,8 +194,7 @@ TEST_F(AccessibilityTest, NamesDoNotReachTheTexts) {
 TEST_F(AccessibilityTest, AFreshEditorIsNamedToo) {
     RecordingServices services;
     {
-        const Object editor = Dll.Create();
-        editor.Call(L"Constructor", Database.Make());
+        const Object editor = Connected();
         HWND first = nullptr;
         DisplayAndClose(editor, std::wstring(40000, L'x'), [&] { first = EditorWindow::Editor(); });
         DisplayAndClose(editor, L"select 2", [&] {
@@ -209,12 +205,10 @@ TEST_F(AccessibilityTest, AFreshEditorIsNamedToo) {
     }
     EXPECT_TRUE(services.Names.empty());
     EXPECT_EQ(0, services.OfDeadWindows);
-    EXPECT_EQ(L"", Errors.Places());
 }
 
 TEST_F(AccessibilityTest, TheKeysThatMoveTheFocusShowWhereItIs) {
-    const Object editor = Dll.Create();
-    editor.Call(L"Constructor", Database.Make());
+    const Object editor = Connected();
     // Wine does not answer WM_QUERYUISTATE: the message that asks for the rectangle is watched itself.
     static int asked;
     static HWND form, before, after;
@@ -260,8 +254,7 @@ TEST_F(AccessibilityTest, TheKeysThatMoveTheFocusShowWhereItIs) {
 }
 
 TEST_F(AccessibilityTest, TheEnterKeyChoosesThePageOfAButton) {
-    const Object editor = Dll.Create();
-    editor.Call(L"Constructor", Database.Make());
+    const Object editor = Connected();
     std::wstring sql = L"select 1";
     static HWND button;
     static int turns;
@@ -284,5 +277,4 @@ TEST_F(AccessibilityTest, TheEnterKeyChoosesThePageOfAButton) {
     });
     editor.Call(L"Display", ByRef(sql));
     EXPECT_EQ(BST_CHECKED, chosen);
-    EXPECT_EQ(L"", Errors.Places());
 }

@@ -5,35 +5,19 @@
 // Ctrl+Shift+C and Ctrl+Shift+V: SQL to and from the code of a program.
 class CodeKeysTest : public StepsFixture {
 protected:
-    using Step = std::function<bool()>;
-
-    void TearDown() override { EXPECT_EQ(L"", Errors.Places()); }
-    static Step Press(WORD key, int modifiers = FCONTROL | FSHIFT) {
-        return [=] {
-            Key(key, modifiers);
-            return true;
-        };
-    }
+    static Step Press(WORD key, int modifiers = FCONTROL | FSHIFT) { return StepsFixture::Press(key, modifiers); }
     static Step Select(LONG from, LONG to) {
         return [=] {
             SetForegroundWindow(EditorWindow::Find());
             SetFocus(EditorWindow::Editor());
             SelectText(from, to);
-            return true;
         };
     }
     static Step Copied(const std::wstring& code) {
-        return [code, tries = 0]() mutable {
-            if (Clipboard::GetText(EditorWindow::Find()) != code && ++tries < 40) return false;
-            EXPECT_EQ(code, Clipboard::GetText(EditorWindow::Find()));
-            return true;
-        };
+        return Becomes(code, [] { return Clipboard::GetText(EditorWindow::Find()); });
     }
     static Step OnClipboard(const std::wstring& text) {
-        return [text] {
-            Clipboard::SetText(EditorWindow::Find(), text);
-            return true;
-        };
+        return [text] { Clipboard::SetText(EditorWindow::Find(), text); };
     }
     static Step Says(const std::wstring& note) {
         return [note] { return EditorWindow::Status() == note; };
@@ -44,10 +28,8 @@ TEST_F(CodeKeysTest, AllOfTheTextOrTheSelectionIsCopied) {
     EXPECT_EQ(L"select \"a\"\r\nfrom t",
               InSteps(L"select \"a\"\r\nfrom t",
                       {Select(0, 0), Press('C'), Copied(L"\"select \"\"a\"\"\" & vbCrLf & _\r\n    \"from t\""),
-                       Says(L"Copied as a string of Basic."), Select(11, 15), Press('C'), Copied(L"\"from\""), [] {
-                           EXPECT_EQ(L"11-15", Selection());
-                           return true;
-                       }}));
+                       Says(L"Copied as a string of Basic."), Select(11, 15), Press('C'), Copied(L"\"from\""),
+                       [] { EXPECT_EQ(L"11-15", Selection()); }}));
 }
 
 TEST_F(CodeKeysTest, ALongTextIsStatements) {

@@ -3,8 +3,6 @@
 // F12 and Ctrl+Shift+F, by the keyboard and through the window's own loop.
 class FindObjectTest : public StepsFixture {
 protected:
-    using Step = std::function<bool()>;
-
     Step Read() {
         return [this] {
             SetForegroundWindow(EditorWindow::Find());
@@ -17,50 +15,29 @@ protected:
             Tree.Open(tables);
             Tree.Click(Tree.Named(tables, L"ORDERS"));
             Asked.clear();
-            return true;
         };
     }
     // F12 at the caret ("|"), and what is selected then, from the root on.
-    std::vector<Step> Find(std::wstring text, const std::wstring& path) {
-        const size_t caret = text.find(L'|');
-        text.erase(caret, 1);
-        return {[this, text, caret] {
+    Steps Find(const std::wstring& text, const std::wstring& path) {
+        return {[this, text] {
                     Tree.Select(nullptr);
-                    EditorWindow::SetText(text);
-                    SetFocus(EditorWindow::Editor());
-                    SelectText(static_cast<LONG>(caret), static_cast<LONG>(caret));
+                    PutWithCaret(text);
                     Key(VK_F12);
-                    return true;
                 },
-                [this, path, text, tries = 0]() mutable {
-                    if (Path() != path && ++tries < 40) return false;
-                    EXPECT_EQ(path, Path()) << testing::PrintToString(text);
-                    EXPECT_EQ(L"", Asked);
+                Becomes(path, [this] { return Path(); }),
+                [this, text] {
+                    EXPECT_EQ(L"", Asked) << testing::PrintToString(text);
                     EXPECT_EQ(EditorWindow::Editor(), GetFocus());
-                    return true;
                 }};
     }
-    std::wstring Path() const {
-        std::wstring path;
-        for (HTREEITEM at = Tree.Selected(); at != nullptr; at = Tree.Next(TVGN_PARENT, at))
-            path = Tree.Text(at) + (path.empty() ? L"" : L"/") + path;
-        return path.empty() ? L"<none>" : path;
-    }
-    void Run(std::vector<std::vector<Step>> all) {
-        std::vector<Step> steps{Read()};
-        for (std::vector<Step>& some : all) steps.insert(steps.end(), some.begin(), some.end());
-        InSteps(L"", std::move(steps));
-        EXPECT_EQ(L"", Errors.Places());
-    }
+    std::wstring Path() const { return Tree.SelectedPath(); }
+    void Run(const std::vector<Steps>& all) { InSteps(L"", Joined({{Read()}, Joined(all)})); }
     std::wstring Root(const std::wstring& rest) { return L"schemas/" + rest; }
 };
 
 TEST_F(FindObjectTest, TheNameAtTheCaretIsSelected) {
     std::wstring root;
-    Run({{[&] {
-        root = EditorWindow::Root();
-        return true;
-    }}});
+    Run({{[&] { root = EditorWindow::Root(); }}});
     Run({Find(L"select * from orders|", root + L"/HR/Tables/ORDERS"),
          Find(L"select * from |ORDERS o", root + L"/HR/Tables/ORDERS"),
          Find(L"select o|.id from orders o", root + L"/HR/Tables/ORDERS"),
@@ -83,7 +60,6 @@ TEST_F(FindObjectTest, WhatIsNotFoundIsSaid) {
                   EditorWindow::Status().find(L"\"customer\" is not in the object browser. "
                                               L"Branches that were not opened yet are not searched."))
             << testing::PrintToString(EditorWindow::Status());
-        return true;
     });
     Run({steps});
 }
@@ -91,14 +67,10 @@ TEST_F(FindObjectTest, WhatIsNotFoundIsSaid) {
 TEST_F(FindObjectTest, AnotherPageGivesWay) {
     std::wstring root;
     std::vector<Step> steps = Find(L"orders|", L"Schemas/HR/Tables/ORDERS");
-    steps.insert(steps.begin(), [] {
-        ShowPage(2);
-        return true;
-    });
+    steps.insert(steps.begin(), [] { ShowPage(2); });
     steps.push_back([this] {
         EXPECT_TRUE(IsWindowEnabled(GetParent(Tree.Handle())));
         EXPECT_FALSE(IsWindowEnabled(GetParent(View(2))));
-        return true;
     });
     Run({steps});
 }
@@ -135,7 +107,6 @@ TEST_F(FindObjectTest, TheTreeIsSearchedAndF3GoesOn) {
         });
         SetFocus(EditorWindow::Editor());
         Key('F', FCONTROL | FSHIFT);
-        return true;
     };
     const auto is = [this](const wchar_t* path) {
         return [this, path, tries = 0]() mutable {
@@ -145,20 +116,10 @@ TEST_F(FindObjectTest, TheTreeIsSearchedAndF3GoesOn) {
             return true;
         };
     };
-    const auto next = [] {
-        Key(VK_F3);
-        return true;
-    };
-    Run({{[this] {
-              Tree.Select(nullptr);
-              return true;
-          },
-          answer, is(L"Schemas/HR/Tables/ORDERS"),
-          [this] {
-              EXPECT_EQ(Tree.Handle(), GetFocus());
-              return true;
-          },
-          next, is(L"Schemas/HR/Views/ORDERS"), next, is(L"Schemas/HR/Tables/ORDERS")}});
+    const auto next = [] { Key(VK_F3); };
+    Run({{[this] { Tree.Select(nullptr); }, answer, is(L"Schemas/HR/Tables/ORDERS"),
+          [this] { EXPECT_EQ(Tree.Handle(), GetFocus()); }, next, is(L"Schemas/HR/Views/ORDERS"), next,
+          is(L"Schemas/HR/Tables/ORDERS")}});
 }
 
 TEST_F(FindObjectTest, OfTwoTablesTheDefaultSchemasIsMeant) {

@@ -27,43 +27,15 @@ std::wstring Tip() {
 
 class HelpTest : public StepsFixture {
 protected:
-    using Step = std::function<bool()>;
-
-    void TearDown() override { EXPECT_EQ(L"", Errors.Places()); }
-    static Step Press(WORD key, int modifiers = 0) {
-        return [=] {
-            Key(key, modifiers);
-            return true;
-        };
+    static Step Put(const std::wstring& text) {
+        return [text] { PutWithCaret(text); };
     }
-    static Step Put(std::wstring text) {
-        return [text]() mutable {
-            const size_t caret = text.find(L'|');
-            std::wstring whole = text;
-            whole.erase(caret, 1);
-            SetForegroundWindow(EditorWindow::Find());
-            EditorWindow::SetText(whole);
-            SetFocus(EditorWindow::Editor());
-            SelectText(static_cast<LONG>(caret), static_cast<LONG>(caret));
-            return true;
-        };
-    }
-    static Step Shows(const std::wstring& text) {
-        return [text, tries = 0]() mutable {
-            if (Tip() != text && ++tries < 40) return false;
-            EXPECT_EQ(text, Tip());
-            return true;
-        };
-    }
+    static Step Shows(const std::wstring& text) { return Becomes(text, &Tip); }
     // F1 at the caret, what it shows, and that the next key takes it away.
     std::vector<Step> Help(const std::wstring& text, const std::wstring& help) {
         return {Put(text), Press(VK_F1), Shows(help), Press(VK_LEFT), Shows(L"<none>")};
     }
-    void Run(std::vector<std::vector<Step>> all) {
-        std::vector<Step> steps;
-        for (std::vector<Step>& some : all) steps.insert(steps.end(), some.begin(), some.end());
-        InSteps(L"", std::move(steps));
-    }
+    void Run(const std::vector<Steps>& all) { InSteps(L"", Joined(all)); }
 };
 
 TEST_F(HelpTest, TheWordAtTheCaretIsLookedUp) {
@@ -117,7 +89,6 @@ TEST_F(HelpTest, TheTipStandsAtTheCaretAndGoesWithTheFocus) {
               EXPECT_NE(0L, GetWindowLongW(tip, GWL_EXSTYLE) & WS_EX_TOPMOST);
               EXPECT_EQ(EditorWindow::Editor(), GetFocus());
               SetFocus(View(0));
-              return true;
           },
           Shows(L"<none>")}});
 }
@@ -173,7 +144,6 @@ TEST_F(HelpTest, AColumnTellsItsTypeSizeAndWhetherItTakesNull) {
         Tree.Click(Tree.At({}));
         for (const std::initializer_list<int> path : {std::initializer_list<int>{}, {0}, {0, 0}, {0, 0, 0}})
             Tree.Open(Tree.At(path));
-        return true;
     }};
     for (int at = 0; at < static_cast<int>(kinds.size()); ++at) {
         // By the key and by the mouse.
@@ -182,7 +152,6 @@ TEST_F(HelpTest, AColumnTellsItsTypeSizeAndWhetherItTakesNull) {
             Tree.Select(Tree.At({0, 0, 0, 0, at}));
             SetFocus(Tree.Handle());
             Key(VK_F1);
-            return true;
         });
         steps.push_back(Shows(tip));
         if (at >= 5) continue;  // the mouse has shown enough, and no more rows are wholly in sight
@@ -192,13 +161,9 @@ TEST_F(HelpTest, AColumnTellsItsTypeSizeAndWhetherItTakesNull) {
             EXPECT_TRUE(Tree.Place(Tree.At({0, 0, 0, 0, at}), place));
             ClientToScreen(Tree.Handle(), &place);
             SetCursorPos(place.x, place.y);
-            return true;
         });
         steps.push_back(Shows(tip));
-        steps.push_back([] {
-            SetCursorPos(0, 0);
-            return true;
-        });
+        steps.push_back([] { SetCursorPos(0, 0); });
         steps.push_back(Shows(L"<none>"));
     }
     InSteps(L"", std::move(steps));
@@ -218,7 +183,6 @@ TEST_F(HelpTest, ANameThatIsCutOffIsShownWhole) {
             place.x = std::min(place.x, client.right - 20);
             ClientToScreen(Tree.Handle(), &place);
             SetCursorPos(place.x, place.y);
-            return true;
         };
     };
     InSteps(L"", {[this] {
@@ -227,11 +191,6 @@ TEST_F(HelpTest, ANameThatIsCutOffIsShownWhole) {
                       for (const std::initializer_list<int> path : {std::initializer_list<int>{}, {0}, {0, 0}})
                           Tree.Open(Tree.At(path));
                       Tree.Select(Tree.At({}));
-                      return true;
                   },
-                  point(0), Shows(longName), point(1), Shows(L"<none>"),
-                  [] {
-                      SetCursorPos(0, 0);
-                      return true;
-                  }});
+                  point(0), Shows(longName), point(1), Shows(L"<none>"), [] { SetCursorPos(0, 0); }});
 }

@@ -7,22 +7,13 @@
 // The keyboard goes from pane to pane and does there what dragging does. Real keys, to whatever has the focus.
 class PaneKeysTest : public StepsFixture {
 protected:
-    void TearDown() override { EXPECT_EQ(L"", Errors.Places()); }
-
-    static std::function<bool()> Press(WORD key, int modifiers = 0) {
-        return [=] {
-            Key(key, modifiers);
-            return true;
-        };
-    }
-    static std::function<bool()> Focused(const std::function<HWND()>& window) {
+    static Step Focused(const std::function<HWND()>& window) {
         return [=] { return GetFocus() == window(); };
     }
-    static std::function<bool()> Focus(const std::function<HWND()>& window) {
+    static Step Focus(const std::function<HWND()>& window) {
         return [=] {
             SetForegroundWindow(EditorWindow::Find());
             SetFocus(window());
-            return true;
         };
     }
     static HWND Editor() { return EditorWindow::Editor(); }
@@ -38,29 +29,19 @@ protected:
 TEST_F(PaneKeysTest, CtrlEnterInsertsWhatADragWouldDrop) {
     std::wstring before;
     const auto grown = [&] { return EditorWindow::Text().size() > before.size(); };
-    const auto keep = [&] {
-        before = EditorWindow::Text();
-        return true;
-    };
+    const auto keep = [&] { before = EditorWindow::Text(); };
     const std::wstring text = InSteps(
         L"a b",
         {[&] {
              SelectText(1, 1);
-             Tree.Open(Tree.At({}));
-             Tree.Open(Tree.At({0}));
-             Tree.Open(Tree.At({0, 0}));
+             Tree.OpenDownTo({0, 0});
              Tree.Click(Tree.At({0, 0, 0}));
-             return true;
          },
          Focus(Tree0), Press(VK_RETURN, FCONTROL), [] { return EditorWindow::Text() == L"aORDERS b"; }, Focused(Tree0),
-         [] {
-             EXPECT_EQ(L"1-7", Selection());
-             return true;
-         },
+         [] { EXPECT_EQ(L"1-7", Selection()); },
          // After what was inserted, and a folder's names.
          [&] {
              Tree.Click(Tree.At({0, 0}));
-             return true;
          },
          Focus(Tree0), Press(VK_RETURN, FCONTROL),
          [] { return EditorWindow::Text() == L"aORDERSORDERS\r\nodd \"name\" b"; }, Press('Z', FCONTROL), keep,
@@ -70,19 +51,14 @@ TEST_F(PaneKeysTest, CtrlEnterInsertsWhatADragWouldDrop) {
          [&] {
              Tree.Open(Tree.At({1}));
              Tree.Select(Tree.At({1, 0, 0}));
-             return true;
          },
          Focus(Tree0), Press(VK_RETURN, FCONTROL), Press('2', FALT), Focused([] { return View(1); }), keep,
          Press(VK_RETURN, FCONTROL), grown, Focused([] { return View(1); }), Press('4', FALT),
          Focused([] { return View(3); }), keep, Press(VK_HOME), Press(VK_RETURN, FCONTROL), grown, Press('3', FALT),
          Focused([] { return View(2); }), keep,
          // A category drops nothing, an entry its syntax.
-         Press(VK_HOME), Press(VK_RETURN, FCONTROL),
-         [&] {
-             EXPECT_EQ(before, EditorWindow::Text());
-             return true;
-         },
-         Press(VK_RIGHT), Press(VK_RIGHT), Press(VK_RETURN, FCONTROL), grown, Focused([] { return View(2); })});
+         Press(VK_HOME), Press(VK_RETURN, FCONTROL), [&] { EXPECT_EQ(before, EditorWindow::Text()); }, Press(VK_RIGHT),
+         Press(VK_RIGHT), Press(VK_RETURN, FCONTROL), grown, Focused([] { return View(2); })});
     EXPECT_NE(L"a b", text);
 }
 
@@ -94,7 +70,6 @@ TEST_F(PaneKeysTest, AltAndADigitChooseThePage) {
                                    [] {
                                        EditorWindow::Choose(L"View", L"Object Browser");
                                        EXPECT_EQ(0, LeftWidth());
-                                       return true;
                                    },
                                    Focus(Editor), Press('2', FALT), Focused([] { return View(1); }),
                                    [] { return LeftWidth() > 0; }}));
@@ -106,11 +81,8 @@ TEST_F(PaneKeysTest, F6GoesFromPaneToPane) {
                    Press(VK_F6, FSHIFT), Focused(Editor),
                    // From one of its buttons to the SQL.
                    Focus([] { return GetDlgItem(EditorWindow::Find(), 1011); }), Press(VK_F6), Focused(Editor),
-                   [] {
-                       EditorWindow::Choose(L"View", L"Object Browser");
-                       return true;
-                   },
-                   Focus(Toolbar), Press(VK_F6), Focused(Editor), Press(VK_F6), Focused(Toolbar)});
+                   [] { EditorWindow::Choose(L"View", L"Object Browser"); }, Focus(Toolbar), Press(VK_F6),
+                   Focused(Editor), Press(VK_F6), Focused(Toolbar)});
 }
 
 TEST_F(PaneKeysTest, TheSplitterMovesByKeys) {
@@ -119,14 +91,12 @@ TEST_F(PaneKeysTest, TheSplitterMovesByKeys) {
                    [&] {
                        SetWindowPos(EditorWindow::Find(), nullptr, 0, 0, 900, 500, SWP_NOMOVE | SWP_NOZORDER);
                        width = LeftWidth();
-                       return true;
                    },
                    Press(VK_RIGHT, FCONTROL | FALT), [&] { return LeftWidth() == width + 10; },
                    Press(VK_LEFT, FCONTROL | FALT), [&] { return LeftWidth() == width; },
                    [] {
                        // As far as dragging goes: 1500 twips.
                        for (int times = 0; times < 10; ++times) Key(VK_LEFT, FCONTROL | FALT);
-                       return true;
                    },
                    [] { return LeftWidth() == 100; }, [] { return LeftWidth() == 100; },
                    Press(VK_RIGHT, FCONTROL | FALT), [] { return LeftWidth() == 110; }, Focused(Editor),
@@ -155,7 +125,6 @@ TEST_F(PaneKeysTest, TheCollapseButtonIsPressedByTheKeyboard) {
                                EXPECT_GE(button.right - button.left, MulDiv(24, static_cast<int>(dpi), 96));
                                EXPECT_GE(button.bottom - button.top, MulDiv(24, static_cast<int>(dpi), 96));
                                width = LeftWidth();
-                               return true;
                            },
                            // The other one takes its place, so that the key undoes what it did.
                            Press(key), Focused(unhide), [] { return LeftWidth() == 0; }, Press(key), Focused(hide),
@@ -176,7 +145,6 @@ TEST_F(PaneKeysTest, ThePressOfAnotherProgramCollapsesTooAndTheMouseLeavesTheFoc
                        SendMessageW(unhide, WM_LBUTTONUP, 0, MAKELPARAM(1, 3));
                        EXPECT_LT(0, LeftWidth());
                        EXPECT_EQ(Editor(), GetFocus());
-                       return true;
                    }});
 }
 
@@ -185,7 +153,6 @@ TEST_F(PaneKeysTest, TheFocusLeavesAPaneThatIsHidden) {
                    [] {
                        EditorWindow::Choose(L"View", L"Object Browser");
                        EXPECT_EQ(0, LeftWidth());
-                       return true;
                    },
                    Focused(Editor)});
 }

@@ -23,27 +23,25 @@ protected:
     Box Print() {
         static Box box;
         box = {};
-        Inside(
-            [] {
-                SelectText(3, 9);
-                const UINT_PTR timer = SetTimer(nullptr, 0, 30, [](HWND, UINT, UINT_PTR, DWORD) WINAPI {
-                    const HWND shown = FindWindowW(L"#32770", nullptr);
-                    if (shown == nullptr || !IsWindowVisible(shown)) return;
-                    const HWND pages = GetDlgItem(shown, rad3);
-                    box.Came = true;
-                    box.IsDialog = pages != nullptr;
-                    box.Pages = pages != nullptr && IsWindowEnabled(pages);
-                    box.Owner = GetWindow(shown, GW_OWNER);
-                    box.Selection = Selection();
-                    SendMessageW(shown, WM_COMMAND, pages != nullptr ? IDCANCEL : IDOK, 0);
-                });
-                EditorWindow::Choose(L"File", L"Print...");
-                KillTimer(nullptr, timer);
-                EXPECT_EQ(L"3-3", Selection());
-                EXPECT_TRUE(IsWindowEnabled(EditorWindow::Find()));
-                EXPECT_EQ(L"one two three", EditorWindow::Text());
-            },
-            L"one two three");
+        Inside(L"one two three", [] {
+            SelectText(3, 9);
+            const UINT_PTR timer = SetTimer(nullptr, 0, 30, [](HWND, UINT, UINT_PTR, DWORD) WINAPI {
+                const HWND shown = FindWindowW(L"#32770", nullptr);
+                if (shown == nullptr || !IsWindowVisible(shown)) return;
+                const HWND pages = GetDlgItem(shown, rad3);
+                box.Came = true;
+                box.IsDialog = pages != nullptr;
+                box.Pages = pages != nullptr && IsWindowEnabled(pages);
+                box.Owner = GetWindow(shown, GW_OWNER);
+                box.Selection = Selection();
+                SendMessageW(shown, WM_COMMAND, pages != nullptr ? IDCANCEL : IDOK, 0);
+            });
+            EditorWindow::Choose(L"File", L"Print...");
+            KillTimer(nullptr, timer);
+            EXPECT_EQ(L"3-3", Selection());
+            EXPECT_TRUE(IsWindowEnabled(EditorWindow::Find()));
+            EXPECT_EQ(L"one two three", EditorWindow::Text());
+        });
         return box;
     }
 };
@@ -89,7 +87,7 @@ protected:
         const PatchedFunction dialog(L"comdlg32.dll", "PrintDlgW", reinterpret_cast<void*>(&PrintDlgInstead));
         const PatchedFunction failure(L"comdlg32.dll", "CommDlgExtendedError", reinterpret_cast<void*>(&ErrorInstead));
         EXPECT_TRUE(dialog && failure);
-        Errors.Reports.clear();
+        Errors.Forget();
         EditorWindow::Choose(L"File", L"Print...");
         EXPECT_TRUE(IsWindowEnabled(EditorWindow::Find()));
         return Narrow(Errors.Places());
@@ -115,8 +113,7 @@ TEST_F(PrintAnswersTest, ReportsWhatTheDialogHasNotSaidItself) {
         for (const DWORD error : {PDERR_NODEVICES, PDERR_PRINTERNOTFOUND, PDERR_INITFAILURE, PDERR_PARSEFAILURE})
             EXPECT_EQ("frmSQLEditor.mnuFilePrint_Click 482", Print(error, FALSE)) << error;
         EXPECT_EQ("frmSQLEditor.mnuFilePrint_Click 482", Print(0, TRUE)) << "no device context";
-        ASSERT_EQ(1U, Errors.Reports.size());
-        EXPECT_EQ(L"Printer error: the printer's driver cannot be used.", Errors.Reports[0].Description);
+        EXPECT_EQ(L"Printer error: the printer's driver cannot be used.", Errors.Only().Description);
         EXPECT_EQ("", Print(0, FALSE));  // the next one is asked for as ever
     });
     EXPECT_TRUE(Errors.Told.empty());

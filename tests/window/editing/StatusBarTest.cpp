@@ -10,14 +10,8 @@ class StatusBarTest : public StepsFixture {
 protected:
     enum { ConnectionPanel = 1, CaretPanel, FormatPanel, LengthPanel, ChangedPanel, ZoomPanel };
 
-    void TearDown() override { EXPECT_EQ(L"", Errors.Places()); }
-
     static HWND Bar() { return EditorWindow::Child(STATUSCLASSNAMEW); }
-    static std::wstring Panel(int panel) {
-        wchar_t text[400]{};
-        SendMessageW(Bar(), SB_GETTEXTW, static_cast<WPARAM>(panel - 1), reinterpret_cast<LPARAM>(text));
-        return text;
-    }
+    static std::wstring Panel(int panel) { return EditorWindow::Status(panel); }
     static bool IsOver() { return SendMessageW(Bar(), SB_ISSIMPLE, 0, 0) != 0; }
     static std::wstring Over() { return IsOver() ? Panel(1) : std::wstring(L"<panels>"); }
     static int Parts() { return static_cast<int>(SendMessageW(Bar(), SB_GETPARTS, 0, 0)); }
@@ -31,11 +25,11 @@ protected:
     static void Highlight(const wchar_t* menu, const wchar_t* entry) {
         const HMENU bar = GetMenu(EditorWindow::Find());
         for (int at = 0; at < GetMenuItemCount(bar); ++at) {
-            if (Caption(bar, at) != menu) continue;
+            if (PlainCaption(bar, at) != menu) continue;
             if (*entry == L'\0') return Select(bar, at);
             const HMENU popup = GetSubMenu(bar, at);
             for (int place = 0; place < GetMenuItemCount(popup); ++place) {
-                if (Caption(popup, place) == entry) return Select(popup, place);
+                if (PlainCaption(popup, place) == entry) return Select(popup, place);
             }
         }
         ADD_FAILURE() << "no entry " << testing::PrintToString(std::wstring(entry));
@@ -53,57 +47,43 @@ protected:
         Highlight(menu, entry);
         return Over();
     }
-
-private:
-    static std::wstring Caption(HMENU menu, int at) {
-        wchar_t text[100]{};
-        GetMenuStringW(menu, static_cast<UINT>(at), text, 100, MF_BYPOSITION);
-        std::wstring caption = text;
-        caption = caption.substr(0, caption.find(L'\t'));
-        std::erase(caption, L'&');
-        return caption;
-    }
 };
 
 TEST_F(StatusBarTest, CountsCharactersAsTheHostDoes) {
-    Inside(
-        [] {
-            Widen();
-            EXPECT_EQ(L"5 chars", Panel(LengthPanel));
-            SelectText(1, 4);
-            EXPECT_EQ(L"4 of 5", Panel(LengthPanel));  // a line end is two
-            SelectText(4, 4);
-            EXPECT_EQ(L"5 chars", Panel(LengthPanel));
-            Type(L"x");
-            EXPECT_EQ(L"6 chars", Panel(LengthPanel));
-            SelectText(0, 5);
-            SendMessageW(EditorWindow::Editor(), WM_CLEAR, 0, 0);
-            EXPECT_EQ(L"0 chars", Panel(LengthPanel));
-            Type(L"x");
-            EXPECT_EQ(L"1 char", Panel(LengthPanel));
-            // Deleted forwards, the caret staying where it is.
-            SelectText(0, 0);
-            SendMessageW(EditorWindow::Editor(), WM_KEYDOWN, VK_DELETE, 1);
-            EXPECT_EQ(L"0 chars", Panel(LengthPanel));
-        },
-        L"ab\r\nc");
+    Inside(L"ab\r\nc", [] {
+        Widen();
+        EXPECT_EQ(L"5 chars", Panel(LengthPanel));
+        SelectText(1, 4);
+        EXPECT_EQ(L"4 of 5", Panel(LengthPanel));  // a line end is two
+        SelectText(4, 4);
+        EXPECT_EQ(L"5 chars", Panel(LengthPanel));
+        Type(L"x");
+        EXPECT_EQ(L"6 chars", Panel(LengthPanel));
+        SelectText(0, 5);
+        SendMessageW(EditorWindow::Editor(), WM_CLEAR, 0, 0);
+        EXPECT_EQ(L"0 chars", Panel(LengthPanel));
+        Type(L"x");
+        EXPECT_EQ(L"1 char", Panel(LengthPanel));
+        // Deleted forwards, the caret staying where it is.
+        SelectText(0, 0);
+        SendMessageW(EditorWindow::Editor(), WM_KEYDOWN, VK_DELETE, 1);
+        EXPECT_EQ(L"0 chars", Panel(LengthPanel));
+    });
 }
 
 TEST_F(StatusBarTest, MarksATextThatNoCellHolds) {
-    Inside(
-        [] {
-            Widen();
-            EXPECT_EQ(L"32767 chars", Panel(LengthPanel));
-            SelectText(0, 0);
-            Type(L"x");
-            EXPECT_EQ(L"32768 chars > 32767", Panel(LengthPanel));
-            SelectText(0, 32768);
-            EXPECT_EQ(L"32768 of 32768 > 32767", Panel(LengthPanel));
-            SelectText(0, 1);
-            SendMessageW(EditorWindow::Editor(), WM_CLEAR, 0, 0);
-            EXPECT_EQ(L"32767 chars", Panel(LengthPanel));
-        },
-        std::wstring(32767, L'y'));
+    Inside(std::wstring(32767, L'y'), [] {
+        Widen();
+        EXPECT_EQ(L"32767 chars", Panel(LengthPanel));
+        SelectText(0, 0);
+        Type(L"x");
+        EXPECT_EQ(L"32768 chars > 32767", Panel(LengthPanel));
+        SelectText(0, 32768);
+        EXPECT_EQ(L"32768 of 32768 > 32767", Panel(LengthPanel));
+        SelectText(0, 1);
+        SendMessageW(EditorWindow::Editor(), WM_CLEAR, 0, 0);
+        EXPECT_EQ(L"32767 chars", Panel(LengthPanel));
+    });
 }
 
 TEST_F(StatusBarTest, TellsWhetherTheSqlIsTheSheetsStill) {
@@ -115,20 +95,15 @@ TEST_F(StatusBarTest, TellsWhetherTheSqlIsTheSheetsStill) {
                               EXPECT_EQ(L"Changed", Panel(ChangedPanel));
                               SelectText(0, 1);
                               SendMessageW(EditorWindow::Editor(), WM_CLEAR, 0, 0);
-                              return true;
                           },
                           [] { return Panel(ChangedPanel).empty(); },
                           // Another text of the same length.
                           [] {
                               SelectText(2, 3);
                               Type(L"c");
-                              return true;
                           },
                           [] { return Panel(ChangedPanel) == L"Changed"; },
-                          [] {
-                              SendMessageW(EditorWindow::Editor(), EM_UNDO, 0, 0);
-                              return true;
-                          },
+                          [] { SendMessageW(EditorWindow::Editor(), EM_UNDO, 0, 0); },
                           [] { return Panel(ChangedPanel).empty(); },
                           [] {
                               BoxAnswerer boxes(IDYES);
@@ -136,15 +111,13 @@ TEST_F(StatusBarTest, TellsWhetherTheSqlIsTheSheetsStill) {
                               EXPECT_EQ(L"Changed", Panel(ChangedPanel));
                               SetFocus(EditorWindow::Editor());
                               Key('R', FCONTROL | FSHIFT);
-                              return true;
                           },
                           [] { return Panel(ChangedPanel).empty() && Panel(LengthPanel) == L"4 chars"; }});
     EXPECT_EQ(L"a\r\nb", text);
 }
 
 TEST_F(StatusBarTest, ANewDisplayBeginsUnchanged) {
-    const Object editor = Dll.Create();
-    editor.Call(L"Constructor", Database.Make());
+    const Object editor = Connected();
     DisplayAndClose(editor, L"a", [] {
         Widen();
         Type(L"b");
@@ -162,13 +135,11 @@ TEST_F(StatusBarTest, ShowsTheZoom) {
         return [key] {
             SetFocus(EditorWindow::Editor());
             Key(key, FCONTROL);
-            return true;
         };
     };
     InSteps(L"a", {[] {
                        Widen();
                        EXPECT_EQ(L"100%", Panel(ZoomPanel));
-                       return true;
                    },
                    press(VK_ADD), [] { return Panel(ZoomPanel) == L"110%"; }, press(VK_SUBTRACT), press(VK_SUBTRACT),
                    [] { return Panel(ZoomPanel) == L"90%"; },
@@ -181,7 +152,6 @@ TEST_F(StatusBarTest, ShowsTheZoom) {
                        keys[VK_CONTROL] = keys[VK_LCONTROL] = 0;
                        SetKeyboardState(keys);
                        EXPECT_NE(L"90%", Panel(ZoomPanel));
-                       return true;
                    },
                    press('0'), [] { return Panel(ZoomPanel) == L"100%"; }});
 }
@@ -268,8 +238,7 @@ TEST_F(StatusBarTest, TellsWhatAStatementWouldBeFor) {
         EXPECT_EQ(L"Select a table, a view, a column or a command on the left first", HintOf(L"Action", L"Select"));
         EXPECT_EQ(L"Select a folder of tables in the object browser first", HintOf(L"Action", L"Create"));
         CloseMenus();
-        Tree.Open(Tree.At({}));
-        Tree.Open(Tree.At({0}));
+        Tree.OpenDownTo({0});
         const HTREEITEM tables = Tree.At({0, 0});
         Tree.Open(tables);
         Tree.Click(tables);
@@ -301,8 +270,7 @@ TEST_F(StatusBarTest, AHintIsPlainText) {
         return Variant(MakeCollection({Variant(L"a\tb\t&c\r\nd" + std::wstring(300, L'x'))}));
     };
     Inside([this] {
-        Tree.Open(Tree.At({}));
-        Tree.Open(Tree.At({0}));
+        Tree.OpenDownTo({0});
         Tree.Click(Tree.At({0, 1}));
         Highlight(L"Action", L"Select");
         std::wstring text(static_cast<size_t>(LOWORD(SendMessageW(Bar(), SB_GETTEXTLENGTHW, 0, 0))) + 1, 0);

@@ -15,7 +15,6 @@ struct Place {
 
 class LayoutTest : public ComponentFixture, public WindowParts {
 protected:
-    void TearDown() override { EXPECT_EQ(L"", Errors.Places()); }
     static float Twips(int pixels) { return static_cast<float>(pixels) * 1440.0F / static_cast<float>(ScreenDpi()); }
     static int Pixels(float twips) {
         return static_cast<int>(twips * static_cast<float>(ScreenDpi()) / 1440.0F + 0.5F);
@@ -211,8 +210,7 @@ TEST_F(LayoutTest, TheSplitterFollowsTheMouseBetweenItsLimits) {
 }
 
 TEST_F(LayoutTest, ARealMouseDragsTheSplitterByTheEdgeOfAPane) {
-    const Object editor = Dll.Create();
-    editor.Call(L"Constructor", Database.Make());
+    const Object editor = Connected();
     static float before;
     static float after;
     static int step;

@@ -6,7 +6,6 @@ namespace {
 
 class MenusTest : public ComponentFixture {
 protected:
-    void TearDown() override { EXPECT_EQ(L"", Errors.Places()); }
     static std::wstring Texts(HMENU menu) {
         std::wstring texts;
         for (int at = 0; at < GetMenuItemCount(menu); ++at) {

@@ -47,7 +47,7 @@ protected:
     // The reports of a step, each as "procedure number", when the first attempts to report fail.
     std::wstring Reported(const std::function<void()>& step, int failing = 0) {
         ErrorHandler.reset();
-        Errors.Reports.clear();
+        Errors.Forget();
         Errors.CreateFailures = failing;
         try {
             step();
@@ -61,6 +61,7 @@ protected:
             if (report.Module != L"frmSQLEditor") places += report.Module + L".";
             places += report.Routine + (report.Number == Failure ? L" " : L" " + std::to_wstring(report.Number) + L" ");
         }
+        Errors.Forget();
         return places;
     }
     void SelectRow(HWND list, int row, LPARAM data) {
@@ -229,11 +230,7 @@ TEST_F(ReportNamesTest, OfTheLayout) {
 }
 
 TEST_F(ReportNamesTest, OfTheWaysOutOfTheWindow) {
-    // Below a volatile key no lasting one can be made.
-    HKEY key = nullptr;
-    RegCreateKeyExW(HKEY_CURRENT_USER, L"Software\\VB and VBA Program Settings\\brvSQLEditor", 0, nullptr,
-                    REG_OPTION_VOLATILE, KEY_ALL_ACCESS, nullptr, &key, nullptr);
-    RegCloseKey(key);
+    Settings::Refuse();
     const Toolbar::Button back{L"return", L"", L"", 0};
     EXPECT_EQ(L"mnuFileClose_Click 5 ", Reported([&] { Form().tlbToolbar.ButtonClick(back); }));
     EXPECT_EQ(L"tlbToolbar_ButtonClick 429 ", Reported([&] { Form().tlbToolbar.ButtonClick(back); }, 1));

@@ -9,7 +9,6 @@ namespace {
 
 class WindowTest : public ComponentFixture {
 protected:
-    void TearDown() override { EXPECT_EQ(L"", Errors.Places()); }
     static std::vector<std::wstring> Classes() {
         std::vector<std::wstring> classes;
         EnumChildWindows(
@@ -151,13 +150,9 @@ TEST_F(WindowTest, TheHostsWindowsAreDisabledMeanwhile) {
 
 TEST_F(WindowTest, TheStatusBarTellsWhereTheCaretIs) {
     Inside([] {
-        const HWND status = EditorWindow::Child(STATUSCLASSNAMEW);
-        wchar_t text[100]{};
-        SendMessageW(status, SB_GETTEXTW, 1, reinterpret_cast<LPARAM>(text));
-        EXPECT_STREQ(L"Ln 1, Col 1", text);
+        EXPECT_EQ(L"Ln 1, Col 1", EditorWindow::Status(2));
         EditorWindow::SetText(L"select 1\r\nfrom");
-        SendMessageW(status, SB_GETTEXTW, 1, reinterpret_cast<LPARAM>(text));
-        EXPECT_STREQ(L"Ln 2, Col 5", text);
+        EXPECT_EQ(L"Ln 2, Col 5", EditorWindow::Status(2));
     });
 }
 
@@ -172,8 +167,7 @@ TEST_F(WindowTest, TheKeyboardGoesRoundTheWindow) {
 }
 
 TEST_F(WindowTest, FunctionKeyAndTabMoveTheFocus) {
-    const Object editor = Dll.Create();
-    editor.Call(L"Constructor", Database.Make());
+    const Object editor = Connected();
     std::wstring sql = L"x";
     std::vector<HWND> visited;
     HWND tabbed = nullptr;

@@ -105,10 +105,7 @@ protected:
     std::wstring ColumnTexts() {
         std::wstring left;
         Inside([&] {
-            Tree.Open(Tree.At({}));
-            Tree.Open(Tree.At({0}));
-            Tree.Open(Tree.At({0, 0}));
-            Tree.Open(Tree.At({0, 0, 0}));
+            Tree.OpenDownTo({0, 0, 0});
             left = Tree.Children(Tree.At({0, 0, 0, 0}));
         });
         return left;
@@ -119,7 +116,7 @@ protected:
             reports += (reports.empty() ? L"" : L"|") + report.Place() + L" " + std::to_wstring(report.Number) + L" " +
                        report.Source;
         }
-        Errors.Reports.clear();
+        Errors.Forget();
         return reports;
     }
     const std::vector<Variant> three_{Variant(L"one"), Variant(L"two"), Variant(L"three")};
@@ -223,9 +220,7 @@ TEST_F(CollectionFaultsTest, PropertiesThatAreNoProperties) {
     int cases = 0;
     Inside([&] {
         BoxAnswerer boxes;
-        Tree.Open(Tree.At({}));
-        Tree.Open(Tree.At({0}));
-        Tree.Open(Tree.At({0, 0}));
+        Tree.OpenDownTo({0, 0});
         for (const Row& row : rows) {
             SCOPED_TRACE(row.Name);
             now = &row;

@@ -61,7 +61,7 @@ std::vector<std::wstring> FaultyHostFixture::Reported() {
         EXPECT_TRUE(report.DebugMissing);
         EXPECT_NE(L"", report.Description);
     }
-    Errors.Reports.clear();
+    Errors.Forget();
     return reports;
 }
 

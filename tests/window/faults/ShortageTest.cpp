@@ -90,12 +90,11 @@ constexpr Step Steps[] = {
      [](const EditorTree&) {
          TestData data;
          data.AddText(L"dropped");
-         IDropTarget* const target = EditorDropTarget();
+         const auto target = EditorDropTarget();
          DWORD effect = DROPEFFECT_COPY;
          target->DragEnter(&data, MK_LBUTTON, {0, 0}, &effect);
          effect = DROPEFFECT_COPY;
          target->Drop(&data, 0, {0, 0}, &effect);
-         target->Release();
      }},
     {"comment", SelectAll, [](const EditorTree&) { Press(VK_OEM_2, {VK_CONTROL}); }},
     {"put the sheet's text back", [](const EditorTree&) {},
@@ -234,7 +233,7 @@ protected:
                         (report.Number == ErrorNumber::ObjectNotSet && &report != &Errors.Reports.front()))
                 << Narrow(report.Place() + L" " + report.Description);
         }
-        Errors.Reports.clear();
+        Errors.Forget();
     }
 
     Watchdog Dog;
@@ -244,8 +243,7 @@ protected:
 
 TEST_F(ShortageTest, AnAllocationOfAStepFails) {
     const Shortage shortage(Dll.Handle());
-    const Object editor = Dll.Create();
-    editor.Call(L"Constructor", Database.Make());
+    const Object editor = Connected();
     const char* const only = std::getenv("BRV_STEP");
     long cases = 0;
     std::wstring sql = Mine;
@@ -267,7 +265,7 @@ TEST_F(ShortageTest, AnAllocationOfAStepFails) {
             Shortage::Begin(1, false);
             Take(step);
             Shortage::End();
-            Errors.Reports.clear();
+            Errors.Forget();
             CheckTree(Tree.At({}));
             Take(step);
             const long living = Shortage::Living();
@@ -294,7 +292,7 @@ TEST_F(ShortageTest, AnAllocationOfAStepFails) {
                 EXPECT_EQ(right, State());
                 EXPECT_EQ(L"", Errors.Places());
                 EXPECT_EQ(living, Shortage::Living()) << "blocks that stayed behind";
-                Errors.Reports.clear();
+                Errors.Forget();
             }
             std::printf("shortage, %s: %ld allocations\n", step.Name, count);
         }
@@ -311,8 +309,7 @@ TEST_F(ShortageTest, AnAllocationOfAStepFails) {
 // step that succeeds, and then with the next case.
 TEST_F(ShortageTest, AllAllocationsFailFromOneOn) {
     const Shortage shortage(Dll.Handle());
-    const Object editor = Dll.Create();
-    editor.Call(L"Constructor", Database.Make());
+    const Object editor = Connected();
     const char* const only = std::getenv("BRV_STEP");
     long cases = 0;
     const Step* before = nullptr;
@@ -374,8 +371,7 @@ TEST_F(ShortageTest, AllAllocationsFailFromOneOn) {
 // What the window does while nothing else is to be done, without memory: it gives the colours up, and goes on.
 TEST_F(ShortageTest, AllAllocationsFailWhileTheLoopIsIdle) {
     const Shortage shortage(Dll.Handle());
-    const Object editor = Dll.Create();
-    editor.Call(L"Constructor", Database.Make());
+    const Object editor = Connected();
     // Shows the window, lets it be idle until nothing happens any more, and closes it.
     struct Idle {
         TIMERPROC Look = nullptr;
@@ -476,7 +472,7 @@ TEST_F(ShortageTest, AnAllocationOfTheStartFails) {
     run(0, false);
     EXPECT_EQ(S_OK, Dll.CanUnload());
     run(300, false);  // with what is made for the first report and stays
-    Errors.Reports.clear();
+    Errors.Forget();
     EXPECT_EQ(S_OK, Dll.CanUnload());
     run(0, false);
     EXPECT_EQ(S_OK, Dll.CanUnload());
@@ -499,7 +495,7 @@ TEST_F(ShortageTest, AnAllocationOfTheStartFails) {
                 EXPECT_TRUE(number == 0 || number == ErrorNumber::OutOfMemory ||
                             number == ErrorNumber::CannotCreateObject)
                     << number;
-            Errors.Reports.clear();
+            Errors.Forget();
             EXPECT_EQ(S_OK, Dll.CanUnload());
             EXPECT_EQ(nullptr, EditorWindow::Find());
             const Ended again = run(0, false);

@@ -29,7 +29,6 @@ TEST_F(FilesTest, NewAsksOnlyWhenTheTextIsModified) {
         EXPECT_FALSE(Modified());
         EXPECT_EQ(L"SQL Editor", EditorWindow::Caption());
     });
-    EXPECT_EQ(L"", Errors.Places());
 }
 
 TEST_F(FilesTest, TheQuestionsReadAsTheyShould) {
@@ -81,7 +80,6 @@ TEST_F(FilesTest, OpenAsksBeforeItDiscardsAndShowsTheFile) {
         EXPECT_EQ(L"SQL Editor - orders.sql", EditorWindow::Caption());
         EXPECT_TRUE(IsWindowEnabled(EditorWindow::Find()));
     });
-    EXPECT_EQ(L"", Errors.Places());
 }
 
 TEST_F(FilesTest, SaveWithoutANameIsSaveAs) {
@@ -111,7 +109,6 @@ TEST_F(FilesTest, SaveWithoutANameIsSaveAs) {
         EXPECT_EQ("select 1\r\nfrom dual xy", BytesOf(Here / L"a.sql"));
     });
     EXPECT_EQ(L"a.sql|", Here.Listing());
-    EXPECT_EQ(L"", Errors.Places());
 }
 
 TEST_F(FilesTest, SaveAsBeginsWithTheNameOfTheText) {
@@ -131,7 +128,6 @@ TEST_F(FilesTest, SaveAsBeginsWithTheNameOfTheText) {
         New();
         EXPECT_EQ(L"", name());
     });
-    EXPECT_EQ(L"", Errors.Places());
 }
 
 TEST_F(FilesTest, SaveAsAsksBeforeItOverwrites) {
@@ -208,7 +204,6 @@ TEST_F(FilesTest, WhatTheStatusBarTellsGoesWithTheNextStep) {
         SendMessageW(EditorWindow::Editor(), WM_CHAR, L'a', 0);
         EXPECT_EQ(connection, EditorWindow::Status());
     });
-    EXPECT_EQ(L"", Errors.Places());
 }
 
 TEST_F(FilesTest, AFileThatAnotherProgramHasChangedIsNotOverwrittenUnasked) {
@@ -251,7 +246,6 @@ TEST_F(FilesTest, AFileThatAnotherProgramHasChangedIsNotOverwrittenUnasked) {
             Save();  // touched, and the same
         });
     }
-    EXPECT_EQ(L"", Errors.Places());
 }
 
 TEST_F(FilesTest, NorOneThatHasBecomeLargerThanTheEditorTakes) {
@@ -267,7 +261,6 @@ TEST_F(FilesTest, NorOneThatHasBecomeLargerThanTheEditorTakes) {
         EXPECT_EQ(1U, dialogs.All.size());
     });
     EXPECT_TRUE(theirs == BytesOf(Here / L"a.sql"));
-    EXPECT_EQ(L"", Errors.Places());
 }
 
 TEST_F(FilesTest, MixedLineEndsBecomeThoseOfWindows) {
@@ -278,7 +271,6 @@ TEST_F(FilesTest, MixedLineEndsBecomeThoseOfWindows) {
         Save();
         EXPECT_EQ("a\r\nb\r\nc\r\nd", BytesOf(Here / L"a.sql"));
     });
-    EXPECT_EQ(L"", Errors.Places());
 }
 
 TEST_F(FilesTest, EveryEncodingComesBackByteByByte) {
@@ -328,8 +320,7 @@ TEST_F(FilesTest, ACharacterThatTheFileCannotHoldTurnsItIntoUtf8) {
 
 TEST_F(FilesTest, ANewTextAndANewDisplayForgetTheFile) {
     PutBytes(Here / L"a.sql", "\xFF\xFEs\0"s);
-    const Object editor = Dll.Create();
-    editor.Call(L"Constructor", Database.Make());
+    const Object editor = Connected();
     DisplayAndClose(editor, L"", [this] {
         Load(Here / L"a.sql");
         New();
@@ -354,13 +345,11 @@ TEST_F(FilesTest, ANewTextAndANewDisplayForgetTheFile) {
     });
     EXPECT_EQ("caf\xC3\xA9", BytesOf(Here / L"c.sql"));
     EXPECT_EQ("\xC3\xA9", BytesOf(Here / L"b.sql"));
-    EXPECT_EQ(L"", Errors.Places());
 }
 
 TEST_F(FilesTest, ASecondDisplayIsUnmodifiedAndHasNoFile) {
     PutBytes(Here / L"a.sql", "x");
-    const Object editor = Dll.Create();
-    editor.Call(L"Constructor", Database.Make());
+    const Object editor = Connected();
     DisplayAndClose(editor, L"", [this] {
         Load(Here / L"a.sql");
         EXPECT_EQ(L"SQL Editor - a.sql", EditorWindow::Caption());
@@ -375,7 +364,6 @@ TEST_F(FilesTest, ASecondDisplayIsUnmodifiedAndHasNoFile) {
         EXPECT_EQ(L"", EditorWindow::Text());
     });
     EXPECT_EQ("x", BytesOf(Here / L"a.sql"));
-    EXPECT_EQ(L"", Errors.Places());
 }
 
 TEST_F(FilesTest, TheEndingDecidesWhatIsRichText) {
@@ -395,7 +383,6 @@ TEST_F(FilesTest, TheEndingDecidesWhatIsRichText) {
             EXPECT_EQ(rich, BytesOf(Here / name));
         }
     });
-    EXPECT_EQ(L"", Errors.Places());
 }
 
 TEST_F(FilesTest, RichTextGoesOutAndComesBack) {
@@ -422,7 +409,6 @@ TEST_F(FilesTest, RichTextGoesOutAndComesBack) {
         EXPECT_EQ("select '\xC3\xA9\xE4\xB8\xAD\xF0\x9F\x98\x80', {a} \\b\r\n\tfrom  dual\r\n\r\nwhere 1 = 1 and 2 = 2",
                   BytesOf(Here / L"plain.txt"));
     });
-    EXPECT_EQ(L"", Errors.Places());
 }
 
 TEST_F(FilesTest, FormatsOfRichTextStayWithIt) {
@@ -475,8 +461,7 @@ TEST_F(FilesTest, TheShortcutsStandBesideTheCaptions) {
 
 TEST_F(FilesTest, TheShortcutsWork) {
     PutBytes(Here / L"a.sql", "x");
-    const Object editor = Dll.Create();
-    editor.Call(L"Constructor", Database.Make());
+    const Object editor = Connected();
     BYTE before[256]{};
     GetKeyboardState(before);
     const WhenShown shown([this, &before] {
@@ -496,7 +481,6 @@ TEST_F(FilesTest, TheShortcutsWork) {
     SetKeyboardState(before);
     EXPECT_EQ("xy", BytesOf(Here / L"a.sql"));
     EXPECT_EQ(L"", text);  // saved, so it was emptied without a question
-    EXPECT_EQ(L"", Errors.Places());
 }
 
 TEST_F(FilesTest, TheProcessKeepsItsFolder) {

@@ -256,33 +256,29 @@ TEST_F(EditingFuzz, TheTextIsThatOfAnEditorWithoutColours) {
         std::vector<std::wstring> texts;
         std::wstring beginning;
         ContrastTheme::Choose(true);
-        const std::wstring returned = Inside(
-            [&] {
-                for (const Deed& deed : deeds) {
-                    Do(deed);
-                    texts.push_back(EditorText());
-                }
-                for (int steps = 0; !IsUndone() && steps < 2000; ++steps) {
-                }
-                beginning = EditorText();
-            },
-            sql);
+        const std::wstring returned = Inside(sql, [&] {
+            for (const Deed& deed : deeds) {
+                Do(deed);
+                texts.push_back(EditorText());
+            }
+            for (int steps = 0; !IsUndone() && steps < 2000; ++steps) {
+            }
+            beginning = EditorText();
+        });
 
         ContrastTheme::Choose(false);
-        std::vector<std::function<bool()>> steps;
+        std::vector<Step> steps;
         for (size_t at = 0; at < deeds.size(); ++at) {
             steps.push_back([&, at] {
                 Do(deeds[at]);
                 EXPECT_TRUE(texts[at] == EditorText()) << "after deed " << at << " of kind " << deeds[at].Kind << ": "
                                                        << Shown(EditorText()) << "\ninstead of " << Shown(texts[at]);
-                return true;
             });
         }
         steps.push_back([=] { return WrongColour(type) == -1; });
         steps.push_back([] {
             for (int count = 0; !IsUndone() && count < 2000; ++count) {
             }
-            return true;
         });
         steps.push_back([=] { return WrongColour(type) == -1; });
         EXPECT_TRUE(returned == InSteps(sql, std::move(steps)));

@@ -101,13 +101,11 @@ TEST_F(MessagesFuzz, WithNothingToPointTo) {
     ForEachCase(8, [&](Random& random) {
         std::wstring sql = L"select 1";
         {
-            const Object editor = Dll.Create();
-            editor.Call(L"Constructor", Database.Make());
+            const Object editor = Connected();
             const BoxAnswerer boxes;
             const WhenShown shown([&] {
                 const HWND window = EditorWindow::Find();
-                Tree.Open(Tree.At({}));
-                Tree.Open(Tree.At({0}));
+                Tree.OpenDownTo({0});
                 const std::vector<HWND> windows = WindowsOf(window);
                 for (int at = 0; at < 300; ++at) {
                     const HWND to = random.Pick(windows);
@@ -137,8 +135,7 @@ TEST_F(MessagesFuzz, WithNothingToPointTo) {
             EXPECT_EQ(0, NumberOf([&] { editor.Call(L"Display", ByRef(sql)); }));
             editor.Call(L"Destructor");
         }
-        const Object editor = Dll.Create();
-        editor.Call(L"Constructor", Database.Make());
+        const Object editor = Connected();
         EXPECT_EQ(L"select 2", DisplayAndClose(editor, L"select 2", [&] {
                       EXPECT_EQ(L"Schemas", EditorWindow::Root());
                       EXPECT_EQ(L"SQL Editor", EditorWindow::Caption());

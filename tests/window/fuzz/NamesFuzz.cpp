@@ -219,7 +219,7 @@ protected:
     // branch opens the branches above it, which reads them again.
     void OpenModel(const Object& editor) {
         editor.Call(L"Constructor", Database.Make());
-        Errors.Reports.clear();
+        Errors.Forget();
         const HTREEITEM root = Tree.At({});
         if (Tree.Next(TVGN_NEXTVISIBLE, root) == nullptr) {
             Tree.Open(root);
@@ -314,8 +314,7 @@ protected:
         Host.Schemas = {L"S"};
         Host.Objects = {L"T"};
         Host.User = L"U";
-        const Object editor = Dll.Create();
-        editor.Call(L"Constructor", Database.Make());
+        const Object editor = Connected();
         EXPECT_EQ(L"the end", DisplayAndClose(editor, L"", [&] {
                       SetWindowPos(EditorWindow::Find(), nullptr, 0, 0, 900, 900, SWP_NOMOVE | SWP_NOZORDER);
                       cases(editor);
@@ -377,10 +376,10 @@ TEST_F(NamesFuzz, TreeAndDescription) {
                                             schema + L" schema."
                                       : L" table: a basic unit of data storage in the " + schema +
                                             L" schema. Open to view the column definition of this table.")),
-                LabelText());
+                Description());
             Tree.Select(schema_);
             ExpectText(UpToNul(schema + L" schema: contains a list of database objects (tables and views)."),
-                       LabelText());
+                       Description());
             size_t at = 0;
             for (HTREEITEM item = Tree.At({0}); item != nullptr; item = Tree.Next(TVGN_NEXT, item)) {
                 const std::wstring& name = Host.Schemas.at(at++);

@@ -162,7 +162,7 @@ TEST_F(SettingsFuzz, WhatIsWrittenIsReadAgain) {
 TEST_F(SettingsFuzz, TheWindowOpens) {
     ForEachCase(12, [&](Random& random) {
         Settings::Clear();
-        Errors.Reports.clear();
+        Errors.Forget();
         std::wstring expected;
         bool open = false;  // whether a report follows, or none, is not known
         std::string shown;

@@ -4,7 +4,6 @@
 
 #include <vector>
 
-#include "editor/ControlIds.h"
 #include "support/EditorTree.h"
 #include "support/EditorWindow.h"
 
@@ -32,13 +31,6 @@ std::wstring NodeText(HTREEITEM item) {
     read.cchTextMax = static_cast<int>(text.size());
     SendMessageW(View(0), TVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&read));
     return text.data();
-}
-
-std::wstring LabelText() {
-    const HWND label = EditorWindow::Control(IdDescription);
-    std::wstring text(static_cast<size_t>(GetWindowTextLengthW(label)) + 1, L'\0');
-    text.resize(static_cast<size_t>(GetWindowTextW(label, text.data(), static_cast<int>(text.size()))));
-    return text;
 }
 
 void PutText(const std::wstring& text) {

@@ -52,7 +52,7 @@ std::wstring ShowOnce(const std::wstring& typed, std::vector<std::wstring>* clas
 }  // namespace
 
 TEST(UnloadTest, ItGoesWhenNothingLivesAndComesBack) {
-    const FakeErrors errors;
+    FakeErrors errors;
     Settings::Clear();
     for (int life = 1; life <= 3; ++life) {
         SCOPED_TRACE(life);
@@ -130,7 +130,7 @@ TEST(UnloadTest, ALifeTakesNoIndexOfThreadLocalStorageAlong) {
             editor.Call(L"Constructor", 5L);  // reported: an exception was thrown and caught inside the module
         }
         EXPECT_NE(L"", errors.Places());
-        errors.Reports.clear();
+        errors.Forget();
         CoFreeUnusedLibrariesEx(0, 0);
         ASSERT_FALSE(IsLoaded());
     };

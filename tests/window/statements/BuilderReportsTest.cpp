@@ -23,24 +23,20 @@ protected:
     // of it.
     std::wstring Written(const std::wstring& entry, int call, int failures) {
         EditorWindow::SetText(L"");
-        Errors.Reports.clear();
+        Errors.Forget();
         asked_ = 0;
         failingCall_ = call;
         Errors.MessageFailures = failures;
         EditorWindow::Choose(L"Action", entry.c_str());
         Errors.MessageFailures = 0;
         std::wstring places = Errors.Places();
-        Errors.Reports.clear();
+        Errors.Forget();
         const size_t number =
             places.find(L" " + std::to_wstring(ObjectErrorBase + 77));  // what the reporting failed with
         return EditorWindow::Text() + L" " +
                (number == std::wstring::npos ? places : places.substr(0, number) + L" later");
     }
-    void OpenFolder(int folder) {
-        Tree.Open(Tree.At({}));
-        Tree.Open(Tree.At({0}));
-        Tree.Open(Tree.At({0, folder}));
-    }
+    void OpenFolder(int folder) { Tree.OpenDownTo({0, folder}); }
 
 private:
     int asked_ = 0;

@@ -4,6 +4,7 @@
 
 #include "support/Browsed.h"
 #include "support/Dialogs.h"
+#include "support/Folder.h"
 #include "support/PatchedFunction.h"
 #include "support/TestData.h"
 
@@ -23,87 +24,69 @@ protected:
 }  // namespace
 
 TEST_F(OleDropTest, TextGoesWhereItIsDropped) {
-    EXPECT_EQ(L"one - Zo\u00eb \u4e2d two", Inside(
-                                                [] {
-                                                    TestData data;
-                                                    data.AddText(L" - Zo\u00eb \u4e2d");
-                                                    EXPECT_EQ(DWORD{DROPEFFECT_COPY}, DropOnEditor(data, PlaceOf(3)));
-                                                    EXPECT_EQ(L" - Zo\u00eb \u4e2d", EditorWindow::SelectedText());
-                                                    EXPECT_EQ(EditorWindow::Editor(), GetFocus());
-                                                },
-                                                L"one two"));
-    EXPECT_EQ(L"", Errors.Places());
+    EXPECT_EQ(L"one - Zo\u00eb \u4e2d two", Inside(L"one two", [] {
+                  TestData data;
+                  data.AddText(L" - Zo\u00eb \u4e2d");
+                  EXPECT_EQ(DWORD{DROPEFFECT_COPY}, DropOnEditor(data, PlaceOf(3)));
+                  EXPECT_EQ(L" - Zo\u00eb \u4e2d", EditorWindow::SelectedText());
+                  EXPECT_EQ(EditorWindow::Editor(), GetFocus());
+              }));
 }
 
 TEST_F(OleDropTest, ADropThatNamesNoPlaceInTheTextGoesBehindTheSelection) {
-    EXPECT_EQ(L"oneX two", Inside(
-                               [] {
-                                   SendMessageW(EditorWindow::Editor(), EM_SETSEL, 0, 3);
-                                   TestData data;
-                                   data.AddText(L"X");
-                                   DropOnEditor(data, {-5000, -5000});
-                               },
-                               L"one two"));
+    EXPECT_EQ(L"oneX two", Inside(L"one two", [] {
+                  SendMessageW(EditorWindow::Editor(), EM_SETSEL, 0, 3);
+                  TestData data;
+                  data.AddText(L"X");
+                  DropOnEditor(data, {-5000, -5000});
+              }));
 }
 
 TEST_F(OleDropTest, TextOfTheCodePageIsRead) {
-    EXPECT_EQ(L"a\u00e9b", Inside(
-                               [] {
-                                   TestData data;
-                                   data.Add(CF_TEXT, std::string("a\xe9"
-                                                                 "b\0",
-                                                                 4));
-                                   DropOnEditor(data, PlaceOf(0));
-                               },
-                               L""));
+    EXPECT_EQ(L"a\u00e9b", Inside(L"", [] {
+                  TestData data;
+                  data.Add(CF_TEXT, std::string("a\xe9"
+                                                "b\0",
+                                                4));
+                  DropOnEditor(data, PlaceOf(0));
+              }));
 }
 
 TEST_F(OleDropTest, RichTextLeavesItsFormattingBehind) {
     const std::string rtf = "{\\rtf1\\ansi{\\b select} *\\par from t}";
-    EXPECT_EQ(L"select *\r\nfrom t", Inside(
-                                         [&] {
-                                             TestData data;
-                                             data.AddRichText(rtf);
-                                             EXPECT_EQ(DWORD{DROPEFFECT_COPY}, DropOnEditor(data, PlaceOf(0)));
-                                         },
-                                         L""));
+    EXPECT_EQ(L"select *\r\nfrom t", Inside(L"", [&] {
+                  TestData data;
+                  data.AddRichText(rtf);
+                  EXPECT_EQ(DWORD{DROPEFFECT_COPY}, DropOnEditor(data, PlaceOf(0)));
+              }));
     // With the same as plain text, that is what is taken.
-    EXPECT_EQ(L"plain", Inside(
-                            [&] {
-                                TestData data;
-                                data.AddRichText(rtf).AddText(L"plain");
-                                DropOnEditor(data, PlaceOf(0));
-                            },
-                            L""));
-    EXPECT_EQ(L"", Errors.Places());
+    EXPECT_EQ(L"plain", Inside(L"", [&] {
+                  TestData data;
+                  data.AddRichText(rtf).AddText(L"plain");
+                  DropOnEditor(data, PlaceOf(0));
+              }));
 }
 
 TEST_F(OleDropTest, PicturesAndWhatIsNotKnownAreRefused) {
-    EXPECT_EQ(L"one", Inside(
-                          [] {
-                              TestData picture;
-                              picture.Add(CF_DIB, std::string(100, '\0'));
-                              EXPECT_EQ(DWORD{DROPEFFECT_NONE}, DropOnEditor(picture, PlaceOf(0)));
-                              TestData nothing;
-                              EXPECT_EQ(DWORD{DROPEFFECT_NONE}, DropOnEditor(nothing, PlaceOf(0)));
-                              TestData text;  // of a program that only lets it be moved: it would lose it
-                              text.AddText(L"moved");
-                              EXPECT_EQ(DWORD{DROPEFFECT_NONE}, DropOnEditor(text, PlaceOf(0), DROPEFFECT_MOVE));
-                          },
-                          L"one"));
-    EXPECT_EQ(L"", Errors.Places());
+    EXPECT_EQ(L"one", Inside(L"one", [] {
+                  TestData picture;
+                  picture.Add(CF_DIB, std::string(100, '\0'));
+                  EXPECT_EQ(DWORD{DROPEFFECT_NONE}, DropOnEditor(picture, PlaceOf(0)));
+                  TestData nothing;
+                  EXPECT_EQ(DWORD{DROPEFFECT_NONE}, DropOnEditor(nothing, PlaceOf(0)));
+                  TestData text;  // of a program that only lets it be moved: it would lose it
+                  text.AddText(L"moved");
+                  EXPECT_EQ(DWORD{DROPEFFECT_NONE}, DropOnEditor(text, PlaceOf(0), DROPEFFECT_MOVE));
+              }));
 }
 
 // A link to something is taken for what it leads to.
 TEST_F(OleDropTest, WhatMayOnlyBeLinkedIsInserted) {
-    EXPECT_EQ(L"linkedone", Inside(
-                                [] {
-                                    TestData text;
-                                    text.AddText(L"linked");
-                                    EXPECT_EQ(DWORD{DROPEFFECT_LINK}, DropOnEditor(text, PlaceOf(0), DROPEFFECT_LINK));
-                                },
-                                L"one"));
-    EXPECT_EQ(L"", Errors.Places());
+    EXPECT_EQ(L"linkedone", Inside(L"one", [] {
+                  TestData text;
+                  text.AddText(L"linked");
+                  EXPECT_EQ(DWORD{DROPEFFECT_LINK}, DropOnEditor(text, PlaceOf(0), DROPEFFECT_LINK));
+              }));
 }
 
 TEST_F(OleDropTest, FormatsAreAskedForInTheirOrder) {
@@ -131,43 +114,35 @@ TEST_F(OleDropTest, FormatsAreAskedForInTheirOrder) {
 }
 
 TEST_F(OleDropTest, ADragThatLeavesPutsTheSelectionBack) {
-    Inside(
-        [] {
-            SendMessageW(EditorWindow::Editor(), EM_SETSEL, 0, 3);
-            IDropTarget* const target = EditorDropTarget();
-            ASSERT_NE(nullptr, target);
-            TestData data;
-            data.AddText(L"X");
-            DWORD effect = DROPEFFECT_COPY;
-            target->DragEnter(&data, MK_LBUTTON, PlaceOf(5), &effect);
-            EXPECT_EQ(L"", EditorWindow::SelectedText());
-            target->DragLeave();
-            EXPECT_EQ(L"one", EditorWindow::SelectedText());
-            target->Release();
-        },
-        L"one two");
+    Inside(L"one two", [] {
+        SendMessageW(EditorWindow::Editor(), EM_SETSEL, 0, 3);
+        const auto target = EditorDropTarget();
+        ASSERT_TRUE(target);
+        TestData data;
+        data.AddText(L"X");
+        DWORD effect = DROPEFFECT_COPY;
+        target->DragEnter(&data, MK_LBUTTON, PlaceOf(5), &effect);
+        EXPECT_EQ(L"", EditorWindow::SelectedText());
+        target->DragLeave();
+        EXPECT_EQ(L"one", EditorWindow::SelectedText());
+    });
 }
 
 // As files: a large text is asked for and a larger one refused, when the other program has its answer.
 TEST_F(OleDropTest, ALargeTextIsAskedForAndALargerOneRefused) {
     const auto dropped = [this](const std::function<void(TestData&)>& fill) {
         BoxAnswerer box(IDCANCEL);
-        EXPECT_EQ(L"one", Inside(
-                              [&] {
-                                  IDropTarget* const target = EditorDropTarget();
-                                  ASSERT_NE(nullptr, target);
-                                  TestData data;
-                                  fill(data);
-                                  DWORD effect = DROPEFFECT_COPY;
-                                  target->DragEnter(&data, MK_LBUTTON, PlaceOf(0), &effect);
-                                  EXPECT_EQ(S_OK, target->Drop(&data, 0, PlaceOf(0), &effect));
-                                  target->Release();
-                                  EXPECT_EQ(0, box.Boxes);
-                                  MSG message;
-                                  while (PeekMessageW(&message, EditorWindow::Editor(), 0, 0, PM_REMOVE))
-                                      DispatchMessageW(&message);
-                              },
-                              L"one"));
+        EXPECT_EQ(L"one", Inside(L"one", [&] {
+                      const auto target = EditorDropTarget();
+                      ASSERT_TRUE(target);
+                      TestData data;
+                      fill(data);
+                      DWORD effect = DROPEFFECT_COPY;
+                      target->DragEnter(&data, MK_LBUTTON, PlaceOf(0), &effect);
+                      EXPECT_EQ(S_OK, target->Drop(&data, 0, PlaceOf(0), &effect));
+                      EXPECT_EQ(0, box.Boxes);
+                      FinishDrop();
+                  }));
         return box.Icon + L": " + box.Text;
     };
     constexpr size_t Million = 1024 * 1024;
@@ -188,7 +163,6 @@ TEST_F(OleDropTest, ALargeTextIsAskedForAndALargerOneRefused) {
               dropped([](TestData& data) { data.AddRichText("{\\rtf1 " + std::string(4 * Million, 'x') + "}"); }));
     // What counts is where the text ends, not the block.
     EXPECT_EQ(L": ", dropped([](TestData& data) { data.AddText(std::wstring(5 * Million, L'\0')); }));
-    EXPECT_EQ(L"", Errors.Places());
 }
 
 // What the other program lets through while it answers may take the target away: a long text gives way to a new one in
@@ -196,99 +170,90 @@ TEST_F(OleDropTest, ALargeTextIsAskedForAndALargerOneRefused) {
 TEST_F(OleDropTest, ATargetMayGoWhileTheOtherProgramAnswers) {
     for (const int calls : {1, 2, 3}) {
         const std::wstring long_text(20000, L'x');
-        const std::wstring text = Inside(
-            [&] {
-                const HWND before = EditorWindow::Editor();
-                IDropTarget* const target = EditorDropTarget();
-                ASSERT_NE(nullptr, target);
-                TestData data;
-                data.AddText(L"dropped");
-                int asked = 0;
-                int call = 0;
-                data.WhenAsked = [&] {
-                    if (call == calls && asked++ == 0) EditorWindow::Choose(L"File", L"New");
-                };
-                const POINTL at = PlaceOf(0);
-                for (call = 1; call <= 3; ++call) {
-                    DWORD effect = DROPEFFECT_COPY;
-                    if (call == 1) {
-                        EXPECT_EQ(S_OK, target->DragEnter(&data, MK_LBUTTON, at, &effect));
-                    }
-                    if (call == 2) {
-                        EXPECT_EQ(S_OK, target->DragOver(MK_LBUTTON, at, &effect));
-                    }
-                    if (call == 3) {
-                        EXPECT_EQ(S_OK, target->Drop(&data, 0, at, &effect));
-                    }
-                    if (asked > 0) {
-                        EXPECT_EQ(DWORD{DROPEFFECT_NONE}, effect) << calls << call;
-                    }
+        const std::wstring text = Inside(long_text, [&] {
+            const HWND before = EditorWindow::Editor();
+            const auto target = EditorDropTarget();
+            ASSERT_TRUE(target);
+            TestData data;
+            data.AddText(L"dropped");
+            int asked = 0;
+            int call = 0;
+            data.WhenAsked = [&] {
+                if (call == calls && asked++ == 0) EditorWindow::Choose(L"File", L"New");
+            };
+            const POINTL at = PlaceOf(0);
+            for (call = 1; call <= 3; ++call) {
+                DWORD effect = DROPEFFECT_COPY;
+                if (call == 1) {
+                    EXPECT_EQ(S_OK, target->DragEnter(&data, MK_LBUTTON, at, &effect));
                 }
-                EXPECT_EQ(calls == 2, EditorWindow::Editor() == before);  // nobody is asked while the mouse moves
-                target->Release();
-            },
-            long_text);
+                if (call == 2) {
+                    EXPECT_EQ(S_OK, target->DragOver(MK_LBUTTON, at, &effect));
+                }
+                if (call == 3) {
+                    EXPECT_EQ(S_OK, target->Drop(&data, 0, at, &effect));
+                }
+                if (asked > 0) {
+                    EXPECT_EQ(DWORD{DROPEFFECT_NONE}, effect) << calls << call;
+                }
+            }
+            EXPECT_EQ(calls == 2, EditorWindow::Editor() == before);  // nobody is asked while the mouse moves
+        });
         EXPECT_EQ(calls == 2 ? L"dropped" + long_text : L"", text) << calls;
     }
-    EXPECT_EQ(L"", Errors.Places());
 }
 
 TEST_F(OleDropTest, ADragThatComesInDoesNotScrollBackToTheCaretAndScrollsAtTheEdges) {
     std::wstring lines;
     for (int line = 0; line < 200; ++line) lines += std::to_wstring(line) + L"\r\n";
-    Inside(
-        [this] {
-            const HWND editor = EditorWindow::Editor();
-            const auto first = [&] { return SendMessageW(editor, EM_GETFIRSTVISIBLELINE, 0, 0); };
-            SetFocus(Tree.Handle());
-            SendMessageW(editor, EM_SETSEL, 0, 0);
-            SendMessageW(editor, EM_LINESCROLL, 0, 100);
-            const LRESULT scrolled = first();
-            ASSERT_GT(scrolled, 50);
-            RECT client;
-            GetClientRect(editor, &client);
-            const auto place = [&](LONG x, LONG y) {
-                POINT at{x, y};
-                ClientToScreen(editor, &at);
-                return POINTL{at.x, at.y};
-            };
-            IDropTarget* const target = EditorDropTarget();
-            ASSERT_NE(nullptr, target);
-            TestData data;
-            data.AddText(L"x");
-            DWORD effect = DROPEFFECT_COPY;
-            target->DragEnter(&data, MK_LBUTTON, place(50, client.bottom / 2), &effect);
-            EXPECT_EQ(editor, GetFocus());
-            EXPECT_EQ(scrolled, first());
-            const auto held = [&](POINTL at) {
-                for (int times = 0; times < 8; ++times) {
-                    effect = DROPEFFECT_COPY;
-                    target->DragOver(MK_LBUTTON, at, &effect);
-                    Sleep(30);
-                }
-            };
-            held(place(50, client.bottom / 2));
-            EXPECT_EQ(scrolled, first());
-            held(place(50, 3));
-            const LRESULT up = first();
-            EXPECT_LT(up, scrolled);
-            EXPECT_GE(up, scrolled - 8);  // a step a call, at most
-            held(place(50, client.bottom - 3));
-            EXPECT_GT(first(), up);
-            target->DragLeave();
-            target->Release();
-        },
-        lines);
-    EXPECT_EQ(L"", Errors.Places());
+    Inside(lines, [this] {
+        const HWND editor = EditorWindow::Editor();
+        const auto first = [&] { return SendMessageW(editor, EM_GETFIRSTVISIBLELINE, 0, 0); };
+        SetFocus(Tree.Handle());
+        SendMessageW(editor, EM_SETSEL, 0, 0);
+        SendMessageW(editor, EM_LINESCROLL, 0, 100);
+        const LRESULT scrolled = first();
+        ASSERT_GT(scrolled, 50);
+        RECT client;
+        GetClientRect(editor, &client);
+        const auto place = [&](LONG x, LONG y) {
+            POINT at{x, y};
+            ClientToScreen(editor, &at);
+            return POINTL{at.x, at.y};
+        };
+        const auto target = EditorDropTarget();
+        ASSERT_TRUE(target);
+        TestData data;
+        data.AddText(L"x");
+        DWORD effect = DROPEFFECT_COPY;
+        target->DragEnter(&data, MK_LBUTTON, place(50, client.bottom / 2), &effect);
+        EXPECT_EQ(editor, GetFocus());
+        EXPECT_EQ(scrolled, first());
+        const auto held = [&](POINTL at) {
+            for (int times = 0; times < 8; ++times) {
+                effect = DROPEFFECT_COPY;
+                target->DragOver(MK_LBUTTON, at, &effect);
+                Sleep(30);
+            }
+        };
+        held(place(50, client.bottom / 2));
+        EXPECT_EQ(scrolled, first());
+        held(place(50, 3));
+        const LRESULT up = first();
+        EXPECT_LT(up, scrolled);
+        EXPECT_GE(up, scrolled - 8);  // a step a call, at most
+        held(place(50, client.bottom - 3));
+        EXPECT_GT(first(), up);
+        target->DragLeave();
+    });
 }
 
 TEST_F(OleDropTest, ATargetThatIsHeldBeyondTheWindowTakesNothing) {
-    IDropTarget* target = nullptr;
-    const Object editor = Dll.Create();
-    editor.Call(L"Constructor", Database.Make());
+    ComPtr<IDropTarget> target;
+    const Object editor = Connected();
     DisplayAndClose(editor, L"one", [&] { target = EditorDropTarget(); });
     editor.Call(L"Destructor");
-    ASSERT_NE(nullptr, target);
+    ASSERT_TRUE(target);
     TestData data;
     data.AddText(L"X");
     DWORD effect = DROPEFFECT_COPY;
@@ -297,7 +262,7 @@ TEST_F(OleDropTest, ATargetThatIsHeldBeyondTheWindowTakesNothing) {
     effect = DROPEFFECT_COPY;
     EXPECT_EQ(S_OK, target->Drop(&data, 0, {0, 0}, &effect));
     EXPECT_EQ(DWORD{DROPEFFECT_NONE}, effect);
-    EXPECT_EQ(0U, target->Release());
+    EXPECT_EQ(0U, target.Detach()->Release());
 }
 
 // ---- files
@@ -306,23 +271,9 @@ namespace {
 
 class FileDropTest : public OleDropTest {
 protected:
-    FileDropTest() {
-        wchar_t temp[MAX_PATH];
-        GetTempPathW(MAX_PATH, temp);
-        folder_ = std::wstring(temp) + L"brv drop " + std::to_wstring(GetCurrentProcessId());
-        CreateDirectoryW(folder_.c_str(), nullptr);
-    }
-    ~FileDropTest() override {
-        for (const std::wstring& file : files_) DeleteFileW(file.c_str());
-        RemoveDirectoryW(folder_.c_str());
-    }
     std::wstring File(const wchar_t* name, const std::string& bytes) {
-        files_.push_back(folder_ + L"\\" + name);
-        const HANDLE file = CreateFileW(files_.back().c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
-        DWORD written = 0;
-        WriteFile(file, bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr);
-        CloseHandle(file);
-        return files_.back();
+        PutBytes(Here / name, bytes);
+        return Here / name;
     }
     // A file of the size without contents.
     std::wstring Sparse(const wchar_t* name, LONG megabytes) {
@@ -334,16 +285,14 @@ protected:
         return path;
     }
     std::wstring Drop(const std::vector<std::wstring>& files, const std::wstring& sql = L"") {
-        return Inside(
-            [&] {
-                TestData data;
-                data.AddFiles(files);
-                EXPECT_EQ(DWORD{DROPEFFECT_COPY}, DropOnEditor(data, PlaceOf(0)));
-            },
-            sql);
+        return Inside(sql, [&] {
+            TestData data;
+            data.AddFiles(files);
+            EXPECT_EQ(DWORD{DROPEFFECT_COPY}, DropOnEditor(data, PlaceOf(0)));
+        });
     }
-    std::wstring folder_;
-    std::vector<std::wstring> files_;
+
+    Folder Here;
 };
 
 }  // namespace
@@ -351,7 +300,6 @@ protected:
 TEST_F(FileDropTest, EachFileComesWithALineBreakBehindIt) {
     EXPECT_EQ(L"select 1\r\nselect 2\r\nfrom t\r\n",
               Drop({File(L"one.sql", "select 1"), File(L"empty.sql", ""), File(L"two.txt", "select 2\r\nfrom t")}));
-    EXPECT_EQ(L"", Errors.Places());
 }
 
 TEST_F(FileDropTest, EveryEncodingIsRead) {
@@ -366,20 +314,17 @@ TEST_F(FileDropTest, EveryEncodingIsRead) {
     EXPECT_EQ(L"\u00eb\u4e2d\r\nZ\u00eb\r\na\u4e2d\r\nb\u4e2d\r\n\u00e9!\r\n",
               Drop({File(L"utf8.sql", "\xc3\xab\xe4\xb8\xad"), File(L"mark.sql", "\xef\xbb\xbfZ\xc3\xab"),
                     File(L"le.sql", little), File(L"be.sql", big), File(L"ansi.sql", "\xe9!")}));
-    EXPECT_EQ(L"", Errors.Places());
 }
 
 TEST_F(FileDropTest, LineEndsOfOtherSystemsBecomeTheEditors) {
     EXPECT_EQ(L"a\r\nb\r\nc\r\n", Drop({File(L"unix.sql", "a\nb\nc")}));
     // All of it is selected, the line break after it too.
-    Inside(
-        [this] {
-            TestData data;
-            data.AddFiles({File(L"unix2.sql", "a\nb")});
-            DropOnEditor(data, PlaceOf(0));
-            EXPECT_EQ(L"a\rb\r", EditorWindow::SelectedText());
-        },
-        L"");
+    Inside(L"", [this] {
+        TestData data;
+        data.AddFiles({File(L"unix2.sql", "a\nb")});
+        DropOnEditor(data, PlaceOf(0));
+        EXPECT_EQ(L"a\rb\r", EditorWindow::SelectedText());
+    });
 }
 
 TEST_F(FileDropTest, RichTextComesAsItsText) {
@@ -388,7 +333,6 @@ TEST_F(FileDropTest, RichTextComesAsItsText) {
 
 TEST_F(FileDropTest, WhatOnlyBearsTheNameOfRichTextComesAsItIs) {
     EXPECT_EQ(L"select 1\r\n\u00eb\r\n", Drop({File(L"plain.rtf", "select 1"), File(L"utf8.rtf", "\xc3\xab")}));
-    EXPECT_EQ(L"", Errors.Places());
 }
 
 TEST_F(FileDropTest, DamagedRichTextIsTold) {
@@ -399,35 +343,30 @@ TEST_F(FileDropTest, DamagedRichTextIsTold) {
         EXPECT_EQ(1, box.Boxes);
         EXPECT_NE(std::wstring::npos, box.Text.find(path + L": The rich text in this file is damaged."));
     }
-    EXPECT_EQ(L"", Errors.Places());
 }
 
 TEST_F(FileDropTest, AllFilesOfADropAreOneStepOfUndo) {
-    EXPECT_EQ(L"one", Inside(
-                          [this] {
-                              TestData data;
-                              data.AddFiles({File(L"a.sql", "a"), File(L"b.sql", "b"), File(L"c.sql", "\r\nc\nd")});
-                              DropOnEditor(data, PlaceOf(0));
-                              EXPECT_EQ(L"a\r\nb\r\n\r\nc\r\nd\r\none", EditorWindow::Text());
-                              // The last one stands selected, without the line break that it begins with.
-                              EXPECT_EQ(L"c\rd\r", EditorWindow::SelectedText());
-                              SendMessageW(EditorWindow::Editor(), WM_UNDO, 0, 0);
-                          },
-                          L"one"));
-    EXPECT_EQ(L"", Errors.Places());
+    EXPECT_EQ(L"one", Inside(L"one", [this] {
+                  TestData data;
+                  data.AddFiles({File(L"a.sql", "a"), File(L"b.sql", "b"), File(L"c.sql", "\r\nc\nd")});
+                  DropOnEditor(data, PlaceOf(0));
+                  EXPECT_EQ(L"a\r\nb\r\n\r\nc\r\nd\r\none", EditorWindow::Text());
+                  // The last one stands selected, without the line break that it begins with.
+                  EXPECT_EQ(L"c\rd\r", EditorWindow::SelectedText());
+                  SendMessageW(EditorWindow::Editor(), WM_UNDO, 0, 0);
+              }));
 }
 
 TEST_F(FileDropTest, WhatCannotBeInsertedIsToldAndTheRestComes) {
     BoxAnswerer box;
-    const std::wstring missing = folder_ + L"\\missing.sql";
-    EXPECT_EQ(L"x\r\n", Drop({folder_, missing, File(L"x.sql", "x"), Sparse(L"huge.sql", 100)}));
+    const std::wstring missing = Here / L"missing.sql";
+    EXPECT_EQ(L"x\r\n", Drop({Here.Path(), missing, File(L"x.sql", "x"), Sparse(L"huge.sql", 100)}));
     EXPECT_EQ(1, box.Boxes);
-    EXPECT_NE(std::wstring::npos, box.Text.find(folder_ + L": This is a folder")) << box.Text.size();
+    EXPECT_NE(std::wstring::npos, box.Text.find(Here.Path() + L": This is a folder")) << box.Text.size();
     EXPECT_NE(std::wstring::npos, box.Text.find(missing + L": "));
     EXPECT_NE(std::wstring::npos, box.Text.find(L"With 100 MB the file is too large"));
     EXPECT_EQ(L"exclamation", box.Icon);
     EXPECT_EQ(1, box.Buttons);
-    EXPECT_EQ(L"", Errors.Places());
 }
 
 // To ask for the attributes of a pipe, or to open it, is to talk to whoever listens there.
@@ -450,20 +389,19 @@ TEST_F(FileDropTest, APipeIsAskedNothing) {
         ASSERT_TRUE(patched);
         EXPECT_EQ(L"x\r\n", Drop({name, File(L"x.sql", "x")}));
     }
-    EXPECT_EQ(std::vector<std::wstring>{folder_ + L"\\x.sql"}, asked);
+    EXPECT_EQ(std::vector<std::wstring>{Here / L"x.sql"}, asked);
     EXPECT_FALSE(ConnectNamedPipe(pipe, nullptr));
     EXPECT_EQ(static_cast<DWORD>(ERROR_PIPE_LISTENING), GetLastError()) << "somebody has opened it";
     CloseHandle(pipe);
     EXPECT_EQ(1, box.Boxes);
     EXPECT_NE(std::wstring::npos, box.Text.find(name + L": "));
-    EXPECT_EQ(L"", Errors.Places());
 }
 
 TEST_F(FileDropTest, ALargeFileIsAskedFor) {
     BoxAnswerer box(IDCANCEL);
     EXPECT_EQ(L"x\r\none", Drop({Sparse(L"large.sql", 3), File(L"x.sql", "x")}, L"one"));
     EXPECT_EQ(1, box.Boxes);
-    EXPECT_EQ(folder_ + L"\\large.sql\r\nis 3 MB large, which takes the editor a while. Do you want to insert it?",
+    EXPECT_EQ((Here / L"large.sql") + L"\r\nis 3 MB large, which takes the editor a while. Do you want to insert it?",
               box.Text);
     EXPECT_EQ(L"question", box.Icon);
     EXPECT_EQ(2, box.Buttons);
@@ -473,42 +411,35 @@ TEST_F(FileDropTest, ALargeFileIsAskedFor) {
 TEST_F(FileDropTest, TheQuestionComesWhenTheOtherProgramHasItsAnswer) {
     BoxAnswerer box(IDCANCEL);
     const std::wstring large = Sparse(L"large.sql", 3);
-    Inside(
-        [&] {
-            IDropTarget* const target = EditorDropTarget();
-            ASSERT_NE(nullptr, target);
-            TestData data;
-            data.AddFiles({large, File(L"x.sql", "x")});
-            DWORD effect = DROPEFFECT_COPY;
-            target->DragEnter(&data, MK_LBUTTON, PlaceOf(0), &effect);
-            EXPECT_EQ(S_OK, target->Drop(&data, 0, PlaceOf(0), &effect));
-            EXPECT_EQ(DWORD{DROPEFFECT_COPY}, effect);
-            target->Release();
-            EXPECT_EQ(0, box.Boxes);
-            EXPECT_EQ(L"one", EditorWindow::Text());
-            MSG message;
-            while (PeekMessageW(&message, EditorWindow::Editor(), 0, 0, PM_REMOVE)) DispatchMessageW(&message);
-            EXPECT_EQ(1, box.Boxes);
-            EXPECT_EQ(L"x\r\none", EditorWindow::Text());
-        },
-        L"one");
-    EXPECT_EQ(L"", Errors.Places());
+    Inside(L"one", [&] {
+        const auto target = EditorDropTarget();
+        ASSERT_TRUE(target);
+        TestData data;
+        data.AddFiles({large, File(L"x.sql", "x")});
+        DWORD effect = DROPEFFECT_COPY;
+        target->DragEnter(&data, MK_LBUTTON, PlaceOf(0), &effect);
+        EXPECT_EQ(S_OK, target->Drop(&data, 0, PlaceOf(0), &effect));
+        EXPECT_EQ(DWORD{DROPEFFECT_COPY}, effect);
+        EXPECT_EQ(0, box.Boxes);
+        EXPECT_EQ(L"one", EditorWindow::Text());
+        FinishDrop();
+        EXPECT_EQ(1, box.Boxes);
+        EXPECT_EQ(L"x\r\none", EditorWindow::Text());
+    });
 }
 
 TEST_F(FileDropTest, WhatIsDroppedIntoOneTextDoesNotComeIntoTheNext) {
     const std::wstring file = Sparse(L"large.sql", 3);  // would be asked for
     BoxAnswerer box;
-    const Object editor = Dll.Create();
-    editor.Call(L"Constructor", Database.Make());
+    const Object editor = Connected();
     const std::wstring first = DisplayAndClose(editor, L"one", [&] {
-        IDropTarget* const target = EditorDropTarget();
-        ASSERT_NE(nullptr, target);
+        const auto target = EditorDropTarget();
+        ASSERT_TRUE(target);
         TestData data;
         data.AddFiles({file});
         DWORD effect = DROPEFFECT_COPY;
         target->DragEnter(&data, MK_LBUTTON, PlaceOf(0), &effect);
         target->Drop(&data, 0, PlaceOf(0), &effect);
-        target->Release();
     });
     EXPECT_EQ(L"one", first);
     // The host's own loop finds what was posted to the window, which does not show any more.
@@ -516,7 +447,6 @@ TEST_F(FileDropTest, WhatIsDroppedIntoOneTextDoesNotComeIntoTheNext) {
     while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) DispatchMessageW(&message);
     EXPECT_EQ(0, box.Boxes);
     EXPECT_EQ(L"two", DisplayAndClose(editor, L"two"));
-    EXPECT_EQ(L"", Errors.Places());
 }
 
 // The block is another program's: what it says of itself need not be true.
@@ -533,7 +463,7 @@ TEST_F(FileDropTest, ADamagedListIsReadWithinItsBlock) {
         const Header header{names, {}, FALSE, TRUE};
         TestData data;
         data.Add(CF_HDROP, std::string(reinterpret_cast<const char*>(&header), sizeof header) + rest);
-        return Inside([&] { DropOnEditor(data, PlaceOf(0)); }, L"");
+        return Inside(L"", [&] { DropOnEditor(data, PlaceOf(0)); });
     };
     EXPECT_EQ(L"x\r\n", dropped(sizeof(Header), name));                         // no end at all
     EXPECT_EQ(L"x\r\n", dropped(sizeof(Header), name + std::string(2, '\0')));  // none of the list
@@ -544,8 +474,7 @@ TEST_F(FileDropTest, ADamagedListIsReadWithinItsBlock) {
         EXPECT_EQ(L"", dropped(outside, name + std::string(4, '\0')));
     TestData shorter;
     shorter.Add(CF_HDROP, std::string(sizeof(Header) - 1, '\x14'));
-    EXPECT_EQ(L"", Inside([&] { DropOnEditor(shorter, PlaceOf(0)); }, L""));
-    EXPECT_EQ(L"", Errors.Places());
+    EXPECT_EQ(L"", Inside(L"", [&] { DropOnEditor(shorter, PlaceOf(0)); }));
 }
 
 TEST_F(FileDropTest, BinaryBytesDoNotCutTheText) {
