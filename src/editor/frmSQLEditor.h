@@ -403,6 +403,5 @@ private:
     std::wstring whyNoName_;
     std::wstring nodeText_;       // what was looked for in the object browser
     bool nameQualified_ = false;  // something and a point stand before it
-    bool choosingName_ = false;
     HelpTip tipHelp_;
 };

@@ -1,7 +1,7 @@
 #include <algorithm>
 #include <string_view>
+#include <utility>
 
-#include "automation/Scope.h"
 #include "automation/Text.h"
 #include "browser/ReadNodes.h"
 #include "browser/modLists_Tree.h"
@@ -24,7 +24,6 @@ using namespace ReadNodes;
 // What a name of the reference is called in a statement: what stands before its bracket, when that is one word.
 std::wstring_view WordOf(std::wstring_view Text) {
     Text = Text.substr(0, Text.find(L'('));
-    while (!Text.empty() && Text.back() == L' ') Text.remove_suffix(1);
     return Text.find(L' ') == Text.npos ? Text : std::wstring_view();
 }
 
@@ -170,7 +169,7 @@ void frmSQLEditor::m_Complete() {
 // The text or the caret has changed while the list is open: it follows what is written of the name, and closes when
 // something else is written.
 void frmSQLEditor::m_FollowName() {
-    if (!lstNames.IsOpen() || choosingName_) return;
+    if (!lstNames.IsOpen()) return;
     const auto [From, To] = rtbSQL.RawSelection();
     if (From != To || To < namePlace_.first || To - namePlace_.first > LongestName) return lstNames.Close();
     std::wstring Begun = rtbSQL.RawText(namePlace_.first, To);
@@ -223,7 +222,6 @@ void frmSQLEditor::m_TakeName() {
     // What failed was reported. The host's code ran: what was begun may not be there any more.
     if (Written.empty() || !Visible() || rtbSQL.RawText(Place.first, Place.second) != Begun) return;
     const long Caret = Place.first + static_cast<long>(Written.size());
-    const AutoReset Choosing(choosingName_, true);
     m_ReplaceRaw(Place.first, Place.second, Written, Caret, Caret);
 }
 

@@ -138,6 +138,22 @@ TEST(RichTextKeys, TheOldKeysOfTheClipboardAreTheCommands) {
     EXPECT_EQ(L"abc", editor.Box.SelText());
 }
 
+TEST(RichTextKeys, WithShiftBesideCtrlTheyAreNone) {
+    KeyEditor editor;
+    editor.Box.SetText(L"abc def");
+    editor.Box.Select(0, 7);
+    editor.Box.SetSelText(L"one two");
+    editor.Box.Select(4, 3);
+    for (const WPARAM key : {WPARAM{'C'}, WPARAM{'X'}, WPARAM{'V'}, WPARAM{'A'}, WPARAM{'Y'}, WPARAM{'Z'},
+                             WPARAM{VK_INSERT}, WPARAM{VK_DELETE}, WPARAM{VK_BACK}}) {
+        SCOPED_TRACE(key);
+        editor.Press(key, {VK_CONTROL, VK_SHIFT});
+        EXPECT_EQ(L"", editor.Asked);
+        EXPECT_EQ(L"one two", editor.Box.Text());
+        EXPECT_EQ(L"two", editor.Box.SelText());
+    }
+}
+
 TEST(RichTextKeys, NothingFormatsAlignsOrSubstitutes) {
     KeyEditor editor;
     editor.Box.SetText(L"abc 41");

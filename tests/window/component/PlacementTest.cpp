@@ -145,14 +145,9 @@ TEST_F(PlacementTest, AWindowThatComesBackFromMinimisedIsBroughtIntoView) {
     HWND window = nullptr;
     DisplayAndClose(editor, L"x", [&] {
         window = EditorWindow::Find();
+        SetWindowPos(window, nullptr, 30000, 100, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
         ShowWindow(window, SW_MINIMIZE);
     });
-    WINDOWPLACEMENT place{};
-    place.length = sizeof place;
-    ASSERT_TRUE(GetWindowPlacement(window, &place));
-    OffsetRect(&place.rcNormalPosition, 30000, 0);
-    place.showCmd = SW_HIDE;
-    SetWindowPlacement(window, &place);
     RECT seen{};
     DisplayAndClose(editor, L"x", [&] {
         EXPECT_FALSE(IsIconic(window));

@@ -189,6 +189,40 @@ TEST_F(WindowLifeTest, DestroyedWhileTheDictionaryIsAsked) {
     ExpectUsable(editor);
 }
 
+// A host sees the messages of modal windows by such a hook, and may take some for itself.
+TEST_F(WindowLifeTest, AMessageFilterOfTheHostGoesFirst) {
+    constexpr UINT Message = WM_APP + 77;
+    static int seen;
+    seen = 0;
+    const HHOOK hook = SetWindowsHookExW(
+        WH_MSGFILTER,
+        [](int code, WPARAM, LPARAM lParam) WINAPI -> LRESULT {
+            const auto& message = *reinterpret_cast<const MSG*>(lParam);
+            if (code == MSGF_DIALOGBOX && message.message == Message) ++seen;
+            if (code == MSGF_DIALOGBOX && message.message == WM_CLOSE && message.wParam == 77) {
+                EditorWindow::SetText(L"taken");
+                PostMessageW(EditorWindow::Find(), WM_CLOSE, 0, 0);
+                return TRUE;
+            }
+            return CallNextHookEx(nullptr, code, 0, lParam);
+        },
+        nullptr, GetCurrentThreadId());
+    ASSERT_NE(nullptr, hook);
+    const Object editor = Editor();
+    std::wstring sql = L"mine";
+    {
+        const WhenShown shown([] {
+            PostMessageW(EditorWindow::Find(), Message, 0, 0);
+            PostMessageW(EditorWindow::Find(), WM_CLOSE, 77, 0);
+        });
+        editor.Call(L"Display", ByRef(sql));
+    }
+    UnhookWindowsHookEx(hook);
+    EXPECT_EQ(1, seen);
+    EXPECT_EQ(L"taken", sql);
+    EXPECT_EQ(L"", Errors.Places());
+}
+
 // Windows ends the session: the edit is the host's before its own turn comes.
 TEST_F(WindowLifeTest, TheEndOfTheSessionClosesTheWindow) {
     const Object editor = Connected();

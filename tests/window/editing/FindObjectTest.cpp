@@ -141,3 +141,18 @@ TEST_F(FindObjectTest, OfTwoTablesTheOneThatIsWrittenAlikeIsMeant) {
          Find(L"select * from Orders|", L"Schemas/HR/Tables/Orders"),
          Find(L"select * from orders|", L"Schemas/HR/Tables/Orders")});
 }
+
+TEST_F(FindObjectTest, BeforeASearchInTheTreeF3FindsNothingThere) {
+    Run({{[this] {
+              SetFocus(Tree.Handle());
+              Tree.Select(Tree.At({}));
+              Key(VK_F3);
+              Key(VK_DOWN);
+              return true;
+          },
+          [this] {
+              if (Path() == L"Schemas") return false;
+              EXPECT_EQ(L"Schemas/HR", Path());
+              return true;
+          }}});
+}

@@ -75,6 +75,9 @@ TEST_F(FindWindowsTest, ReplacesWithinTheSelection) {
     InSteps(L"a a\r\na a\r\na a", {[] { SelectText(2, 7); }, Press('H'), [] { return Replace() != nullptr; },
                                    [] {
                                        // Lines are selected: they are what is meant.
+                                       wchar_t wanted[10]{};
+                                       GetDlgItemTextW(Replace(), FindId, wanted, 10);
+                                       EXPECT_STREQ(L"", wanted);
                                        EXPECT_EQ(BST_CHECKED, IsDlgButtonChecked(Replace(), SelectionId));
                                        Put(FindId, L"A");
                                        Put(WithId, L"bb");
