@@ -208,7 +208,7 @@ TEST_F(WindowLifeTest, AMessageFilterOfTheHostGoesFirst) {
         },
         nullptr, GetCurrentThreadId());
     ASSERT_NE(nullptr, hook);
-    const Object editor = Editor();
+    const Object editor = Connected();
     std::wstring sql = L"mine";
     {
         const WhenShown shown([] {
