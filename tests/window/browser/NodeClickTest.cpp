@@ -321,3 +321,49 @@ TEST_F(NodeClickTest, SelectionAndScrollPositionStayWhileABranchFills) {
         EXPECT_TRUE(at.y >= client.top && at.y < client.bottom);
     });
 }
+
+TEST_F(NodeClickTest, AMouseThatIsTakenAwayClicksNothing) {
+    Inside([this] {
+        Tree.OpenDownTo({0, 0});
+        Asked.clear();
+        POINT at{};
+        ASSERT_TRUE(Tree.Place(Tree.At({0, 0, 1}), at));
+        SendMessageW(Tree.Handle(), WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(at.x, at.y));
+        ReleaseCapture();
+        SendMessageW(Tree.Handle(), WM_LBUTTONUP, 0, MAKELPARAM(at.x, at.y));
+        EXPECT_EQ(L"", Asked);
+        // What was pressed is selected and described all the same.
+        EXPECT_EQ(0U, Description().find(L"odd \"name\" table: "));
+        Tree.Click(Tree.At({0, 0, 0}));
+        EXPECT_EQ(L"HR,ORDERS", Asked);
+    });
+}
+
+// "*" opens branches, and is no beginning of a name.
+TEST_F(NodeClickTest, KeysWithAMeaningAreNotSearchedFor) {
+    Database.DictionaryMembers[L"Schemas"] = [](const Arguments&) {
+        return Variant(MakeCollection({Variant(L"HR"), Variant(L"*odd"), Variant(L" odd")}));
+    };
+    Inside([this] {
+        Tree.Open(Tree.At({}));
+        Tree.Select(Tree.At({0}));
+        for (const WPARAM character : {L'*', L' ', L'\r'}) {
+            SendMessageW(Tree.Handle(), WM_CHAR, character, 1);
+            EXPECT_EQ(Tree.At({0}), Tree.Selected()) << character;
+        }
+    });
+}
+
+TEST_F(NodeClickTest, AnotherProgramCannotTakeAnItemFromItsNode) {
+    Inside([this] {
+        Tree.OpenDownTo({0, 0});
+        TVITEMW item{};
+        item.mask = TVIF_HANDLE | TVIF_PARAM;
+        item.hItem = Tree.At({0, 0, 0});
+        EXPECT_FALSE(SendMessageW(Tree.Handle(), TVM_SETITEMW, 0, reinterpret_cast<LPARAM>(&item)));
+        EXPECT_FALSE(SendMessageW(Tree.Handle(), TVM_SETITEMW, 0, 0));
+        Asked.clear();
+        Tree.Click(Tree.At({0, 0, 0}));
+        EXPECT_EQ(L"HR,ORDERS", Asked);
+    });
+}

@@ -131,6 +131,26 @@ TEST_F(WindowTest, ADescriptionThatDoesNotFitIsShownWholeWhenTheMouseComes) {
     });
 }
 
+TEST_F(WindowTest, AHintThatDoesNotFitIsShownWholeWhenTheMouseComes) {
+    Inside([] {
+        const HWND window = EditorWindow::Find();
+        const HWND bar = EditorWindow::Child(L"msctls_statusbar32");
+        const HMENU view = GetSubMenu(GetMenu(window), 3);
+        const auto highlight = [&] {
+            SendMessageW(window, WM_MENUSELECT, MAKEWPARAM(GetMenuItemID(view, 2), MF_HILITE),
+                         reinterpret_cast<LPARAM>(view));
+            SendMessageW(bar, WM_MOUSEMOVE, 0, MAKELPARAM(3, 3));
+            return TipOf(bar);
+        };
+        SetWindowPos(window, nullptr, 0, 0, 10, 10, SWP_NOMOVE | SWP_NOZORDER);
+        const std::wstring hint = highlight();
+        EXPECT_EQ(0U, hint.find(L"Lists the system's tables and views too")) << testing::PrintToString(hint);
+        SetWindowPos(window, nullptr, 0, 0, 900, 500, SWP_NOMOVE | SWP_NOZORDER);
+        EXPECT_EQ(L"<none>", highlight());
+        SendMessageW(window, WM_MENUSELECT, MAKEWPARAM(0, 0xFFFF), 0);
+    });
+}
+
 TEST_F(WindowTest, TheRootFollowsTheConnection) {
     Database.Members[L"SchemaTerm"] = [](const Arguments&) { return Variant(L"Catalog"); };
     Inside([] {

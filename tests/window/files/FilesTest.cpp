@@ -2,6 +2,7 @@
 
 #include "support/Dialogs.h"
 #include "support/Files.h"
+#include "support/Steps.h"
 
 using namespace std::string_literals;
 
@@ -496,4 +497,40 @@ TEST_F(FilesTest, TheProcessKeepsItsFolder) {
     });
     GetCurrentDirectoryW(MAX_PATH, after);
     EXPECT_STREQ(before, after);
+}
+
+namespace {
+class RestoredFileTest : public StepsFixture {
+protected:
+    Folder Here;
+};
+}  // namespace
+
+// The sheet's SQL belongs to no file, and has no formats.
+TEST_F(RestoredFileTest, TheSheetsTextIsNotTheFilesAnyMore) {
+    PutBytes(Here / L"a.rtf", "{\\rtf1\\ansi\\b bold}");
+    InSteps(L"select 1", {[this] {
+                              Dialogs dialogs;
+                              dialogs.File(Here / L"a.rtf");
+                              EditorWindow::Choose(L"File", L"Open...");
+                              EXPECT_EQ(L"bold", EditorWindow::Text());
+                              SetForegroundWindow(EditorWindow::Find());
+                              SetFocus(EditorWindow::Editor());
+                              Key('R', FCONTROL | FSHIFT);
+                          },
+                          [] { return EditorWindow::Text() == L"select 1"; },
+                          [] {
+                              CHARFORMAT2W format{};
+                              format.cbSize = sizeof format;
+                              SendMessageW(EditorWindow::Editor(), EM_SETSEL, 0, -1);
+                              SendMessageW(EditorWindow::Editor(), EM_GETCHARFORMAT, SCF_SELECTION,
+                                           reinterpret_cast<LPARAM>(&format));
+                              EXPECT_EQ(0U, format.dwEffects & CFE_BOLD);
+                              EXPECT_EQ(L"SQL Editor", EditorWindow::Caption());
+                              Dialogs dialogs;
+                              dialogs.Cancel();
+                              EditorWindow::Choose(L"File", L"Save");
+                              EXPECT_EQ(1U, dialogs.All.size());  // asks for a name
+                          }});
+    EXPECT_EQ("{\\rtf1\\ansi\\b bold}", BytesOf(Here / L"a.rtf"));
 }
