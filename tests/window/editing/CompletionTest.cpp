@@ -396,7 +396,7 @@ TEST_F(CompletionTest, ASelectionGivesWayToTheCaretAtItsEnd) {
                   Press(VK_ESCAPE), Holds(L"select or")});
 }
 
-// As a dialog of its own does when it closes.
+// A driver that has asked for a password leaves the focus elsewhere.
 TEST_F(CompletionTest, TheHostMayTakeTheFocusWhileItIsAsked) {
     Database.DictionaryMembers[L"Columns"] = [this](const Arguments&) {
         SetFocus(Tree.Handle());

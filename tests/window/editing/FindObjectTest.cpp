@@ -30,9 +30,25 @@ protected:
                     EXPECT_EQ(EditorWindow::Editor(), GetFocus());
                 }};
     }
+    // Ctrl+Shift+F, whose box is answered by this text; nothing is selected before.
+    Step Search(const wchar_t* text) {
+        return [this, text] {
+            static const wchar_t* wanted;
+            wanted = text;
+            Tree.Select(nullptr);
+            SetTimer(nullptr, 0, 20, [](HWND, UINT, UINT_PTR id, DWORD) WINAPI {
+                const HWND box = FindWindowW(L"#32770", L"Find");
+                if (box == nullptr || !IsWindowVisible(box)) return;
+                KillTimer(nullptr, id);
+                SetDlgItemTextW(box, 101, wanted);
+                SendMessageW(box, WM_COMMAND, IDOK, 0);
+            });
+            SetFocus(EditorWindow::Editor());
+            Key('F', FCONTROL | FSHIFT);
+        };
+    }
     std::wstring Path() const { return Tree.SelectedPath(); }
     void Run(const std::vector<Steps>& all) { InSteps(L"", Joined({{Read()}, Joined(all)})); }
-    std::wstring Root(const std::wstring& rest) { return L"schemas/" + rest; }
 };
 
 TEST_F(FindObjectTest, TheNameAtTheCaretIsSelected) {
@@ -76,20 +92,7 @@ TEST_F(FindObjectTest, AnotherPageGivesWay) {
 }
 
 TEST_F(FindObjectTest, WhatOnlyStandsForUnreadBranchesIsNotFound) {
-    Run({{[this] {
-              Tree.Select(nullptr);
-              SetTimer(nullptr, 0, 20, [](HWND, UINT, UINT_PTR id, DWORD) WINAPI {
-                  const HWND box = FindWindowW(L"#32770", L"Find");
-                  if (box == nullptr || !IsWindowVisible(box)) return;
-                  KillTimer(nullptr, id);
-                  SetDlgItemTextW(box, 101, L"undefined");
-                  SendMessageW(box, WM_COMMAND, IDOK, 0);
-              });
-              SetFocus(EditorWindow::Editor());
-              Key('F', FCONTROL | FSHIFT);
-              return true;
-          },
-          [this] {
+    Run({{Search(L"undefined"), [this] {
               if (EditorWindow::Status().find(L"\"undefined\" is in no name") == std::wstring::npos) return false;
               EXPECT_EQ(L"<none>", Path());
               return true;
@@ -97,17 +100,6 @@ TEST_F(FindObjectTest, WhatOnlyStandsForUnreadBranchesIsNotFound) {
 }
 
 TEST_F(FindObjectTest, TheTreeIsSearchedAndF3GoesOn) {
-    const auto answer = [] {
-        SetTimer(nullptr, 0, 20, [](HWND, UINT, UINT_PTR id, DWORD) WINAPI {
-            const HWND box = FindWindowW(L"#32770", L"Find");
-            if (box == nullptr || !IsWindowVisible(box)) return;
-            KillTimer(nullptr, id);
-            SetDlgItemTextW(box, 101, L"orD");
-            SendMessageW(box, WM_COMMAND, IDOK, 0);
-        });
-        SetFocus(EditorWindow::Editor());
-        Key('F', FCONTROL | FSHIFT);
-    };
     const auto is = [this](const wchar_t* path) {
         return [this, path, tries = 0]() mutable {
             if (Path() != path && ++tries < 40) return false;
@@ -117,9 +109,8 @@ TEST_F(FindObjectTest, TheTreeIsSearchedAndF3GoesOn) {
         };
     };
     const auto next = [] { Key(VK_F3); };
-    Run({{[this] { Tree.Select(nullptr); }, answer, is(L"Schemas/HR/Tables/ORDERS"),
-          [this] { EXPECT_EQ(Tree.Handle(), GetFocus()); }, next, is(L"Schemas/HR/Views/ORDERS"), next,
-          is(L"Schemas/HR/Tables/ORDERS")}});
+    Run({{Search(L"orD"), is(L"Schemas/HR/Tables/ORDERS"), [this] { EXPECT_EQ(Tree.Handle(), GetFocus()); }, next,
+          is(L"Schemas/HR/Views/ORDERS"), next, is(L"Schemas/HR/Tables/ORDERS")}});
 }
 
 TEST_F(FindObjectTest, OfTwoTablesTheDefaultSchemasIsMeant) {
