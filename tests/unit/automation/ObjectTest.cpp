@@ -462,3 +462,16 @@ TEST(TextFunctionTest, AFailureLeavesTheTextAsItWas) {
     }
     EXPECT_EQ(L"x12", to);
 }
+
+TEST(ObjectTest, TakesEightArguments) {
+    FakeDispatch fake;
+    UINT passed = 0;
+    fake.OnInvoke = [&](DISPID, WORD, DISPPARAMS& parameters, VARIANT*, EXCEPINFO*) -> HRESULT {
+        passed = parameters.cArgs;
+        return S_OK;
+    };
+    const Object object(&fake);
+    object.Call(L"Member", 1, 2, 3, 4, 5, 6, 7, 8);
+    EXPECT_EQ(8U, passed);
+    EXPECT_EQ(ErrorNumber::InvalidProcedureCall, NumberOf([&] { object.Call(L"Member", 1, 2, 3, 4, 5, 6, 7, 8, 9); }));
+}

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <oleauto.h>
 
+#include <cwctype>
 #include <new>
 #include <type_traits>
 #include <utility>
@@ -55,6 +56,11 @@ TEST(RuntimeErrorTest, KnownResultsHaveTheNumbersThatHostsKnow) {
         {RPC_E_DISCONNECTED, 462},
         {RPC_E_SERVER_DIED, 462},
         {CO_E_OBJNOTCONNECTED, 462},
+        {DISP_E_ARRAYISLOCKED, 10},
+        {DISP_E_UNKNOWNLCID, 447},
+        {DISP_E_PARAMNOTFOUND, 448},
+        {CO_E_SERVER_EXEC_FAILURE, 429},
+        {RPC_E_SERVER_DIED_DNE, 462},
     };
     for (const auto& known : cases) {
         EXPECT_EQ(known.Number, ErrorFromHresult(known.Result, nullptr).Number) << std::hex << known.Result;
@@ -168,6 +174,7 @@ TEST(RuntimeErrorTest, SystemErrorCarriesWhatWindowsSaid) {
     EXPECT_EQ(ERROR_ACCESS_DENIED, error.LastDllError);
     EXPECT_EQ(0u, error.Description.find(ErrorText(70)));
     EXPECT_GT(error.Description.size(), ErrorText(70).size());
+    EXPECT_FALSE(std::iswspace(error.Description.back()));  // the system's texts end with a line end
     // A code that Windows has no words for.
     const RuntimeError unknown = ErrorOf([] { RaiseSystemError(ErrorNumber::DeviceIOError, 0x2FFFFFFF); });
     EXPECT_EQ(ErrorText(57), unknown.Description);
@@ -258,4 +265,54 @@ TEST(RuntimeErrorTest, WithoutAnExceptionToFillTheErrorIsPublished) {
     const HRESULT result = FillException(error, nullptr);
     EXPECT_EQ(static_cast<HRESULT>(0x800A03EC), result);
     EXPECT_EQ(L"published", ErrorOf([result] { CheckHresult(result); }).Source);
+}
+
+// Written down apart from the table: users read these, and hosts compare the numbers.
+TEST(RuntimeErrorTest, EachNumberHasItsText) {
+    const std::pair<long, const wchar_t*> all[] = {
+        {5, L"Invalid procedure call or argument"},
+        {6, L"Overflow"},
+        {7, L"Out of memory"},
+        {9, L"Subscript out of range"},
+        {10, L"The array is fixed or locked"},
+        {11, L"Division by zero"},
+        {13, L"Type mismatch"},
+        {52, L"Bad file name"},
+        {53, L"File not found"},
+        {55, L"File already open"},
+        {57, L"Device I/O error"},
+        {58, L"File already exists"},
+        {61, L"Disk full"},
+        {68, L"Device unavailable"},
+        {70, L"Permission denied"},
+        {71, L"Disk not ready"},
+        {75, L"Path/File access error"},
+        {76, L"Path not found"},
+        {91, L"Object variable not set"},
+        {94, L"Invalid use of Null"},
+        {321, L"Invalid file format"},
+        {380, L"Invalid property value"},
+        {400, L"The window is shown already and cannot be shown modally"},
+        {424, L"Object required"},
+        {429, L"The object cannot be created"},
+        {430, L"The class does not support automation"},
+        {438, L"The object does not support this property or method"},
+        {440, L"Automation error"},
+        {445, L"The object does not support this action"},
+        {446, L"The object does not support named arguments"},
+        {447, L"The object does not support the current locale"},
+        {448, L"Named argument not found"},
+        {449, L"An argument is missing that is not optional"},
+        {450, L"Wrong number of arguments"},
+        {451, L"The object is not a collection"},
+        {457, L"The key belongs to another element of the collection"},
+        {462, L"The remote server is not available"},
+        {521, L"The clipboard cannot be opened"},
+        {32755, L"Cancel was selected"},
+        {35600, L"Index out of bounds"},
+        {35601, L"Element not found"},
+        {35602, L"The key is not unique in the collection"},
+    };
+    for (const auto& [number, text] : all) EXPECT_EQ(text, ErrorText(number)) << number;
+    EXPECT_EQ(L"Application-defined or object-defined error", ErrorText(54321));
 }

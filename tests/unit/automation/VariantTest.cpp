@@ -314,3 +314,27 @@ TEST(Variant, ADecimalThatIsNoneIsNoNumber) {
         EXPECT_EQ(ErrorNumber::InvalidProcedureCall, NumberOf([&] { value.ToDouble(); }));
     }
 }
+
+TEST(VariantTest, ReferencesToReferencesAreFollowedSoFar) {
+    const auto nested = [](int depth) {
+        std::vector<VARIANT> chain(static_cast<size_t>(depth) + 1);
+        chain[0].vt = VT_I4;
+        chain[0].lVal = 7;
+        for (size_t at = 1; at < chain.size(); ++at) {
+            chain[at].vt = VT_BYREF | VT_VARIANT;
+            chain[at].pvarVal = &chain[at - 1];
+        }
+        return Variant(static_cast<const VARIANT&>(chain.back())).ToLong();
+    };
+    for (const int depth : {0, 1, 2, 8}) EXPECT_EQ(7, nested(depth)) << depth;
+    EXPECT_EQ(ErrorNumber::TypeMismatch, NumberOf([&] { nested(9); }));
+}
+
+TEST(VariantTest, NothingOfEitherKindIsNoObject) {
+    for (const VARTYPE type : {VT_DISPATCH, VT_UNKNOWN}) {
+        Variant nothing;
+        nothing.punkVal = nullptr;
+        nothing.vt = type;
+        EXPECT_FALSE(nothing.ToObject()) << type;
+    }
+}
