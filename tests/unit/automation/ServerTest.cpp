@@ -294,6 +294,11 @@ TEST(ServerTest, LocksKeepTheModule) {
     kept->LockServer(FALSE);
     EXPECT_EQ(E_UNEXPECTED, kept->LockServer(FALSE)) << "one too many";
     EXPECT_FALSE(Server::CanUnload()) << "the factory lives";
+    kept->LockServer(TRUE);
     kept->Release();
+    EXPECT_FALSE(Server::CanUnload()) << "the lock outlives the factory";
+    ASSERT_EQ(S_OK, Server::GetClassObject(Classes, 2, ClassId, IID_IClassFactory, reinterpret_cast<void**>(&factory)));
+    factory->LockServer(FALSE);
+    factory->Release();
     EXPECT_TRUE(Server::CanUnload());
 }

@@ -37,6 +37,19 @@ TEST(Lexer, KnowsNumbers) {
     EXPECT_EQ(L"number:1|operator:..|number:10", Tokens(L"1..10"));
     EXPECT_EQ(L"word:a1|operator:.|word:b2|operator:-|number:3", Tokens(L"a1.b2-3"));
     EXPECT_EQ(L"number:1e|operator:+", Tokens(L"1e+"));
+    EXPECT_EQ(L"number:1e+3|operator:+|number:4", Tokens(L"1e+3+4"));
+}
+
+TEST(Lexer, KnowsOperatorsOfTwoCharacters) {
+    for (const wchar_t* const pair :
+         {L"<=", L">=", L"!=", L":=", L"^=", L"+=", L"-=", L"<>", L"=>", L"->", L"||", L"::", L"**", L"..", L"&&"}) {
+        EXPECT_EQ(std::wstring(L"word:a|operator:") + pair + L"|word:b", Tokens(std::wstring(L"a ") + pair + L" b"));
+    }
+    for (const wchar_t* const apart : {L"=<", L"*=", L"+>", L"|&", L"^^"}) {
+        const std::wstring two = apart;
+        EXPECT_EQ(L"word:a|operator:" + two.substr(0, 1) + L"|operator:" + two.substr(1) + L"|word:b",
+                  Tokens(L"a " + two + L" b"));
+    }
 }
 
 TEST(Lexer, TellsWhatLooksLikeTheBeginningOfAText) {
@@ -143,6 +156,11 @@ TEST(Lexer, KnowsDollarQuotes) {
         EXPECT_EQ(L"word:v$a$|word:$1|word:a", Tokens(L"v$a$ $1 a", type));
     }
     EXPECT_EQ(L"word:$$a|text:'b$$'", Tokens(L"$$a'b$$'", 4));
+    // No tag is longer than 64 characters.
+    const std::wstring tag = L"$" + std::wstring(64, L't') + L"$";
+    EXPECT_EQ(L"text:" + tag + L"a" + tag, Tokens(tag + L"a" + tag, 27));
+    const std::wstring longer = L"$" + std::wstring(65, L't') + L"$";
+    EXPECT_NE(L"text:" + longer + L"a" + longer, Tokens(longer + L"a" + longer, 27));
 }
 
 TEST(Lexer, KnowsQuotedNames) {
