@@ -35,6 +35,7 @@ TEST(Lexer, KnowsNumbers) {
     EXPECT_EQ(L"number:1|number:1.5|number:.5|number:1e3|number:1.5E-10|number:0x1Fa|number:1_000|number:5.",
               Tokens(L"1 1.5 .5 1e3 1.5E-10 0x1Fa 1_000 5."));
     EXPECT_EQ(L"number:1|operator:..|number:10", Tokens(L"1..10"));
+    EXPECT_EQ(L"number:1|operator:..|operator:.|number:5", Tokens(L"1...5"));
     EXPECT_EQ(L"word:a1|operator:.|word:b2|operator:-|number:3", Tokens(L"a1.b2-3"));
     EXPECT_EQ(L"number:1e|operator:+", Tokens(L"1e+"));
     EXPECT_EQ(L"number:1e+3|operator:+|number:4", Tokens(L"1e+3+4"));
@@ -82,6 +83,13 @@ TEST(Lexer, KnowsOperatorsOfTwoCharacters) {
         Tokens(L"a<=b<>c!=d||e::int"));
     EXPECT_EQ(L"word:a|operator:->|word:b|operator:=>|number:1", Tokens(L"a->b=>1"));
     EXPECT_EQ(L"word:x|operator::=|operator:-|number:1", Tokens(L"x:=-1"));
+}
+
+TEST(Lexer, KnowsDatesBetweenHashes) {
+    EXPECT_EQ(L"word:a|operator:<|text:#1/2/2026#|word:b", Tokens(L"a < #1/2/2026# b", 24));
+    // Not over a line end, and not without the second one.
+    EXPECT_EQ(L"operator:#|number:1|operator:#", Tokens(L"#1\r\n#", 24));
+    EXPECT_EQ(L"operator:#|number:1", Tokens(L"#1", 24));
 }
 
 TEST(Lexer, KnowsComments) {

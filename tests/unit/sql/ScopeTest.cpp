@@ -90,6 +90,11 @@ TEST(Scope, TheTablesOfAStatement) {
     EXPECT_EQ("orders", Tables(L"select * from orders where | "));
     EXPECT_EQ("orders", Tables(L"select * from orders order by |"));
     EXPECT_EQ("a=x, b=y", Tables(L"merge into a x using b y on (x.i = y.i) when matched then update set |"));
+    EXPECT_EQ("a, b=x", Tables(L"select | from a cross apply b x"));
+    EXPECT_EQ("a, b=x, c", Tables(L"select | from only a, lateral b x, c"));
+    EXPECT_EQ("a", Tables(L"drop table if exists a|"));
+    // Brackets that nothing has opened.
+    EXPECT_EQ("orders=o, line", Tables(L"select ) ) ) from orders o, line where |"));
 }
 
 TEST(Scope, SubqueriesAndFunctionsAreNoTables) {
