@@ -45,6 +45,8 @@ TEST(ToBasicTest, WhatBasicsEditorCannotHoldIsANumber) {
     EXPECT_EQ(L"\"a\" & ChrW(1488) & ChrW(1489) & \"b\"", Basic(L"a\u05D0\u05D1b"));
     EXPECT_EQ(L"ChrW(55357) & ChrW(56832)", Basic(L"\U0001F600"));
     EXPECT_EQ(L"\"a\" & ChrW(1) & \"b\"", Basic(L"a\u0001b"));
+    EXPECT_EQ(L"\"a\" & ChrW(127) & \"b\"", Basic(L"a\x7F"
+                                                  L"b"));
 }
 
 TEST(ToBasicTest, ALineAndAStatementAreNoLongerThanBasicTakes) {
@@ -81,6 +83,8 @@ TEST(FromCodeTest, Basic) {
     EXPECT_EQ(L"select \"x\"\r\nfrom t", From(L"SQL = \"select \"\"x\"\"\" & vbCrLf & \"from t\""));
     EXPECT_EQ(L"a\r\nb\tc\nd\re", From(L"\"a\" & vbNewLine & \"b\" & VBTAB & \"c\" & vbLf & \"d\" & vbCr & \"e\""));
     EXPECT_EQ(L"a\rb\u05D0", From(L"\"a\" & Chr$(13) & \"b\" & ChrW(&H5D0)"));
+    EXPECT_EQ(L"a\u05D0", From(L"\"a\" & chrw(&h5d0)"));
+    EXPECT_EQ(L"\U0001F600", From(L"ChrW(-10179) & ChrW(-8704) & \"\""));  // as a Basic's 16 bits have them
     EXPECT_EQ(L"one two", From(L"s = \"one \" ' it's \"not\" this\r\ns = s & \"two\""));
     EXPECT_EQ(L"C:\\new\\table", From(L"p = \"C:\\new\" & \"\\table\""));
     EXPECT_EQ(L"\"Order Details\"", From(L"\"\"\"Order Details\"\"\""));
@@ -98,6 +102,8 @@ TEST(FromCodeTest, CSharpAndJava) {
     EXPECT_EQ(L"a\r\nb", From(L"s = \"a\" + Environment.NewLine + \"b\";"));
     EXPECT_EQ(L"a,b", From(L"s = \"a\" + ',' + \"b\";"));
     EXPECT_EQ(L"\U0001F600", From(L"s = \"\\U0001F600\";"));
+    EXPECT_EQ(L"AB1", From(L"s = \"\\101\\1021\";"));  // octal, three digits at the most
+    EXPECT_EQ(L"x\n", From(L"if (a && b) s = \"x\\n\";"));
     EXPECT_EQ(L"a\r\nb\r\n", From(L"sb.AppendLine(\"a\"); sb.AppendLine(\"b\");"));
 }
 
