@@ -49,7 +49,7 @@ private:
     std::map<CLIPFORMAT, std::string> contents_;
 };
 
-// The drop target that the editor has registered with OLE; empty when there is none.
+// Returns the drop target that the editor has registered with OLE, or an empty pointer.
 ComPtr<IDropTarget> EditorDropTarget();
 // Lets the editor do what it puts off until the other program has had its answer.
 void FinishDrop();

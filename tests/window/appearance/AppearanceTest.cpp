@@ -258,7 +258,7 @@ TEST_F(AppearanceTest, OtherFontsAreFollowedAndTakenBack) {
             EXPECT_NEAR(2 * height, Context(Tab(0)).Height(), 3);
             EXPECT_GT(Row(0), row + height / 2);
             EXPECT_NEAR(2 * height, Context(View(1)).Height(), 3);
-            // The text of the editor has a font of its own, which grows with those of the system.
+            // The editor has another font than the labels. It grows with theirs.
             EXPECT_GT(EditorLine(), line * 3 / 2);
             ExpectThatAllFits();
             Resize(9000, 9000);
