@@ -166,6 +166,10 @@ void frmSQLEditor::trvDBObjects_SelChange(const Node& Node) try {
     ReportError(Module, L"trvDBObjects_SelChange");
 }
 
+void frmSQLEditor::m_ExpandAll(TreeView& Tree, const Node& Node) try { Tree.ExpandAll(Node); } catch (...) {
+    ReportError(Module, L"m_ExpandAll");
+}
+
 void frmSQLEditor::mnuViewSystem_Click() try { mnuViewSystem.SetChecked(!mnuViewSystem.Checked()); } catch (...) {
     ReportError(Module, L"mnuViewSystem_Click");
 }

@@ -313,6 +313,8 @@ private:
     void trvDBObjects_SelChange(const Node& Node);
     // Says in the description label what the node is; kinds without a description leave it as it is.
     void m_DescribeNode(const Node& Node);
+    // The "*" key, in either tree.
+    void m_ExpandAll(TreeView& Tree, const Node& Node);
     void mnuViewSystem_Click();
 
     // ---- Reference lists (catalogue/frmSQLEditor_Lists.cpp)

@@ -155,6 +155,8 @@ void frmSQLEditor::WireViews() {
     trvDBObjects.Collapse = [this](const Node& Node) { trvDBObjects_Collapse(Node); };
     trvDBObjects.NodeClick = [this](const Node& Node) { trvDBObjects_NodeClick(Node); };
     trvDBObjects.SelChange = [this](const Node& Node) { trvDBObjects_SelChange(Node); };
+    for (TreeView* Tree : {&trvDBObjects, &trvDatabaseSpecific})
+        Tree->ExpandAllRequested = [this, Tree](const Node& Node) { m_ExpandAll(*Tree, Node); };
     trvDBObjects.NodeTip = [this](const Node& Node) { return m_NodeTip(Node); };
     trvDBObjects.ContextMenu = [this](const POINT& At) { trvDBObjects_ContextMenu(At); };
     trvDBObjects.MouseDown = [this](int B, int S, float X, float Y) { trvDBObjects_MouseDown(B, S, X, Y); };

@@ -211,25 +211,27 @@ void TreeView::ExpandAll(const Node& node) {
     const PaintingHeld held(*this);
     std::vector<Node> waiting{node};
     std::vector<Node> opened;
+    const ScopeExit show([&]() noexcept {
+        // From the innermost outwards: a branch that does not show yet costs no layout.
+        const AutoReset quiet(quiet_, true);
+        for (auto branch = opened.rbegin(); branch != opened.rend(); ++branch) {
+            if (IsLiving(*branch)) Send(TVM_EXPAND, TVE_EXPAND, reinterpret_cast<LPARAM>(MirrorOf(*branch)));
+        }
+    });
     while (!waiting.empty() && !stopExpanding_) {
         const Node next = waiting.back();
         waiting.pop_back();
         if (!IsLiving(next) || next.Children() == 0) continue;
+        opened.push_back(next);
         if (MarkExpanded(next, true) && Expand) {
             const Nodes::Filling filling(nodes_);
             Expand(next);
         }
         if (!IsLiving(next)) continue;
-        opened.push_back(next);
         std::vector<Node> below;
         for (Node child = next.Child(); child; child = child.Next()) below.push_back(child);
         waiting.insert(waiting.end(), below.rbegin(), below.rend());
         AskedToStop();
-    }
-    // From the innermost outwards: a branch that does not show yet costs no layout.
-    const AutoReset quiet(quiet_, true);
-    for (auto branch = opened.rbegin(); branch != opened.rend(); ++branch) {
-        if (IsLiving(*branch)) Send(TVM_EXPAND, TVE_EXPAND, reinterpret_cast<LPARAM>(MirrorOf(*branch)));
     }
 }
 
@@ -372,7 +374,7 @@ TreeView::Answer TreeView::OnKeyDown(WPARAM key) {
         return 0;
     }
     if (key == VK_MULTIPLY) {
-        if (selected) ExpandAll(selected);
+        if (selected && ExpandAllRequested) ExpandAllRequested(selected);
         return 0;
     }
     if (key == VK_RETURN || key == VK_SPACE) {

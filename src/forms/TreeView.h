@@ -30,6 +30,8 @@ public:
     // A node was selected without a click: by another program, such as a screen reader, since the Tab key came to a
     // tree without a selection, since the branch that it was in was closed, or since another one was dragged.
     NodeEvent SelChange;
+    // The "*" key was pressed while a node was selected: the receiver calls ExpandAll.
+    NodeEvent ExpandAllRequested;
 
     // What the tip over a node says; empty: its text, where that is cut off.
     std::function<std::wstring(const Node&)> NodeTip;
@@ -37,7 +39,10 @@ public:
     // Selects nothing, where the control by itself would select its first node with the focus that comes to it.
     void SetFocus() override;
 
-    // While the "*" key opens a branch with everything below it: open no further ones.
+    // Opens a branch with everything below it, until it is told to stop. What Expand lets out, and a shortage of
+    // memory, end it; the branches that were opened until then show open.
+    void ExpandAll(const Node& node);
+    // Inside ExpandAll: open no further branches.
     void StopExpanding() noexcept { stopExpanding_ = true; }
     // Whether that was called, or Escape pressed, since the last time that much was begun to be read (ExpectStop). The
     // keys that wait are taken out of the queue.
@@ -88,7 +93,6 @@ private:
     // The node whose text is at a place of the client area, in pixels; `button`: whether it is an expand button
     // instead.
     Node NodeAt(LPARAM point, bool& button) const;
-    void ExpandAll(const Node& node);
     // Whether the message is input, from the user or from another program, that is refused now.
     bool Refuses(UINT message) const noexcept;
     // What OnMessage answers; nothing: the control does what it does with the message.
