@@ -46,12 +46,12 @@ public:
 };
 [[maybe_unused]] const auto* const summary = testing::AddGlobalTestEnvironment(new Summary);
 
+}  // namespace
+
 double Median(std::vector<double> values) {
     std::ranges::sort(values);
     return values[values.size() / 2];
 }
-
-}  // namespace
 
 void PrintRow(const Row& row, const char* unit, double ours, double raw) {
     if (rows++ == 0) {

@@ -24,6 +24,9 @@ struct Round {
     double Raw = 0;
 };
 
+// The one in the middle; there must be some.
+double Median(std::vector<double> values);
+
 // Whether the full sizes are measured (./bench), or the small ones that only show that a row works.
 bool FullSizes();
 // The sizes to measure: the given ones, or a small one.

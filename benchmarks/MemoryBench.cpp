@@ -94,11 +94,6 @@ double InProcess(const wchar_t* test, size_t tables, const std::wstring& plan) {
     return bytes / (1024 * 1024);
 }
 
-double Median(std::vector<double> values) {
-    std::ranges::sort(values);
-    return values[values.size() / 2];
-}
-
 class MemoryBench : public BrowsedFixture {};
 // The same without the component in the process.
 class MemoryBenchRaw : public testing::Test {};

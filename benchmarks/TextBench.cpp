@@ -18,7 +18,7 @@ namespace {
 constexpr size_t LongLines = 2000;
 constexpr size_t UsualLines = 80;
 
-std::wstring Sql(size_t characters, size_t line = LongLines, wchar_t filler = L'x') {
+std::wstring Statements(size_t characters, size_t line = LongLines, wchar_t filler = L'x') {
     std::wstring text;
     while (text.size() < characters) {
         text += L"SELECT " + std::wstring(line - 9, filler) + L"\r\n";
@@ -81,7 +81,7 @@ protected:
         return time;
     }
     void InAndOut(const char* operation, size_t size, size_t line) {
-        const std::wstring sql = Sql(size, line);
+        const std::wstring sql = Statements(size, line);
         Compare(
             {operation, size, 1.15},
             [&] {
@@ -112,7 +112,7 @@ TEST_F(TextBench, InAndOut) {
 
 TEST_F(TextBench, ASecondDisplayWithAnotherText) {
     for (const size_t size : Sizes({100 * 1024, 1024 * 1024}, 2000)) {
-        const std::wstring texts[] = {Sql(size, LongLines, L'x'), Sql(size, LongLines, L'y')};
+        const std::wstring texts[] = {Statements(size, LongLines, L'x'), Statements(size, LongLines, L'y')};
         size_t ours = 0, raw = 0;
         Compare(
             {"second Display with another text, against a new control", size, 1.5},
@@ -124,7 +124,7 @@ TEST_F(TextBench, ASecondDisplayWithAnotherText) {
 // selected and scrolled into view.
 TEST_F(TextBench, AStatementAtTheEnd) {
     for (const size_t size : Sizes({100 * 1024, 1024 * 1024}, 2000)) {
-        const std::wstring sql = Sql(size);
+        const std::wstring sql = Statements(size);
         DisplayAndClose(editor_, sql, [&] {
             const HWND window = ShownEditor();
             ShowPage(1);

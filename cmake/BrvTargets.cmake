@@ -11,7 +11,7 @@ add_compile_options($<$<COMPILE_LANGUAGE:CXX>:-Wall> $<$<COMPILE_LANGUAGE:CXX>:-
 # OFF compiles each apart: quicker for whoever changes one file again and again, and shows whether each includes what it needs.
 option(BRV_JOIN_SOURCES "Compile several sources of a target as one" ON)
 set(CMAKE_UNITY_BUILD ${BRV_JOIN_SOURCES})
-set(CMAKE_UNITY_BUILD_BATCH_SIZE 8)
+set(CMAKE_UNITY_BUILD_BATCH_SIZE 24)
 if(BRV_JOIN_SOURCES)
     # It takes a source that is included for a header.
     add_compile_options($<$<COMPILE_LANGUAGE:CXX>:-Wno-subobject-linkage>)
@@ -77,7 +77,7 @@ set(brv_widl ${BRV_WIDL} ${brv_widl_width} -I${CMAKE_SOURCE_DIR}/cmake/idl -I${C
 # the library's headers for such, and warns of what it takes for wrong there (memcpy into a text of one character).
 option(BRV_PRECOMPILED_HEADERS "Read the platform's headers once for all tests" ON)
 
-set(brv_test_options -O0 -fno-function-sections -fno-data-sections)
+set(brv_test_options -Og -fno-function-sections -fno-data-sections)
 function(brv_precompile_test name)
     # What a test itself does takes no time, its compilation does; and the linker takes twice as long for a section a function.
     target_compile_options(${name} PRIVATE ${brv_test_options})

@@ -9,7 +9,7 @@ if(EXISTS ${BRV_GOOGLETEST}/CMakeLists.txt)
     set(BUILD_GMOCK ON CACHE BOOL "" FORCE)
     add_subdirectory(${BRV_GOOGLETEST} ${CMAKE_BINARY_DIR}/googletest EXCLUDE_FROM_ALL)
     foreach(library gtest gtest_main gmock gmock_main)
-        target_compile_options(${library} PRIVATE -O0)  # its own time is nothing beside that of its compilation
+        target_compile_options(${library} PRIVATE -Og)  # its own time is nothing beside that of its compilation
         target_include_directories(${library} BEFORE PUBLIC ${CMAKE_CURRENT_SOURCE_DIR}/cmake/googletest)
     endforeach()
     set(BRV_HAVE_GOOGLETEST ON)

@@ -420,17 +420,29 @@ make_sample() {
 # Tests move the pointer, and change the clipboard, settings and registrations: while one runs it has a display and a prefix for itself.
 # ./test keeps a few of them, each named by a file in the folder BRV_SLOTS that holds both; whoever has a lock on the file uses them.
 
-# take_slot: waits for a slot and points DISPLAY and BRV_PREFIX at it. The lock is on file descriptor 6, which must not reach Wine.
+# Allowed processors of this process, one number a line.
+processors() {
+    local range
+    for range in $(taskset -cp "$BASHPID" 2>/dev/null | sed 's/.*: //; s/,/ /g'); do seq "${range%-*}" "${range#*-}"; done
+}
+
+# stay_on PROCESSOR: keeps this process, and what it starts from now on, to one processor. A program, its Wine server and its display ask one
+# another all the time: on one processor that is a switch, between two an interrupt wakes the other one, which takes a quarter longer where
+# the machine is a virtual one.
+stay_on() { taskset -cp "$1" "$BASHPID" >/dev/null 2>&1; }
+
+# take_slot: waits for a slot, points DISPLAY and BRV_PREFIX at it, and stays on its processor. The lock is on file descriptor 6, which must not reach Wine.
 # Without ./test there are no slots, and what the environment says is taken.
 take_slot() {
-    local slot
+    local slot processor
     [ -n "${BRV_SLOTS:-}" ] || return 0
     while :; do
         for slot in "$BRV_SLOTS"/slot-*; do
             exec 6<"$slot" || continue
             if flock -n 6; then
-                read -r DISPLAY BRV_PREFIX <&6
+                read -r processor DISPLAY BRV_PREFIX <&6
                 export DISPLAY BRV_PREFIX
+                stay_on "$processor"
                 return 0
             fi
             exec 6<&-

@@ -50,16 +50,16 @@ ItemTexts MarkersFor(const std::wstring& Kind) {
     return {};
 }
 
-std::shared_ptr<const clsListItem> CatalogueEntry(long Id) { return modGlobal::Catalogue().Item(std::to_wstring(Id)); }
+std::shared_ptr<const clsListItem> ItemOf(long Id) { return modGlobal::Catalogue().Item(std::to_wstring(Id)); }
 
 std::shared_ptr<const clsListItem> SelectedEntry(const ListBox& List) {
     const int Row = List.ListIndex();
-    return Row == -1 ? nullptr : CatalogueEntry(List.ItemData(Row));
+    return Row == -1 ? nullptr : ItemOf(List.ItemData(Row));
 }
 
 std::shared_ptr<const clsListItem> SelectedEntry(const TreeView& Tree) {
     const Node Selected = Tree.SelectedItem();
-    return !Selected || Selected.Tag().empty() ? nullptr : CatalogueEntry(Variant(Selected.Tag()).ToLong());
+    return !Selected || Selected.Tag().empty() ? nullptr : ItemOf(Variant(Selected.Tag()).ToLong());
 }
 
 }  // namespace
@@ -161,7 +161,7 @@ void frmSQLEditor::m_EnableActionMenu() try {
 
 void frmSQLEditor::m_SelectFromListBox(const ListBox& List) try {
     const int Row = List.ListIndex();
-    lblDescription.SetCaption(Row == -1 ? std::wstring() : CatalogueEntry(List.ItemData(Row))->Description());
+    lblDescription.SetCaption(Row == -1 ? std::wstring() : ItemOf(List.ItemData(Row))->Description());
 } catch (...) {
     ReportError(Module, L"m_SelectFromListBox");
 }
@@ -169,8 +169,7 @@ void frmSQLEditor::m_SelectFromListBox(const ListBox& List) try {
 void frmSQLEditor::m_SelectFromTreeView(const TreeView& Tree) try {
     const Node Selected = Tree.SelectedItem();
     // A tag that reads as no number is an error here: categories are told apart by the caller.
-    lblDescription.SetCaption(Selected ? CatalogueEntry(Variant(Selected.Tag()).ToLong())->Description()
-                                       : std::wstring());
+    lblDescription.SetCaption(Selected ? ItemOf(Variant(Selected.Tag()).ToLong())->Description() : std::wstring());
 } catch (...) {
     ReportError(Module, L"m_SelectFromTreeView");
 }

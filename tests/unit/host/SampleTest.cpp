@@ -7,7 +7,7 @@
 
 namespace {
 
-std::vector<std::wstring> Names(const Object& dictionary, long type) {
+std::vector<std::wstring> NamesOf(const Object& dictionary, long type) {
     std::vector<std::wstring> names;
     HostCollection(dictionary.Get(L"Objects", type, Variant::Null(), L"", false)).ForEach([&](const Variant& name) {
         names.push_back(name.ToText());
@@ -38,10 +38,10 @@ TEST(SampleConnection, AnswersWhatTheEditorAsks) {
 TEST(SampleConnection, HasTablesAndViewsWithColumns) {
     const Object dictionary = MakeSampleConnection().Get(L"Dictionary").ToObject();
     EXPECT_TRUE(dictionary.Get(L"Schemas", L"", true).IsNothing());
-    EXPECT_EQ(Names(dictionary, 1).size(), 6u);
-    EXPECT_EQ(Names(dictionary, 2), std::vector<std::wstring>{L"best_sellers"});
+    EXPECT_EQ(NamesOf(dictionary, 1).size(), 6u);
+    EXPECT_EQ(NamesOf(dictionary, 2), std::vector<std::wstring>{L"best_sellers"});
     for (const long type : {1L, 2L}) {
-        for (const std::wstring& name : Names(dictionary, type)) {
+        for (const std::wstring& name : NamesOf(dictionary, type)) {
             size_t columns = 0;
             HostCollection(dictionary.Get(L"Columns", Variant::Null(), name)).ForEach([&](const Variant& column) {
                 std::vector<std::wstring> properties;

@@ -48,7 +48,7 @@ struct ReadingStep {
     void (*Act)(const EditorTree& tree);
 };
 
-constexpr ReadingStep Steps[] = {
+constexpr ReadingStep ReadingSteps[] = {
     {"open the root",
      [](const EditorTree& tree) {
          tree.Click(tree.At({}));
@@ -172,7 +172,7 @@ TEST_F(ReentranceTest, WhatIsDoneToTheTreeWhileTheHostIsAskedChangesNothing) {
     std::wstring text = L"x";
     const WhenShown shown([&] {
         const Closing closing;
-        for (const ReadingStep& step : Steps) {
+        for (const ReadingStep& step : ReadingSteps) {
             Wanted.Inside = nullptr;
             wanted_.reset();
             const State right = Run(step);

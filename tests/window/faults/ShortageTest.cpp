@@ -18,26 +18,26 @@
 // them all.
 namespace {
 
-struct Step {
+struct ShortageStep {
     const char* Name;
     void (*Prepare)(const EditorTree& tree);
     void (*Act)(const EditorTree& tree);
 };
 
-void OpenSchema(const EditorTree& tree) {
+void ShowSchema(const EditorTree& tree) {
     tree.Click(tree.At({}));  // reads the schemas again and throws away what was below them
     if (tree.Next(TVGN_CHILD, tree.At({})) == nullptr) tree.Click(tree.At({}));
     tree.Open(tree.At({0}));
 }
 
-void SelectTable(const EditorTree& tree) {
-    OpenSchema(tree);
+void PickTable(const EditorTree& tree) {
+    ShowSchema(tree);
     tree.Open(tree.At({0, 0}));
     tree.Select(tree.At({0, 0, 0}));
 }
 
-void SelectTables(const EditorTree& tree) {
-    SelectTable(tree);
+void PickTables(const EditorTree& tree) {
+    PickTable(tree);
     tree.Select(tree.At({0, 0}));
 }
 
@@ -61,30 +61,29 @@ void CloseSmallWindow(const wchar_t* caption) {
 
 void SelectAll(const EditorTree&) { SendMessageW(EditorWindow::Editor(), EM_SETSEL, 0, -1); }
 
-constexpr Step Steps[] = {
+constexpr ShortageStep ShortageSteps[] = {
     {"click the root", [](const EditorTree&) {}, [](const EditorTree& tree) { tree.Click(tree.At({})); }},
-    {"expand Tables", OpenSchema,
+    {"expand Tables", ShowSchema,
      [](const EditorTree& tree) {
          tree.Open(tree.At({0, 0}));
      }},
-    {"click a schema", OpenSchema, [](const EditorTree& tree) { tree.Click(tree.At({0})); }},
-    {"click a table", SelectTable,
+    {"click a schema", ShowSchema, [](const EditorTree& tree) { tree.Click(tree.At({0})); }},
+    {"click a table", PickTable,
      [](const EditorTree& tree) {
          tree.Click(tree.At({0, 0, 0}));
      }},
-    {"close a schema", SelectTable, [](const EditorTree& tree) { tree.Shut(tree.At({0})); }},
-    {"open everything", OpenSchema,
+    {"close a schema", PickTable, [](const EditorTree& tree) { tree.Shut(tree.At({0})); }},
+    {"open everything", ShowSchema,
      [](const EditorTree& tree) {
          tree.Select(tree.At({0}));
          tree.Key(VK_MULTIPLY);
      }},
-    {"Action > Select", SelectTable, [](const EditorTree&) { Choose(L"Action", L"Select"); }},
-    {"Action > Insert", SelectTable, [](const EditorTree&) { Choose(L"Action", L"Insert"); }},
-    {"Action > Update", SelectTable, [](const EditorTree&) { Choose(L"Action", L"Update"); }},
-    {"Action > Select, of a folder", SelectTables, [](const EditorTree&) { Choose(L"Action", L"Select"); }},
-    {"Action > Describe all tables", SelectTables,
-     [](const EditorTree&) { Choose(L"Action", L"Describe all tables"); }},
-    {"Action > Create", SelectTables, [](const EditorTree&) { Choose(L"Action", L"Create"); }},
+    {"Action > Select", PickTable, [](const EditorTree&) { Choose(L"Action", L"Select"); }},
+    {"Action > Insert", PickTable, [](const EditorTree&) { Choose(L"Action", L"Insert"); }},
+    {"Action > Update", PickTable, [](const EditorTree&) { Choose(L"Action", L"Update"); }},
+    {"Action > Select, of a folder", PickTables, [](const EditorTree&) { Choose(L"Action", L"Select"); }},
+    {"Action > Describe all tables", PickTables, [](const EditorTree&) { Choose(L"Action", L"Describe all tables"); }},
+    {"Action > Create", PickTables, [](const EditorTree&) { Choose(L"Action", L"Create"); }},
     {"upper case", SelectAll, [](const EditorTree&) { Choose(L"Edit", L"Make Upper Case"); }},
     {"drop", [](const EditorTree&) {},
      [](const EditorTree&) {
@@ -203,13 +202,13 @@ protected:
         EditorWindow::SetText(Mine);
         SendMessageW(EditorWindow::Editor(), EM_SETSEL, static_cast<WPARAM>(-1), -1);
     }
-    void Take(const Step& step) {
+    void Take(const ShortageStep& step) {
         SetText();
         step.Prepare(Tree);
         step.Act(Tree);
     }
     // The same from one and the same tree, so that what is left of it can be compared.
-    void TakeAgain(const Step& step) {
+    void TakeAgain(const ShortageStep& step) {
         Tree.Click(Tree.At({}));
         Take(step);
     }
@@ -249,9 +248,9 @@ TEST_F(ShortageTest, AnAllocationOfAStepFails) {
     std::wstring sql = Mine;
     const WhenShown shown([&] {
         Tree.Open(Tree.At({}));
-        for (const Step& step : Steps) {
+        for (const ShortageStep& step : ShortageSteps) {
             // In a test run the steps that fill and empty the tree; the others with BRV_ALL or by their name.
-            if (only == nullptr && !EveryCase() && &step - Steps >= Filling) break;
+            if (only == nullptr && !EveryCase() && &step - ShortageSteps >= Filling) break;
             if (only != nullptr && std::string(only) != step.Name) continue;
             Dog.Begin(step.Name);
             Take(step);
@@ -312,7 +311,7 @@ TEST_F(ShortageTest, AllAllocationsFailFromOneOn) {
     const Object editor = Connected();
     const char* const only = std::getenv("BRV_STEP");
     long cases = 0;
-    const Step* before = nullptr;
+    const ShortageStep* before = nullptr;
     std::wstring right;
     const auto display = [&](const std::function<void()>& work) {
         std::wstring sql = L"-- mine, of the host";
@@ -330,9 +329,9 @@ TEST_F(ShortageTest, AllAllocationsFailFromOneOn) {
         EXPECT_NE(std::wstring::npos, sql.find(L"mine") & sql.find(L"MINE")) << Narrow(sql);
         OnlyShortageWasReported();
     };
-    for (const Step& step : Steps) {
+    for (const ShortageStep& step : ShortageSteps) {
         if (only != nullptr && std::string(only) != step.Name) continue;
-        const bool fills = &step - Steps < Filling;
+        const bool fills = &step - ShortageSteps < Filling;
         long count = 0;
         long stride = 1;
         long which = 0;

@@ -16,12 +16,6 @@ namespace {
 constexpr size_t LongestName = 128;
 
 // What the fake host makes of a name.
-std::wstring Formatted(const std::wstring& name) {
-    std::wstring quoted = L"\"";
-    for (const wchar_t unit : name) quoted.append(unit == L'"' ? 2 : 1, unit);
-    return quoted + L"\"";
-}
-
 bool IsName(const std::wstring& name) {
     return !name.empty() && std::none_of(name.begin(), name.end(), [](wchar_t c) {
         return c < L' ' || c == 0x7F || c == 0x85 || c == 0x2028 || c == 0x2029;
@@ -73,7 +67,7 @@ TEST_F(CompletionFuzz, WhatIsOfferedIsWrittenAndFound) {
         EXPECT_EQ(table, a[1].ToText());
         return Variant(MakeCollection({Column(column.c_str(), 3L)}));
     };
-    Database.Members[L"FormatName"] = [](const Arguments& a) { return Variant(Formatted(a[0].ToText())); };
+    Database.Members[L"FormatName"] = [](const Arguments& a) { return Variant(Quoted(a[0].ToText())); };
     Inside([&] {
         ForEachCase(50, [&](Random& random) {
             table = AnyName(random);
@@ -90,23 +84,23 @@ TEST_F(CompletionFuzz, WhatIsOfferedIsWrittenAndFound) {
             EXPECT_EQ(1, SendMessageW(NameList(), LVM_GETITEMCOUNT, 0, 0));
             PressKey(VK_RETURN);
             EXPECT_EQ(nullptr, NameList());
-            ASSERT_EQ(before + Formatted(table), EditorText()) << Shown(table);
+            ASSERT_EQ(before + Quoted(table), EditorText()) << Shown(table);
 
             // Anywhere in it.
-            const auto caret = static_cast<LONG>(before.size() + random.Below(Formatted(table).size() + 1));
+            const auto caret = static_cast<LONG>(before.size() + random.Below(Quoted(table).size() + 1));
             EditorWindow::Select(caret, caret);
             Tree.Select(nullptr);
             PressKey(VK_F12);
             ASSERT_NE(nullptr, Tree.Selected()) << Shown(table) << " from " << caret;
             EXPECT_EQ(table, NodeText(Tree.Selected()));
 
-            const std::wstring rest = L" from HR." + Formatted(table) + L" x";
+            const std::wstring rest = L" from HR." + Quoted(table) + L" x";
             Put(L"select x.", rest);
             PressKey(VK_SPACE, true);
             ASSERT_NE(nullptr, NameList());
             EXPECT_EQ(1, SendMessageW(NameList(), LVM_GETITEMCOUNT, 0, 0));
             PressKey(VK_RETURN);
-            ASSERT_EQ(L"select x." + Formatted(column) + rest, EditorText()) << Shown(column);
+            ASSERT_EQ(L"select x." + Quoted(column) + rest, EditorText()) << Shown(column);
             Tree.Select(nullptr);
             PressKey(VK_F12);
             ASSERT_NE(nullptr, Tree.Selected()) << Shown(column) << " of " << Shown(table);

@@ -227,6 +227,12 @@ std::wstring InControl(const std::wstring& text) {
     return result;
 }
 
+std::wstring Quoted(const std::wstring& name) {
+    std::wstring quoted = L"\"";
+    for (const wchar_t unit : name) quoted.append(unit == L'"' ? 2 : 1, unit);
+    return quoted + L"\"";
+}
+
 std::wstring UpToNul(const std::wstring& text) { return text.substr(0, text.find(L'\0')); }
 
 std::string Shown(const std::wstring& text) {

@@ -48,6 +48,8 @@ std::wstring AnyText(Random& random, size_t longest = 60);
 std::wstring TextOfLength(Random& random, size_t length);
 // The same text with some of its ASCII letters in the other case.
 std::wstring InOtherCase(Random& random, std::wstring text);
+// A name in double quotes, those in it doubled: what the fake host's FormatName answers.
+std::wstring Quoted(const std::wstring& name);
 
 // ---- bytes
 

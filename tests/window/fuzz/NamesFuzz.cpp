@@ -33,16 +33,6 @@ struct Model {
     std::vector<Column> Columns;
 };
 
-// What the fake host makes of a name.
-std::wstring Formatted(const std::wstring& name) {
-    std::wstring quoted = L"\"";
-    for (const wchar_t unit : name) {
-        quoted += unit;
-        if (unit == L'"') quoted += unit;
-    }
-    return quoted + L"\"";
-}
-
 // ---- what statements have to say
 
 std::wstring SchemaText(const Model& model) {
@@ -62,7 +52,7 @@ std::wstring TableReference(const Model& model, const std::wstring& table) {
     static const std::set<long> qualifying = {4, 8, 13, 26, 27, 40};
     const std::wstring schema = SchemaText(model);
     const bool qualified = qualifying.count(model.Type) != 0 && !model.OwnersSchema && !IsDefault(schema);
-    return (qualified ? schema + L"." : L"") + Formatted(table);
+    return (qualified ? schema + L"." : L"") + Quoted(table);
 }
 
 std::wstring SampleRows(const Model& model, const std::wstring& table) {
@@ -105,14 +95,14 @@ std::vector<std::wstring> ForColumns(const Model& model, Part&& part) {
 std::wstring OfTable(const Model& model, const std::wstring& entry) {
     const std::wstring& name = model.Objects[model.Object];
     const std::wstring reference = TableReference(model, name);
-    const auto formatted = ForColumns(model, [](const std::wstring& column) { return Formatted(column); });
+    const auto formatted = ForColumns(model, [](const std::wstring& column) { return Quoted(column); });
     if (entry == L"Select") return L"SELECT " + Join(formatted, L"\r\n, ") + L"\r\nFROM " + reference + L"\r\n";
     if (entry == L"Insert") {
         const auto values = ForColumns(model, [](const std::wstring& column) { return column + L"_value"; });
         return L"INSERT INTO " + reference + L"\r\n( " + Join(formatted, L"\r\n, ") + L"\r\n) VALUES\r\n( " +
                Join(values, L"\r\n, ") + L"\r\n)";
     }
-    const auto assigned = ForColumns(model, [](const std::wstring& column) { return Formatted(column) + L" = value"; });
+    const auto assigned = ForColumns(model, [](const std::wstring& column) { return Quoted(column) + L" = value"; });
     if (entry == L"Update") {
         return L"UPDATE " + reference + L"\r\nSET " + Join(assigned, L"\r\n, ") + L"\r\nWHERE " +
                Join(assigned, L"\r\n AND ");
@@ -147,7 +137,7 @@ protected:
         Database.Members[L"CurrentCatalog"] = [this](const Arguments&) { return Variant(Host.Catalog); };
         Database.Members[L"UserName"] = [this](const Arguments&) { return Variant(Host.User); };
         Database.Members[L"DBType"] = [this](const Arguments&) { return Variant(Host.Type); };
-        Database.Members[L"FormatName"] = [](const Arguments& a) { return Variant(Formatted(a[0].ToText())); };
+        Database.Members[L"FormatName"] = [](const Arguments& a) { return Variant(Quoted(a[0].ToText())); };
         Database.DictionaryMembers[L"Schemas"] = [this](const Arguments&) {
             std::vector<Variant> names(Host.Schemas.begin(), Host.Schemas.end());
             return Variant(MakeCollection(std::move(names)));
