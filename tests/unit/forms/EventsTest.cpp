@@ -127,6 +127,15 @@ TEST(Events, ReachTheControlWhenAnotherProcedureLiesOverIts) {
     EXPECT_EQ(1, clicks);
 }
 
+TEST(Control, ASizeIsNeverNegative) {
+    Page page;
+    page.Box.Move(-150, -150, -300, -450);
+    EXPECT_EQ(-150, page.Box.Left());
+    EXPECT_EQ(-150, page.Box.Top());
+    EXPECT_EQ(0, page.Box.Width());
+    EXPECT_EQ(0, page.Box.Height());
+}
+
 TEST(Events, MouseEventsCarryButtonsShiftAndTwips) {
     Page page;
     page.Box.Move(0, 0, 3000, 3000);
@@ -139,4 +148,6 @@ TEST(Events, MouseEventsCarryButtonsShiftAndTwips) {
     EXPECT_EQ(MouseButton::Left | MouseButton::Right, seen.Button);
     EXPECT_FLOAT_EQ(10 * 1440.0F / page.Box.Dpi(), seen.X);
     EXPECT_FLOAT_EQ(-4 * 1440.0F / page.Box.Dpi(), seen.Y);
+    page.Box.Send(WM_MOUSEMOVE, MK_LBUTTON | MK_MBUTTON, MAKELPARAM(10, 4));
+    EXPECT_EQ(MouseButton::Left | MouseButton::Middle, seen.Button);
 }

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "support/Errors.h"
+#include "support/Shortage.h"
 
 // The nodes of a tree that no window shows. (With one: NodesTest.cpp.)
 
@@ -152,4 +153,27 @@ TEST(Nodes, OutliveTheirTree) {
         held = AddRoot(tree, L"root");
     }
     EXPECT_EQ(ErrorNumber::ElementNotFound, NumberOf([&] { held.Text(); }));
+}
+
+// What a tree that is filled and emptied all day takes is what the nodes take that it holds.
+TEST(Nodes, ThePlacesOfRemovedNodesAreUsedAgain) {
+    Nodes tree;
+    const Node root = AddRoot(tree, L"root");
+    const auto round = [&] {
+        const Node branch = tree.AddChild(root, L"branch");
+        for (int at = 0; at < 100; ++at) tree.AddChild(branch, L"leaf");
+        tree.Remove(branch.Index());
+    };
+    for (int rounds = 0; rounds < 5; ++rounds) round();
+    const Shortage counted(GetModuleHandleW(nullptr));
+    Shortage::Begin(0, false);
+    round();
+    const long usual = Shortage::End();
+    EXPECT_LT(100, usual);
+    for (int rounds = 0; rounds < 200; ++rounds) {
+        Shortage::Begin(0, false);
+        round();
+        ASSERT_EQ(usual, Shortage::End()) << rounds;
+    }
+    EXPECT_EQ(1, tree.Count());
 }

@@ -256,6 +256,7 @@ public:
             SetClassLongPtrW(any, GCLP_WNDPROC, reinterpret_cast<LONG_PTR>(&InsertionsWatched::Procedure)));
         DestroyWindow(any);
         steps = 0;
+        refuses = false;
         siblings.clear();
     }
     ~InsertionsWatched() {
@@ -266,10 +267,13 @@ public:
     InsertionsWatched(const InsertionsWatched&) = delete;
     InsertionsWatched& operator=(const InsertionsWatched&) = delete;
     static long Steps() { return steps; }
+    // Whether the control takes no more items.
+    static void Refuse(bool refuse) { refuses = refuse; }
 
 private:
     static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
         if (message == TVM_INSERTITEMW) {
+            if (refuses) return 0;
             const auto& insert = *reinterpret_cast<const TVINSERTSTRUCTW*>(lParam);
             long& count = siblings[insert.hParent];
             if (insert.hInsertAfter != TVI_FIRST) steps += count;
@@ -279,6 +283,7 @@ private:
     }
     static inline WNDPROC before;
     static inline long steps;
+    static inline bool refuses;
     static inline std::map<HTREEITEM, long> siblings;
 };
 
@@ -338,6 +343,21 @@ TEST(Nodes, ManyAreAddedWithoutWalkingAlongThem) {
     // A branch that shows takes one at its end as always.
     tree.Child(root, L"later");
     EXPECT_EQ(TextsBelow(root), ShownBelow(tree.View, item()));
+}
+
+TEST(Nodes, ANodeThatTheWindowDoesNotTakeLeavesItsKeyFree) {
+    const InsertionsWatched watched;
+    Tree tree;
+    const Node root = tree.Root(L"root");
+    const auto add = [&] { tree.Items().Add(root.Index(), TreeRelationship::Child, L"key", L"child"); };
+    watched.Refuse(true);
+    EXPECT_EQ(ErrorNumber::OutOfMemory, NumberOf(add));
+    watched.Refuse(false);
+    EXPECT_EQ(1, tree.Items().Count());
+    EXPECT_FALSE(root.Child());
+    ASSERT_EQ(0, NumberOf(add));
+    EXPECT_EQ(root.Child(), tree.Items().Item(std::wstring(L"key")));
+    EXPECT_EQ(2, tree.Shown());
 }
 
 // A message box in the middle of the filling shows what is there in its order.

@@ -100,6 +100,34 @@ TEST(RichTextBox, AFileThatCannotBeLoadedChangesNothing) {
     EXPECT_EQ(editor.Path, editor.Box.FileName);
 }
 
+namespace {
+
+WNDPROC wholeProcedure = nullptr;
+
+// The control of somebody who is short of memory: of a text that begins with "two" it takes the first character.
+LRESULT CALLBACK TakesOneOfTwo(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message == EM_SETTEXTEX && std::wstring(reinterpret_cast<const wchar_t*>(lParam)).starts_with(L"two"))
+        return CallWindowProcW(wholeProcedure, window, message, wParam, reinterpret_cast<LPARAM>(L"t"));
+    return CallWindowProcW(wholeProcedure, window, message, wParam, lParam);
+}
+
+}  // namespace
+
+TEST(RichTextBox, AFileThatComesInPartlyGivesWayToTheFormerText) {
+    FileEditor editor;
+    editor.Load("one\n", Plain);
+    const TextFile::Format format = editor.Box.FileFormat;
+    wholeProcedure = reinterpret_cast<WNDPROC>(
+        SetWindowLongPtrW(editor.Box.Handle(), GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&TakesOneOfTwo)));
+    const std::wstring other = editor.Here / L"other.tmp";
+    AtomicFile::Write(other, "two\r\n");
+    EXPECT_EQ(ErrorNumber::OutOfMemory, NumberOf([&] { editor.Box.LoadFile(other, Plain); }));
+    SetWindowLongPtrW(editor.Box.Handle(), GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(wholeProcedure));
+    EXPECT_EQ(L"one\r\n", editor.Box.Text());
+    EXPECT_EQ(format, editor.Box.FileFormat);
+    EXPECT_EQ(editor.Path, editor.Box.FileName);
+}
+
 // Readers keep groups in a stack and words and names in buffers: the one of Wine writes after theirs.
 TEST(RichTextBox, ARichTextBeyondAllMeasureIsRefused) {
     FileEditor editor;

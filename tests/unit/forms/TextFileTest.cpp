@@ -4,6 +4,7 @@
 #include <windows.h>
 
 #include "forms/AtomicFile.h"
+#include "forms/FileAccess.h"
 #include "support/Errors.h"
 #include "support/Folder.h"
 #include "support/PatchedFunction.h"
@@ -101,6 +102,20 @@ TEST(TextFile, ACharacterThatTheCodePageDoesNotHaveTurnsTheFileIntoUtf8WithAMark
     EXPECT_EQ("\xEF\xBB\xBF\xE2\x88\x92", TextFile::Encode(L"\x2212", format));
 }
 
+// Not every byte is a character of that code page.
+TEST(TextFile, WhereTheSystemsCodePageIsUtf8BytesThatAreNoneAreWestern) {
+    using CodePageFunction = UINT(WINAPI*)();
+    const CodePageFunction utf8 = []() WINAPI -> UINT { return CP_UTF8; };
+    const PatchedFunction patched(L"kernel32.dll", "GetACP", reinterpret_cast<void*>(utf8));
+    ASSERT_TRUE(patched);
+    std::string all;
+    for (int byte = 0; byte < 256; ++byte) all += static_cast<char>(byte);
+    EXPECT_EQ(all, Again(all));
+    EXPECT_EQ(L"caf\x00E9 \x20AC", TextFile::Decode("caf\xE9 \x80").Text);
+    Format format{Encoding::SystemCodePage, false};
+    EXPECT_EQ("\xE9", TextFile::Encode(L"\x00E9", format));
+}
+
 TEST(TextFile, LineEndsOfOneKindAreKept) {
     for (const auto& [bytes, lines] : {std::pair{"a\nb\n"s, LineEnd::Lf},
                                        {"a\rb"s, LineEnd::Cr},
@@ -146,6 +161,18 @@ TEST(TextFile, APathMayBeLong) {
         EXPECT_TRUE(RemoveDirectoryW(path.c_str()));  // nothing was left
 }
 
+TEST(TextFile, ALongPathIsWrittenInTheFormThatHasNoLimit) {
+    const std::wstring name(200, L'x');
+    for (const auto& [path, full] : {std::pair{L"C:\\a\\" + name, L"\\\\?\\C:\\a\\" + name},
+                                     {L"C:\\a\\..\\" + name, L"\\\\?\\C:\\" + name},
+                                     {L"\\\\server\\share\\" + name, L"\\\\?\\UNC\\server\\share\\" + name},
+                                     {L"\\\\?\\C:\\" + name, L"\\\\?\\C:\\" + name},
+                                     {L"\\\\server\\share\\x"s, L"\\\\server\\share\\x"s},
+                                     {L"C:\\a\\x"s, L"C:\\a\\x"s}}) {
+        EXPECT_EQ(full, FileAccess::FullPath(path));
+    }
+}
+
 TEST(TextFile, TellsWhyAFileCannotBeRead) {
     const Folder folder;
     EXPECT_EQ(53, NumberOf([&] { TextFile::Read(folder / L"none.sql"); }));
@@ -174,6 +201,8 @@ TEST(TextFile, AskNothingOfADevice) {
                                   L"\\\\localhost\\pipe" + name.substr(8),
                                   L"\\\\?\\UNC\\localhost\\pipe" + name.substr(8),
                                   L"\\\\localhost\\mailslot\\x",
+                                  L"\\\\localhost\\ipc$\\x",
+                                  L"\\\\?\\UNC\\localhost\\IPC$",
                                   L"\\\\?\\GLOBALROOT\\Device\\Null",
                                   L"\\\\.\\PhysicalDrive0"};
     for (const std::wstring& path : paths) {

@@ -51,6 +51,15 @@ TEST_F(ClipboardTest, CopyingNothingLeavesTheClipboard) {
     });
 }
 
+// Programs that paste take it for the end of the text.
+TEST_F(ClipboardTest, ANulIsABlankThere) {
+    Inside(std::wstring(L"one\0two", 7), [] {
+        SelectText(0, 7);
+        Choose(L"Copy");
+        EXPECT_EQ(L"one two", ClipboardText());
+    });
+}
+
 TEST_F(ClipboardTest, CutCopiesAndTakesAway) {
     EXPECT_EQ(L"one two", Inside(L"one and two", [] {
                   SelectText(3, 7);

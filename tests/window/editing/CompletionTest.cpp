@@ -193,6 +193,15 @@ TEST_F(CompletionTest, AClickElsewhereOrAnotherPaneClosesIt) {
                   [] { return NameList() != nullptr; }, Press(VK_HOME), Holds(L"a or")});
 }
 
+// Alt leads to a menu or does something else with the line; the other modifiers may begin what goes on in the list.
+TEST_F(CompletionTest, AltClosesTheListAndTheOtherModifiersDoNot) {
+    InSteps(L"", {Ready(L"or|"), Press(VK_SPACE, FCONTROL), Shows(L"*ORDERS (table, HR)", 1), Press(VK_SHIFT),
+                  Press(VK_CONTROL), Press(VK_DOWN), Shows(L"ORDERS (table, HR)|*ORDERS (view, HR)", 2),
+                  Press(VK_UP, FALT),  // which moves the first line nowhere
+                  Holds(L"or")});
+    EXPECT_EQ(L"", Errors.Places());
+}
+
 // Bars that come while the list has another size would take each other's room from then on.
 TEST_F(CompletionTest, RowsThatFitNeedNoScrollBar) {
     const auto fits = [](long least, long most) {

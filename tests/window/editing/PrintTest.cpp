@@ -118,3 +118,104 @@ TEST_F(PrintAnswersTest, ReportsWhatTheDialogHasNotSaidItself) {
     });
     EXPECT_TRUE(Errors.Told.empty());
 }
+
+// ---- What the printer is given
+
+namespace {
+
+// A printer on paper: what the document calls were, in one letter each, and the first line of each page.
+struct PrintedPaper {
+    WORD Copies = 1;
+    DWORD Collate = 0;    // PD_COLLATE or 0
+    size_t FailsAt = 0;   // the page that cannot begin, counted from 1; 0: none
+    std::wstring Name{};  // of the document
+    std::wstring Calls{};
+    std::vector<std::wstring> Pages{};
+};
+PrintedPaper paper;
+
+BOOL WINAPI PrintDlgOnPaper(PRINTDLGW* dialog) {
+    dialog->hDC = CreateCompatibleDC(nullptr);
+    dialog->nCopies = paper.Copies;
+    dialog->Flags |= paper.Collate;
+    return TRUE;
+}
+int WINAPI StartDocOnPaper(HDC, const DOCINFOW* document) {
+    paper.Name = document->lpszDocName;
+    paper.Calls += L'd';
+    return 1;
+}
+int WINAPI StartPageOnPaper(HDC) {
+    if (paper.Pages.size() + 1 == paper.FailsAt) return 0;
+    paper.Pages.emplace_back();
+    paper.Calls += L'p';
+    return 1;
+}
+int WINAPI EndPageOnPaper(HDC) { return 1; }
+int WINAPI EndDocOnPaper(HDC) {
+    paper.Calls += L'e';
+    return 1;
+}
+int WINAPI AbortDocOnPaper(HDC) {
+    paper.Calls += L'a';
+    return 1;
+}
+BOOL WINAPI TextOutOnPaper(HDC, int, int, const wchar_t* text, int count) {
+    if (!paper.Pages.empty() && paper.Pages.back().empty()) paper.Pages.back().assign(text, static_cast<size_t>(count));
+    return TRUE;
+}
+
+class PrintedPagesTest : public EditingFixture {
+protected:
+    static PrintedPaper Print(WORD copies, DWORD collate, size_t failsAt = 0) {
+        paper = {copies, collate, failsAt};
+        const PatchedFunction patches[] = {
+            {L"comdlg32.dll", "PrintDlgW", reinterpret_cast<void*>(&PrintDlgOnPaper)},
+            {L"gdi32.dll", "StartDocW", reinterpret_cast<void*>(&StartDocOnPaper)},
+            {L"gdi32.dll", "StartPage", reinterpret_cast<void*>(&StartPageOnPaper)},
+            {L"gdi32.dll", "EndPage", reinterpret_cast<void*>(&EndPageOnPaper)},
+            {L"gdi32.dll", "EndDoc", reinterpret_cast<void*>(&EndDocOnPaper)},
+            {L"gdi32.dll", "AbortDoc", reinterpret_cast<void*>(&AbortDocOnPaper)},
+            {L"gdi32.dll", "TextOutW", reinterpret_cast<void*>(&TextOutOnPaper)},
+        };
+        for (const PatchedFunction& patch : patches) EXPECT_TRUE(patch);
+        EditorWindow::Choose(L"File", L"Print...");
+        EXPECT_TRUE(IsWindowEnabled(EditorWindow::Find()));
+        return paper;
+    }
+    // More than a page, whatever the size of the screen is.
+    static std::wstring Lines() {
+        std::wstring text;
+        for (int line = 1; line <= 600; ++line) text += L"line " + std::to_wstring(line) + L"\r\n";
+        return text;
+    }
+};
+
+}  // namespace
+
+TEST_F(PrintedPagesTest, CopiesAreMadeOfEachPageOrOfTheWholeText) {
+    Inside(Lines(), [] {
+        const PrintedPaper once = Print(1, 0);
+        const size_t pages = once.Pages.size();
+        ASSERT_LT(1U, pages);
+        EXPECT_EQ(L"line 1", once.Pages[0]);
+        EXPECT_EQ(L"d" + std::wstring(pages, L'p') + L"e", once.Calls);
+        EXPECT_EQ(L"SQL Editor", once.Name);
+        std::vector<std::wstring> eachTwice;
+        for (const std::wstring& page : once.Pages) eachTwice.insert(eachTwice.end(), 2, page);
+        EXPECT_EQ(eachTwice, Print(2, 0).Pages);
+        std::vector<std::wstring> allTwice = once.Pages;
+        allTwice.insert(allTwice.end(), once.Pages.begin(), once.Pages.end());
+        EXPECT_EQ(allTwice, Print(2, PD_COLLATE).Pages);
+        EXPECT_EQ(once.Pages, Print(0, PD_COLLATE).Pages) << "none is one";
+    });
+    EXPECT_EQ(L"", Errors.Places());
+}
+
+TEST_F(PrintedPagesTest, ADocumentThatFailsIsTakenBackFromThePrinter) {
+    Inside(Lines(), [this] {
+        EXPECT_EQ(L"dpa", Print(1, 0, 2).Calls);
+        EXPECT_EQ(L"frmSQLEditor.mnuFilePrint_Click 482", Errors.Places());
+        EXPECT_EQ(L"Printer error: the printer did not take the document.", Errors.Only().Description);
+    });
+}

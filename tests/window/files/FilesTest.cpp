@@ -1,7 +1,12 @@
+#include <windows.h>
+#include <cderr.h>
+#include <commdlg.h>
+
 #include <algorithm>
 
 #include "support/Dialogs.h"
 #include "support/Files.h"
+#include "support/PatchedFunction.h"
 #include "support/Steps.h"
 
 using namespace std::string_literals;
@@ -497,6 +502,68 @@ TEST_F(FilesTest, TheProcessKeepsItsFolder) {
     });
     GetCurrentDirectoryW(MAX_PATH, after);
     EXPECT_STREQ(before, after);
+}
+
+namespace {
+
+// File dialogs as the system may answer them.
+struct AnsweredDialog {
+    DWORD Error = 0;
+    std::vector<std::wstring> Names{};  // that it began with
+    std::wstring Chosen{};
+};
+AnsweredDialog answered;
+
+BOOL WINAPI CancelledInAnotherFolder(OPENFILENAMEW*) {
+    wchar_t folder[MAX_PATH]{};
+    GetWindowsDirectoryW(folder, MAX_PATH);
+    SetCurrentDirectoryW(folder);
+    return FALSE;
+}
+// Takes no name to begin with.
+BOOL WINAPI RefusesNames(OPENFILENAMEW* request) {
+    answered.Names.emplace_back(request->lpstrFile);
+    const bool refused = request->lpstrFile[0] != L'\0';
+    answered.Error = refused ? FNERR_INVALIDFILENAME : 0;
+    if (refused) return FALSE;
+    lstrcpynW(request->lpstrFile, answered.Chosen.c_str(), static_cast<int>(request->nMaxFile));
+    return TRUE;
+}
+DWORD WINAPI AnsweredError() { return answered.Error; }
+
+}  // namespace
+
+TEST_F(FilesTest, WhateverFolderTheDialogLeaves) {
+    wchar_t before[MAX_PATH]{};
+    wchar_t after[MAX_PATH]{};
+    GetCurrentDirectoryW(MAX_PATH, before);
+    Inside(L"", [] {
+        answered = {};
+        const PatchedFunction open(L"comdlg32.dll", "GetOpenFileNameW",
+                                   reinterpret_cast<void*>(&CancelledInAnotherFolder));
+        const PatchedFunction error(L"comdlg32.dll", "CommDlgExtendedError", reinterpret_cast<void*>(&AnsweredError));
+        ASSERT_TRUE(open && error);
+        Open();
+    });
+    GetCurrentDirectoryW(MAX_PATH, after);
+    SetCurrentDirectoryW(before);
+    EXPECT_STREQ(before, after);
+}
+
+TEST_F(FilesTest, ADialogThatRefusesTheNameIsAskedWithoutOne) {
+    PutBytes(Here / L"a.sql", "x");
+    Inside(L"", [this] {
+        Load(Here / L"a.sql");
+        answered = {};
+        answered.Chosen = Here / L"b.sql";
+        const PatchedFunction save(L"comdlg32.dll", "GetSaveFileNameW", reinterpret_cast<void*>(&RefusesNames));
+        const PatchedFunction error(L"comdlg32.dll", "CommDlgExtendedError", reinterpret_cast<void*>(&AnsweredError));
+        ASSERT_TRUE(save && error);
+        SaveAs();
+        EXPECT_EQ((std::vector<std::wstring>{Here / L"a.sql", L""}), answered.Names);
+        EXPECT_EQ(L"SQL Editor - b.sql", EditorWindow::Caption());
+    });
+    EXPECT_EQ("x", BytesOf(Here / L"b.sql"));
 }
 
 namespace {

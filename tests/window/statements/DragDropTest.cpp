@@ -151,12 +151,31 @@ TEST_F(DragDropTest, LettingGoElsewhereDropsNothing) {
         EXPECT_EQ(nullptr, GetCapture());
         EXPECT_EQ(L"", Database.Logged());  // and it was no click
         // Another button with the left one starts nothing.
-        SendMessageW(Tree.Handle(), WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(at.x, at.y));
-        SendMessageW(Tree.Handle(), WM_MOUSEMOVE, MK_LBUTTON | MK_RBUTTON,
-                     Mapped(EditorWindow::Editor(), Tree.Handle(), PlaceOf(2)));
-        EXPECT_NE(EditorWindow::Editor(), GetFocus());
-        SendMessageW(Tree.Handle(), WM_LBUTTONUP, 0, MAKELPARAM(at.x, at.y));
-        EXPECT_EQ(L"select 1", EditorWindow::Text());
+        for (const WPARAM another : {MK_RBUTTON, MK_MBUTTON}) {
+            SendMessageW(Tree.Handle(), WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(at.x, at.y));
+            SendMessageW(Tree.Handle(), WM_MOUSEMOVE, MK_LBUTTON | another,
+                         Mapped(EditorWindow::Editor(), Tree.Handle(), PlaceOf(2)));
+            EXPECT_NE(EditorWindow::Editor(), GetFocus());
+            SendMessageW(Tree.Handle(), WM_LBUTTONUP, 0, MAKELPARAM(at.x, at.y));
+            EXPECT_EQ(L"select 1", EditorWindow::Text());
+        }
+    });
+}
+
+TEST_F(DragDropTest, AMouseThatMovesSidewaysOrDownDrags) {
+    Inside([this] {
+        Tree.Open(Tree.At({}));
+        const HWND tree = Tree.Handle();
+        POINT at{};
+        ASSERT_TRUE(Tree.Place(Tree.At({3}), at));
+        const LONG steps[][2] = {{GetSystemMetrics(SM_CXDRAG), 0}, {0, GetSystemMetrics(SM_CYDRAG)}};
+        for (const auto& [across, down] : steps) {
+            EditorWindow::SetText(L"");
+            SendMessageW(tree, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(at.x, at.y));
+            SendMessageW(tree, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(at.x + across, at.y + down));
+            SendMessageW(tree, WM_LBUTTONUP, 0, Mapped(EditorWindow::Editor(), tree, PlaceOf(0)));
+            EXPECT_EQ(L"Sales & Co", EditorWindow::Text()) << across << "," << down;
+        }
     });
 }
 
