@@ -16,15 +16,15 @@ use_preset() {
     BRV_BIN=$BRV_BUILD/$1/bin
 }
 
-# What ./run needs; the other commands add theirs.
-BRV_PACKAGES=(g++-mingw-w64-i686 mingw-w64-tools cmake ninja-build googletest
+# What ./run needs; the other commands add theirs. Of the compiler the one with Windows' own threads is enough: the component makes none.
+BRV_PACKAGES=(g++-mingw-w64-i686-win32 mingw-w64-tools cmake ninja-build googletest
     wine wine32:i386 xvfb openbox xdotool imagemagick x11-utils
     libodbc2:i386 libsqliteodbc:i386 odbc-postgresql:i386 sqlite3 fonts-liberation fonts-dejavu-core)
 # What is installed where the distribution has it.
 BRV_OPTIONAL_PACKAGES=()
 # What cannot be installed for two architectures at once, NAME:ARCHITECTURE: it is unpacked below build/ unless it is installed.
 BRV_UNPACKED_PACKAGES=()
-BRV_WIN64_PACKAGES=(g++-mingw-w64-x86-64 wine64 libodbc2 libsqliteodbc odbc-postgresql)
+BRV_WIN64_PACKAGES=(g++-mingw-w64-x86-64-win32 wine64 libodbc2 libsqliteodbc odbc-postgresql)
 
 # The in-process servers that are registered, by file name.
 BRV_SERVERS=(brvSQLEditor.dll brvError.dll brvADO.dll)
@@ -431,8 +431,8 @@ processors() {
 # the machine is a virtual one.
 stay_on() { taskset -cp "$1" "$BASHPID" >/dev/null 2>&1; }
 
-# take_slot: waits for a slot, points DISPLAY and BRV_PREFIX at it, and stays on its processor. The lock is on file descriptor 6, which must not reach Wine.
-# Without ./test there are no slots, and what the environment says is taken.
+# take_slot: waits for a slot, points DISPLAY and BRV_PREFIX at it, and stays on its processor. The lock is on file descriptor 6, which must
+# not reach Wine. Without ./test there are no slots, and what the environment says is taken.
 take_slot() {
     local slot processor
     [ -n "${BRV_SLOTS:-}" ] || return 0
