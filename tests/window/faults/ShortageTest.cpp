@@ -304,6 +304,25 @@ TEST_F(ShortageTest, AnAllocationOfAStepFails) {
     std::printf("shortage, steps: %ld cases\n", cases);
 }
 
+// The tree's own lists of what it opens.
+TEST_F(ShortageTest, AShortageOfTheKeyThatOpensEverythingIsReported) {
+    const Shortage shortage(Dll.Handle());
+    const Object editor = Connected();
+    const WhenShown shown([&] {
+        Dog.Begin("open everything");
+        Tree.Open(Tree.At({}));
+        Tree.Select(Tree.At({0}));
+        Shortage::Begin(1, false);
+        Tree.Key(VK_MULTIPLY);
+        EXPECT_LT(0, Shortage::End());
+        EXPECT_EQ(L"frmSQLEditor.m_ExpandAll 7", Errors.Places());
+        EditorWindow::Close();
+    });
+    std::wstring sql = Mine;
+    EXPECT_EQ(0, NumberOf([&] { editor.Call(L"Display", ByRef(sql)); }));
+    EXPECT_EQ(Mine, sql);
+}
+
 // Everything after it fails too, the report of the failure first, which ends the window. The next one is shown with the
 // step that succeeds, and then with the next case.
 TEST_F(ShortageTest, AllAllocationsFailFromOneOn) {
