@@ -16,9 +16,11 @@ use_preset() {
     BRV_BIN=$BRV_BUILD/$1/bin
 }
 
-# What ./run needs; the other commands add theirs. Of the compiler the one with Windows' own threads is enough: the component makes none.
-BRV_PACKAGES=(g++-mingw-w64-i686-win32 mingw-w64-tools cmake ninja-build googletest
-    wine wine32:i386 xvfb openbox xdotool imagemagick x11-utils
+# What a build needs, the standard type library in libwine among it. Of the two compilers the one with Windows' own threads is enough: the
+# component makes none.
+BRV_BUILD_PACKAGES=(g++-mingw-w64-i686-win32 mingw-w64-tools cmake ninja-build googletest libwine:i386)
+# What ./run needs; the other commands add theirs.
+BRV_PACKAGES=("${BRV_BUILD_PACKAGES[@]}" wine wine32:i386 xvfb openbox xdotool imagemagick x11-utils
     libodbc2:i386 libsqliteodbc:i386 odbc-postgresql:i386 sqlite3 fonts-liberation fonts-dejavu-core)
 # What is installed where the distribution has it.
 BRV_OPTIONAL_PACKAGES=()
@@ -177,6 +179,19 @@ build_project() {
     fi
     [ $((SECONDS - started)) -lt 5 ] || say "Built in $((SECONDS - started)) s."
     exec 8>&-
+}
+
+# build_while_installing [TARGET]: what a build needs is installed first, and everything else while the project is built.
+build_while_installing() {
+    local installer
+    (
+        BRV_PACKAGES=("${BRV_BUILD_PACKAGES[@]}") BRV_OPTIONAL_PACKAGES=() BRV_UNPACKED_PACKAGES=()
+        install_missing
+    ) || exit 1
+    install_missing &
+    installer=$!
+    build_project "$@"
+    wait "$installer" || exit 1
 }
 
 # --- Wine -------------------------------------------------------------------------------------------------------------
