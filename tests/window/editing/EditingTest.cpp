@@ -66,19 +66,28 @@ TEST_F(EditingTest, TheTimeReplacesTheSelection) {
     const auto now = [] {
         SYSTEMTIME local;
         GetLocalTime(&local);
-        Variant general;
-        SystemTimeToVariantTime(&local, &general.date);
-        general.vt = VT_DATE;
-        return general.ToText();
+        local.wMilliseconds = 0;
+        DATE date = 0;
+        SystemTimeToVariantTime(&local, &date);
+        return date;
     };
-    const std::wstring before = now();
+    const DATE before = now();
     const std::wstring text = Inside(L"a xxx b", [] {
         SelectText(2, 5);
         Choose(L"Time/Date");
     });
-    const std::wstring after = now();
-    EXPECT_TRUE(text == L"a " + before + L" b" || text == L"a " + after + L" b")
-        << std::string(text.begin(), text.end());
+    const DATE after = now();
+    ASSERT_LT(4U, text.size());
+    std::wstring written = text.substr(2, text.size() - 4);
+    EXPECT_EQ(L"a " + written + L" b", text);
+    Variant time;
+    ASSERT_EQ(S_OK, VarDateFromStr(written.data(), LOCALE_USER_DEFAULT, 0, &time.date))
+        << testing::PrintToString(written);
+    time.vt = VT_DATE;
+    EXPECT_EQ(written, time.ToText());
+    constexpr DATE second = 1.0 / 86400;
+    EXPECT_LT(before - second / 2, time.date);
+    EXPECT_GT(after + second / 2, time.date);
 }
 
 TEST_F(EditingTest, ReplaceAndGotoDoNothing) {
