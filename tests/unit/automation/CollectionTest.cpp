@@ -258,6 +258,15 @@ TEST(HostCollectionTest, CountsFromOneOrZero) {
     Counted none(1, {});
     EXPECT_EQ(L"", Joined(Of(&none)));
     EXPECT_TRUE(Of(&none));
+    // One that counts from 1 and has something at 0 too.
+    Counted both(0, {L"heading", L"x", L"y"});
+    both.OnInvoke = [answer = both.OnInvoke](DISPID id, WORD flags, DISPPARAMS& parameters, VARIANT* result,
+                                             EXCEPINFO* exception) -> HRESULT {
+        const HRESULT done = answer(id, flags, parameters, result, exception);
+        if (id == 1) result->lVal = 2;
+        return done;
+    };
+    EXPECT_EQ(L"x|y|", Joined(Of(&both)));
 }
 
 TEST(HostCollectionTest, ACountedCollectionThatFailsDeliversWhatStandsBefore) {

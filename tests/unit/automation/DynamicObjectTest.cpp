@@ -319,6 +319,10 @@ TEST(MakeCollectionTest, TheEnumeratorKeepsItsContract) {
     EXPECT_EQ(S_OK, items->Next(1, got, nullptr));
     EXPECT_EQ(3, got[0].lVal);
     EXPECT_EQ(S_FALSE, items->Skip(1));
+    EXPECT_EQ(S_OK, items->Reset());
+    EXPECT_EQ(S_OK, items->Skip(3)) << "all that there are";
+    EXPECT_EQ(S_OK, items->Skip(0));
+    EXPECT_EQ(S_FALSE, items->Next(1, got, nullptr));
     EXPECT_EQ(S_OK, clone->Next(1, got, &fetched)) << "a clone stands where the original stood";
     EXPECT_EQ(3, got[0].lVal);
     clone->Release();

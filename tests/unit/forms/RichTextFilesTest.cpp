@@ -50,6 +50,16 @@ TEST(RichText, IsKnownByItsBeginningAndItsEnd) {
     }
 }
 
+// Readers keep the open groups in a stack of their own.
+TEST(RichText, GroupsAreNoDeeperWhateverWasClosedBefore) {
+    std::string cleaned;
+    const std::string deep(30, '{');
+    for (const std::string& before : {""s, "}"s, std::string(100, '}'), "{\\rtf1}"s + std::string(100, '}')}) {
+        EXPECT_TRUE(SanitizeRtf(before + deep, cleaned)) << before;
+        EXPECT_FALSE(SanitizeRtf(before + deep + "{", cleaned)) << before;
+    }
+}
+
 TEST(RichTextBox, LoadsAFileAsOneChangeThatCannotBeUndone) {
     FileEditor editor;
     editor.Box.SetText(L"old");

@@ -2,6 +2,8 @@
 #include <richedit.h>
 
 #include <initializer_list>
+#include <optional>
+#include <set>
 #include <string>
 
 #include "forms/RichTextBox.h"
@@ -113,6 +115,84 @@ TEST(RichTextKeys, InsertDoesNotOverwrite) {
     editor.Press('X', {}, L'x');
     EXPECT_EQ(L"xabc", editor.Box.Text());
     EXPECT_EQ(L"", editor.Asked);
+}
+
+namespace {
+
+// Stands between the editor and the control for editors that are made while it lives, and keeps the keys that get
+// through to the control. What the control does with them differs by its version.
+class ControlsKeys {
+public:
+    ControlsKeys() {
+        keys_.clear();
+        hook_ = SetWindowsHookExW(WH_CBT, &ControlsKeys::Made, nullptr, GetCurrentThreadId());
+        editor_.emplace();
+        UnhookWindowsHookEx(hook_);
+    }
+    ~ControlsKeys() {
+        editor_.reset();
+        original_ = nullptr;
+    }
+    ControlsKeys(const ControlsKeys&) = delete;
+    ControlsKeys& operator=(const ControlsKeys&) = delete;
+    bool Gets(WPARAM key, std::initializer_list<int> held) {
+        keys_.clear();
+        editor_->Press(key, held);
+        return keys_.contains(key);
+    }
+
+private:
+    static LRESULT CALLBACK Made(int code, WPARAM window, LPARAM data) noexcept {
+        wchar_t name[32]{};
+        GetClassNameW(reinterpret_cast<HWND>(window), name, 32);
+        if (code == HCBT_CREATEWND && _wcsnicmp(name, L"RichEdit", 8) == 0 && original_ == nullptr) {
+            original_ = reinterpret_cast<WNDPROC>(SetWindowLongPtrW(reinterpret_cast<HWND>(window), GWLP_WNDPROC,
+                                                                    reinterpret_cast<LONG_PTR>(&ControlsKeys::Keep)));
+        }
+        return CallNextHookEx(nullptr, code, window, data);
+    }
+    static LRESULT CALLBACK Keep(HWND window, UINT message, WPARAM wParam, LPARAM lParam) noexcept {
+        if (message == WM_KEYDOWN || message == WM_SYSKEYDOWN) keys_.insert(wParam);
+        return CallWindowProcW(original_, window, message, wParam, lParam);
+    }
+    static inline WNDPROC original_ = nullptr;
+    static inline std::set<WPARAM> keys_;
+    HHOOK hook_ = nullptr;
+    std::optional<KeyEditor> editor_;
+};
+
+}  // namespace
+
+TEST(RichTextKeys, TheControlGetsTheKeysThatItIsMeantToGetAndNoOthers) {
+    ControlsKeys control;
+    for (const WPARAM key : {VK_LEFT, VK_RIGHT, VK_UP, VK_DOWN, VK_HOME, VK_END, VK_PRIOR, VK_NEXT}) {
+        EXPECT_TRUE(control.Gets(key, {})) << key;
+        EXPECT_TRUE(control.Gets(key, {VK_SHIFT})) << key;
+        EXPECT_TRUE(control.Gets(key, {VK_CONTROL})) << key;
+        EXPECT_TRUE(control.Gets(key, {VK_CONTROL, VK_SHIFT})) << key;
+        EXPECT_FALSE(control.Gets(key, {VK_MENU})) << key;
+    }
+    for (const WPARAM key : {WPARAM{VK_BACK}, WPARAM{VK_DELETE}, WPARAM{'Y'}, WPARAM{'Z'}}) {
+        EXPECT_TRUE(control.Gets(key, {})) << key;
+        EXPECT_TRUE(control.Gets(key, {VK_CONTROL})) << key;
+        EXPECT_FALSE(control.Gets(key, {VK_CONTROL, VK_SHIFT})) << key;
+        EXPECT_EQ(key == VK_BACK, control.Gets(key, {VK_MENU})) << key;
+    }
+    EXPECT_TRUE(control.Gets('A', {}));
+    EXPECT_TRUE(control.Gets('A', {VK_SHIFT}));
+    EXPECT_TRUE(control.Gets(VK_TAB, {}));
+    EXPECT_TRUE(control.Gets(VK_RETURN, {}));
+    EXPECT_FALSE(control.Gets(VK_RETURN, {VK_SHIFT}));
+    EXPECT_FALSE(control.Gets(VK_DELETE, {VK_SHIFT}));
+    EXPECT_FALSE(control.Gets(VK_INSERT, {})) << "it would overwrite from then on";
+    EXPECT_FALSE(control.Gets(VK_INSERT, {VK_SHIFT}));
+    for (WPARAM key = VK_F1; key <= VK_F24; ++key) {
+        if (key == VK_F10) continue;  // which opens the menus
+        EXPECT_FALSE(control.Gets(key, {})) << key;
+    }
+    for (WPARAM key = '0'; key <= 'X'; ++key) EXPECT_FALSE(control.Gets(key, {VK_CONTROL})) << key;
+    for (const WPARAM key : {VK_INSERT, VK_RETURN, VK_TAB, VK_SPACE, VK_OEM_PLUS, VK_OEM_MINUS, VK_OEM_1, VK_OEM_7})
+        EXPECT_FALSE(control.Gets(key, {VK_CONTROL})) << key;
 }
 
 TEST(RichTextKeys, TheOldKeysOfTheClipboardAreTheCommands) {

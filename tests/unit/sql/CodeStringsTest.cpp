@@ -112,6 +112,8 @@ TEST(FromCodeTest, BlocksOfText) {
               From(L"String s = \"\"\"\r\n    select \"a\"\r\n      from t\r\n    \"\"\";"));
     EXPECT_EQ(L"  a\r\n\r\n  b", From(L"var s = \"\"\"\"\n      a\n\n      b\n    \"\"\"\";"));
     EXPECT_EQ(L"a", From(L"s = \"\"\"\n    a\"\"\";"));
+    // Two quotes at the end of a line are an empty string.
+    EXPECT_EQ(L"select 1", From(L"String s = \"\"\r\n    + \"select 1\" + \"\";"));
 }
 
 TEST(FromCodeTest, AStringAlone) {

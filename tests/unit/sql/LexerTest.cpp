@@ -176,6 +176,39 @@ TEST(Lexer, KnowsQuotedNames) {
     EXPECT_EQ(L"name:[a\\r\\n|name:b]|word:c", Tokens(L"[a\r\nb]c", 8));
 }
 
+// Each sign of one product's SQL, in the SQL of all of them.
+TEST(Lexer, KnowsTheSignsOfEachProduct) {
+    static constexpr long Types[] = {0, 2, 4, 8, 13, 17, 24, 26, 27, 28, 40};
+    struct Sign {
+        const wchar_t* Text;
+        const wchar_t* Tokens;
+        std::vector<long> Of;
+    };
+    const Sign signs[] = {
+        {L"/*/**/a*/b", L"comment:/*/**/a*/|word:b", {8, 13, 26, 27, 40}},
+        {L"#a", L"comment:#a", {17}},
+        {L"#a", L"word:#a", {4, 8, 13, 26, 40}},
+        {L"a#b", L"word:a#b", {4, 8, 13, 26, 40}},
+        {L"//a", L"comment://a", {40}},
+        {L"[a]", L"name:[a]", {0, 8, 17, 24, 26, 40}},
+        {L"`a`", L"name:`a`", {0, 17, 24, 40}},
+        {L"#1#", L"text:#1#", {24}},
+        {L"\"a\"", L"text:\"a\"", {24}},
+        {L"$$a$$", L"text:$$a$$", {0, 27}},
+        {L"E'\\'a'", L"text:E'\\'a'", {0, 27}},
+        {L"q'[']'", L"text:q'[']'", {0, 4, 28}},
+        {L"'a\\'b'", L"text:'a\\'b'", {17}},
+        {L"G'a'", L"text:G'a'", {13}},
+    };
+    for (const Sign& sign : signs) {
+        std::vector<long> found;
+        for (const long type : Types) {
+            if (Tokens(sign.Text, type) == sign.Tokens) found.push_back(type);
+        }
+        EXPECT_EQ(sign.Of, found) << std::string(sign.Text, sign.Text + std::char_traits<wchar_t>::length(sign.Text));
+    }
+}
+
 TEST(Lexer, GoesOnFromAKeptState) {
     const Dialect& dialect = DialectOf(27);
     Lexer first(L"select $body$ it's\r\n", dialect);

@@ -95,6 +95,8 @@ TEST(Scope, TheTablesOfAStatement) {
     EXPECT_EQ("a", Tables(L"drop table if exists a|"));
     // Brackets that nothing has opened.
     EXPECT_EQ("orders=o, line", Tables(L"select ) ) ) from orders o, line where |"));
+    for (size_t count = 1; count <= 64; ++count)
+        EXPECT_EQ("t", Tables(L"select a" + std::wstring(count, L')') + L", b from t where |")) << count;
 }
 
 TEST(Scope, SubqueriesAndFunctionsAreNoTables) {

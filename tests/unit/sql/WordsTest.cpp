@@ -40,6 +40,13 @@ TEST(Words, KnowTheFunctionsThatTheyAreTold) {
     EXPECT_EQ(Meaning::KeywordOrFunction, words.Of(L"left"));
     EXPECT_EQ(Meaning::Nothing, words.Of(L"LONG"));
     EXPECT_EQ(Meaning::Nothing, words.Of(L"LONG RAW"));
+    // What the reference has with a bracket and without one needs none.
+    words.AddFunction(L"NOW");
+    words.AddFunction(L"NOW(n)");
+    words.AddFunction(L"UID(n)");
+    words.AddFunction(L"UID");
+    EXPECT_EQ(Meaning::Function, words.Of(L"now"));
+    EXPECT_EQ(Meaning::Function, words.Of(L"uid"));
 }
 
 }  // namespace

@@ -253,9 +253,17 @@ TEST_F(AppearanceTest, OtherFontsAreFollowedAndTakenBack) {
         const int height = Context(Tab(0)).Height();
         const int row = Row(0);
         const int line = EditorLine();
+        const auto image = [] {
+            int across = 0, down = 0;
+            const auto images = reinterpret_cast<HIMAGELIST>(SendMessageW(Toolbar(), TB_GETIMAGELIST, 0, 0));
+            EXPECT_TRUE(ImageList_GetIconSize(images, &across, &down));
+            return down;
+        };
+        const int imageBefore = image();
         {
             const LargeFonts large(2);
             EXPECT_NEAR(2 * height, Context(Tab(0)).Height(), 3);
+            EXPECT_GE(image(), imageBefore * 3 / 2);
             EXPECT_GT(Row(0), row + height / 2);
             EXPECT_NEAR(2 * height, Context(View(1)).Height(), 3);
             // The editor has another font than the labels. It grows with theirs.
@@ -266,6 +274,7 @@ TEST_F(AppearanceTest, OtherFontsAreFollowedAndTakenBack) {
             Resize(6500, 6500);
         }
         EXPECT_EQ(height, Context(Tab(0)).Height());
+        EXPECT_EQ(imageBefore, image());
         EXPECT_EQ(line, EditorLine());
         EXPECT_EQ(before, Places());
     });

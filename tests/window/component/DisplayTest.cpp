@@ -132,6 +132,26 @@ TEST_F(DisplayTest, TakesWhatConvertsToText) {
     SysFreeString(null);
 }
 
+// Down to its type and its address: hosts may hold on to either.
+TEST_F(DisplayTest, WhatWasNotEditedIsLeftAlone) {
+    const Object editor = Editor();
+    VARIANT argument;
+    argument.vt = VT_BYREF | VT_VARIANT;
+    Variant number(42L);
+    argument.pvarVal = &number;
+    EXPECT_EQ(S_OK, Invoke(editor, argument, L"42"));
+    EXPECT_EQ(VT_I4, number.vt);
+    EXPECT_EQ(42, number.lVal);
+    BSTR text = SysAllocString(L"select 1");
+    BSTR const before = text;
+    argument.vt = VT_BYREF | VT_BSTR;
+    argument.pbstrVal = &text;
+    EXPECT_EQ(S_OK, Invoke(editor, argument, L"select 1"));
+    EXPECT_EQ(before, text);
+    EXPECT_STREQ(L"select 1", text);
+    SysFreeString(text);
+}
+
 TEST_F(DisplayTest, ReportsWhatIsNoTextAndShowsNothing) {
     const Object editor = Editor();
     struct Case {

@@ -180,6 +180,36 @@ TEST_F(CompletionTest, TheReferenceOfTheDatabase) {
                   [] { return Rows(1) == L"*VARCHAR2 (type)"; }, Press(VK_ESCAPE)});
 }
 
+TEST_F(CompletionTest, ANameOfSeveralSchemasIsListedOnceForEachKind) {
+    Type(8);
+    InSteps(L"", {Ready(L"|"),
+                  [this] {
+                      Tree.Click(Tree.Named(Tree.At({}), L"Sales & Co"));
+                      PutWithCaret(L"select * from ord|");
+                  },
+                  Press(VK_SPACE, FCONTROL), Shows(L"*ORDERS (table, HR)|ORDERS (view, HR)|ORDER (keyword)", 3)});
+}
+
+TEST_F(CompletionTest, NamesOfTwoWordsAreNoWordsOfTheLanguage) {
+    Type(4);
+    InSteps(L"", {Ready(L"lon|"), Press(VK_SPACE, FCONTROL), [] { return NameList() != nullptr; },
+                  [] {
+                      EXPECT_EQ(L"*LONG", Rows(1).substr(0, 5));
+                      EXPECT_EQ(std::wstring::npos, Rows(50).find(L"LONG RAW"));
+                  }});
+}
+
+TEST_F(CompletionTest, WhatTheHostWritesWhileANameIsTakenStays) {
+    Type(8);
+    Database.Members[L"FormatName"] = [](const Arguments& a) {
+        EditorWindow::SetText(L"another text of the host");
+        return Variant(a[0].ToText());
+    };
+    InSteps(L"", {Ready(L"select * from or|"), Press(VK_SPACE, FCONTROL), Shows(L"*ORDERS (table, HR)", 1),
+                  Press(VK_RETURN), Holds(L"another text of the host"), [] {},
+                  [] { EXPECT_EQ(L"another text of the host", EditorWindow::Text()); }});
+}
+
 TEST_F(CompletionTest, AClickElsewhereOrAnotherPaneClosesIt) {
     InSteps(L"", {Ready(L"or|"), Press(VK_SPACE, FCONTROL), [] { return NameList() != nullptr; },
                   [this] {

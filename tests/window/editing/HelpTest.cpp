@@ -63,6 +63,21 @@ TEST_F(HelpTest, SqlOfEveryDatabaseIsExplained) {
               L"Creates a new view of one or more tables and/or views.")});
 }
 
+TEST_F(HelpTest, NoMoreThanThreeEntriesAreShown) {
+    Run({Help(L"se|t x",
+              L"SET FEEDBACK {ON|OFF}\r\n\r\nPrints a feedback line under the retrieved data.\r\n\r\n"
+              L"SET LONG n\r\n\r\nSpecifies how many characters are printed for a LongVarchar column; Long "
+              L"(Oracle) or Text (Sql Server).\r\n\r\n"
+              L"SET PAGES[IZE] n\r\n\r\nSets the size of the page in rows. Used when page breaks are "
+              L"defined.")});
+}
+
+TEST_F(HelpTest, AnOpenListOfNamesGivesWayToTheTip) {
+    Run({{Put(L"rollback|"), Press(VK_SPACE, FCONTROL), [] { return EditorWindow::NameList() != nullptr; },
+          Press(VK_F1), Shows(L"ROLLBACK\r\n\r\nUndoes all changes made."),
+          [] { EXPECT_EQ(nullptr, EditorWindow::NameList()); }}});
+}
+
 TEST_F(HelpTest, WhatIsNotKnownIsSaid) {
     Run({Help(L"nonsen|se", L"<none>"),
          {Put(L"nonsen|se"), Press(VK_F1),

@@ -73,6 +73,12 @@ TEST_F(LineKeysTest, LinesAreDoubledAndDeleted) {
                             {0, 6, 'K', FCONTROL | FSHIFT, L"", L"0-0"}});
 }
 
+TEST_F(LineKeysTest, WithAndWithoutShiftAreTwoKeys) {
+    Check(L"a\r\nbb\r\nc", {{3, 3, 'K', FCONTROL, L"a\r\nbb\r\nc", L"3-3"},
+                            {3, 4, 'D', FCONTROL | FSHIFT, L"a\r\nbb\r\nc", L"3-4"},
+                            {3, 4, 'R', FCONTROL, L"a\r\nbb\r\nc", L"3-4"}});
+}
+
 TEST_F(LineKeysTest, EnterKeepsTheIndentation) {
     Check(L"  a b", {{4, 4, VK_RETURN, 0, L"  a \r\n  b", L"7-7"},
                      {1, 1, VK_RETURN, 0, L" \r\n  a b", L"3-3"},

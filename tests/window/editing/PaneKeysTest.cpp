@@ -62,6 +62,12 @@ TEST_F(PaneKeysTest, CtrlEnterInsertsWhatADragWouldDrop) {
     EXPECT_NE(L"a b", text);
 }
 
+TEST_F(PaneKeysTest, ShiftTabLeavesTheEditor) {
+    EXPECT_EQ(L"\ta", InSteps(L"a", {Focus(Editor), [] { SelectText(0, 0); }, Press(VK_TAB),
+                                     [] { return EditorWindow::Text() == L"\ta"; }, Press(VK_TAB, FSHIFT),
+                                     [] { return GetFocus() != Editor(); }}));
+}
+
 TEST_F(PaneKeysTest, AltAndADigitChooseThePage) {
     EXPECT_EQ(L"a", InSteps(L"a", {Focus(Editor), Press('3', FALT), Focused([] { return View(2); }), Press('2', FALT),
                                    Focused([] { return View(1); }), Press('4', FALT), Focused([] { return View(3); }),

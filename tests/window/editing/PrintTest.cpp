@@ -107,6 +107,41 @@ TEST_F(PrintAnswersTest, TheDialogIsAskedForADeviceAndWithoutPageNumbers) {
     EXPECT_TRUE(Errors.Told.empty());
 }
 
+namespace {
+
+DWORD printFlags = 0;  // with which the dialog ends
+bool toFile = false;   // whether the document was begun for a file
+int documents = 0;
+
+BOOL WINAPI PrintDlgChosen(PRINTDLGW* dialog) {
+    dialog->Flags |= printFlags;
+    dialog->hDC = CreateCompatibleDC(nullptr);
+    return TRUE;
+}
+int WINAPI StartDocInstead(HDC, const DOCINFOW* document) {
+    ++documents;
+    toFile = document->lpszOutput != nullptr && std::wstring(document->lpszOutput) == L"FILE:";
+    return SP_USERABORT;
+}
+
+}  // namespace
+
+TEST_F(PrintAnswersTest, PrintsToAFileWhereTheUserWantsThat) {
+    Inside([] {
+        const PatchedFunction dialog(L"comdlg32.dll", "PrintDlgW", reinterpret_cast<void*>(&PrintDlgChosen));
+        const PatchedFunction start(L"gdi32.dll", "StartDocW", reinterpret_cast<void*>(&StartDocInstead));
+        ASSERT_TRUE(dialog && start);
+        documents = 0;
+        for (const DWORD flags : {DWORD{0}, DWORD{PD_PRINTTOFILE}}) {
+            printFlags = flags;
+            EditorWindow::Choose(L"File", L"Print...");
+            EXPECT_EQ(flags != 0, toFile);
+        }
+        EXPECT_EQ(2, documents);
+    });
+    EXPECT_EQ(L"", Errors.Places());  // cancelled at the printer
+}
+
 TEST_F(PrintAnswersTest, ReportsWhatTheDialogHasNotSaidItself) {
     Inside([this] {
         EXPECT_EQ("", Print(PDERR_NODEFAULTPRN, FALSE));
@@ -218,4 +253,44 @@ TEST_F(PrintedPagesTest, ADocumentThatFailsIsTakenBackFromThePrinter) {
         EXPECT_EQ(L"frmSQLEditor.mnuFilePrint_Click 482", Errors.Places());
         EXPECT_EQ(L"Printer error: the printer did not take the document.", Errors.Only().Description);
     });
+}
+
+namespace {
+
+std::vector<std::wstring> linesOnPaper;
+
+BOOL WINAPI LineOnPaper(HDC, int, int, const wchar_t* text, int count) {
+    linesOnPaper.emplace_back(text, static_cast<size_t>(count));
+    return TRUE;
+}
+
+}  // namespace
+
+TEST_F(PrintedPagesTest, ALongLineIsBrokenBetweenCharacters) {
+    // Characters of two units each, after one of one unit and alone: one of the two would be broken within.
+    for (const std::wstring& begin : {std::wstring(), std::wstring(L"x")}) {
+        std::wstring text = begin;
+        for (int at = 0; at < 2000; ++at) text += L"\U0001F600";
+        linesOnPaper.clear();
+        paper = {};
+        Inside(text, [] {
+            const PatchedFunction patches[] = {
+                {L"comdlg32.dll", "PrintDlgW", reinterpret_cast<void*>(&PrintDlgOnPaper)},
+                {L"gdi32.dll", "StartDocW", reinterpret_cast<void*>(&StartDocOnPaper)},
+                {L"gdi32.dll", "StartPage", reinterpret_cast<void*>(&StartPageOnPaper)},
+                {L"gdi32.dll", "EndPage", reinterpret_cast<void*>(&EndPageOnPaper)},
+                {L"gdi32.dll", "EndDoc", reinterpret_cast<void*>(&EndDocOnPaper)},
+                {L"gdi32.dll", "TextOutW", reinterpret_cast<void*>(&LineOnPaper)},
+            };
+            for (const PatchedFunction& patch : patches) EXPECT_TRUE(patch);
+            EditorWindow::Choose(L"File", L"Print...");
+        });
+        std::wstring all;
+        for (const std::wstring& line : linesOnPaper) {
+            EXPECT_FALSE(line.empty() || IS_LOW_SURROGATE(line.front()) || IS_HIGH_SURROGATE(line.back()));
+            all += line;
+        }
+        EXPECT_LT(1U, linesOnPaper.size());
+        EXPECT_TRUE(text == all);
+    }
 }

@@ -190,10 +190,15 @@ TEST_F(RefreshTest, EscapeStopsIt) {
         return columns(a);
     };
     InSteps(L"a", {Opened(), Select([this] { return Folder(); }), [&] { pressing = true; }, F5(), Asks(L"1,HR|ORDERS"),
-                   [this] {
+                   [&] {
                        EXPECT_TRUE(IsOpen(Table(L"ORDERS")));
                        EXPECT_FALSE(IsOpen(Table(L"ITEMS")));
-                   }});
+                       // The next one is not stopped by the same key.
+                       pressing = false;
+                       Tree.Open(Table(L"ITEMS"));
+                       Questions.clear();
+                   },
+                   Select([this] { return Folder(); }), F5(), Asks(L"1,HR|ORDERS|ITEMS")});
 }
 
 TEST_F(RefreshTest, WithoutASelectionItSaysSoAndInTheEditorItDoesNothing) {

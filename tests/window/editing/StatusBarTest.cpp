@@ -226,6 +226,28 @@ TEST_F(StatusBarTest, EveryEntryHasAHint) {
     });
 }
 
+TEST_F(StatusBarTest, NoTwoEntriesHaveTheSameHint) {
+    Inside([] {
+        const HMENU bar = GetMenu(EditorWindow::Find());
+        std::map<std::wstring, std::wstring> hints;
+        for (const int menu : {0, 1, 3}) {  // without the entries for what is selected
+            const HMENU entries = GetSubMenu(bar, menu);
+            for (int at = 0; at < GetMenuItemCount(entries); ++at) {
+                if (GetMenuItemID(entries, at) == 0) continue;
+                const std::wstring caption = PlainCaption(entries, at);
+                if (caption == L"Save") continue;  // without a file it is Save As
+                Select(entries, at);
+                const auto [other, added] = hints.emplace(Over(), caption);
+                EXPECT_TRUE(added) << testing::PrintToString(caption) << testing::PrintToString(other->second);
+            }
+        }
+        EXPECT_EQ(5U + 12U + 3U, hints.size());
+        CloseMenus();
+        EXPECT_NE(std::wstring::npos, HintOf(L"Edit", L"Make Upper Case").find(L"upper"));
+        EXPECT_NE(std::wstring::npos, HintOf(L"Edit", L"Make Lower Case").find(L"lower"));
+    });
+}
+
 TEST_F(StatusBarTest, ReplaceAndGotoNameTheirKeys) {
     Inside([] {
         EXPECT_NE(std::wstring::npos, HintOf(L"Edit", L"Replace...").find(L"Ctrl+H"));

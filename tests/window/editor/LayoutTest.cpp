@@ -427,6 +427,22 @@ TEST_F(LayoutTest, ANarrowerWindowTakesFromTheLeftPaneAndAWiderOneGivesBack) {
     });
 }
 
+// What is kept is where the splitter stands, and not where it was dragged to when there was more room.
+TEST_F(LayoutTest, APaneThatWasNarrowedComesBackAsNarrowAsItWas) {
+    Inside([] {
+        Resize(12000, 9000);
+        Drag(8000 - Of(Grip()).Left);
+        Resize(7000, 9000);
+        const float narrow = Of(Tab(0)).Width;
+        EXPECT_LT(narrow, 6000);
+        EditorWindow::Choose(L"View", L"Object Browser");
+        EXPECT_FALSE(IsWindowVisible(Tab(0)));
+        EditorWindow::Choose(L"View", L"Object Browser");
+        Resize(12000, 9000);
+        EXPECT_NEAR(narrow, Of(Tab(0)).Width, 2 * Pixel);
+    });
+}
+
 TEST_F(LayoutTest, LayoutIsKeptFromShowToShow) {
     const Object editor = Dll.Create();
     editor.Call(L"Constructor", Object());

@@ -37,6 +37,38 @@ TEST_F(FilesTest, NewAsksOnlyWhenTheTextIsModified) {
     });
 }
 
+namespace {
+
+DWORD filterGiven = 0;
+std::wstring pathChosen;
+
+// The user chooses the third filter and the file.
+BOOL WINAPI FileDialogInstead(OPENFILENAMEW* dialog) {
+    filterGiven = dialog->nFilterIndex;
+    dialog->nFilterIndex = 3;
+    lstrcpynW(dialog->lpstrFile, pathChosen.c_str(), static_cast<int>(dialog->nMaxFile));
+    return TRUE;
+}
+
+}  // namespace
+
+TEST_F(FilesTest, TheFilterThatWasChosenIsOfferedAgain) {
+    pathChosen = Here / L"orders.sql";
+    PutBytes(pathChosen, "select 1");
+    Inside(L"", [] {
+        const PatchedFunction open(L"comdlg32.dll", "GetOpenFileNameW", reinterpret_cast<void*>(&FileDialogInstead));
+        const PatchedFunction save(L"comdlg32.dll", "GetSaveFileNameW", reinterpret_cast<void*>(&FileDialogInstead));
+        ASSERT_TRUE(open && save);
+        Open();
+        EXPECT_EQ(1U, filterGiven);
+        EXPECT_EQ(L"select 1", EditorWindow::Text());
+        Open();
+        EXPECT_EQ(3U, filterGiven);
+        SaveAs();
+        EXPECT_EQ(3U, filterGiven);
+    });
+}
+
 TEST_F(FilesTest, TheQuestionsReadAsTheyShould) {
     Inside(L"", [] {
         EditorWindow::SetText(L"x");

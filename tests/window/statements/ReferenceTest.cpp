@@ -200,7 +200,19 @@ TEST_F(ReferenceTest, TheMenuIsMadeReadyWhenItIsShown) {
                     }
                     return menu.Entries;
                 };
+                SetCursorPos(0, 0);
                 EXPECT_EQ(0U, show().find(L"Select-|Insert-|Update-|Delete-|Execute+")) << page;
+                // Where the button came up, or beside the row, wherever the mouse is.
+                POINT at{5, 5};
+                ClientToScreen(View(page), &at);
+                RECT bounds;
+                GetWindowRect(View(page), &bounds);
+                if (byKey) {
+                    EXPECT_TRUE(PtInRect(&bounds, menu.At)) << page;
+                } else {
+                    EXPECT_EQ(at.x, menu.At.x) << page;
+                    EXPECT_EQ(at.y, menu.At.y) << page;
+                }
                 // No row is selected any more, and the list has told nobody.
                 SendMessageW(View(page), LB_SETCURSEL, static_cast<WPARAM>(-1), 0);
                 EXPECT_EQ(0U, show().find(NothingCanBeChosen)) << page << byKey;
