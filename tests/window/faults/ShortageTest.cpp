@@ -2,9 +2,11 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <functional>
 #include <initializer_list>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "Fault.h"
 #include "support/Browsed.h"
@@ -143,7 +145,8 @@ constexpr ShortageStep ShortageSteps[] = {
 // So many of them, from the first, fill and empty the tree.
 constexpr std::ptrdiff_t Filling = 5;
 
-// As WhenShown, where the window may never be shown.
+// As WhenShown, where the window may never be shown. The work closes it; a close that fails, since it can neither save
+// the place nor read the text, leaves it open and is repeated, once.
 class IfShown {
 public:
     explicit IfShown(std::function<void()> work) : work_(std::move(work)) {
@@ -157,14 +160,16 @@ public:
 
 private:
     void Look() {
-        if (shown_ || EditorWindow::Find() == nullptr) return;
-        shown_ = true;
-        work_();
+        if (EditorWindow::Find() == nullptr) return;
+        if (!std::exchange(shown_, true)) return work_();
+        EXPECT_FALSE(std::exchange(closedAgain_, true)) << "the window stays open";
+        EditorWindow::Close();
     }
     static inline IfShown* current = nullptr;
     std::function<void()> work_;
     UINT_PTR timer_;
     bool shown_ = false;
+    bool closedAgain_ = false;
 };
 
 class ShortageTest : public BrowsedFixture {
