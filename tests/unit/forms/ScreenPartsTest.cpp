@@ -3,6 +3,7 @@
 
 #include <memory>
 
+#include "forms/DialogTemplate.h"
 #include "forms/DragCursor.h"
 #include "forms/Keyboard.h"
 #include "forms/MsgBox.h"
@@ -95,4 +96,41 @@ TEST(Painting, GoesOnUnderAMessageBox) {
     KillTimer(nullptr, timer);
     EXPECT_TRUE(seen);
     EXPECT_FALSE(IsPainted(painted.Box));
+}
+
+TEST(PictureBoxButton, IsPressedByABlankThatWentDownOnIt) {
+    PaintedBox painted;
+    int clicks = 0;
+    painted.Box.SetPushButton();
+    painted.Box.Click = [&clicks] { ++clicks; };
+    painted.Box.Send(WM_KEYUP, VK_SPACE, 0);  // of a blank that was pressed elsewhere
+    EXPECT_EQ(0, clicks);
+    painted.Box.Send(WM_KEYDOWN, VK_SPACE, 0);
+    painted.Box.Send(WM_KEYUP, VK_SPACE, 0);
+    EXPECT_EQ(1, clicks);
+    painted.Box.Send(WM_KEYUP, VK_SPACE, 0);
+    EXPECT_EQ(1, clicks);
+}
+
+TEST(Dialog, OfAWindowAtTheEdgeStaysOnTheScreen) {
+    RECT work{};
+    ASSERT_TRUE(SystemParametersInfoW(SPI_GETWORKAREA, 0, &work, 0));
+    const auto make = [](int x, int y, int width, int height) {
+        return CreateWindowExW(0, L"Static", L"", WS_POPUP, x, y, width, height, nullptr, nullptr, nullptr, nullptr);
+    };
+    const HWND dialog = make(0, 0, 300, 200);
+    for (const POINT at : {POINT{work.left, work.top}, POINT{work.right - 40, work.top},
+                           POINT{work.left, work.bottom - 40}, POINT{work.right - 40, work.bottom - 40}}) {
+        const HWND owner = make(at.x, at.y, 40, 40);
+        CentreOn(dialog, owner);
+        DestroyWindow(owner);
+        RECT place{};
+        GetWindowRect(dialog, &place);
+        EXPECT_LE(work.left, place.left);
+        EXPECT_LE(work.top, place.top);
+        EXPECT_LE(place.right, work.right);
+        EXPECT_LE(place.bottom, work.bottom);
+        EXPECT_EQ(300, place.right - place.left);
+    }
+    DestroyWindow(dialog);
 }

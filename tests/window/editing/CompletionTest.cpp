@@ -180,6 +180,20 @@ TEST_F(CompletionTest, TheReferenceOfTheDatabase) {
                   [] { return Rows(1) == L"*VARCHAR2 (type)"; }, Press(VK_ESCAPE)});
 }
 
+TEST_F(CompletionTest, APageDownAndAPageUpLeadBack) {
+    const auto selected = [] {
+        return static_cast<long>(SendMessageW(NameList(), LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_SELECTED));
+    };
+    InSteps(L"",
+            {Ready(L"|"), Press(VK_SPACE, FCONTROL), [] { return RowCount() > 30; }, Press(VK_NEXT), Press(VK_NEXT),
+             [=] { return selected() > 12; }, Press(VK_PRIOR), Press(VK_PRIOR), [=] { return selected() == 0; }});
+}
+
+TEST_F(CompletionTest, ASelectionThatIsMadeClosesTheList) {
+    InSteps(L"", {Ready(L"a or|"), Press(VK_SPACE, FCONTROL), [] { return NameList() != nullptr; },
+                  [] { SelectText(2, 4); }, [] { return NameList() == nullptr; }});
+}
+
 TEST_F(CompletionTest, ANameOfSeveralSchemasIsListedOnceForEachKind) {
     Type(8);
     InSteps(L"", {Ready(L"|"),

@@ -78,6 +78,11 @@ TEST_F(HelpTest, AnOpenListOfNamesGivesWayToTheTip) {
           [] { EXPECT_EQ(nullptr, EditorWindow::NameList()); }}});
 }
 
+TEST_F(HelpTest, APressInTheTitleBarHidesTheTip) {
+    Run({{Put(L"rollback|"), Press(VK_F1), Shows(L"ROLLBACK\r\n\r\nUndoes all changes made."),
+          [] { PostMessageW(EditorWindow::Find(), WM_NCLBUTTONDOWN, HTCLIENT, 0); }, Shows(L"<none>")}});
+}
+
 TEST_F(HelpTest, WhatIsNotKnownIsSaid) {
     Run({Help(L"nonsen|se", L"<none>"),
          {Put(L"nonsen|se"), Press(VK_F1),

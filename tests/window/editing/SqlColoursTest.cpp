@@ -153,13 +153,18 @@ TEST_F(SqlColoursTest, LongTextsHaveNone) {
 
 TEST_F(SqlColoursTest, BracketsAndWordsAreMarked) {
     const std::wstring sql = L"f(a, '(', (b)) a (";
+    COLORREF pair = CLR_DEFAULT;
     InSteps(sql,
             {[&] { return Pattern(sql)[6] != L'.'; }, [] { SelectText(1, 1); },
              [] {
                  return GroundAt(1) != CLR_DEFAULT && GroundAt(1) == GroundAt(13) && GroundAt(10) == CLR_DEFAULT &&
                         GroundAt(6) == CLR_DEFAULT;
              },
-             [] { SelectText(17, 17); }, [] { return GroundAt(17) != CLR_DEFAULT && GroundAt(1) == CLR_DEFAULT; },
+             [&] {
+                 pair = GroundAt(1);
+                 SelectText(17, 17);
+             },
+             [&] { return GroundAt(17) != CLR_DEFAULT && GroundAt(17) != pair && GroundAt(1) == CLR_DEFAULT; },
              [] { SelectText(2, 3); },
              [] { return GroundAt(15) != CLR_DEFAULT && GroundAt(17) == CLR_DEFAULT && GroundAt(2) == CLR_DEFAULT; },
              [] { EXPECT_FALSE(CanUndo()); }});

@@ -278,6 +278,9 @@ TEST_F(StatusBarTest, TellsWhatAStatementWouldBeFor) {
         EXPECT_EQ(L"Inserts statements, runs nothing: " + name, HintOf(L"Action", L"Tasks"));
         EXPECT_EQ(L"Select a folder of tables in the object browser first", HintOf(L"Action", L"Create"));
         EXPECT_EQ(L"", Asked) << "the host was asked for a hint";
+        Tree.Open(Tree.At({0, 1}));
+        Tree.Click(Tree.At({0, 1, 0}));
+        EXPECT_EQ(L"Inserts a SELECT statement, runs nothing: view ORDERS of " + schema, HintOf(L"Action", L"Select"));
         ShowPage(1);
         wchar_t entry[200]{};
         SendMessageW(View(1), LB_GETTEXT, static_cast<WPARAM>(SendMessageW(View(1), LB_GETCURSEL, 0, 0)),

@@ -195,7 +195,9 @@ TEST_F(ReferenceTest, TheMenuIsMadeReadyWhenItIsShown) {
                     if (byKey) {
                         SendMessageW(View(page), WM_CONTEXTMENU, reinterpret_cast<WPARAM>(View(page)), -1);
                     } else {
+                        SetFocus(EditorWindow::Editor());
                         SendMessageW(View(page), WM_RBUTTONDOWN, MK_RBUTTON, MAKELPARAM(5, 5));
+                        EXPECT_EQ(View(page), GetFocus());
                         SendMessageW(View(page), WM_RBUTTONUP, 0, MAKELPARAM(5, 5));
                     }
                     return menu.Entries;
