@@ -366,9 +366,15 @@ TEST_F(CompletionTest, AnotherSizeOfTheWindowClosesTheList) {
                       EXPECT_EQ(nullptr, NameList());
                       ShowWindow(EditorWindow::Find(), SW_RESTORE);
                       EXPECT_EQ(nullptr, NameList());
-                      SetFocus(EditorWindow::Editor());
                   },
-                  Press(VK_SPACE, FCONTROL), [] { return NameList() != nullptr; }});
+                  // The window manager gives the restored window the focus when it likes, which closes the list again.
+                  [] {
+                      if (NameList() != nullptr) return true;
+                      SetForegroundWindow(EditorWindow::Find());
+                      SetFocus(EditorWindow::Editor());
+                      Key(VK_SPACE, FCONTROL);
+                      return false;
+                  }});
 }
 
 TEST_F(CompletionTest, AClickTakesTheRow) {
