@@ -1,5 +1,7 @@
 #include "forms/Nodes.h"
 
+#include <gtest/gtest.h>
+
 #include <random>
 #include <string>
 #include <vector>

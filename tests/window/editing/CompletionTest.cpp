@@ -1,4 +1,5 @@
 #include <initguid.h>
+#include <windows.h>
 #include <commctrl.h>
 #include <oleacc.h>
 
