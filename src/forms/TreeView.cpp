@@ -211,13 +211,14 @@ void TreeView::ExpandAll(const Node& node) {
     const PaintingHeld held(*this);
     std::vector<Node> waiting{node};
     std::vector<Node> opened;
-    const ScopeExit show([&]() noexcept {
+    const auto show = [&] {
         // From the innermost outwards: a branch that does not show yet costs no layout.
         const AutoReset quiet(quiet_, true);
         for (auto branch = opened.rbegin(); branch != opened.rend(); ++branch) {
             if (IsLiving(*branch)) Send(TVM_EXPAND, TVE_EXPAND, reinterpret_cast<LPARAM>(MirrorOf(*branch)));
         }
-    });
+    };
+    const ScopeExit shown([&]() noexcept { Events::Raise(show); });
     while (!waiting.empty() && !stopExpanding_) {
         const Node next = waiting.back();
         waiting.pop_back();
