@@ -154,13 +154,13 @@ function(brv_add_program name)
     target_link_libraries(${name} PRIVATE ${arg_LIBRARIES})
 endfunction()
 
-# brv_add_test(<name> SOURCES ... [APP] [SHARED] [RC x.rc] [LIBRARIES ...] [LABELS ...] [ARGUMENTS ...] [TIMEOUT seconds])
+# brv_add_test(<name> SOURCES ... [APP] [SHARED] [SCREENLESS] [RC x.rc] [LIBRARIES ...] [LABELS ...] [ARGUMENTS ...] [TIMEOUT seconds])
 # A GoogleTest program and one ctest entry for it: each start of Wine costs more than most tests. It is linked with what is in
 # tests/support, whose main function it has unless a source brings one. With APP it is a program with a title, its name, and a
 # version, 1.2.3 (see automation/App.h). SHARED: takes long and hardly depends on the width, so that ./test runs a
-# third of its cases in the second one. The label is the last folder of the caller's path.
+# third of its cases in the second one. SCREENLESS: looks at nothing that is drawn, so that it runs where nothing is. The label is the last folder of the caller's path.
 function(brv_add_test name)
-    cmake_parse_arguments(PARSE_ARGV 1 arg "APP;SHARED" "TIMEOUT" "SOURCES;RC;LIBRARIES;LABELS;ARGUMENTS")
+    cmake_parse_arguments(PARSE_ARGV 1 arg "APP;SHARED;SCREENLESS" "TIMEOUT" "SOURCES;RC;LIBRARIES;LABELS;ARGUMENTS")
     if(arg_APP)
         configure_file(${CMAKE_SOURCE_DIR}/cmake/TestApp.cpp.in ${CMAKE_BINARY_DIR}/generated/${name}App.cpp @ONLY)
         list(APPEND arg_SOURCES ${CMAKE_BINARY_DIR}/generated/${name}App.cpp)
@@ -187,15 +187,21 @@ function(brv_add_test name)
     if(arg_SHARED)
         set_property(TEST ${name} APPEND PROPERTY ENVIRONMENT BRV_IS_SHARED=1)
     endif()
+    if(arg_SCREENLESS)
+        set_property(TEST ${name} APPEND PROPERTY ENVIRONMENT BRV_SCREENLESS=1)
+    endif()
 endfunction()
 
-# brv_add_script_test(<name> COMMAND script arguments... [TIMEOUT seconds] [LABELS ...])
-# A test that a script makes of whole programs. It is left out by ./test --quick.
+# brv_add_script_test(<name> [SCREENLESS] COMMAND script arguments... [TIMEOUT seconds] [LABELS ...])
+# A test that a script makes of whole programs. It is left out by ./test --quick. SCREENLESS: as above, for the prefixes of its own too.
 function(brv_add_script_test name)
-    cmake_parse_arguments(PARSE_ARGV 1 arg "" "TIMEOUT" "COMMAND;LABELS")
+    cmake_parse_arguments(PARSE_ARGV 1 arg "SCREENLESS" "TIMEOUT" "COMMAND;LABELS")
     add_test(NAME ${name} COMMAND ${CMAKE_SOURCE_DIR}/cmake/in-slot ${CMAKE_CURRENT_SOURCE_DIR}/${arg_COMMAND})
     get_filename_component(folder ${CMAKE_CURRENT_SOURCE_DIR} NAME)
     set_tests_properties(${name} PROPERTIES TIMEOUT ${arg_TIMEOUT} COST ${arg_TIMEOUT} LABELS "${folder};system;${arg_LABELS}")
+    if(arg_SCREENLESS)
+        set_property(TEST ${name} APPEND PROPERTY ENVIRONMENT BRV_SCREENLESS=1)
+    endif()
 endfunction()
 
 # windres reports no dependencies: a resource script is compiled again when anything that it may include has changed.

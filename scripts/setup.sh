@@ -290,7 +290,8 @@ make_template() {
     ) 6>"$1.lock"
 }
 
-# Makes the Wine prefix unless it is there, as a copy of the one that is kept for that.
+# Makes the Wine prefix unless it is there, as a copy of the one that is kept for that. With BRV_SCREENLESS its windows are drawn nowhere, which
+# takes half of the processor's time: messages, focus, clipboard and controls are Wine's own, and only what would reach a display is left out.
 make_prefix() {
     local template=$BRV_BUILD/wine$BRV_WIDTH-template
     make_odbc
@@ -313,6 +314,7 @@ make_prefix() {
             rm -rf "$WINEPREFIX"
             cp -a "$template" "$WINEPREFIX"
         fi || { rm -rf "$WINEPREFIX"; say "the Wine prefix $WINEPREFIX could not be copied"; exit 1; }
+        [ -z "${BRV_SCREENLESS:-}" ] || printf '\n[Software\\\\Wine\\\\Drivers]\n"Graphics"="null"\n' >>"$WINEPREFIX/user.reg"
     ) 7>"$WINEPREFIX.lock"
 }
 
@@ -333,11 +335,20 @@ enter_prefix() {
     wine_environment
     [ -z "${BRV_FRESH:-}" ] || { timeout 30 wineserver -k 9>&- >/dev/null 2>&1; rm -rf "$WINEPREFIX"; }
     make_prefix || exit 1
+    start_server
+    BRV_ENTERED=1
+}
+
+# One server for all programs of the prefix to come: each start from nothing costs seconds.
+start_server() {
     # Left over by a command that was killed.
     timeout 30 wineserver -k 9>&- >/dev/null 2>&1
-    # One server for all programs to come: each start from nothing costs seconds.
     timeout 30 wineserver -p300 9>&- >/dev/null 2>&1
-    BRV_ENTERED=1
+}
+
+stop_server() {
+    timeout 30 wineserver -k 9>&- >/dev/null 2>&1
+    timeout 30 wineserver -w 9>&- >/dev/null 2>&1
 }
 
 # enter_fresh_prefix NAME [NAME...]: the same, and the prefix is as new.
@@ -349,8 +360,7 @@ enter_fresh_prefix() {
 leave_prefix() {
     [ -n "${BRV_ENTERED:-}" ] || return 0
     BRV_ENTERED=
-    timeout 30 wineserver -k 9>&- >/dev/null 2>&1
-    timeout 30 wineserver -w 9>&- >/dev/null 2>&1
+    stop_server
     exec 9>&-
 }
 
@@ -433,7 +443,8 @@ make_sample() {
 # --- slots ------------------------------------------------------------------------------------------------------------
 
 # Tests move the pointer, and change the clipboard, settings and registrations: while one runs it has a display and a prefix for itself.
-# ./test keeps a few of them, each named by a file in the folder BRV_SLOTS that holds both; whoever has a lock on the file uses them.
+# ./test keeps a few of them, each named by a file in the folder BRV_SLOTS; whoever has a lock on the file uses them. The file holds a
+# processor, the display, the prefix, and a second prefix without a screen.
 
 # Allowed processors of this process, one number a line.
 processors() {
@@ -447,16 +458,18 @@ processors() {
 stay_on() { taskset -cp "$1" "$BASHPID" >/dev/null 2>&1; }
 
 # take_slot: waits for a slot, points DISPLAY and BRV_PREFIX at it, and stays on its processor. The lock is on file descriptor 6, which must
-# not reach Wine. Without ./test there are no slots, and what the environment says is taken.
+# not reach Wine. Where BRV_SCREENLESS is set, the prefix is the slot's other one, and no DISPLAY is left. Without ./test there are no slots,
+# and what the environment says is taken.
 take_slot() {
-    local slot processor
-    [ -n "${BRV_SLOTS:-}" ] || return 0
+    local slot processor screenless
+    [ -n "${BRV_SLOTS:-}" ] || { unset BRV_SCREENLESS; return 0; }
     while :; do
         for slot in "$BRV_SLOTS"/slot-*; do
             exec 6<"$slot" || continue
             if flock -n 6; then
-                read -r processor DISPLAY BRV_PREFIX <&6
+                read -r processor DISPLAY BRV_PREFIX screenless <&6
                 export DISPLAY BRV_PREFIX
+                [ -z "${BRV_SCREENLESS:-}" ] || { BRV_PREFIX=$screenless; unset DISPLAY; }
                 stay_on "$processor"
                 return 0
             fi

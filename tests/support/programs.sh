@@ -20,6 +20,15 @@ fail() {
     failures=$((failures + 1))
 }
 expect() { [ "$2" = "$3" ] || fail "$1: expected"$'\n'"$2"$'\n'"but found"$'\n'"$3"; } # WHAT EXPECTED ACTUAL
+# expect_soon WHAT EXPECTED COMMAND...: that the command comes to print it, however busy the machine is.
+expect_soon() {
+    local try
+    for ((try = 0; try < 100; ++try)); do
+        [ "$("${@:3}")" != "$2" ] || return 0
+        sleep 0.1
+    done
+    expect "$1" "$2" "$("${@:3}")"
+}
 finish() {
     [ $failures -eq 0 ] && echo "as expected"
     exit $((failures > 0))
