@@ -158,7 +158,8 @@ endfunction()
 # A GoogleTest program and one ctest entry for it: each start of Wine costs more than most tests. It is linked with what is in
 # tests/support, whose main function it has unless a source brings one. With APP it is a program with a title, its name, and a
 # version, 1.2.3 (see automation/App.h). SHARED: takes long and hardly depends on the width, so that ./test runs a
-# third of its cases in the second one. SCREENLESS: looks at nothing that is drawn, so that it runs where nothing is. The label is the last folder of the caller's path.
+# third of its cases in the second one, without a display. SCREENLESS: looks at nothing that is drawn, so that it always runs
+# without one. The label is the last folder of the caller's path.
 function(brv_add_test name)
     cmake_parse_arguments(PARSE_ARGV 1 arg "APP;SHARED;SCREENLESS" "TIMEOUT" "SOURCES;RC;LIBRARIES;LABELS;ARGUMENTS")
     if(arg_APP)
