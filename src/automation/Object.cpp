@@ -186,6 +186,12 @@ struct Object::State {
 
     HRESULT Invoke(DISPID id, WORD flags, DISPPARAMS& parameters, VARIANT* result, EXCEPINFO& exception) noexcept {
         const InHostContexts host;
+        return InvokeInContexts(id, flags, parameters, result, exception);
+    }
+
+    // For callers that have an InHostContexts already.
+    HRESULT InvokeInContexts(DISPID id, WORD flags, DISPPARAMS& parameters, VARIANT* result,
+                             EXCEPINFO& exception) noexcept {
         if (Extended) {
             return Extended->InvokeEx(id, LOCALE_USER_DEFAULT, flags, &parameters, result, &exception, nullptr);
         }
@@ -281,7 +287,8 @@ void TextFunction::AppendTo(std::wstring& to, std::wstring_view argument) {
     VARIANT raw;
     VariantInit(&raw);
     EXCEPINFO exception{};
-    const HRESULT result = state.Invoke(id_, DISPATCH_METHOD | DISPATCH_PROPERTYGET, parameters, &raw, exception);
+    const HRESULT result =
+        state.InvokeInContexts(id_, DISPATCH_METHOD | DISPATCH_PROPERTYGET, parameters, &raw, exception);
     if (FAILED(result)) Raise(ErrorFromHresult(result, &exception));
     const Variant answer = Variant::Attach(raw);
     if (answer.vt == VT_BSTR) {
