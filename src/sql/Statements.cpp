@@ -113,8 +113,11 @@ private:
         }
         if (IsOneOf(word, {L"PROCEDURE", L"FUNCTION"})) {
             header_ = true;
-        } else if (IsOneOf(word, {L"PACKAGE", L"BODY", L"COMPOUND"}) && levels_.empty()) {
+        } else if (IsOneOf(word, {L"PACKAGE", L"BODY"}) && levels_.empty()) {
             levels_.push_back(Level::Package);
+        } else if (IsWord(word, L"COMPOUND") && levels_.empty()) {
+            // A compound trigger: each of its sections has a BEGIN and an END, and it has an END itself.
+            levels_.push_back(Level::Block);
         } else if (IsOneOf(word, {L"IS", L"AS"})) {
             if (!header_) return;
             header_ = false;

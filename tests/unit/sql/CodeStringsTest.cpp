@@ -47,6 +47,7 @@ TEST(ToBasicTest, WhatBasicsEditorCannotHoldIsANumber) {
     EXPECT_EQ(L"\"a\" & ChrW(1) & \"b\"", Basic(L"a\u0001b"));
     EXPECT_EQ(L"\"a\" & ChrW(127) & \"b\"", Basic(L"a\x7F"
                                                   L"b"));
+    EXPECT_EQ(L"ChrW(31) & \" \" & ChrW(127) & \"\u0080\u00FF\" & ChrW(256)", Basic(L"\x1F \x7F\u0080\u00FF\u0100"));
 }
 
 TEST(ToBasicTest, ALineAndAStatementAreNoLongerThanBasicTakes) {
@@ -105,6 +106,86 @@ TEST(FromCodeTest, CSharpAndJava) {
     EXPECT_EQ(L"AB1", From(L"s = \"\\101\\1021\";"));  // octal, three digits at the most
     EXPECT_EQ(L"x\n", From(L"if (a && b) s = \"x\\n\";"));
     EXPECT_EQ(L"a\r\nb\r\n", From(L"sb.AppendLine(\"a\"); sb.AppendLine(\"b\");"));
+}
+
+// The number of a character, in brackets behind Chr.
+TEST(FromCodeTest, CharactersOfBasicHaveNumbers) {
+    const auto character = [](const wchar_t* number) { return From(std::wstring(L"\"a\" & Chr(") + number + L")"); };
+    EXPECT_EQ(L"aA", character(L"65"));
+    EXPECT_EQ(L"aA", character(L"&H41"));
+    EXPECT_EQ(L"aA", character(L"&h41"));
+    EXPECT_EQ(L"a\u0001", character(L"&H1"));
+    EXPECT_EQ(L"a\u0001", character(L"1"));
+    EXPECT_EQ(L"a\uFFFF", character(L"65535"));
+    EXPECT_EQ(L"a\uFFFF", character(L"&HFFFF"));
+    EXPECT_EQ(L"a\u8000", character(L"-32768"));
+    // None of them is a character.
+    for (const wchar_t* const number : {L"0", L"65536", L"-32769", L"&Z41", L"&O41", L"&G1", L"&I1", L"&g1", L"&i1",
+                                        L"&H", L"&H0", L"H41", L"x41", L""}) {
+        EXPECT_EQ(L"a", character(number)) << testing::PrintToString(number);
+    }
+    EXPECT_EQ(L"a", From(L"\"a\" & Chr 65"));
+    EXPECT_EQ(L"a", From(L"\"a\" & Chr(65"));
+    EXPECT_EQ(L"a", From(L"\"a\" & Chr$"));
+    EXPECT_EQ(L"A", From(L"Chr(65)"));
+    EXPECT_EQ(L"A", From(L"chrw$(65)"));
+    EXPECT_EQ(L"<none>", From(L"Chr(0)"));
+}
+
+TEST(FromCodeTest, EveryEscape) {
+    const auto string = [](const std::wstring& inside) { return From(L"f(\"" + inside + L"\" + \"\");"); };
+    EXPECT_EQ(L"\n|\r|\t| |\"|'|\\|q", string(L"\\n|\\r|\\t|\\s|\\\"|\\'|\\\\|\\q"));
+    EXPECT_EQ(L"ab", string(L"a\\\nb"));  // the line goes on
+    // Without a digit it is no escape.
+    EXPECT_EQ(L"\\u|\\U|\\x|", string(L"\\u|\\U|\\x|"));
+    EXPECT_EQ(L"\\ug\\xG\\U/\\x:\\u@\\x`", string(L"\\ug\\xG\\U/\\x:\\u@\\x`"));
+    // The first and the last digit of each kind, and the most of them.
+    EXPECT_EQ(L"\u0019\u00AF\u00af", string(L"\\u0019\\xAF\\u00af"));
+    EXPECT_EQ(L"\u12345", string(L"\\u12345"));
+    EXPECT_EQ(L"\u12345", string(L"\\x12345"));
+    EXPECT_EQ(L"A5", string(L"\\U000000415"));
+    EXPECT_EQ(L"\u0001g", string(L"\\x1g"));
+    EXPECT_EQ(L"\u00078", string(L"\\78"));
+    EXPECT_EQ(L"8|9|/", string(L"\\8|\\9|\\/"));
+    EXPECT_EQ(L"\u01FF7", string(L"\\7777"));
+    // A character is none, one or two of 16 bits; there are none behind the last.
+    EXPECT_EQ(L"|||", string(L"|\\0|\\u0000|"));
+    EXPECT_EQ(L"\uFFFF", string(L"\\uFFFF"));
+    EXPECT_EQ(L"\U00010000|\U0010FFFF", string(L"\\U00010000|\\U0010FFFF"));
+    EXPECT_EQ(L"|", string(L"\\U00110000|"));
+}
+
+TEST(FromCodeTest, WhatIsWrittenBeforeAQuote) {
+    EXPECT_EQ(L"a\\n\"b", From(L"s = @\"a\\n\"\"b\" + x;"));
+    EXPECT_EQ(L"a\\n\"b", From(L"s = $@\"a\\n\"\"b\" + x;"));
+    EXPECT_EQ(L"a\\n\"b", From(L"s = @$\"a\\n\"\"b\" + x;"));
+    EXPECT_EQ(L"a\nb", From(L"s = $\"a\\nb\" + x;"));
+    EXPECT_EQ(L"a\nb", From(L"s = $$\"a\\nb\" + x;"));
+}
+
+// What tells the languages apart where both could read the strings.
+TEST(FromCodeTest, OneWordMakesItBasic) {
+    const std::wstring string = L" \"a\\nb\"";
+    EXPECT_EQ(L"a\nb", From(string));
+    for (const wchar_t* const word : {L"DIM", L"Dim s =", L"_", L"s &", L"CHR", L"chrw"})
+        EXPECT_EQ(L"a\\nb", From(word + string)) << testing::PrintToString(word);
+    for (const auto& [word, text] : {std::pair{L"vbCrLf", L"\r\n"}, std::pair{L"vbNewLine", L"\r\n"},
+                                     std::pair{L"vbLf", L"\n"}, std::pair{L"vbTab", L"\t"}})
+        EXPECT_EQ(text + std::wstring(L"a\\nb"), From(word + string)) << testing::PrintToString(word);
+    for (const wchar_t* const word : {L"DIMENSION", L"xDIM", L"DIM2", L"s &&", L"s_", L"Chris"})
+        EXPECT_EQ(L"a\nb", From(word + string)) << testing::PrintToString(word);
+    EXPECT_EQ(L"a\\nb", From(L"DIMENSION DIM" + string));  // the second one counts
+    EXPECT_EQ(L"a\\nb", From(L"s && t &" + string));
+}
+
+TEST(FromCodeTest, OneSignMakesItAnotherLanguage) {
+    EXPECT_EQ(L"a\\qb", From(L"\"a\\qb\""));
+    for (const wchar_t* const sign : {L"+", L";", L"@", L"$"})
+        EXPECT_EQ(L"aqb", From(L"\"a\\qb\" " + std::wstring(sign))) << testing::PrintToString(sign);
+    EXPECT_EQ(L"a\nqb", From(L"\"a\\n\\qb\""));
+    EXPECT_EQ(L"a\rqb", From(L"\"a\\r\\qb\""));
+    EXPECT_EQ(L"a\tqb", From(L"\"a\\t\\qb\""));
+    EXPECT_EQ(L"a\"qb", From(L"\"a\\\"\\qb\""));
 }
 
 TEST(FromCodeTest, BlocksOfText) {

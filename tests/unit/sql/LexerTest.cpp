@@ -92,6 +92,71 @@ TEST(Lexer, KnowsDatesBetweenHashes) {
     EXPECT_EQ(L"operator:#|number:1", Tokens(L"#1", 24));
 }
 
+// Each character in a word, alone, and before a number.
+TEST(Lexer, KnowsTheClassOfEachCharacter) {
+    const Dialect& dialect = DialectOf(2);  // without signs of its own
+    std::wstring inside;
+    std::wstring begins;
+    std::wstring numbers;
+    std::wstring blanks;
+    for (unsigned code = 0; code < 0x10000; ++code) {
+        const wchar_t c = static_cast<wchar_t>(code);
+        const std::wstring within = std::wstring(L"w") + c + L"w";
+        const std::wstring alone = std::wstring(1, c) + L"w";
+        Token token{};
+        Lexer(within, dialect).Next(token);
+        const bool goesOn = token.Length == 3;
+        Lexer(alone, dialect).Next(token);
+        const bool begun = token.What == Kind::Word && token.Length == 2;
+        const bool blank = token.What == Kind::Blank;
+        if (blank) blanks += c;
+        if (code < 128) {
+            if (goesOn) inside += c;
+            if (begun) begins += c;
+            if (token.What == Kind::Number) numbers += c;
+        } else if (goesOn == blank || begun == blank) {
+            ADD_FAILURE() << code;
+        }
+    }
+    EXPECT_EQ(L"$0123456789@ABCDEFGHIJKLMNOPQRSTUVWXYZ_abcdefghijklmnopqrstuvwxyz", inside);
+    EXPECT_EQ(L"$@ABCDEFGHIJKLMNOPQRSTUVWXYZ_abcdefghijklmnopqrstuvwxyz", begins);
+    EXPECT_EQ(L"0123456789", numbers);
+    EXPECT_EQ(L"\t\n\v\f\r \u00A0\u2000\u2001\u2002\u2003\u2004\u2005\u2006\u2007\u2008\u2009\u200A\u3000\uFEFF",
+              blanks);
+}
+
+TEST(Lexer, KnowsWhichLettersBeginATextOfWhichProduct) {
+    const std::wstring letters = L"ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz_$9";
+    const auto those = [&](long type, const std::wstring& before, const std::wstring& behind) {
+        std::wstring found;
+        for (const wchar_t c : letters) {
+            const std::wstring text = before + c + behind;
+            Token token{};
+            Lexer lexer(text, DialectOf(type));
+            lexer.Next(token);
+            if (token.What == Kind::Text && token.Length == text.size()) found += c;
+        }
+        return found;
+    };
+    EXPECT_EQ(L"BNXbnx", those(2, L"", L"'a'"));
+    EXPECT_EQ(L"BENXbenx", those(27, L"", L"'a'"));
+    EXPECT_EQ(L"BGNXbgnx", those(13, L"", L"'a'"));
+    EXPECT_EQ(L"Uu", those(2, L"", L"&'a'"));
+    EXPECT_EQ(L"", those(2, L"", L"&a"));
+    EXPECT_EQ(L"", those(2, L"", L"&`a`"));
+    EXPECT_EQ(L"BGUbgu", those(13, L"", L"x'a'"));
+    EXPECT_EQ(L"BGUbgu", those(13, L"", L"X'a'"));
+    EXPECT_EQ(L"Xx", those(13, L"g", L"'a'"));
+    EXPECT_EQ(L"BNQXbnqx", those(4, L"", L"'!!'"));
+    EXPECT_EQ(L"Qq", those(4, L"N", L"'!'!'"));
+    EXPECT_EQ(L"Nn", those(4, L"", L"q'!'!'"));
+    // What is no text of the product is a word and a text.
+    EXPECT_EQ(L"word:e|text:'a'", Tokens(L"e'a'", 4));
+    EXPECT_EQ(L"word:g|text:'a'", Tokens(L"g'a'", 4));
+    EXPECT_EQ(L"word:nn|text:'a'", Tokens(L"nn'a'"));
+    EXPECT_EQ(L"word:xx|text:'a'", Tokens(L"xx'a'", 13));
+}
+
 TEST(Lexer, KnowsComments) {
     EXPECT_EQ(L"word:a|comment:-- b 'c|word:d", Tokens(L"a -- b 'c\r\nd"));
     EXPECT_EQ(L"word:a|comment:/* b */|word:c", Tokens(L"a/* b */c"));

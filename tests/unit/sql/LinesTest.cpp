@@ -95,6 +95,61 @@ TEST_F(LinesTest, LinesComeAndGo) {
     EXPECT_EQ(0U, Model.LineAt(5));
 }
 
+TEST_F(LinesTest, OnlyTheLinesBeforeTheEndAreDone) {
+    Model.SetText(L"select\rselect\rselect", true);
+    while (Model.Lex(Model.Count(), 100)) {
+    }
+    std::vector<Sql::Run> runs;
+    EXPECT_EQ(0U, Model.Next(0, 0, 9, runs));
+    EXPECT_EQ(0U, runs.size());
+    EXPECT_EQ(0U, Model.Next(0, 1, 9, runs));
+    EXPECT_EQ(1U, Model.Next(0, 1, 9, runs));
+    EXPECT_EQ(1U, runs.size());
+    EXPECT_EQ(2U, Model.Next(2, 3, 9, runs));
+    EXPECT_EQ(2U, Model.Next(2, 2, 9, runs));
+    EXPECT_EQ(2U, runs.size());
+    EXPECT_FALSE(Model.Settled());  // the one between
+    EXPECT_EQ(1U, Model.Next(0, 100, 9, runs));
+    EXPECT_EQ(3U, runs.size());
+    EXPECT_EQ(7U, runs[2].Position);
+    EXPECT_EQ(3U, Model.Next(0, 100, 9, runs));
+    EXPECT_TRUE(Model.Settled());
+}
+
+TEST_F(LinesTest, APositionIsInALine) {
+    Model.SetText(L"ab\r\rc", true);
+    const size_t lines[] = {0, 0, 0, 1, 2, 2, 2};
+    for (size_t at = 0; at < std::size(lines); ++at) EXPECT_EQ(lines[at], Model.LineAt(at)) << at;
+    EXPECT_EQ(3U, Model.Count());
+    EXPECT_EQ(0U, Model.StartOf(0));
+    EXPECT_EQ(2U, Model.EndOf(0));
+    EXPECT_EQ(3U, Model.StartOf(1));
+    EXPECT_EQ(3U, Model.EndOf(1));
+    EXPECT_EQ(4U, Model.StartOf(2));
+    EXPECT_EQ(5U, Model.EndOf(2));
+    Model.Replace(100, 100, L"d\r");  // behind the end is the end
+    EXPECT_EQ(L"ab\r\rcd\r", Model.Text());
+    EXPECT_EQ(4U, Model.Count());
+    EXPECT_EQ(7U, Model.StartOf(3));
+    EXPECT_EQ(7U, Model.EndOf(3));
+}
+
+TEST_F(LinesTest, LinesAreTakenApartInPortions) {
+    Model.SetText(L"/*\r*/\ra\rb", true);
+    EXPECT_FALSE(Model.IsLexed(0));
+    EXPECT_TRUE(Model.Lex(0, 100));  // up to that line
+    EXPECT_TRUE(Model.IsLexed(0));
+    EXPECT_FALSE(Model.IsLexed(1));
+    EXPECT_TRUE(Model.Lex(3, 3));  // as many characters as the line has
+    EXPECT_TRUE(Model.IsLexed(1));
+    EXPECT_FALSE(Model.IsLexed(2));
+    EXPECT_FALSE(Model.Lex(3, 3));  // one more than a line: two
+    EXPECT_TRUE(Model.IsLexed(3));
+    ASSERT_EQ(1U, Model.TokensOf(1).size());
+    EXPECT_EQ(Kind::Comment, Model.TokensOf(1)[0].What);
+    EXPECT_EQ(Kind::Word, Model.TokensOf(2)[0].What);
+}
+
 TEST_F(LinesTest, ALineIsDoneInPortions) {
     Model.SetText(L"select 1 from 2 where 3", true);
     Model.Lex(0, 100);

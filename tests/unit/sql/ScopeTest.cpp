@@ -99,6 +99,24 @@ TEST(Scope, TheTablesOfAStatement) {
         EXPECT_EQ("t", Tables(L"select a" + std::wstring(count, L')') + L", b from t where |")) << count;
 }
 
+// Each word that a table stands behind, and each that ends a list of them.
+TEST(Scope, TheWordsAroundTables) {
+    for (const wchar_t* const word :
+         {L"from", L"using", L"join", L"into", L"update", L"table", L"apply", L"FROM", L"Join"})
+        EXPECT_EQ("t=a", Tables(std::wstring(word) + L" t a |")) << Narrow(word);
+    for (const wchar_t* const word : {L"select", L"where", L"delete", L"merge", L"on", L"frame", L"joins"})
+        EXPECT_EQ("", Tables(std::wstring(word) + L" t a |")) << Narrow(word);
+    // Behind these two a comma leads to another table.
+    EXPECT_EQ("t, u", Tables(L"select | from t, u"));
+    EXPECT_EQ("t, u", Tables(L"delete from x using t, u where |").substr(3));
+    EXPECT_EQ("t", Tables(L"update t, u |"));
+    for (const wchar_t* const word : {L"select", L"where", L"group", L"having", L"order", L"set", L"values", L"union",
+                                      L"intersect", L"except", L"minus", L"window"})
+        EXPECT_EQ("t", Tables(L"select | from t " + std::wstring(word) + L" b, c", 4)) << Narrow(word);
+    for (const wchar_t* const word : {L"only", L"lateral", L"if", L"exists", L"not"})
+        EXPECT_EQ("t", Tables(L"select | from " + std::wstring(word) + L" t")) << Narrow(word);
+}
+
 TEST(Scope, SubqueriesAndFunctionsAreNoTables) {
     EXPECT_EQ("inner_one=i, last_one=l", Tables(L"select | from (select a, b from inner_one i) s, last_one l"));
     EXPECT_EQ("t", Tables(L"select max(a, b), | from t where x in (1, 2, 3)"));
