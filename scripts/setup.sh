@@ -181,14 +181,15 @@ build_project() {
     exec 8>&-
 }
 
-# build_while_installing [TARGET]: what a build needs is installed first, and everything else while the project is built.
+# build_while_installing [TARGET]: what a build needs is installed first, and everything else while the project is built; then the prefix that
+# others are copied from.
 build_while_installing() {
     local installer
     (
         BRV_PACKAGES=("${BRV_BUILD_PACKAGES[@]}") BRV_OPTIONAL_PACKAGES=() BRV_UNPACKED_PACKAGES=()
         install_missing
     ) || exit 1
-    install_missing &
+    (install_missing && wine_environment && make_template "$BRV_BUILD/wine$BRV_WIDTH-template") &
     installer=$!
     build_project "$@"
     wait "$installer" || exit 1
@@ -264,6 +265,7 @@ add_odbc_driver() (
 # links into the user's.
 make_template() {
     [ ! -f "$1/.made" ] || return 0
+    mkdir -p "$BRV_LOGS"
     (
         export WINEPREFIX=$1
         flock -w 300 6 || exit 1
