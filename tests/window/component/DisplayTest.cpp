@@ -12,6 +12,19 @@ protected:
         editor.Call(L"Constructor", Object());
         return editor;
     }
+    // Arguments by reference, as a host's compiler passes a variable.
+    static VARIANT Reference(VARIANT& variable) {
+        VARIANT argument;
+        argument.vt = VT_BYREF | VT_VARIANT;
+        argument.pvarVal = &variable;
+        return argument;
+    }
+    static VARIANT Reference(BSTR& text) {
+        VARIANT argument;
+        argument.vt = VT_BYREF | VT_BSTR;
+        argument.pbstrVal = &text;
+        return argument;
+    }
     // Display with one argument exactly as given, the window edited to `edited` and closed. Null: it may not show,
     // which shownText_ tells.
     HRESULT Invoke(const Object& editor, VARIANT& argument, const wchar_t* edited) {
@@ -28,6 +41,9 @@ protected:
         UINT argumentError = 0;
         return editor.Dispatch()->Invoke(2, IID_NULL, 0, DISPATCH_METHOD, &parameters, nullptr, &exception,
                                          &argumentError);
+    }
+    HRESULT Invoke(const Object& editor, VARIANT&& argument, const wchar_t* edited) {
+        return Invoke(editor, argument, edited);
     }
     std::wstring shownText_;
 };
@@ -88,18 +104,13 @@ TEST_F(DisplayTest, AMegabyteGoesThroughWhole) {
 TEST_F(DisplayTest, TakesItsTextInThreeWaysAndWritesItBackInTwo) {
     const Object editor = Editor();
     BSTR text = SysAllocString(L"one");
-    VARIANT argument;
-    argument.vt = VT_BYREF | VT_BSTR;
-    argument.pbstrVal = &text;
-    EXPECT_EQ(S_OK, Invoke(editor, argument, L"edited one"));
+    EXPECT_EQ(S_OK, Invoke(editor, Reference(text), L"edited one"));
     EXPECT_EQ(L"one", shownText_);
     EXPECT_STREQ(L"edited one", text);
     SysFreeString(text);
 
     Variant variable(L"two");
-    argument.vt = VT_BYREF | VT_VARIANT;
-    argument.pvarVal = &variable;
-    EXPECT_EQ(S_OK, Invoke(editor, argument, L"edited two"));
+    EXPECT_EQ(S_OK, Invoke(editor, Reference(variable), L"edited two"));
     EXPECT_EQ(L"two", shownText_);
     EXPECT_EQ(L"edited two", variable.ToText());
 
@@ -111,23 +122,17 @@ TEST_F(DisplayTest, TakesItsTextInThreeWaysAndWritesItBackInTwo) {
 
 TEST_F(DisplayTest, TakesWhatConvertsToText) {
     const Object editor = Editor();
-    VARIANT argument;
-    argument.vt = VT_BYREF | VT_VARIANT;
     Variant variable(42L);
-    argument.pvarVal = &variable;
-    EXPECT_EQ(S_OK, Invoke(editor, argument, L"43"));
+    EXPECT_EQ(S_OK, Invoke(editor, Reference(variable), L"43"));
     EXPECT_EQ(L"42", shownText_);
     EXPECT_EQ(VT_BSTR, variable.vt);
     EXPECT_EQ(L"43", variable.ToText());
     Variant empty;
-    argument.pvarVal = &empty;
-    EXPECT_EQ(S_OK, Invoke(editor, argument, L"typed"));
+    EXPECT_EQ(S_OK, Invoke(editor, Reference(empty), L"typed"));
     EXPECT_EQ(L"", shownText_);
     EXPECT_EQ(L"typed", empty.ToText());
     BSTR null = nullptr;
-    argument.vt = VT_BYREF | VT_BSTR;
-    argument.pbstrVal = &null;
-    EXPECT_EQ(S_OK, Invoke(editor, argument, L"typed"));
+    EXPECT_EQ(S_OK, Invoke(editor, Reference(null), L"typed"));
     EXPECT_STREQ(L"typed", null);
     SysFreeString(null);
 }
@@ -135,18 +140,13 @@ TEST_F(DisplayTest, TakesWhatConvertsToText) {
 // Down to its type and its address: hosts may hold on to either.
 TEST_F(DisplayTest, WhatWasNotEditedIsLeftAlone) {
     const Object editor = Editor();
-    VARIANT argument;
-    argument.vt = VT_BYREF | VT_VARIANT;
     Variant number(42L);
-    argument.pvarVal = &number;
-    EXPECT_EQ(S_OK, Invoke(editor, argument, L"42"));
+    EXPECT_EQ(S_OK, Invoke(editor, Reference(number), L"42"));
     EXPECT_EQ(VT_I4, number.vt);
     EXPECT_EQ(42, number.lVal);
     BSTR text = SysAllocString(L"select 1");
     BSTR const before = text;
-    argument.vt = VT_BYREF | VT_BSTR;
-    argument.pbstrVal = &text;
-    EXPECT_EQ(S_OK, Invoke(editor, argument, L"select 1"));
+    EXPECT_EQ(S_OK, Invoke(editor, Reference(text), L"select 1"));
     EXPECT_EQ(before, text);
     EXPECT_STREQ(L"select 1", text);
     SysFreeString(text);
@@ -165,12 +165,7 @@ TEST_F(DisplayTest, ReportsWhatIsNoTextAndShowsNothing) {
         for (const bool byReference : {false, true}) {
             Errors.Forget();
             Variant value = one.Value;
-            VARIANT argument = value;
-            if (byReference) {
-                argument.vt = VT_BYREF | VT_VARIANT;
-                argument.pvarVal = &value;
-            }
-            EXPECT_EQ(S_OK, Invoke(editor, argument, nullptr));
+            EXPECT_EQ(S_OK, byReference ? Invoke(editor, Reference(value), nullptr) : Invoke(editor, value, nullptr));
             EXPECT_EQ(L"<not shown>", shownText_);
             EXPECT_EQ(L"clsSQLEditor.Display " + std::to_wstring(one.Number), Errors.Places());
             EXPECT_EQ(one.Value.vt, value.vt);
@@ -322,9 +317,7 @@ TEST_F(DisplayTest, TheHostMayLetGoOfTheObjectFromInside) {
     });
     IDispatch* const raw = editor.Dispatch();
     Variant variable(sql);
-    VARIANT argument;
-    argument.vt = VT_BYREF | VT_VARIANT;
-    argument.pvarVal = &variable;
+    VARIANT argument = Reference(variable);
     DISPPARAMS parameters{&argument, nullptr, 1, 0};
     EXPECT_EQ(S_OK, raw->Invoke(2, IID_NULL, 0, DISPATCH_METHOD, &parameters, nullptr, nullptr, nullptr));
     EXPECT_EQ(L"edited", variable.ToText());
