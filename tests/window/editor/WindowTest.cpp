@@ -151,6 +151,33 @@ TEST_F(WindowTest, AHintThatDoesNotFitIsShownWholeWhenTheMouseComes) {
     });
 }
 
+TEST_F(WindowTest, ThePanelsHaveTips) {
+    Inside(std::wstring(40000, L'x'), [] {
+        const HWND bar = EditorWindow::Child(L"msctls_statusbar32");
+        SetWindowPos(EditorWindow::Find(), nullptr, 0, 0, 1200, 500, SWP_NOMOVE | SWP_NOZORDER);
+        const auto tips = [&] {
+            std::wstring all;
+            for (WPARAM panel = 0; panel < 6; ++panel) {
+                RECT place{};
+                SendMessageW(bar, SB_GETRECT, panel, reinterpret_cast<LPARAM>(&place));
+                // The last pixel of a panel is its own.
+                SendMessageW(bar, WM_MOUSEMOVE, 0, MAKELPARAM(panel == 5 ? place.left + 3 : place.right - 1, 3));
+                all += TipOf(bar) + L"|";
+            }
+            return all;
+        };
+        const std::wstring none = L"<none>|<none>|<none>|";
+        const std::wstring length = L"The SQL has 40000 characters. A cell of the sheet holds 32767.|";
+        const std::wstring zoom = L"Ctrl+Plus, Ctrl+Minus, Ctrl+0|";
+        EXPECT_EQ(none + length + L"<none>|" + zoom, tips());
+        EditorWindow::Select(0, 10000);
+        SendMessageW(EditorWindow::Editor(), EM_REPLACESEL, TRUE, reinterpret_cast<LPARAM>(L""));
+        EXPECT_EQ(
+            none + L"<none>|The SQL is not as the sheet gave it. Ctrl+Shift+R in the SQL brings that back.|" + zoom,
+            tips());
+    });
+}
+
 TEST_F(WindowTest, TheRootFollowsTheConnection) {
     Database.Members[L"SchemaTerm"] = [](const Arguments&) { return Variant(L"Catalog"); };
     Inside([] {
