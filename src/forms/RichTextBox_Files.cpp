@@ -149,11 +149,7 @@ void RichTextBox::SetRichText(std::string_view rtf) {
         Send(EM_SETSEL, 0, 0);
         Send(EM_EMPTYUNDOBUFFER);
     }
-    if (!counts) {
-        std::wstring plain = text;
-        std::replace(plain.begin(), plain.end(), L'\v', L'\n');
-        return SetText(plain);
-    }
+    if (!counts) return SetText(text);
     if (Change) Change();
     if (SelChange) SelChange();
 }

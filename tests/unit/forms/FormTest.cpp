@@ -4,9 +4,11 @@
 #include <gtest/gtest.h>
 
 #include "forms/CommandButton.h"
+#include "forms/Drag.h"
 #include "forms/RichTextBox.h"
 #include "forms/Twips.h"
 #include "support/Errors.h"
+#include "support/PatchedFunction.h"
 #include "support/Shortage.h"
 #include "support/WindowWatchdog.h"
 
@@ -24,6 +26,10 @@ public:
     std::function<void()> OnLoad;
     std::function<void()> OnActivate;
     std::function<void()> OnUnload;
+    std::function<void()> OnResize;
+    std::function<bool(const MSG&)> OnKey;
+    int Fonts = 0;
+    int Colours = 0;
     CommandButton First;
     CommandButton Second;
 
@@ -37,7 +43,11 @@ protected:
         First.Move(0, 0, 1500, 300);
         Second.Move(0, 300, 1500, 300);
     }
-    void FontsChanged() override {}
+    void FontsChanged() override { ++Fonts; }
+    void ColoursChanged() override { ++Colours; }
+    bool KeyPreview(MSG& message) override { return OnKey && OnKey(message); }
+    float MinimumWidth() const override { return 3000; }
+    float MinimumHeight() const override { return 2250; }
     void Form_Load() override {
         Log += L"load ";
         if (OnLoad) OnLoad();
@@ -46,7 +56,10 @@ protected:
         Log += L"activate ";
         if (OnActivate) OnActivate();
     }
-    void Form_Resize() override { Log += L"resize "; }
+    void Form_Resize() override {
+        Log += L"resize ";
+        if (OnResize) OnResize();
+    }
     void Form_Unload(bool& cancel) override {
         cancel = true;
         Log += L"unload ";
@@ -388,4 +401,136 @@ TEST(Form, MayBeHiddenByAnEventAndShownAgain) {
         form.ShowModal();
     }
     EXPECT_EQ(L"controls load activate activate activate ", WithoutResizes(form.Log));
+}
+
+TEST(Form, EveryCallPassesOnWhatItsEventsLetOut) {
+    TestForm form;
+    form.Load();
+    MoveElsewhere(form);
+    form.OnResize = [] { RaiseError(42); };
+    EXPECT_EQ(42, NumberOf([&] { form.SetWidth(6000); }));
+    EXPECT_EQ(42, NumberOf([&] { form.SetHeight(6000); }));
+    EXPECT_EQ(42, NumberOf([&] { MoveElsewhere(form); }));
+    EXPECT_EQ(0, NumberOf([&] { MoveElsewhere(form); })) << "it is there already";
+}
+
+TEST(Form, IsNoSmallerThanItsLeastSize) {
+    TestForm form;
+    form.Load();
+    MINMAXINFO limits{};
+    SendMessageW(form.Handle(), WM_GETMINMAXINFO, 0, reinterpret_cast<LPARAM>(&limits));
+    EXPECT_EQ(TwipsToPixels(3000, form.Dpi()), limits.ptMinTrackSize.x);
+    EXPECT_EQ(TwipsToPixels(2250, form.Dpi()), limits.ptMinTrackSize.y);
+    limits.ptMinTrackSize = {9000, 8000};
+    SendMessageW(form.Handle(), WM_GETMINMAXINFO, 0, reinterpret_cast<LPARAM>(&limits));
+    EXPECT_EQ(9000, limits.ptMinTrackSize.x) << "what the system wants counts too";
+    EXPECT_EQ(8000, limits.ptMinTrackSize.y);
+}
+
+TEST(Form, IsLaidOutAgainWhenFontsOrBarsChangeThoughItsSizeDoesNot) {
+    TestForm form;
+    form.Load();
+    MoveElsewhere(form);
+    const auto after = [&](UINT message, WPARAM wParam, LPARAM lParam) {
+        form.Log.clear();
+        form.Fonts = form.Colours = 0;
+        SendMessageW(form.Handle(), message, wParam, lParam);
+        return std::to_wstring(form.Fonts) + L" fonts " + std::to_wstring(form.Colours) + L" colours " + form.Log;
+    };
+    RECT same = BoundsOf(form.Handle());
+    EXPECT_EQ(L"1 fonts 0 colours resize ", after(WM_DPICHANGED, MAKEWPARAM(96, 96), reinterpret_cast<LPARAM>(&same)));
+    EXPECT_EQ(L"1 fonts 0 colours resize ", after(WM_SETTINGCHANGE, SPI_SETNONCLIENTMETRICS, 0));
+    EXPECT_EQ(L"1 fonts 1 colours resize ", after(WM_SETTINGCHANGE, SPI_SETHIGHCONTRAST, 0));
+    EXPECT_EQ(L"0 fonts 0 colours ", after(WM_SETTINGCHANGE, SPI_SETWORKAREA, 0));
+    EXPECT_EQ(L"0 fonts 1 colours ", after(WM_SYSCOLORCHANGE, 0, 0));
+    EXPECT_EQ(L"0 fonts 1 colours ", after(WM_THEMECHANGED, 0, 0));
+    // The bars hear of the theme after the window does.
+    MSG message;
+    while (PeekMessageW(&message, form.Handle(), WM_APP, WM_APP, PM_REMOVE)) DispatchMessageW(&message);
+    EXPECT_EQ(L"resize ", form.Log);
+}
+
+TEST(Form, RunsFromLeftToRightInAHostThatDoesNot) {
+    DWORD before = 0;
+    ASSERT_TRUE(GetProcessDefaultLayout(&before));
+    SetProcessDefaultLayout(LAYOUT_RTL);
+    const HWND host = MakeHostWindow();
+    TestForm form;
+    form.Load();
+    SetProcessDefaultLayout(before);
+    EXPECT_NE(0, GetWindowLongW(host, GWL_EXSTYLE) & WS_EX_LAYOUTRTL);
+    EXPECT_EQ(0, GetWindowLongW(form.Handle(), GWL_EXSTYLE) & WS_EX_LAYOUTRTL);
+    EXPECT_EQ(0, GetWindowLongW(form.First.Handle(), GWL_EXSTYLE) & WS_EX_LAYOUTRTL);
+    DestroyWindow(host);
+}
+
+// While its window lives the code must stay in the process, whatever the host does with its references.
+TEST(Form, GivesBackTheModuleThatItHeld) {
+    static int given;
+    const PatchedFunction release(
+        L"kernel32.dll", "FreeLibrary",
+        reinterpret_cast<void*>(static_cast<BOOL(WINAPI*)(HMODULE)>([](HMODULE module) WINAPI {
+            if (module == GetModuleHandleW(nullptr)) ++given;
+            return TRUE;
+        })));
+    ASSERT_TRUE(release);
+    given = 0;
+    {
+        TestForm form;
+        form.Load();
+        EXPECT_EQ(0, given);
+    }
+    EXPECT_EQ(1, given);
+    { const TestForm unused; }
+    EXPECT_EQ(1, given);
+}
+
+TEST(Form, AnErrorInTheRepetitionOfADragComesOutBeforeAnotherMessageIsHandled) {
+    static HWND under;
+    const PatchedFunction window(
+        L"user32.dll", "WindowFromPoint",
+        reinterpret_cast<void*>(static_cast<HWND(WINAPI*)(POINT)>([](POINT) WINAPI { return under; })));
+    ASSERT_TRUE(window);
+    TestForm form;
+    form.Load();
+    under = form.First.Handle();
+    int clicks = 0;
+    int overs = 0;
+    form.Second.Click = [&] { ++clicks; };
+    form.First.DragOver = [&](Control&, float, float, DragState state) {
+        if (state != DragState::Over || ++overs == 1) return;
+        PostMessageW(form.Second.Handle(), BM_CLICK, 0, 0);
+        RaiseError(44);
+    };
+    const Later later([&] { Dragging::Begin(form.Second, {}); });
+    EXPECT_EQ(44, NumberOf([&] { form.ShowModal(); }));
+    EXPECT_EQ(2, overs);
+    EXPECT_EQ(0, clicks);
+    EXPECT_FALSE(form.Visible());
+    Dragging::Cancel();
+    Dragging::Released();
+}
+
+TEST(Form, AMessageWhosePreviewFailsStillArrives) {
+    TestForm form;
+    form.Load();
+    int clicks = 0;
+    form.First.Click = [&] { ++clicks; };
+    form.OnKey = [](const MSG& message) {
+        if (message.message == BM_CLICK) RaiseError(45);
+        return false;
+    };
+    {
+        const Later later([&] { PostMessageW(form.First.Handle(), BM_CLICK, 0, 0); });
+        EXPECT_EQ(45, NumberOf([&] { form.ShowModal(); }));
+    }
+    EXPECT_EQ(1, clicks);
+    // What the preview takes does not.
+    form.OnKey = [&](const MSG& message) {
+        if (message.message == BM_CLICK) form.Hide();
+        return message.message == BM_CLICK;
+    };
+    const Later later([&] { PostMessageW(form.First.Handle(), BM_CLICK, 0, 0); });
+    form.ShowModal();
+    EXPECT_EQ(1, clicks);
 }

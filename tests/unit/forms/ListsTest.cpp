@@ -5,6 +5,7 @@
 #include "forms/Label.h"
 #include "forms/ListBox.h"
 #include "forms/StatusBar.h"
+#include "forms/Twips.h"
 #include "support/Errors.h"
 #include "support/TopWindow.h"
 
@@ -23,6 +24,12 @@ TEST(ListBox, KeepsRowsAndTheirNumbers) {
     EXPECT_EQ(282, list.ItemData(1));
     EXPECT_EQ(L"", list.List(2));
     EXPECT_EQ(-1, list.ListIndex());
+    for (const int row : {2, -2}) {
+        EXPECT_EQ(ErrorNumber::InvalidPropertyValue, NumberOf([&] { list.SetItemData(row, 1); })) << row;
+        EXPECT_EQ(-1, list.ItemData(row)) << row;
+    }
+    EXPECT_EQ(-7, list.ItemData(0));
+    EXPECT_EQ(282, list.ItemData(1));
     list.Clear();
     EXPECT_EQ(0, list.ListCount());
 }
@@ -41,6 +48,30 @@ TEST(ListBox, SettingTheRowRaisesClickAlsoForTheSameRow) {
     EXPECT_EQ(3, clicks);
     EXPECT_EQ(-1, list.ListIndex());
     EXPECT_EQ(ErrorNumber::InvalidPropertyValue, NumberOf([&] { list.SetListIndex(1); }));
+    EXPECT_EQ(ErrorNumber::InvalidPropertyValue, NumberOf([&] { list.SetListIndex(-2); }));
+    EXPECT_EQ(3, clicks);
+}
+
+TEST(ListBox, IsClickedByTheUserAndDraggedByItsRow) {
+    TopWindow top;
+    ListBox list;
+    list.Create(top.Handle(), 1);
+    list.AddItem(L"one");
+    list.AddItem(L"two");
+    int clicks = 0;
+    list.Click = [&] { ++clicks; };
+    const auto notify = [&](WORD code) {
+        LRESULT result = 0;
+        return Control::Reflect(WM_COMMAND, MAKEWPARAM(1, code), reinterpret_cast<LPARAM>(list.Handle()), result);
+    };
+    EXPECT_TRUE(notify(LBN_SELCHANGE));
+    EXPECT_EQ(1, clicks);
+    for (const int code : {LBN_DBLCLK, LBN_SELCANCEL, LBN_SETFOCUS, LBN_KILLFOCUS})
+        EXPECT_FALSE(notify(static_cast<WORD>(code))) << code;
+    EXPECT_EQ(1, clicks);
+    EXPECT_EQ(L"", list.DragCaption());
+    list.SetListIndex(1);
+    EXPECT_EQ(L"two", list.DragCaption());
 }
 
 TEST(StatusBar, PanelsAreCountedFromOne) {
@@ -122,6 +153,48 @@ TEST(StatusBar, PanelsThatHaveNoRoomComeBack) {
     wchar_t text[100]{};
     bar.Send(SB_GETTEXTW, 3, reinterpret_cast<LPARAM>(text));
     EXPECT_STREQ(L"other", text);
+}
+
+TEST(StatusBar, TheFirstPanelShrinksWithItsTextAndTheOthersDoNot) {
+    TopWindow top;
+    StatusBar bar;
+    bar.Create(top.Handle(), 1, {600, 600});
+    bar.SetFont(static_cast<HFONT>(GetStockObject(DEFAULT_GUI_FONT)));
+    SetWindowPos(top.Handle(), nullptr, 0, 0, 300, 200, SWP_NOMOVE | SWP_NOZORDER);
+    bar.Arrange();
+    const auto edges = [&] {
+        std::vector<int> all(static_cast<size_t>(bar.Send(SB_GETPARTS)));
+        bar.Send(SB_GETPARTS, all.size(), reinterpret_cast<LPARAM>(all.data()));
+        return all;
+    };
+    bar.SetPanelText(1, L"a");
+    bar.SetPanelText(2, L"b");
+    bar.SetPanelText(3, L"c");
+    const std::vector<int> first = edges();
+    ASSERT_EQ(3U, first.size());
+    EXPECT_EQ(-1, first[2]);
+    EXPECT_EQ(TwipsToPixels(600, bar.Dpi()), first[1] - first[0]);
+    bar.SetPanelText(1, std::wstring(60, L'M'));
+    EXPECT_NE(first, edges());
+    bar.SetPanelText(1, L"a");
+    EXPECT_EQ(first, edges());
+    // A number that grows and shrinks would make its neighbours jump.
+    bar.SetPanelText(2, L"MMMMMMMM");
+    const std::vector<int> wider = edges();
+    EXPECT_LT(first[1] - first[0], wider[1] - wider[0]);
+    bar.SetPanelText(2, L"b");
+    bar.Arrange();
+    EXPECT_EQ(wider, edges());
+    bar.SetPanelText(3, L"MMMMMMMM");
+    const std::vector<int> widest = edges();
+    bar.SetPanelText(3, L"c");
+    bar.Arrange();
+    EXPECT_EQ(widest, edges());
+    EXPECT_LT(widest[1], wider[1]);
+    // Another font takes what it takes.
+    bar.SetFont(static_cast<HFONT>(GetStockObject(DEFAULT_GUI_FONT)));
+    bar.Arrange();
+    EXPECT_EQ(first, edges());
 }
 
 TEST(Label, KeepsAnAmpersandAndWraps) {

@@ -50,6 +50,62 @@ TEST(RichText, IsKnownByItsBeginningAndItsEnd) {
     }
 }
 
+TEST(RichText, AHyphenIsOfTheWordBeforeADigit) {
+    const std::pair<std::string, std::string> cases[] = {
+        {"{\\bin-x}", "{{}-x}"},    {"{\\bin-1x}", "{{}x}"},       {"{\\bin-9}", "{{}}"},
+        {"{\\bin-", "{{}-"},        {"{\\bin2 }}x}", "{{}x}"},     {"{\\bin2}}x}", "{{}x}"},
+        {"{\\bin}", "{{}}"},        {"{\\bin 1}", "{{}1}"},        {"{\\bin09123456789}", "{{}"},
+        {"{\\par-x}", "{\\par-x}"}, {"{\\li-10 x}", "{\\li-10 x}"}};
+    for (const auto& [rtf, expected] : cases) {
+        std::string cleaned;
+        EXPECT_TRUE(SanitizeRtf(rtf, cleaned)) << rtf;
+        EXPECT_EQ(expected, cleaned) << rtf;
+    }
+    // Neither a hyphen that is not of it, nor the blank that ends it, counts for its length.
+    std::string cleaned;
+    const std::string longest = "{\\" + std::string(255, 'a');
+    EXPECT_TRUE(SanitizeRtf(longest + "-x}", cleaned));
+    EXPECT_TRUE(SanitizeRtf(longest + " }", cleaned));
+    EXPECT_FALSE(SanitizeRtf(longest + "1}", cleaned));
+    EXPECT_FALSE(SanitizeRtf(longest + "-1}", cleaned));
+    EXPECT_FALSE(SanitizeRtf(longest + "Z}", cleaned));
+    EXPECT_FALSE(SanitizeRtf(longest + "z}", cleaned));
+}
+
+TEST(RichText, WordsAreMadeOfLettersAndNumbersOfDigits) {
+    std::string cleaned;
+    for (const char* const rtf : {"{\\binA1x}", "{\\binZ1x}", "{\\binz1x}", "{\\Bin1x}"}) {
+        EXPECT_TRUE(SanitizeRtf(rtf, cleaned));
+        EXPECT_EQ(rtf, cleaned) << "another word";
+    }
+    for (const char end : {'@', '[', '`', '{', '/', ':'}) {
+        EXPECT_TRUE(SanitizeRtf(std::string("{\\bin") + end, cleaned));
+        EXPECT_EQ(std::string("{{}") + end, cleaned);
+    }
+    EXPECT_TRUE(SanitizeRtf("{\\bin/1}", cleaned));
+    EXPECT_EQ("{{}/1}", cleaned);
+    EXPECT_TRUE(SanitizeRtf("{\\bin:1}", cleaned));
+    EXPECT_EQ("{{}:1}", cleaned);
+    EXPECT_TRUE(SanitizeRtf("{\\bin0x}", cleaned));
+    EXPECT_EQ("{{}x}", cleaned);
+}
+
+TEST(RichText, ATextIsNoDeeperThanReadersCanTell) {
+    const auto nested = [](size_t depth) {
+        return "{\\rtf1" + std::string(depth - 1, '{') + "x" + std::string(depth, '}');
+    };
+    EXPECT_TRUE(IsRichText(nested(30)));
+    EXPECT_FALSE(IsRichText(nested(31)));
+    // The names in the tables of fonts and styles.
+    for (const std::string table : {"{\\rtf1{\\fonttbl{\\f0 ", "{\\rtf1{\\stylesheet{\\s0 "}) {
+        std::string cleaned;
+        EXPECT_TRUE(SanitizeRtf(table + std::string(254, 'x') + ";}}}", cleaned));
+        EXPECT_FALSE(SanitizeRtf(table + std::string(260, 'x') + ";}}}", cleaned));
+        EXPECT_TRUE(SanitizeRtf(table + std::string(200, 'x') + ";" + std::string(200, 'x') + ";}}}", cleaned));
+        EXPECT_TRUE(SanitizeRtf(table + "x;}}" + std::string(1000, 'x') + "}", cleaned)) << "after the table";
+    }
+}
+
 // Readers keep the open groups in a stack of their own.
 TEST(RichText, GroupsAreNoDeeperWhateverWasClosedBefore) {
     std::string cleaned;

@@ -140,6 +140,11 @@ public:
         editor_->Press(key, held);
         return keys_.contains(key);
     }
+    bool GetsUp(WPARAM key) {
+        up_ = 0;
+        editor_->Box.Send(WM_KEYUP, key, 1);
+        return up_ == key;
+    }
 
 private:
     static LRESULT CALLBACK Made(int code, WPARAM window, LPARAM data) noexcept {
@@ -153,10 +158,12 @@ private:
     }
     static LRESULT CALLBACK Keep(HWND window, UINT message, WPARAM wParam, LPARAM lParam) noexcept {
         if (message == WM_KEYDOWN || message == WM_SYSKEYDOWN) keys_.insert(wParam);
+        if (message == WM_KEYUP) up_ = wParam;
         return CallWindowProcW(original_, window, message, wParam, lParam);
     }
     static inline WNDPROC original_ = nullptr;
     static inline std::set<WPARAM> keys_;
+    static inline WPARAM up_ = 0;
     HHOOK hook_ = nullptr;
     std::optional<KeyEditor> editor_;
 };
@@ -190,6 +197,9 @@ TEST(RichTextKeys, TheControlGetsTheKeysThatItIsMeantToGetAndNoOthers) {
         if (key == VK_F10) continue;  // which opens the menus
         EXPECT_FALSE(control.Gets(key, {})) << key;
     }
+    // With both keys of a pair the control changes the direction of the paragraph when one comes up.
+    for (const WPARAM key : {VK_SHIFT, VK_CONTROL}) EXPECT_FALSE(control.GetsUp(key)) << key;
+    for (const WPARAM key : {VK_RETURN, VK_MENU, VK_LEFT}) EXPECT_TRUE(control.GetsUp(key)) << key;
     for (WPARAM key = '0'; key <= 'X'; ++key) EXPECT_FALSE(control.Gets(key, {VK_CONTROL})) << key;
     for (const WPARAM key : {VK_INSERT, VK_RETURN, VK_TAB, VK_SPACE, VK_OEM_PLUS, VK_OEM_MINUS, VK_OEM_1, VK_OEM_7})
         EXPECT_FALSE(control.Gets(key, {VK_CONTROL})) << key;

@@ -33,6 +33,16 @@ TEST(RichTextSizeTest, WhatNobodyCanExplainIsNoReasonToZoom) {
     EXPECT_FLOAT_EQ(1, RichTextCorrection(0, 16, 144, 96));
     EXPECT_FLOAT_EQ(1, RichTextCorrection(16, 0, 144, 96));
     EXPECT_FLOAT_EQ(1, RichTextCorrection(30, 16, 96, 96));
+    EXPECT_FLOAT_EQ(1, RichTextCorrection(16, 16, 0, 96));
+    EXPECT_FLOAT_EQ(1, RichTextCorrection(16, 16, 96, 0));
+    EXPECT_FLOAT_EQ(1, RichTextCorrection(-1, 1, 96, 48));
+}
+
+TEST(RichTextSizeTest, OneOfAnythingIsEnough) {
+    EXPECT_FLOAT_EQ(2, RichTextCorrection(1, 2, 192, 96));
+    EXPECT_FLOAT_EQ(0.5F, RichTextCorrection(2, 1, 192, 96));
+    EXPECT_FLOAT_EQ(2, RichTextCorrection(8, 16, 1, 2));
+    EXPECT_FLOAT_EQ(2, RichTextCorrection(8, 16, 2, 1));
 }
 
 TEST(RichTextSizeTest, LinesAreMeasuredAsTheyAreShown) {

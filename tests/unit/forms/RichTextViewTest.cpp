@@ -129,3 +129,62 @@ TEST(RichTextView, RawPositionsCountOneForALineEnd) {
     EXPECT_EQ(0, editor.Box.Seen().first);
     EXPECT_GE(editor.Box.Seen().second, 4);
 }
+
+// Each colour would be painted at once, and what was to be painted before would be forgotten.
+TEST(RichTextView, PaintingWaitsForTheLastColour) {
+    static HWND window;
+    static std::wstring told;
+    ViewEditor editor;
+    editor.Box.SetText(Sql);
+    window = editor.Box.Handle();
+    const HHOOK hook = SetWindowsHookExW(
+        WH_CALLWNDPROC,
+        [](int code, WPARAM wParam, LPARAM lParam) WINAPI -> LRESULT {
+            const auto& sent = *reinterpret_cast<const CWPSTRUCT*>(lParam);
+            if (sent.hwnd == window && sent.message == WM_SETREDRAW) told += sent.wParam != 0 ? L"on " : L"off ";
+            return CallNextHookEx(nullptr, code, wParam, lParam);
+        },
+        nullptr, GetCurrentThreadId());
+    const auto after = [&](auto&& act) {
+        told.clear();
+        act();
+        return told;
+    };
+    EXPECT_EQ(L"off on ", after([&] { editor.Colour(); }));
+    EXPECT_EQ(L"off on ", after([&] { editor.Box.ShowPlain(); }));
+    EXPECT_EQ(L"", after([&] { editor.Box.ShowPlain(); }));
+    EXPECT_NE(0, GetWindowLongW(window, GWL_STYLE) & WS_VISIBLE);
+    // Somebody else has it wait already.
+    SendMessageW(window, WM_SETREDRAW, FALSE, 0);
+    EXPECT_EQ(L"", after([&] { editor.Colour(); }));
+    EXPECT_EQ(L"", after([&] { editor.Box.ShowPlain(); }));
+    EXPECT_EQ(0, GetWindowLongW(window, GWL_STYLE) & WS_VISIBLE);
+    UnhookWindowsHookEx(hook);
+}
+
+TEST(RichTextView, ChangedTextStaysChanged) {
+    ViewEditor editor;
+    editor.Box.SetText(Sql);
+    for (const bool modified : {false, true}) {
+        editor.Ask(EM_SETMODIFY, modified);
+        editor.Colour();
+        EXPECT_EQ(modified, editor.Ask(EM_GETMODIFY) != 0);
+        editor.Box.ShowPlain();
+        EXPECT_EQ(modified, editor.Ask(EM_GETMODIFY) != 0);
+    }
+}
+
+TEST(RichTextView, IsZoomedByTenPercentBetweenItsEnds) {
+    ViewEditor editor;
+    EXPECT_EQ(100, editor.Box.ZoomPercent());
+    editor.Box.Zoom(1);
+    EXPECT_EQ(110, editor.Box.ZoomPercent());
+    editor.Box.Zoom(-2);
+    EXPECT_EQ(90, editor.Box.ZoomPercent());
+    editor.Box.Zoom(-100);
+    EXPECT_EQ(20, editor.Box.ZoomPercent());
+    editor.Box.Zoom(100);
+    EXPECT_EQ(500, editor.Box.ZoomPercent());
+    editor.Box.Zoom(0);
+    EXPECT_EQ(100, editor.Box.ZoomPercent());
+}

@@ -10,8 +10,10 @@
 #include <set>
 
 #include "forms/AtomicFile.h"
+#include "forms/TextFile.h"
 #include "support/Errors.h"
 #include "support/Folder.h"
+#include "support/PatchedFunction.h"
 
 // What somebody else who may write to the folder can do to a file while it is saved, and what is left there.
 namespace {
@@ -177,6 +179,20 @@ TEST(SavingTest, NobodyKnowsTheNameOfTheFileBesideBefore) {
             EXPECT_LT(same, 16) << name << " " << other;
         }
     }
+    EXPECT_EQ(Names{L"kept.sql"}, folder.Names());
+}
+
+TEST(SavingTest, WithoutANameForTheFileBesideNothingIsWritten) {
+    const Folder folder;
+    AtomicFile::Write(folder / L"kept.sql", "before");
+    const PatchedFunction guid(L"ole32.dll", "CoCreateGuid",
+                               reinterpret_cast<void*>(static_cast<HRESULT(WINAPI*)(GUID*)>([](GUID* made) WINAPI {
+                                   *made = {};
+                                   return E_FAIL;
+                               })));
+    ASSERT_TRUE(guid);
+    EXPECT_EQ(ErrorNumber::OutOfMemory, NumberOf([&] { AtomicFile::Write(folder / L"kept.sql", "after"); }));
+    EXPECT_EQ("before", TextFile::ReadBytes(folder / L"kept.sql", 100));
     EXPECT_EQ(Names{L"kept.sql"}, folder.Names());
 }
 

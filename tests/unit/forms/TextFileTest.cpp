@@ -68,6 +68,48 @@ TEST(TextFile, WhatIsNoUtf8IsNotTakenForIt) {
     }
 }
 
+// The first and the last character of each length, and what would lie beside them.
+TEST(TextFile, Utf8HasItsEdges) {
+    const struct {
+        const char* Bytes;
+        std::wstring Text;
+    } known[] = {{"\x7F", L"\x7F"},
+                 {"\xC2\x80", L"\x80"},
+                 {"\xDF\xBF", L"\x7FF"},
+                 {"\xE0\xA0\x80", L"\x800"},
+                 {"\xED\x9F\xBF", L"\xD7FF"},
+                 {"\xED\xA0\x80", L"\xD800"},
+                 {"\xED\xAF\xBF", L"\xDBFF"},
+                 {"\xED\xB0\x80", L"\xDC00"},
+                 {"\xED\xBF\xBF", L"\xDFFF"},
+                 {"\xEE\x80\x80", L"\xE000"},
+                 {"\xEF\xBF\xBF", L"\xFFFF"},
+                 {"\xED\xB0\x80\xED\xA0\x80", L"\xDC00\xD800"},
+                 {"\xEE\x80\x80\xED\xB0\x80", L"\xE000\xDC00"},
+                 {"\xED\x9F\xBF\xED\xB0\x80", L"\xD7FF\xDC00"},
+                 {"\xED\xA0\x80\xEE\x80\x80", L"\xD800\xE000"},
+                 {"\xF0\x90\x80\x80", L"\xD800\xDC00"},
+                 {"\xF0\x90\x8F\xBF", L"\xD800\xDFFF"},
+                 {"\xF0\x90\x90\x80", L"\xD801\xDC00"},
+                 {"\xF4\x8F\xBF\xBF", L"\xDBFF\xDFFF"}};
+    for (const auto& one : known) {
+        const auto contents = TextFile::Decode(one.Bytes);
+        EXPECT_EQ(Encoding::Utf8, contents.Form.Kind) << one.Bytes;
+        EXPECT_EQ(one.Text, contents.Text) << one.Bytes;
+        EXPECT_EQ(one.Bytes, Again(one.Bytes));
+    }
+    for (const std::string bytes :
+         {"\x80", "\xBF", "\xC1\xBF", "\xC2", "\xC2\x7F", "\xC2\xC0", "\xE0\x9F\xBF", "\xE0\xA0", "\xEF\xBF",
+          "\xEF\xBF\x7F", "\xF0\x8F\xBF\xBF", "\xF0\x90\x80", "\xF4\x90\x80\x80", "\xF5\x80\x80\x80",
+          "\xED\xA0\x80\xED\xB0\x80", "\xED\xAF\xBF\xED\xBF\xBF", "\xED\xA0\x80\xED\xBF\xBF",
+          "\xED\xAF\xBF\xED\xB0\x80"}) {
+        EXPECT_EQ(Encoding::SystemCodePage, TextFile::Decode(bytes).Form.Kind) << bytes;
+        EXPECT_EQ(bytes, Again(bytes));
+    }
+    // Half a unit is no text with a mark.
+    EXPECT_EQ(Encoding::SystemCodePage, TextFile::Decode("\xFE\xFF\0x\0"s).Form.Kind);
+}
+
 TEST(TextFile, EveryByteComesOutAsItWentIn) {
     std::string all;
     for (int byte = 0; byte < 256; ++byte) all += static_cast<char>(byte);
