@@ -445,8 +445,8 @@ make_sample() {
 # --- slots ------------------------------------------------------------------------------------------------------------
 
 # Tests move the pointer, and change the clipboard, settings and registrations: while one runs it has a display and a prefix for itself.
-# ./test keeps a few of them, each named by a file in the folder BRV_SLOTS; whoever has a lock on the file uses them. The file holds a
-# processor, the display, the prefix, and a second prefix without a screen.
+# ./test keeps a few of them, each named by a file in the folder BRV_SLOTS; whoever has a lock on the file uses them. The lines of
+# the file are a processor, the display, the prefix, and a second prefix without a screen.
 
 # Allowed processors of this process, one number a line.
 processors() {
@@ -469,7 +469,7 @@ take_slot() {
         for slot in "$BRV_SLOTS"/slot-*; do
             exec 6<"$slot" || continue
             if flock -n 6; then
-                read -r processor DISPLAY BRV_PREFIX screenless <&6
+                { read -r processor && read -r DISPLAY && read -r BRV_PREFIX && read -r screenless; } <&6
                 export DISPLAY BRV_PREFIX
                 [ -z "${BRV_SCREENLESS:-}" ] || { BRV_PREFIX=$screenless; unset DISPLAY; }
                 stay_on "$processor"

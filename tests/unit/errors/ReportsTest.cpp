@@ -1,9 +1,8 @@
-#include <windows.h>
-
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cctype>
+#include <filesystem>
 #include <fstream>
 #include <map>
 #include <set>
@@ -37,18 +36,15 @@ bool EndsWith(const std::string& text, const std::string& end) {
 
 bool IsWordCharacter(char c) { return std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '_'; }
 
-void ReadFolder(const std::string& folder, std::vector<Source>& sources) {
-    WIN32_FIND_DATAA found{};
-    const HANDLE search = FindFirstFileA((std::string(BRV_SOURCES) + folder + "/*").c_str(), &found);
-    ASSERT_NE(INVALID_HANDLE_VALUE, search) << BRV_SOURCES << folder;
-    do {
-        const std::string name = found.cFileName;
-        if (name[0] == '.') continue;
-        if ((found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0) {
-            ReadFolder(folder + "/" + name, sources);
-        } else if (EndsWith(name, ".cpp") || EndsWith(name, ".h")) {
-            Source source{folder + "/" + name, {}};
-            std::ifstream file(BRV_SOURCES + source.Path);
+const std::vector<Source>& Sources() {
+    namespace fs = std::filesystem;
+    static const std::vector<Source> all = [] {
+        const fs::path root(u8"" BRV_SOURCES);
+        std::vector<Source> sources;
+        for (const fs::directory_entry& found : fs::recursive_directory_iterator(root)) {
+            if (found.path().extension() != ".cpp" && found.path().extension() != ".h") continue;
+            Source source{"/" + found.path().lexically_relative(root).generic_string(), {}};
+            std::ifstream file(found.path());
             for (std::string line; std::getline(file, line);) {
                 if (!line.empty() && line.back() == '\r') line.pop_back();
                 source.Lines.push_back(line);
@@ -56,14 +52,6 @@ void ReadFolder(const std::string& folder, std::vector<Source>& sources) {
             EXPECT_FALSE(source.Lines.empty()) << source.Path;
             sources.push_back(std::move(source));
         }
-    } while (FindNextFileA(search, &found));
-    FindClose(search);
-}
-
-const std::vector<Source>& Sources() {
-    static const std::vector<Source> all = [] {
-        std::vector<Source> sources;
-        ReadFolder("", sources);
         return sources;
     }();
     return all;
