@@ -1,6 +1,7 @@
 #include "support/Component.h"
 #include "support/Folder.h"
 #include "support/Settings.h"
+#include "support/Shortage.h"
 
 #include <oleauto.h>
 #include <ocidl.h>
@@ -33,6 +34,19 @@ TEST_F(DoorTest, RefusesWhatItIsNot) {
     EXPECT_EQ(E_NOINTERFACE, factory->CreateInstance(nullptr, IID_IStream, &object));
     EXPECT_EQ(nullptr, object);
     factory->Release();
+}
+
+// The reference is made with the first object, and not again with the others.
+TEST_F(DoorTest, TheStartRunsOnce) {
+    const Object first = Dll.Create();
+    const Shortage counting(Dll.Handle());
+    Shortage::Begin(0, false);
+    const Object second = Dll.Create();
+    const long one = Shortage::End();
+    EXPECT_GT(20, one);
+    Shortage::Begin(0, false);
+    const Object third = Dll.Create();
+    EXPECT_EQ(one, Shortage::End());
 }
 
 TEST_F(DoorTest, StaysLoadedWhileSomethingLives) {

@@ -154,6 +154,21 @@ TEST_F(CompletionTest, NamesInTheMiddleOfAWordAndAQuote) {
                   Press(VK_RETURN), Holds(L"select * from HR.[odd \"name\"]")});
 }
 
+// Whatever it is quoted by, the list goes on with the name, and closes with the quote that ends it.
+TEST_F(CompletionTest, AQuotedNameGoesOn) {
+    Type(0);
+    const auto quoted = [](const wchar_t* open, const wchar_t* close) -> Steps {
+        return {[open] { PutWithCaret(std::wstring(L"select * from ") + open + L"o|"); },
+                Press(VK_SPACE, FCONTROL),
+                [] { return RowCount() > 2; },
+                Writes(L"dd "),
+                Shows(L"*odd \"name\" (table, HR)|odd \"name\" (view, HR)"),
+                Writes(close),
+                Shows(L"<closed>")};
+    };
+    InSteps(L"", Joined({{Ready(L"|")}, quoted(L"\"", L"\""), quoted(L"[", L"]"), quoted(L"`", L"`")}));
+}
+
 TEST_F(CompletionTest, SchemasLeadToTheirTables) {
     Type(8);
     InSteps(L"", {Ready(L"select * from hr.|"), Press(VK_SPACE, FCONTROL),

@@ -40,6 +40,26 @@ TEST_F(SqlColoursTest, TokensHaveTheirColours) {
                       }}));
 }
 
+// Functions and pseudo columns of the database's reference are functions; its formats, and what another database has,
+// are not.
+TEST_F(SqlColoursTest, FunctionsAreThoseOfTheDatabase) {
+    const std::wstring sql = L"select nvl(len(initcap(getdate(x currval sysdate hh24 @@error";
+    // Of the words in their order: keyword, function, none.
+    const auto kinds = [] {
+        std::wstring all;
+        for (const LONG at : {0L, 7L, 11L, 15L, 23L, 33L, 41L, 49L, 54L}) {
+            const COLORREF colour = ColourAt(at);
+            all += colour == CLR_DEFAULT ? L'.' : colour == ColourAt(0) ? L'k' : L'f';
+        }
+        return all;
+    };
+    const std::pair<long, const wchar_t*> patterns[] = {{4, L"kf.f.fk.."}, {8, L"k.f.f...f"}, {27, L"k........"}};
+    for (const auto& [type, pattern] : patterns) {
+        Type(type);
+        InSteps(sql, {Becomes(std::wstring(pattern), kinds)});
+    }
+}
+
 TEST_F(SqlColoursTest, EditsChangeTheColoursOfWhatTheyChange) {
     const std::wstring text = InSteps(
         L"a\r\nb\r\nc", {[] {

@@ -6,6 +6,7 @@
 #include "editor/ControlIds.h"
 #include "editor/frmSQLEditor.h"
 #include "errors/clsErrorHandler.h"
+#include "forms/SystemFunctions.h"
 #include "shared/modGlobal.h"
 #include "support/HostFakes.h"
 #include "support/Menus.h"
@@ -241,6 +242,89 @@ TEST_F(TextsTest, OfTheSmallWindows) {
     Form().winGoto.Close();
 }
 
+// Only what takes text has an edge; nothing lies over anything else, or is cut off.
+TEST_F(TextsTest, StandBesideEachOtherInTheSmallWindows) {
+    Form().rtbSQL.KeyPressed('H', ShiftState::Ctrl);
+    Form().rtbSQL.KeyPressed('G', ShiftState::Ctrl);
+    for (const HWND window : {Form().winReplace.Handle(), Form().winGoto.Handle()}) {
+        RECT client;
+        GetClientRect(window, &client);
+        std::vector<RECT> places;
+        for (HWND child = GetWindow(window, GW_CHILD); child != nullptr; child = GetWindow(child, GW_HWNDNEXT)) {
+            wchar_t name[20]{};
+            GetClassNameW(child, name, 20);
+            const std::wstring kind = name;
+            const auto style = static_cast<DWORD>(GetWindowLongW(child, GWL_STYLE));
+            const auto extended = static_cast<DWORD>(GetWindowLongW(child, GWL_EXSTYLE)) & ~DWORD{WS_EX_NOPARENTNOTIFY};
+            EXPECT_EQ(kind == L"Edit" ? DWORD{WS_EX_CLIENTEDGE} : 0U, extended) << GetDlgCtrlID(child);
+            EXPECT_EQ(kind == L"Static" ? 0U : DWORD{WS_TABSTOP}, style & WS_TABSTOP) << GetDlgCtrlID(child);
+            RECT place;
+            GetWindowRect(child, &place);
+            MapWindowPoints(nullptr, window, reinterpret_cast<POINT*>(&place), 2);
+            RECT common;
+            EXPECT_TRUE(IntersectRect(&common, &place, &client) && EqualRect(&common, &place)) << GetDlgCtrlID(child);
+            for (const RECT& other : places)
+                EXPECT_FALSE(IntersectRect(&common, &place, &other)) << GetDlgCtrlID(child);
+            places.push_back(place);
+        }
+    }
+    Form().winReplace.Close();
+    Form().winGoto.Close();
+}
+
+// The icon has one of the sizes that it is drawn in, until it is larger than all of them.
+TEST_F(TextsTest, HaveAnIconOfTheirSize) {
+    static UINT dpi;
+    const PatchedFunction patched(L"user32.dll", "GetDpiForWindow",
+                                  reinterpret_cast<void*>(+[](HWND) WINAPI -> UINT { return dpi; }));
+    ASSERT_TRUE(patched);
+    const std::pair<UINT, int> sizes[] = {{96, 16},  {114, 16}, {120, 20}, {138, 20}, {144, 24}, {186, 24}, {192, 32},
+                                          {282, 32}, {288, 48}, {378, 48}, {384, 64}, {480, 80}, {60, 10}};
+    for (const auto& [now, size] : sizes) {
+        dpi = now;
+        EditorForm.reset();
+        EditorForm = std::make_shared<frmSQLEditor>();
+        EditorForm->Load();
+        int width = 0;
+        int height = 0;
+        ASSERT_TRUE(System::ImageList_GetIconSize(Form().imlImages.get(), &width, &height));
+        EXPECT_EQ(size, width) << now;
+        EXPECT_EQ(size, height) << now;
+    }
+    dpi = 96;
+    EditorForm.reset();
+}
+
+// An arrow is broad where it comes from.
+TEST_F(TextsTest, AndArrowsPointTheWayThatThePaneGoes) {
+    const auto brush = [this](PictureBox& box) {
+        const HDC screen = GetDC(nullptr);
+        const HDC memory = CreateCompatibleDC(screen);
+        BITMAPINFO info{};
+        info.bmiHeader = {sizeof info.bmiHeader, 20, -20, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
+        void* bits = nullptr;
+        const HBITMAP bitmap = CreateDIBSection(memory, &info, DIB_RGB_COLORS, &bits, nullptr, 0);
+        const HGDIOBJ before = SelectObject(memory, bitmap);
+        const RECT all{0, 0, 20, 20};
+        FillRect(memory, &all, GetSysColorBrush(COLOR_BTNFACE));
+        box.Paint(memory, all);
+        GdiFlush();
+        long balance = 0;  // of the pixels on the right and on the left
+        for (int y = 4; y < 16; ++y) {
+            for (int x = 4; x < 16; ++x) {
+                if (GetPixel(memory, x, y) == GetSysColor(COLOR_BTNTEXT)) balance += x < 10 ? -1 : 1;
+            }
+        }
+        SelectObject(memory, before);
+        DeleteObject(bitmap);
+        DeleteDC(memory);
+        ReleaseDC(nullptr, screen);
+        return balance;
+    };
+    EXPECT_LT(0, brush(Form().picHide));
+    EXPECT_GT(0, brush(Form().picUnhide));
+}
+
 TEST_F(TextsTest, OfNotesAboutNames) {
     const auto note = [this](int key, int shift, const wchar_t* text, long caret) {
         Form().rtbSQL.SetText(text);
@@ -252,6 +336,10 @@ TEST_F(TextsTest, OfNotesAboutNames) {
     EXPECT_EQ(L"There is no name at the caret.", note(VK_F12, 0, L"a  b", 2));
     EXPECT_EQ(L"No names are completed in comments and texts.", note(VK_SPACE, ShiftState::Ctrl, L"-- a", 4));
     EXPECT_EQ(L"No names are completed in comments and texts.", note(VK_SPACE, ShiftState::Ctrl, L"'a'", 1));
+    note(VK_SPACE, ShiftState::Ctrl, L"sel", 3);
+    ASSERT_TRUE(Form().lstNames.IsOpen());
+    EXPECT_EQ(L"Names", Form().lstNames.WindowCaption());
+    Form().lstNames.Close();
 }
 
 namespace {
