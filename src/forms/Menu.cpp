@@ -71,7 +71,7 @@ void MenuItem::Rebuild() noexcept {
 }
 
 void MenuItem::PopUp(const POINT* at) {
-    if (menu_ == nullptr || bar_ == nullptr) return;
+    if (menu_ == nullptr) return;
     POINT point{};
     if (at != nullptr) {
         point = *at;

@@ -223,8 +223,64 @@ TEST(RuntimeErrorTest, NumbersBecomeResults) {
     EXPECT_EQ(static_cast<HRESULT>(0x800A000D), result(13));
     EXPECT_EQ(static_cast<HRESULT>(0x800AFFFF), result(65535));
     EXPECT_EQ(static_cast<HRESULT>(0x80040001), result(-2147221503));
-    EXPECT_TRUE(FAILED(result(0)));
-    EXPECT_TRUE(FAILED(result(70000)));
+    EXPECT_EQ(static_cast<HRESULT>(0x800A0001), result(1));
+    // No number of a host's, and no result either.
+    for (const long number : {0L, 65536L, 70000L, 0x7FFFFFFFL}) EXPECT_EQ(E_FAIL, result(number)) << number;
+    for (const HRESULT failure : {E_FAIL, E_UNEXPECTED, static_cast<HRESULT>(0x80000000), static_cast<HRESULT>(-1)})
+        EXPECT_EQ(failure, result(failure));
+}
+
+TEST(RuntimeErrorTest, PublishedErrorTellsWhereHelpIs) {
+    RuntimeError error;
+    error.Number = 13;
+    error.HelpFile = L"help.chm";
+    error.HelpContext = 1234;
+    EXPECT_EQ(static_cast<HRESULT>(0x800A000D), PublishError(error));
+    IErrorInfo* info = nullptr;
+    ASSERT_EQ(S_OK, GetErrorInfo(0, &info));
+    BSTR file = nullptr;
+    DWORD context = 0;
+    EXPECT_EQ(S_OK, info->GetHelpFile(&file));
+    EXPECT_EQ(S_OK, info->GetHelpContext(&context));
+    EXPECT_STREQ(L"help.chm", file);
+    EXPECT_EQ(1234U, context);
+    SysFreeString(file);
+    info->Release();
+    EXPECT_EQ(S_FALSE, GetErrorInfo(0, &info)) << "it is taken once";
+}
+
+TEST(RuntimeErrorTest, WhatAPublishedErrorLeavesOutIsSaidByItsResult) {
+    const auto checked = [](const std::wstring& source, const std::wstring& description) {
+        RuntimeError error;
+        error.Number = 13;
+        error.Source = source;
+        error.Description = description;
+        const HRESULT result = PublishError(error);
+        return ErrorOf([result] { CheckHresult(result); });
+    };
+    EXPECT_EQ(App::Title, checked(L"", L"why").Source);
+    EXPECT_TRUE(checked(L"", L"why").Foreign);
+    EXPECT_EQ(L"why", checked(L"", L"why").Description);
+    EXPECT_EQ(L"Type mismatch", checked(L"who", L"").Description);
+    EXPECT_EQ(L"who", checked(L"who", L"").Source);
+    EXPECT_FALSE(checked(L"who", L"").Foreign);
+    SetErrorInfo(0, nullptr);
+    const RuntimeError none = ErrorOf([] { CheckHresult(DISP_E_TYPEMISMATCH); });
+    EXPECT_EQ(L"Type mismatch", none.Description);
+    EXPECT_TRUE(none.Foreign);
+    EXPECT_EQ(13, ErrorOf([] { RaiseIfFailed(DISP_E_TYPEMISMATCH); }).Number);
+    RaiseIfFailed(S_OK);
+    RaiseIfFailed(S_FALSE);
+}
+
+TEST(RuntimeErrorTest, OnlyFailuresOfTheControlFacilityHoldANumber) {
+    const auto number = [](unsigned long result) {
+        return ErrorFromHresult(static_cast<HRESULT>(result), nullptr).Number;
+    };
+    EXPECT_EQ(1, number(0x800A0001));
+    EXPECT_EQ(0xA0001, number(0x000A0001)) << "a success";
+    EXPECT_EQ(static_cast<long>(0x80090001), number(0x80090001));
+    EXPECT_EQ(static_cast<long>(0x800B0001), number(0x800B0001));
 }
 
 TEST(RuntimeErrorTest, PublishedErrorIsFoundByTheCaller) {
@@ -312,6 +368,7 @@ TEST(RuntimeErrorTest, EachNumberHasItsText) {
         {35600, L"Index out of bounds"},
         {35601, L"Element not found"},
         {35602, L"The key is not unique in the collection"},
+        {static_cast<long>(0x80020101), L"The script has failed and has told its own host why"},
     };
     for (const auto& [number, text] : all) EXPECT_EQ(text, ErrorText(number)) << number;
     EXPECT_EQ(L"Application-defined or object-defined error", ErrorText(54321));

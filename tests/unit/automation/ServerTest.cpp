@@ -9,6 +9,7 @@
 
 #include "FakeDispatch.h"
 #include "automation/DynamicObject.h"
+#include "support/PatchedFunction.h"
 
 // Registration is tested in a key of our own that stands in for the hives, so that nothing is left behind.
 
@@ -244,6 +245,36 @@ TEST(ServerTest, RegistersTheTypeLibraryForTheUser) {
     EXPECT_EQ(L"Library of a test", hive.Value(there));
     ASSERT_EQ(S_OK, Server::Unregister(Classes, 2, Server::Scope::User, true));
     EXPECT_FALSE(hive.Has(there));
+}
+
+namespace {
+HRESULT loaded = S_OK;
+HRESULT WINAPI LoadInstead(const wchar_t*, REGKIND kind, ITypeLib** library) noexcept {
+    EXPECT_EQ(REGKIND_NONE, kind) << "for everybody or for the user is said afterwards";
+    *library = nullptr;
+    return loaded;
+}
+}  // namespace
+
+TEST(ServerTest, ATypeLibraryThatCannotBeLoadedIsSaidAndLeavesNothing) {
+    const PatchedFunction load(L"oleaut32.dll", "LoadTypeLibEx", reinterpret_cast<void*>(&LoadInstead));
+    ASSERT_TRUE(load);
+    for (const Server::Scope scope : {Server::Scope::Machine, Server::Scope::User}) {
+        const Hive hive(scope == Server::Scope::Machine ? HKEY_LOCAL_MACHINE : HKEY_CURRENT_USER);
+        for (const auto& [failure, said] : {std::pair{TYPE_E_CANTLOADLIBRARY, SELFREG_E_TYPELIB},
+                                            {E_FAIL, SELFREG_E_TYPELIB},
+                                            {E_ACCESSDENIED, E_ACCESSDENIED},
+                                            {E_OUTOFMEMORY, E_OUTOFMEMORY}}) {
+            loaded = failure;
+            EXPECT_EQ(said, Server::Register(Classes, 2, scope, true));
+            EXPECT_EQ(1, hive.KeysBelow(L"Software\\Classes"));
+            EXPECT_EQ(0, hive.KeysBelow(L"Software\\Classes\\CLSID"));
+        }
+        ASSERT_EQ(S_OK, Server::Register(Classes, 2, scope, false));
+        loaded = E_ACCESSDENIED;
+        EXPECT_EQ(SELFREG_E_TYPELIB, Server::Unregister(Classes, 2, scope, true));
+        EXPECT_EQ(0, hive.KeysBelow(L"Software\\Classes\\CLSID")) << "the classes go all the same";
+    }
 }
 
 TEST(ServerTest, GivesAFactoryForItsClasses) {

@@ -172,6 +172,25 @@ TEST(VariantTest, WhatALastReferenceDoesMeetsTheNewValue) {
 }
 
 TEST(VariantTest, KindsAreTold) {
+    EXPECT_EQ(VT_EMPTY, Variant().vt);
+    EXPECT_EQ(VT_NULL, Variant::Null().vt);
+    EXPECT_EQ(VT_BOOL, Variant(true).vt);
+    EXPECT_EQ(VARIANT_TRUE, Variant(true).boolVal);
+    EXPECT_EQ(VT_I2, Variant(static_cast<short>(1)).vt);
+    EXPECT_EQ(VT_I4, Variant(1).vt);
+    EXPECT_EQ(VT_I4, Variant(1L).vt);
+    EXPECT_EQ(VT_R8, Variant(1.0).vt);
+    EXPECT_EQ(VT_BSTR, Variant(L"").vt);
+    EXPECT_EQ(VT_DISPATCH, Variant::Nothing().vt);
+    EXPECT_EQ(VT_ERROR, Variant::Missing().vt);
+    EXPECT_EQ(VT_ARRAY | VT_VARIANT, Variant::ArrayOf({}).vt);
+    for (const Variant& other : {Variant(), Variant::Null(), Variant(1), Variant(L"x"), Variant::Missing()}) {
+        EXPECT_FALSE(other.IsObject()) << other.vt;
+        EXPECT_FALSE(other.IsArray()) << other.vt;
+        EXPECT_EQ(other.vt == VT_EMPTY, other.IsEmpty());
+        EXPECT_EQ(other.vt == VT_NULL, other.IsNull());
+        EXPECT_EQ(other.vt == VT_ERROR, other.IsMissing());
+    }
     EXPECT_TRUE(Variant().IsEmpty());
     EXPECT_TRUE(Variant::Null().IsNull());
     EXPECT_TRUE(Variant::Missing().IsMissing());
@@ -312,6 +331,81 @@ TEST(Variant, ADecimalThatIsNoneIsNoNumber) {
         EXPECT_EQ(ErrorNumber::InvalidProcedureCall, NumberOf([&] { value.ToText(); }));
         EXPECT_EQ(ErrorNumber::InvalidProcedureCall, NumberOf([&] { value.ToLong(); }));
         EXPECT_EQ(ErrorNumber::InvalidProcedureCall, NumberOf([&] { value.ToDouble(); }));
+    }
+}
+
+TEST(VariantTest, EveryKindIsANumberOrNot) {
+    const auto numeric = [](VARTYPE type) {
+        Variant value;
+        value.vt = type;  // of which all bytes are zero
+        const bool is = value.IsNumeric();
+        value.vt = VT_EMPTY;
+        return is;
+    };
+    for (const VARTYPE type : {VT_EMPTY, VT_I1, VT_I2, VT_I4, VT_I8, VT_INT, VT_UI1, VT_UI2, VT_UI4, VT_UI8, VT_UINT,
+                               VT_R4, VT_R8, VT_CY, VT_BOOL, VT_DECIMAL})
+        EXPECT_TRUE(numeric(type)) << type;
+    for (const VARTYPE type : {VT_NULL, VT_DATE, VT_BSTR, VT_DISPATCH, VT_ERROR, VT_UNKNOWN, VT_RECORD})
+        EXPECT_FALSE(numeric(type)) << type;
+    for (const BYTE sign : {BYTE{0}, BYTE{DECIMAL_NEG}}) {
+        Variant value;
+        value.decVal.Lo64 = 5;
+        value.decVal.Hi32 = 0;
+        value.decVal.scale = 28;
+        value.decVal.sign = sign;
+        value.vt = VT_DECIMAL;
+        EXPECT_TRUE(value.IsNumeric());
+        EXPECT_NE(0, value.ToDouble());
+    }
+}
+
+TEST(VariantTest, ArraysOfEveryPlainTypeAreRead) {
+    const struct {
+        VARTYPE Type;
+        UINT Size;
+    } all[] = {{VT_I1, 1},   {VT_UI1, 1}, {VT_I2, 2}, {VT_UI2, 2}, {VT_BOOL, 2}, {VT_I4, 4},   {VT_UI4, 4}, {VT_INT, 4},
+               {VT_UINT, 4}, {VT_R4, 4},  {VT_I8, 8}, {VT_UI8, 8}, {VT_R8, 8},   {VT_DATE, 8}, {VT_CY, 8}};
+    for (const auto& one : all) {
+        SAFEARRAYBOUND bound{2, 0};
+        Variant array;
+        array.parray = SafeArrayCreate(one.Type, 1, &bound);
+        ASSERT_NE(nullptr, array.parray) << one.Type;
+        array.vt = static_cast<VARTYPE>(VT_ARRAY | one.Type);
+        // The second one is one as a whole number, and not zero as any other.
+        static_cast<BYTE*>(array.parray->pvData)[one.Size] = 1;
+        const std::vector<Variant> items = array.ToArray();
+        ASSERT_EQ(2U, items.size()) << one.Type;
+        for (const Variant& item : items) EXPECT_EQ(one.Type, item.vt);
+        EXPECT_EQ(0, memcmp(&items[1].byref, static_cast<BYTE*>(array.parray->pvData) + one.Size, one.Size));
+        EXPECT_EQ(1, items[1].bVal) << one.Type;
+        EXPECT_EQ(0, items[0].bVal) << one.Type;
+        // One that holds what has twice its size, or half of it, is none of that type.
+        for (const auto& other : all) {
+            array.vt = static_cast<VARTYPE>(VT_ARRAY | other.Type);
+            EXPECT_EQ(other.Size == one.Size ? 0 : 13, NumberOf([&] { array.ToArray(); })) << one.Type << other.Type;
+        }
+        for (const VARTYPE owning : {VT_BSTR, VT_DISPATCH, VT_UNKNOWN, VT_VARIANT, VT_EMPTY, VT_NULL, VT_RECORD}) {
+            array.vt = static_cast<VARTYPE>(VT_ARRAY | owning);
+            EXPECT_EQ(13, NumberOf([&] { array.ToArray(); })) << one.Type << owning;
+        }
+        array.vt = static_cast<VARTYPE>(VT_ARRAY | one.Type);
+    }
+}
+
+TEST(VariantTest, ArraysOfWhatOwnsSomethingAreTakenForNothingElse) {
+    const VARTYPE owning[] = {VT_BSTR, VT_DISPATCH, VT_UNKNOWN, VT_VARIANT};
+    const VARTYPE plain = sizeof(void*) == 8 ? VT_I8 : VT_I4;
+    for (const VARTYPE made : owning) {
+        SAFEARRAYBOUND bound{1, 0};
+        Variant array;
+        array.parray = SafeArrayCreate(made, 1, &bound);
+        for (const VARTYPE said : {owning[0], owning[1], owning[2], owning[3], plain, VARTYPE{VT_DECIMAL}}) {
+            array.vt = static_cast<VARTYPE>(VT_ARRAY | said);
+            // Whoever asks for objects of any kind may be given those that can be called by name.
+            const bool fits = said == made || (said == VT_UNKNOWN && made == VT_DISPATCH);
+            EXPECT_EQ(fits ? 0 : 13, NumberOf([&] { array.ToArray(); })) << made << " as " << said;
+        }
+        array.vt = static_cast<VARTYPE>(VT_ARRAY | made);
     }
 }
 

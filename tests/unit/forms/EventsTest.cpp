@@ -86,6 +86,15 @@ TEST(Events, WhatNobodyWaitsForIsDropped) {
     EXPECT_EQ(0, NumberOf([&] { page.Box.Send(WM_NULL); }));
 }
 
+TEST(Events, WhatTheOutermostCallKeptAndNobodyThrewIsDropped) {
+    {
+        Events::Call call;
+        Events::Raise([] { RaiseError(77); });
+    }
+    Events::Call call;
+    EXPECT_EQ(0, NumberOf([&] { call.Rethrow(); }));
+}
+
 // Any window of the thread is asked whether it is a control of ours, under the mouse the host's too.
 TEST(Events, AnAnswerOfAForeignWindowIsNoControl) {
     const HWND foreign =

@@ -151,6 +151,23 @@ TEST(PlacementTest, AMonitorHasItsBoundsAndItsWorkArea) {
     EXPECT_EQ(L"100 50 500 400 ", TextOf(desktop[0].WorkArea));
 }
 
+TEST(PlacementTest, SixteenMonitorsAreEnough) {
+    static int told;
+    const PatchedFunction many(
+        L"user32.dll", "EnumDisplayMonitors",
+        reinterpret_cast<void*>(static_cast<BOOL(WINAPI*)(HDC, LPCRECT, MONITORENUMPROC, LPARAM)>(
+            [](HDC, LPCRECT, MONITORENUMPROC tell, LPARAM parameter) WINAPI {
+                for (told = 0; told < 20; ++told) {
+                    if (!tell(nullptr, nullptr, nullptr, parameter)) break;
+                }
+                return TRUE;
+            })));
+    ASSERT_TRUE(many);
+    const Monitors monitors("GetMonitorInfoW", &SmallMonitor);
+    EXPECT_EQ(16U, GetDesktop().size());
+    EXPECT_EQ(16, told);
+}
+
 TEST(PopupList, TheSelectedRowHasTheColoursOfASelection) {
     NameList names;
     names.List.SetRows(3, L"");

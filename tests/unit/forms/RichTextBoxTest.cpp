@@ -38,14 +38,41 @@ std::wstring Statements(int count) {
 
 TEST(RichTextBox, TextComesOutAsItWentIn) {
     Editor editor;
-    using namespace std::string_literals;
     for (const std::wstring& text :
          {L""s, L"select 1\r\nfrom dual"s, L"a\r\n"s, L"\r\n\r\n"s, L"\t x \t"s, L"{\\rtf1 hello {\\b bold}}"s,
-          L"{\\urtf1 x}"s, L"a\0b\r\nc\0\0d"s, L"x\xD800y\xDC00z"s, L"x\xD83D\xDE00z"s, L"\xFEFFx"s,
-          L"\x05E9\x05DC\x05D5\x05DD abc"s, L"e\x0301"s}) {
+          L"{\\urtf1 x}"s, L"{urtf1 x}"s, L" {\\rtf1 x}"s, L"{\\rtf}"s, L"\0{\\rtf1 x}"s, L"a\0b\r\nc\0\0d"s,
+          L"x\xD800y\xDC00z"s, L"x\xD83D\xDE00z"s, L"\xFEFFx"s, L"\x05E9\x05DC\x05D5\x05DD abc"s, L"e\x0301"s}) {
         EXPECT_EQ(text, editor.Through(text));
         EXPECT_EQ(static_cast<long>(text.size()), editor.Box.TextLength());
     }
+}
+
+// What begins like rich text, the control would read as such, and it would end a text at its first NUL.
+TEST(RichTextBox, ATextThatTheControlWouldTakeForAnotherIsStreamed) {
+    static HWND window;
+    static std::wstring sent;
+    Editor editor;
+    window = editor.Box.Handle();
+    const HHOOK hook = SetWindowsHookExW(
+        WH_CALLWNDPROC,
+        [](int code, WPARAM wParam, LPARAM lParam) WINAPI -> LRESULT {
+            const auto& message = *reinterpret_cast<const CWPSTRUCT*>(lParam);
+            if (message.hwnd == window && message.message == EM_STREAMIN) sent += L"stream ";
+            if (message.hwnd == window && message.message == EM_SETTEXTEX) sent += L"text ";
+            return CallNextHookEx(nullptr, code, wParam, lParam);
+        },
+        nullptr, GetCurrentThreadId());
+    const auto way = [](const std::wstring& text, Editor& box) {
+        sent.clear();
+        box.Box.SetText(text);
+        return sent;
+    };
+    for (const std::wstring& text :
+         {L"{\\rtf1 x}"s, L"{\\urtf1 x}"s, L"{urtf1 x}"s, L"{\\rtf"s, L"a\0b"s, L"\0"s, L"x\0"s})
+        EXPECT_EQ(L"stream ", way(text, editor)) << text;
+    for (const std::wstring& text : {L"select 1"s, L" {\\rtf1 x}"s, L"x{urtf1}"s, L"{rtf1 x}"s, L"{\\rt"s, L"\\rtf1"s})
+        EXPECT_EQ(L"text ", way(text, editor)) << text;
+    UnhookWindowsHookEx(hook);
 }
 
 TEST(RichTextBox, EveryLineEndComesOutAsCrLf) {

@@ -4,10 +4,12 @@
 #include <memory>
 
 #include "forms/DialogTemplate.h"
+#include "forms/Dpi.h"
 #include "forms/DragCursor.h"
 #include "forms/Keyboard.h"
 #include "forms/MsgBox.h"
 #include "forms/Painting.h"
+#include "support/PatchedFunction.h"
 #include "support/TopWindow.h"
 
 // The smaller parts of what the user sees and presses.
@@ -49,6 +51,113 @@ TEST(DragCursor, ShowsTheFirstLineOfWhatIsDragged) {
     // No longer than forty characters.
     EXPECT_EQ(SizeOf(MakeDragCursor(nullptr, std::wstring(41, L'x'))).cx,
               SizeOf(MakeDragCursor(nullptr, std::wstring(400, L'x'))).cx);
+}
+
+namespace {
+
+// The colours of a picture without their opaqueness, row by row from the top.
+std::vector<DWORD> PixelsOf(HBITMAP bitmap, SIZE size) {
+    std::vector<DWORD> pixels(static_cast<size_t>(size.cx) * static_cast<size_t>(size.cy));
+    BITMAPINFO info{};
+    info.bmiHeader.biSize = sizeof info.bmiHeader;
+    info.bmiHeader.biWidth = size.cx;
+    info.bmiHeader.biHeight = -size.cy;
+    info.bmiHeader.biPlanes = 1;
+    info.bmiHeader.biBitCount = 32;
+    const HDC screen = GetDC(nullptr);
+    EXPECT_EQ(size.cy, GetDIBits(screen, bitmap, 0, static_cast<UINT>(size.cy), pixels.data(), &info, DIB_RGB_COLORS));
+    ReleaseDC(nullptr, screen);
+    for (DWORD& pixel : pixels) pixel &= 0xFFFFFF;
+    return pixels;
+}
+
+DWORD Dib(int systemColour) {
+    const COLORREF colour = GetSysColor(systemColour);
+    return RGB(GetBValue(colour), GetGValue(colour), GetRValue(colour));
+}
+
+}  // namespace
+
+TEST(DragCursor, IsAnArrowWithALabelBelowItAndClearAroundThem) {
+    if (DpiOf(nullptr) != 96) GTEST_SKIP() << "the places below are those of 96 dots per inch";
+    for (const std::wstring text : {L"", L"some text"}) {
+        const CursorHandle cursor = MakeDragCursor(nullptr, text);
+        const SIZE size = SizeOf(cursor);
+        ICONINFO info{};
+        ASSERT_TRUE(GetIconInfo(cursor.get(), &info));
+        EXPECT_FALSE(info.fIcon);
+        EXPECT_EQ(0U, info.xHotspot);
+        EXPECT_EQ(0U, info.yHotspot);
+        const std::vector<DWORD> colours = PixelsOf(info.hbmColor, size);
+        const std::vector<DWORD> mask = PixelsOf(info.hbmMask, size);
+        DeleteObject(info.hbmColor);
+        DeleteObject(info.hbmMask);
+        const auto at = [&](const std::vector<DWORD>& pixels, LONG x, LONG y) {
+            return pixels[static_cast<size_t>(y * size.cx + x)];
+        };
+        const auto clear = [&](LONG x, LONG y) { return at(mask, x, y) != 0; };
+        EXPECT_FALSE(clear(0, 0));
+        EXPECT_FALSE(clear(0, 16));
+        EXPECT_EQ(0U, at(colours, 0, 0));
+        EXPECT_FALSE(clear(2, 8));
+        EXPECT_EQ(0xFFFFFFU, at(colours, 2, 8));
+        for (const POINT around : {POINT{1, 0}, {15, 8}, {15, 0}, {16, 15}, {5, 25}, {0, 19}, {size.cx - 1, 0}}) {
+            EXPECT_TRUE(clear(around.x, around.y)) << around.x << "," << around.y;
+            EXPECT_EQ(0U, at(colours, around.x, around.y)) << around.x << "," << around.y;
+        }
+        EXPECT_EQ(text.empty(), clear(10, 20));
+        EXPECT_EQ(text.empty(), clear(20, 28));
+        if (text.empty()) {
+            EXPECT_EQ(32, size.cx);
+            EXPECT_EQ(32, size.cy);
+            continue;
+        }
+        EXPECT_TRUE(clear(9, 20));
+        EXPECT_TRUE(clear(10, 19));
+        const LONG right = size.cx - 1;
+        const LONG bottom = size.cy - 1;
+        for (const POINT frame : {POINT{10, 20}, {right, 20}, {10, bottom}, {right, bottom}})
+            EXPECT_EQ(Dib(COLOR_INFOTEXT), at(colours, frame.x, frame.y));
+        for (const POINT ground : {POINT{11, 21}, {right - 1, 21}, {11, bottom - 1}, {right - 1, bottom - 1}})
+            EXPECT_EQ(Dib(COLOR_INFOBK), at(colours, ground.x, ground.y));
+    }
+}
+
+TEST(DragCursor, ItsLabelIsWrittenOnItsGround) {
+    if (DpiOf(nullptr) != 96) GTEST_SKIP() << "the places below are those of 96 dots per inch";
+    static std::wstring written;
+    static UINT planes;
+    const PatchedFunction out(L"gdi32.dll", "TextOutW",
+                              reinterpret_cast<void*>(static_cast<BOOL(WINAPI*)(HDC, int, int, const wchar_t*, int)>(
+                                  [](HDC context, int x, int y, const wchar_t* text, int length) WINAPI {
+                                      EXPECT_EQ(TRANSPARENT, GetBkMode(context));
+                                      EXPECT_EQ(GetSysColor(COLOR_INFOTEXT), GetTextColor(context));
+                                      written = std::to_wstring(x) + L"," + std::to_wstring(y) + L" " +
+                                                std::wstring(text, static_cast<size_t>(length));
+                                      return TRUE;
+                                  })));
+    ASSERT_TRUE(out);
+    MakeDragCursor(nullptr, L"first\r\nsecond");
+    EXPECT_EQ(L"14,22 first", written);
+    MakeDragCursor(nullptr, std::wstring(40, L'x'));
+    EXPECT_EQ(L"14,22 " + std::wstring(40, L'x'), written);
+    MakeDragCursor(nullptr, std::wstring(41, L'x'));
+    EXPECT_EQ(L"14,22 " + std::wstring(39, L'x') + L"\x2026", written);
+    written.clear();
+    MakeDragCursor(nullptr, L"\r\nsecond");
+    EXPECT_EQ(L"", written);
+    const PatchedFunction bitmap(
+        L"gdi32.dll", "CreateBitmap",
+        reinterpret_cast<void*>(static_cast<HBITMAP(WINAPI*)(int, int, UINT, UINT, const void*)>(
+            [](int, int, UINT count, UINT bits, const void*) WINAPI -> HBITMAP {
+                EXPECT_EQ(1U, bits);
+                planes = count;
+                return nullptr;
+            })));
+    ASSERT_TRUE(bitmap);
+    planes = 0;
+    MakeDragCursor(nullptr, L"text");
+    EXPECT_EQ(1U, planes);
 }
 
 TEST(Keyboard, CharactersWithShiftAreOnTheKeyboardToo) {
