@@ -8,6 +8,7 @@
 #include "shared/modGlobal.h"
 #include "editor/ControlIds.h"
 #include "support/HostFakes.h"
+#include "support/PatchedFunction.h"
 #include "support/Settings.h"
 
 // Each procedure reports under its own name. An event of a control that lets an error out makes the procedure fail that
@@ -98,6 +99,12 @@ TEST_F(ReportNamesTest, OfTheEditorsEvents) {
     EXPECT_EQ(L"mnuEditTimeDate_Click ", Reported([this] { Form().mnuEditTimeDate.Click(); }));
     Form().rtbSQL.Change = nullptr;
     Form().rtbSQL.SetText(L"select 1");
+    {
+        const PatchedFunction none(L"oleaut32.dll", "SystemTimeToVariantTime",
+                                   reinterpret_cast<void*>(+[](SYSTEMTIME*, DOUBLE*) WINAPI -> INT { return 0; }));
+        ASSERT_TRUE(none);
+        EXPECT_EQ(L"mnuEditTimeDate_Click 5 ", Reported([this] { Form().mnuEditTimeDate.Click(); }));
+    }
     // What moves the selection fails at that.
     Form().rtbSQL.SelChange = Fail;
     EXPECT_EQ(L"mnuEditSelectAll_Click ", Reported([this] { Form().mnuEditSelectAll.Click(); }));
