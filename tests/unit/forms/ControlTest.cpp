@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "forms/CommandButton.h"
+#include "forms/Label.h"
 #include "forms/Twips.h"
 #include "support/Errors.h"
 #include "support/PatchedFunction.h"
@@ -47,7 +48,7 @@ struct Drawn {
 Drawn drawn;
 
 int WINAPI DrawTextInstead(HDC context, const wchar_t* text, int length, RECT* place, UINT format) noexcept {
-    drawn = {std::wstring(text, static_cast<size_t>(length)),
+    drawn = {length < 0 ? std::wstring(text) : std::wstring(text, static_cast<size_t>(length)),
              *place,
              format,
              GetTextColor(context),
@@ -139,8 +140,18 @@ TEST(Control, LiesAndIsReachedWhereItWasPut) {
     EXPECT_EQ(L"12 10 11 ", order());
     boxes[2].SendToBack();
     EXPECT_EQ(L"10 11 12 ", order());
+    boxes[0].Move(150, 300, 1500, 600);
     boxes[0].PlaceBehind(boxes[1]);
     EXPECT_EQ(L"11 10 12 ", order());
+    // Neither its place nor its size changes.
+    RECT place{};
+    GetWindowRect(boxes[0].Handle(), &place);
+    MapWindowPoints(nullptr, top.Handle(), reinterpret_cast<POINT*>(&place), 2);
+    const UINT dpi = boxes[0].Dpi();
+    EXPECT_EQ(TwipsToPixels(150, dpi), place.left);
+    EXPECT_EQ(TwipsToPixels(300, dpi), place.top);
+    EXPECT_EQ(TwipsToPixels(1650, dpi), place.right);
+    EXPECT_EQ(TwipsToPixels(900, dpi), place.bottom);
 }
 
 // The window below is asked: the splitter, which is narrow, is grabbed beyond its bounds.
@@ -275,6 +286,110 @@ TEST(PictureBoxButton, SaysWhatItIsAndWhetherItIsDown) {
     box.SetVisible(false);
     box.Send(BM_CLICK);
     EXPECT_EQ(1, clicks);
+}
+
+TEST(CommandButton, PaintsItselfOnlyWhenItIsPressedAndAskedByTheSystem) {
+    const PatchedFunction draw(L"user32.dll", "DrawTextW", reinterpret_cast<void*>(&DrawTextInstead));
+    ASSERT_TRUE(draw);
+    TopWindow top;
+    CommandButton button;
+    button.Create(top.Handle(), 2, L"Tables");
+    button.Move(0, 0, 900, 600);
+    const Picture picture;
+    const auto paints = [&](UINT message, WPARAM context) {
+        drawn = {};
+        button.Send(message, context, PRF_CLIENT);
+        // The class has its own format, if it comes this way at all.
+        return drawn.Text == L"Tables" && drawn.Colour == GetSysColor(COLOR_HIGHLIGHTTEXT) &&
+               drawn.Format == static_cast<UINT>(DT_CENTER | DT_VCENTER | DT_SINGLELINE | DT_HIDEPREFIX);
+    };
+    EXPECT_FALSE(paints(WM_PAINT, 0));
+    EXPECT_FALSE(paints(WM_PRINTCLIENT, picture.Parameter()));
+    button.SetPressed(true);
+    EXPECT_TRUE(paints(WM_PAINT, 0));
+    EXPECT_TRUE(paints(WM_PRINTCLIENT, picture.Parameter()));
+    EXPECT_FALSE(paints(WM_PAINT, picture.Parameter())) << "of somebody who subclasses the control";
+    EXPECT_FALSE(paints(WM_PAINT, 1));
+    button.SetPressed(false);
+    EXPECT_FALSE(paints(WM_PAINT, 0));
+}
+
+TEST(CommandButton, ShowsThatItHasTheFocusWhenItIsPressed) {
+    static RECT shown;
+    static COLORREF ground;
+    const PatchedFunction focus(
+        L"user32.dll", "DrawFocusRect",
+        reinterpret_cast<void*>(static_cast<BOOL(WINAPI*)(HDC, const RECT*)>([](HDC context, const RECT* place) WINAPI {
+            shown = *place;
+            ground = GetBkColor(context);
+            return TRUE;
+        })));
+    ASSERT_TRUE(focus);
+    TopWindow top;
+    ShowWindow(top.Top(), SW_SHOWNA);
+    CommandButton button;
+    button.Create(top.Handle(), 2, L"Tables");
+    button.Move(0, 0, 900, 600);
+    button.SetPressed(true);
+    const Picture picture;
+    const auto paint = [&] {
+        shown = {};
+        button.Send(WM_PRINTCLIENT, picture.Parameter(), PRF_CLIENT);
+        return shown.right != 0;
+    };
+    SendMessageW(top.Top(), WM_CHANGEUISTATE, MAKEWPARAM(UIS_CLEAR, UISF_HIDEFOCUS), 0);
+    EXPECT_FALSE(paint());
+    button.SetFocus();
+    EXPECT_TRUE(paint());
+    EXPECT_EQ(3, shown.left);
+    EXPECT_EQ(3, shown.top);
+    EXPECT_EQ(TwipsToPixels(900, button.Dpi()) - 3, shown.right);
+    EXPECT_EQ(TwipsToPixels(600, button.Dpi()) - 3, shown.bottom);
+    EXPECT_EQ(GetSysColor(COLOR_HIGHLIGHT), ground);
+}
+
+TEST(Label, ItsMarginsArePaintedAroundItsText) {
+    static RECT filled;
+    static RECT clip;
+    static HBRUSH brush;
+    TopWindow top;
+    Label label;
+    label.Create(top.Handle(), 2, L"text");
+    label.Move(0, 0, 1500, 900);
+    RECT client{};
+    GetClientRect(label.Handle(), &client);
+    const LONG width = TwipsToPixels(1500, label.Dpi());
+    const LONG height = TwipsToPixels(900, label.Dpi());
+    EXPECT_LT(client.right, width);
+    EXPECT_LT(client.bottom, height);
+    const PatchedFunction fill(L"user32.dll", "FillRect",
+                               reinterpret_cast<void*>(static_cast<int(WINAPI*)(HDC, const RECT*, HBRUSH)>(
+                                   [](HDC, const RECT* area, HBRUSH with) WINAPI {
+                                       filled = *area;
+                                       brush = with;
+                                       return 1;
+                                   })));
+    const PatchedFunction exclude(L"gdi32.dll", "ExcludeClipRect",
+                                  reinterpret_cast<void*>(static_cast<int(WINAPI*)(HDC, int, int, int, int)>(
+                                      [](HDC, int left, int upper, int right, int lower) WINAPI {
+                                          clip = {left, upper, right, lower};
+                                          return SIMPLEREGION;
+                                      })));
+    ASSERT_TRUE(fill);
+    ASSERT_TRUE(exclude);
+    filled = clip = {};
+    EXPECT_EQ(0, label.Send(WM_NCPAINT, 1));
+    EXPECT_EQ(0, filled.left);
+    EXPECT_EQ(0, filled.top);
+    EXPECT_EQ(width, filled.right);
+    EXPECT_EQ(height, filled.bottom);
+    EXPECT_EQ(GetSysColorBrush(COLOR_BTNFACE), brush);
+    EXPECT_EQ(client.right, clip.right - clip.left);
+    EXPECT_EQ(client.bottom, clip.bottom - clip.top);
+    EXPECT_EQ(clip.left, width - clip.right) << "as much on the right as on the left";
+    EXPECT_EQ(clip.top, height - clip.bottom);
+    EXPECT_LT(0, clip.left);
+    EXPECT_LT(0, clip.top);
 }
 
 TEST(CommandButton, WritesItsCaptionWhenItIsPressed) {

@@ -74,6 +74,33 @@ TEST(ListBox, IsClickedByTheUserAndDraggedByItsRow) {
     EXPECT_EQ(L"two", list.DragCaption());
 }
 
+TEST(ListBox, ItsMenuOpensBelowTheSelectedRow) {
+    TopWindow top;
+    ListBox list;
+    list.Create(top.Handle(), 1);
+    list.Move(0, 0, 1500, 1500);
+    for (int row = 0; row < 40; ++row) list.AddItem(L"row");
+    const auto place = [&] {
+        POINT at = list.SelectedPlace();
+        ScreenToClient(list.Handle(), &at);
+        return at;
+    };
+    RECT client{};
+    GetClientRect(list.Handle(), &client);
+    EXPECT_EQ(0, place().x);
+    EXPECT_EQ(0, place().y);
+    list.SetListIndex(1);
+    const auto height = static_cast<LONG>(list.Send(LB_GETITEMHEIGHT));
+    EXPECT_EQ(height, place().x);
+    EXPECT_EQ(2 * height, place().y);
+    list.SetListIndex(39);
+    list.Send(LB_SETTOPINDEX, 0);
+    EXPECT_EQ(client.bottom, place().y) << "a row below the list";
+    list.SetListIndex(0);
+    list.Send(LB_SETTOPINDEX, 20);
+    EXPECT_EQ(0, place().y) << "a row above it";
+}
+
 TEST(StatusBar, PanelsAreCountedFromOne) {
     TopWindow top;
     StatusBar bar;

@@ -196,6 +196,71 @@ TEST(SavingTest, WithoutANameForTheFileBesideNothingIsWritten) {
     EXPECT_EQ(Names{L"kept.sql"}, folder.Names());
 }
 
+TEST(SavingTest, AFileThatOthersHaveOpenIsTriedAgainSixTimes) {
+    static int replaced;
+    static DWORD slept;
+    static DWORD error;
+    const Folder folder;
+    AtomicFile::Write(folder / L"kept.sql", "before");
+    const PatchedFunction replace(
+        L"kernel32.dll", "ReplaceFileW",
+        reinterpret_cast<void*>(
+            static_cast<BOOL(WINAPI*)(const wchar_t*, const wchar_t*, const wchar_t*, DWORD, void*, void*)>(
+                [](const wchar_t*, const wchar_t*, const wchar_t*, DWORD, void*, void*) WINAPI {
+                    ++replaced;
+                    SetLastError(error);
+                    return FALSE;
+                })));
+    const PatchedFunction sleep(
+        L"kernel32.dll", "Sleep",
+        reinterpret_cast<void*>(static_cast<void(WINAPI*)(DWORD)>([](DWORD time) WINAPI { slept += time; })));
+    ASSERT_TRUE(replace);
+    ASSERT_TRUE(sleep);
+    const auto tried = [&](DWORD failure) {
+        error = failure;
+        replaced = 0;
+        slept = 0;
+        EXPECT_NE(0, NumberOf([&] { AtomicFile::Write(folder / L"kept.sql", "after"); })) << failure;
+        EXPECT_EQ("before", TextFile::ReadBytes(folder / L"kept.sql", 100));
+        EXPECT_EQ(Names{L"kept.sql"}, folder.Names());
+        return replaced;
+    };
+    for (const DWORD passing : {ERROR_SHARING_VIOLATION, ERROR_UNABLE_TO_REMOVE_REPLACED}) {
+        EXPECT_EQ(6, tried(passing)) << passing;
+        EXPECT_EQ(100U, slept);
+    }
+    // With another flag, once.
+    EXPECT_EQ(2, tried(ERROR_ACCESS_DENIED));
+    EXPECT_EQ(1, tried(ERROR_DISK_FULL));
+    EXPECT_EQ(0U, slept);
+    // A file system that cannot replace has the file moved there.
+    int moved = 0;
+    for (const DWORD unknown : {ERROR_NOT_SUPPORTED, ERROR_INVALID_FUNCTION, ERROR_CALL_NOT_IMPLEMENTED}) {
+        error = unknown;
+        const std::string text = "after " + std::to_string(++moved);
+        AtomicFile::Write(folder / L"kept.sql", text);
+        EXPECT_EQ(text, TextFile::ReadBytes(folder / L"kept.sql", 100));
+        EXPECT_EQ(Names{L"kept.sql"}, folder.Names());
+    }
+}
+
+TEST(SavingTest, SixTakenNamesAreEnough) {
+    const Folder folder;
+    AtomicFile::Write(folder / L"taken.tmp", "somebody else's");
+    int asked = 0;
+    int taken = 6;
+    const auto name = [&] { return std::wstring(++asked <= taken ? L"taken.tmp" : L"free.tmp"); };
+    EXPECT_NE(0, NumberOf([&] { AtomicFile::Write(folder / L"new.sql", "text", name); }));
+    EXPECT_EQ(6, asked);
+    EXPECT_EQ(Names{L"taken.tmp"}, folder.Names());
+    asked = 0;
+    taken = 5;
+    AtomicFile::Write(folder / L"new.sql", "text", name);
+    EXPECT_EQ(6, asked);
+    EXPECT_EQ("text", TextFile::ReadBytes(folder / L"new.sql", 100));
+    EXPECT_EQ("somebody else's", TextFile::ReadBytes(folder / L"taken.tmp", 100));
+}
+
 TEST(SavingTest, WhatIsThereUnderTheNameIsNeverWrittenThrough) {
     const Folder folder;
     PutBytes(folder / L"kept.sql", "old");

@@ -123,6 +123,25 @@ TEST(DragCursor, IsAnArrowWithALabelBelowItAndClearAroundThem) {
     }
 }
 
+TEST(DragCursor, ItsArrowIsABlackLineAroundWhite) {
+    if (DpiOf(nullptr) != 96) GTEST_SKIP() << "the places below are those of 96 dots per inch";
+    static std::wstring points;
+    const PatchedFunction polygon(
+        L"gdi32.dll", "Polygon",
+        reinterpret_cast<void*>(
+            static_cast<BOOL(WINAPI*)(HDC, const POINT*, int)>([](HDC context, const POINT* corners, int count) WINAPI {
+                EXPECT_EQ(GetStockObject(BLACK_PEN), GetCurrentObject(context, OBJ_PEN));
+                EXPECT_EQ(GetStockObject(WHITE_BRUSH), GetCurrentObject(context, OBJ_BRUSH));
+                for (int at = 0; at < count; ++at)
+                    points += std::to_wstring(corners[at].x) + L"," + std::to_wstring(corners[at].y) + L" ";
+                return TRUE;
+            })));
+    ASSERT_TRUE(polygon);
+    points.clear();
+    MakeDragCursor(nullptr, L"");
+    EXPECT_EQ(L"0,0 0,16 4,12 6,18 9,17 7,11 11,11 ", points);
+}
+
 TEST(DragCursor, ItsLabelIsWrittenOnItsGround) {
     if (DpiOf(nullptr) != 96) GTEST_SKIP() << "the places below are those of 96 dots per inch";
     static std::wstring written;
