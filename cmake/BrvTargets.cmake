@@ -63,14 +63,19 @@ endif()
 
 
 # The standard type library that every type library refers to: Windows' own, else Wine's.
-find_path(BRV_STDOLE_FOLDER NAMES stdole2.tlb NO_CMAKE_FIND_ROOT_PATH
-    PATHS "$ENV{SystemRoot}/System32" /usr/lib/i386-linux-gnu/wine/i386-windows /usr/lib/x86_64-linux-gnu/wine/x86_64-windows
-          /usr/lib/wine/i386-windows /usr/lib/wine/x86_64-windows /usr/lib32/wine/i386-windows)
-if(NOT BRV_STDOLE_FOLDER)
+set(brv_stdole_folders /usr/lib/i386-linux-gnu/wine/i386-windows /usr/lib/x86_64-linux-gnu/wine/x86_64-windows
+    /usr/lib/wine/i386-windows /usr/lib/wine/x86_64-windows /usr/lib32/wine/i386-windows)
+if(DEFINED ENV{SystemRoot})
+    list(PREPEND brv_stdole_folders "$ENV{SystemRoot}/System32")
+endif()
+find_path(BRV_STDOLE_FOLDER NAMES stdole2.tlb NO_CMAKE_FIND_ROOT_PATH PATHS ${brv_stdole_folders})
+# BRV_INSTALLING: it comes while that is built which does without it, the target "groundwork".
+if(NOT BRV_STDOLE_FOLDER AND NOT DEFINED ENV{BRV_INSTALLING})
     message(FATAL_ERROR "stdole2.tlb, the standard type library, was not found (Debian: libwine:i386)")
 endif()
+list(TRANSFORM brv_stdole_folders PREPEND -L)
 set(brv_widl ${BRV_WIDL} ${brv_widl_width} -I${CMAKE_SOURCE_DIR}/cmake/idl -I${CMAKE_SOURCE_DIR}/src
-    -I${CMAKE_BINARY_DIR}/generated -L${BRV_STDOLE_FOLDER})
+    -I${CMAKE_BINARY_DIR}/generated ${brv_stdole_folders})
 
 # Most of a test's compilation is the reading of the platform's and the test library's headers: that is done once for all of them. OFF
 # shows whether each file includes what it needs. The component's sources do without: read in this way, GCC 12 no longer knows

@@ -16,11 +16,12 @@ use_preset() {
     BRV_BIN=$BRV_BUILD/$1/bin
 }
 
-# What a build needs, the standard type library in libwine among it. Of the two compilers the one with Windows' own threads is enough: the
-# component makes none.
-BRV_BUILD_PACKAGES=(g++-mingw-w64-i686-win32 mingw-w64-tools cmake ninja-build googletest libwine:i386)
+# What a build needs. Of the two compilers the one with Windows' own threads is enough: the component makes none.
+BRV_BUILD_PACKAGES=(g++-mingw-w64-i686-win32 mingw-w64-tools cmake ninja-build googletest)
+# The standard type library is in it, which the build needs too.
+BRV_TYPE_LIBRARY_PACKAGES=(libwine:i386)
 # What ./run needs; the other commands add theirs.
-BRV_PACKAGES=("${BRV_BUILD_PACKAGES[@]}" wine wine32:i386 xvfb openbox xdotool imagemagick x11-utils
+BRV_PACKAGES=("${BRV_BUILD_PACKAGES[@]}" "${BRV_TYPE_LIBRARY_PACKAGES[@]}" wine wine32:i386 xvfb openbox xdotool imagemagick x11-utils
     libodbc2:i386 libsqliteodbc:i386 odbc-postgresql:i386 sqlite3 fonts-liberation fonts-dejavu-core)
 # What is installed where the distribution has it.
 BRV_OPTIONAL_PACKAGES=()
@@ -87,7 +88,8 @@ unpack_package() {
     return $code
 }
 
-# Installs what is missing from the distribution's packages, as root or through sudo.
+# Installs what is missing from the distribution's packages, as root or through sudo. BRV_LATER_PACKAGES are what comes after it, and
+# BRV_INDEX_READ says that the index of packages is new and has the architectures of all.
 install_missing() {
     if ! command -v dpkg-query >/dev/null; then
         local command absent=()
@@ -121,12 +123,12 @@ install_missing() {
     fi
     apt=("${as_root[@]}" env DEBIAN_FRONTEND=noninteractive timeout 1200 apt-get -o DPkg::Lock::Timeout=120 -o Acquire::Retries=2)
     : >"$log"
-    if [[ "${missing[*]}" == *:i386* ]] && ! dpkg --print-foreign-architectures | grep -qx i386; then
+    if [[ "${missing[*]} ${BRV_LATER_PACKAGES:-}" == *:i386* ]] && ! dpkg --print-foreign-architectures | grep -qx i386; then
         "${as_root[@]}" dpkg --add-architecture i386 >>"$log" 2>&1 ||
             die "could not enable the i386 architecture (dpkg --add-architecture i386)"
     fi
     # One index of several may be unreachable while the others are enough: what counts is whether the installation succeeds.
-    "${apt[@]}" update >>"$log" 2>&1 </dev/null || say "(apt-get update reported problems; going on)"
+    [ -n "${BRV_INDEX_READ:-}" ] || "${apt[@]}" update >>"$log" 2>&1 </dev/null || say "(apt-get update reported problems; going on)"
     mapfile -t wanted < <(for package in "${missing[@]}"; do
         name=$(installable ${package//|/ } | head -n 1)
         printf '%s\n' "${name:-${package%%|*}}"
@@ -181,19 +183,36 @@ build_project() {
     exec 8>&-
 }
 
-# build_while_installing [TARGET]: what a build needs is installed first, and everything else while the project is built; then the prefix that
-# others are copied from.
+# build_while_installing [TARGET]: what a compilation needs is installed first, and everything else while the project is built, beginning with
+# what needs no type library; then the prefix is made that others are copied from.
 build_while_installing() {
-    local installer
-    (
-        BRV_PACKAGES=("${BRV_BUILD_PACKAGES[@]}") BRV_OPTIONAL_PACKAGES=() BRV_UNPACKED_PACKAGES=()
+    local installer compilers library BRV_LATER_PACKAGES='' BRV_INDEX_READ=''
+    if ! command -v dpkg-query >/dev/null; then
         install_missing
-    ) || exit 1
+        build_project "$@"
+        return
+    fi
+    BRV_LATER_PACKAGES=$(missing_packages)
+    compilers=$(BRV_PACKAGES=("${BRV_BUILD_PACKAGES[@]}") && missing_packages)
+    library=$(BRV_PACKAGES=("${BRV_TYPE_LIBRARY_PACKAGES[@]}") && missing_packages)
+    install_only "${BRV_BUILD_PACKAGES[@]}" || exit 1
+    [ -z "$compilers" ] || BRV_INDEX_READ=1
+    if [ -n "$library" ]; then
+        install_only "${BRV_TYPE_LIBRARY_PACKAGES[@]}" &
+        installer=$!
+        BRV_INSTALLING=1 build_project groundwork
+        wait "$installer" || exit 1
+    fi
     (install_missing && wine_environment && make_template "$BRV_BUILD/wine$BRV_WIDTH-template") &
     installer=$!
     build_project "$@"
     wait "$installer" || exit 1
 }
+
+install_only() ( # PACKAGE...
+    BRV_PACKAGES=("$@") BRV_OPTIONAL_PACKAGES=() BRV_UNPACKED_PACKAGES=()
+    install_missing
+)
 
 # --- Wine -------------------------------------------------------------------------------------------------------------
 
