@@ -203,7 +203,8 @@ build_while_installing() {
         BRV_INSTALLING=1 build_project groundwork
         wait "$installer" || exit 1
     fi
-    (install_missing && wine_environment && make_template "$BRV_BUILD/wine$BRV_WIDTH-template") &
+    # Whoever needs the prefix waits for it.
+    (install_missing || exit 1; make_own_template &) &
     installer=$!
     build_project "$@"
     wait "$installer" || exit 1
@@ -309,6 +310,12 @@ make_template() {
         done
         touch "$WINEPREFIX/.made"
     ) 6>"$1.lock"
+}
+
+# The one for programs of this width.
+make_own_template() {
+    wine_environment
+    make_template "$BRV_BUILD/wine$BRV_WIDTH-template"
 }
 
 # Makes the Wine prefix unless it is there, as a copy of the one that is kept for that. With BRV_SCREENLESS its windows are drawn nowhere, which
