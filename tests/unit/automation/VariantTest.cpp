@@ -379,7 +379,7 @@ TEST(VariantTest, ArraysOfEveryPlainTypeAreRead) {
         EXPECT_EQ(0, memcmp(&items[1].byref, static_cast<BYTE*>(array.parray->pvData) + one.Size, one.Size));
         EXPECT_EQ(1, items[1].bVal) << one.Type;
         EXPECT_EQ(0, items[0].bVal) << one.Type;
-        // One that holds what has twice its size, or half of it, is none of that type.
+        // An array that names another type is refused unless the elements of that type have the same size.
         for (const auto& other : all) {
             array.vt = static_cast<VARTYPE>(VT_ARRAY | other.Type);
             EXPECT_EQ(other.Size == one.Size ? 0 : 13, NumberOf([&] { array.ToArray(); })) << one.Type << other.Type;

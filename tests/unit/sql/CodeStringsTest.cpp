@@ -148,7 +148,7 @@ TEST(FromCodeTest, EveryEscape) {
     EXPECT_EQ(L"\u00078", string(L"\\78"));
     EXPECT_EQ(L"8|9|/", string(L"\\8|\\9|\\/"));
     EXPECT_EQ(L"\u01FF7", string(L"\\7777"));
-    // A character is none, one or two of 16 bits; there are none behind the last.
+    // An escape of zero writes no character, and neither does one above 10FFFF.
     EXPECT_EQ(L"|||", string(L"|\\0|\\u0000|"));
     EXPECT_EQ(L"\uFFFF", string(L"\\uFFFF"));
     EXPECT_EQ(L"\U00010000|\U0010FFFF", string(L"\\U00010000|\\U0010FFFF"));

@@ -94,7 +94,7 @@ TEST(Lexer, KnowsDatesBetweenHashes) {
 
 // Each character in a word, alone, and before a number.
 TEST(Lexer, KnowsTheClassOfEachCharacter) {
-    const Dialect& dialect = DialectOf(2);  // without signs of its own
+    const Dialect& dialect = DialectOf(2);  // This database adds no signs to the common ones.
     std::wstring inside;
     std::wstring begins;
     std::wstring numbers;
