@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <initializer_list>
+#include <utility>
 
 #include "sql/Characters.h"
 #include "sql/Lexer.h"
@@ -27,7 +28,10 @@ public:
 
     void Word(std::wstring_view word) {
         ++count_;
-        if (count_ == 1) creates_ = IsOneOf(word, {L"CREATE", L"ALTER"});
+        // PL/SQL is compiled again by ALTER, and written by CREATE alone.
+        if (count_ == 1)
+            creates_ =
+                IsWord(word, L"CREATE") || (IsWord(word, L"ALTER") && dialect_.Body != Dialect::Bodies::Declarations);
         // CREATE [OR REPLACE] [TEMPORARY] [DEFINER = ...] TRIGGER: the kind stands among the first words.
         if (creates_ && count_ <= 8 && !hasBody_) {
             if (IsOneOf(word, {L"TABLE", L"VIEW", L"INDEX"})) creates_ = false;
@@ -53,7 +57,7 @@ public:
     void Reset() {
         levels_.clear();
         count_ = depth_ = waiting_ = 0;
-        creates_ = hasBody_ = begun_ = afterEnd_ = afterBegin_ = header_ = afterHeader_ = false;
+        creates_ = hasBody_ = begun_ = afterEnd_ = afterBegin_ = header_ = afterHeader_ = afterCompound_ = false;
     }
 
 private:
@@ -61,8 +65,11 @@ private:
 
     void FindBody(std::wstring_view word) {
         hasBody_ = IsOneOf(word, {L"TRIGGER", L"PROCEDURE", L"PROC", L"FUNCTION", L"PACKAGE"});
-        // CREATE TYPE BODY; CREATE TYPE alone has none.
-        if (dialect_.Body == Dialect::Bodies::Declarations && IsWord(word, L"BODY")) hasBody_ = true;
+        // CREATE TYPE BODY; CREATE TYPE alone has none. Further on both words are names like others.
+        if (dialect_.Body == Dialect::Bodies::Declarations && IsOneOf(word, {L"PACKAGE", L"BODY"})) {
+            hasBody_ = true;
+            levels_.push_back(Level::Package);
+        }
         if (!hasBody_) return;
         if (dialect_.Body == Dialect::Bodies::EndNeeded && IsOneOf(word, {L"PROCEDURE", L"FUNCTION"})) {
             depth_ = 1;
@@ -111,12 +118,11 @@ private:
             afterHeader_ = false;
             if (IsOneOf(word, {L"LANGUAGE", L"EXTERNAL"})) --waiting_;
         }
+        const bool compound = std::exchange(afterCompound_, IsWord(word, L"COMPOUND"));
         if (IsOneOf(word, {L"PROCEDURE", L"FUNCTION"})) {
             header_ = true;
-        } else if (IsOneOf(word, {L"PACKAGE", L"BODY"}) && levels_.empty()) {
-            levels_.push_back(Level::Package);
-        } else if (IsWord(word, L"COMPOUND") && levels_.empty()) {
-            // A compound trigger: each of its sections has a BEGIN and an END, and it has an END itself.
+        } else if (compound && IsWord(word, L"TRIGGER")) {
+            // Each of its sections has a BEGIN and an END, and it has an END itself.
             levels_.push_back(Level::Block);
         } else if (IsOneOf(word, {L"IS", L"AS"})) {
             if (!header_) return;
@@ -154,6 +160,7 @@ private:
     bool afterBegin_ = false;
     bool header_ = false;
     bool afterHeader_ = false;
+    bool afterCompound_ = false;
     Level ended_ = Level::Block;
 };
 

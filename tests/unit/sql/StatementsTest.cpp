@@ -177,6 +177,30 @@ TEST(Statements, CompoundTriggersStayWhole) {
     EXPECT_EQ((Texts{trigger, L"select 1"}), Split(trigger + L"; select 1", 4));
 }
 
+// Oracle reserves none of these words. Taken for the head of a package, one swallows all statements that follow.
+TEST(Statements, PackageBodyAndCompoundAreNamesToo) {
+    for (const wchar_t* const name : {L"package", L"body", L"compound"}) {
+        const std::wstring is = name;
+        for (const std::wstring& one :
+             {L"declare " + is + L" varchar2(9); begin null; end", L"begin " + is + L" := 1; end",
+              L"create procedure p(" + is + L" clob) is begin null; end",
+              L"create trigger t before update of " + is + L" on " + is + L" for each row begin null; end"}) {
+            EXPECT_EQ((Texts{one, L"select 1"}), Split(one + L"; select 1", 4));
+        }
+    }
+    const std::wstring trigger =
+        L"create trigger t for insert on compound compound trigger x int; "
+        L"before statement is begin null; end before statement; end";
+    EXPECT_EQ((Texts{trigger, L"select 1"}), Split(trigger + L"; select 1", 4));
+}
+
+TEST(Statements, OraclesAlterHasNoBody) {
+    for (const wchar_t* const one : {L"alter package p compile body", L"alter package p compile",
+                                     L"alter procedure p compile", L"alter trigger begin disable"}) {
+        EXPECT_EQ((Texts{one, L"select 1"}), Split(one + std::wstring(L"; select 1"), 4));
+    }
+}
+
 TEST(Statements, HowOftenABatchRunsIsANumber) {
     for (const wchar_t* const line : {L"go", L"Go 0", L"gO 9", L"GO 10 ", L" \tGO\t19"}) {
         EXPECT_EQ((Texts{L"a", L"b"}), Split(std::wstring(L"a\n") + line + L"\nb", 8)) << testing::PrintToString(line);
