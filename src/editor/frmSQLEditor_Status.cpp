@@ -144,7 +144,7 @@ std::wstring frmSQLEditor::m_ActionHint(const MenuItem& Entry) {
     }
     struct Known {
         const MenuItem& Entry;
-        const wchar_t* Article;
+        const wchar_t* Article;  // empty before a plural
         const wchar_t* What;
     };
     const Known All[] = {
@@ -158,8 +158,9 @@ std::wstring frmSQLEditor::m_ActionHint(const MenuItem& Entry) {
     if (Name.empty()) return L"Select a table, a view, a column or a command on the left first";
     for (const Known& One : All) {
         if (&One.Entry != &Entry) continue;
-        return Entry.Enabled() ? std::wstring(L"Inserts ") + One.Article + One.What + L", runs nothing: " + Name
-                               : std::wstring(L"There is no ") + One.What + L" for " + Name;
+        if (Entry.Enabled()) return std::wstring(L"Inserts ") + One.Article + One.What + L", runs nothing: " + Name;
+        const std::wstring None = *One.Article != L'\0' ? L"There is no " : L"There are no ";
+        return None + One.What + L" for " + Name;
     }
     return {};
 }

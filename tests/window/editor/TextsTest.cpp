@@ -144,9 +144,9 @@ TEST_F(TextsTest, OfTheHintsForStatements) {
             none + L"Insert: There is no INSERT statement" + none + L"Update: There is no UPDATE statement" + none +
             L"Delete: There is no DELETE statement" + none + L"Execute: There is no example" + none +
             L"Create: Select a folder of tables in the object browser first\n"
-            L"Tasks: There is no statements" +
-            none + L"undefined: There is no statements" + none + L"undefined: There is no statements" + none +
-            L"undefined: There is no statements" + none,
+            L"Tasks: There are no statements" +
+            none + L"undefined: There are no statements" + none + L"undefined: There are no statements" + none +
+            L"undefined: There are no statements" + none,
         HintsOf(2));
     EnableActions(true);
     Form().mnuActionCreate.SetEnabled(false);
@@ -297,7 +297,7 @@ TEST_F(TextsTest, HaveAnIconOfTheirSize) {
 
 // An arrow is broad where it comes from.
 TEST_F(TextsTest, AndArrowsPointTheWayThatThePaneGoes) {
-    const auto brush = [this](PictureBox& box) {
+    const auto lean = [](PictureBox& box) {
         const HDC screen = GetDC(nullptr);
         const HDC memory = CreateCompatibleDC(screen);
         BITMAPINFO info{};
@@ -321,8 +321,8 @@ TEST_F(TextsTest, AndArrowsPointTheWayThatThePaneGoes) {
         ReleaseDC(nullptr, screen);
         return balance;
     };
-    EXPECT_LT(0, brush(Form().picHide));
-    EXPECT_GT(0, brush(Form().picUnhide));
+    EXPECT_LT(0, lean(Form().picHide));
+    EXPECT_GT(0, lean(Form().picUnhide));
 }
 
 TEST_F(TextsTest, OfNotesAboutNames) {
