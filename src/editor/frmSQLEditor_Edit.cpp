@@ -134,10 +134,10 @@ void frmSQLEditor::mnuEditMakeUpperCase_Click() try { m_ChangeCase(LCMAP_UPPERCA
 
 void frmSQLEditor::mnuEditPaste_Click() try {
     if (!rtbSQL.HasFocus()) return;
+    // Inserting never replaces the selected text. The selection is collapsed first, whatever the clipboard holds.
+    rtbSQL.Select(rtbSQL.SelStart() + rtbSQL.SelLength(), 0);
     const std::wstring Text = Clipboard::GetText(Handle());
     if (Text.empty()) return;
-    // After the selection: inserting never replaces the selected text.
-    rtbSQL.Select(rtbSQL.SelStart() + rtbSQL.SelLength(), 0);
     rtbSQL.SetSelText(Text);
     rtbSQL.ScrollCaret();
 } catch (...) {
