@@ -14,8 +14,8 @@ namespace {
 HWND under = nullptr;
 DWORD now = 0;
 
-// Two boxes that take part in drags and one that is dragged. Which of them the mouse is over, and the time, is said by
-// the test.
+// Two boxes that take part in drags and one that is dragged. The test says which of them the mouse is over, and the
+// time.
 struct Boxes {
     TopWindow Top;
     PictureBox Source;
@@ -37,8 +37,8 @@ struct Boxes {
         One.Move(3000, 150, 3000, 3000);
         Two.Create(Top.Handle(), 4);
         Two.Move(6000, 300, 3000, 3000);
-        Log1(One, L"1");
-        Log1(Two, L"2");
+        Record(One, L"1");
+        Record(Two, L"2");
         under = nullptr;
         now = 1000;
     }
@@ -48,7 +48,7 @@ struct Boxes {
         Dragging::Cancel();
         Dragging::Released();
     }
-    void Log1(Control& box, const std::wstring& name) {
+    void Record(Control& box, const std::wstring& name) {
         box.DragOver = [this, name, &box](Control& source, float x, float y, DragState state) {
             EXPECT_EQ(&Source, &source);
             const wchar_t* const states[] = {L" enter ", L" leave ", L" over "};
@@ -80,7 +80,7 @@ struct Boxes {
     std::wstring Taken() { return std::exchange(Log, {}); }
 };
 
-// The key that the thread sees as down.
+// While one lives, the left button is down for this thread.
 class HeldButton {
 public:
     HeldButton() { Set(0x80); }
@@ -265,7 +265,7 @@ TEST(Drag, BeginsWhereTheMouseIsOnceItHasLeftThePlaceOfThePress) {
         EXPECT_TRUE(begins(press, 0, -down));
     }
     // Without a press it begins wherever the mouse was seen last, whichever message said so.
-    boxes.Log1(boxes.Source, L"s");
+    boxes.Record(boxes.Source, L"s");
     boxes.Source.MouseMove = nullptr;
     int x = 20;
     for (const UINT message : {WM_MOUSEMOVE, WM_LBUTTONUP, WM_RBUTTONDOWN, WM_RBUTTONUP, WM_RBUTTONDBLCLK,

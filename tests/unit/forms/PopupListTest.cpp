@@ -10,7 +10,8 @@
 
 namespace {
 
-// A monitor with a task bar on its left and one on its top; none for who does not say how large the answer may be.
+// A monitor with a task bar on its left and one on its top; none for a caller that does not say how large the answer
+// may be.
 BOOL WINAPI SmallMonitor(HMONITOR, MONITORINFO* info) noexcept {
     if (info->cbSize != sizeof *info) return FALSE;
     info->rcMonitor = {0, 0, 500, 400};
