@@ -69,7 +69,7 @@ if(DEFINED ENV{SystemRoot})
     list(PREPEND brv_stdole_folders "$ENV{SystemRoot}/System32")
 endif()
 find_path(BRV_STDOLE_FOLDER NAMES stdole2.tlb NO_CMAKE_FIND_ROOT_PATH PATHS ${brv_stdole_folders})
-# BRV_INSTALLING: it comes while that is built which does without it, the target "groundwork".
+# With BRV_INSTALLING the library is still being installed, and the target "groundwork", which needs none, is all that is built.
 if(NOT BRV_STDOLE_FOLDER AND NOT DEFINED ENV{BRV_INSTALLING})
     message(FATAL_ERROR "stdole2.tlb, the standard type library, was not found (Debian: libwine:i386)")
 endif()
@@ -199,7 +199,8 @@ function(brv_add_test name)
 endfunction()
 
 # brv_add_script_test(<name> [SCREENLESS] COMMAND script arguments... [TIMEOUT seconds] [LABELS ...])
-# A test that a script makes of whole programs. It is left out by ./test --quick. SCREENLESS: as above, for the prefixes of its own too.
+# A test that a script makes of whole programs. It is left out by ./test --quick. SCREENLESS: as above; prefixes that the script
+# makes draw nothing either.
 function(brv_add_script_test name)
     cmake_parse_arguments(PARSE_ARGV 1 arg "SCREENLESS" "TIMEOUT" "COMMAND;LABELS")
     add_test(NAME ${name} COMMAND ${CMAKE_SOURCE_DIR}/cmake/in-slot ${CMAKE_CURRENT_SOURCE_DIR}/${arg_COMMAND})

@@ -18,7 +18,7 @@ use_preset() {
 
 # What a build needs. Of the two compilers the one with Windows' own threads is enough: the component makes none.
 BRV_BUILD_PACKAGES=(g++-mingw-w64-i686-win32 mingw-w64-tools cmake ninja-build googletest)
-# The standard type library is in it, which the build needs too.
+# What brings the standard type library, which a build needs too.
 BRV_TYPE_LIBRARY_PACKAGES=(libwine:i386)
 # What ./run needs; the other commands add theirs.
 BRV_PACKAGES=("${BRV_BUILD_PACKAGES[@]}" "${BRV_TYPE_LIBRARY_PACKAGES[@]}" wine wine32:i386 xvfb openbox xdotool imagemagick x11-utils
@@ -88,8 +88,8 @@ unpack_package() {
     return $code
 }
 
-# Installs what is missing from the distribution's packages, as root or through sudo. BRV_LATER_PACKAGES are what comes after it, and
-# BRV_INDEX_READ says that the index of packages is new and has the architectures of all.
+# Installs what is missing from the distribution's packages, as root or through sudo. BRV_LATER_PACKAGES: what later calls will install, whose
+# architecture is enabled by the first. BRV_INDEX_READ: an earlier call has read the index of packages.
 install_missing() {
     if ! command -v dpkg-query >/dev/null; then
         local command absent=()
@@ -183,8 +183,8 @@ build_project() {
     exec 8>&-
 }
 
-# build_while_installing [TARGET]: what a compilation needs is installed first, and everything else while the project is built, beginning with
-# what needs no type library; then the prefix is made that others are copied from.
+# build_while_installing [TARGET]: installs what a compilation needs first, and everything else while the project is built, beginning with what
+# needs no type library. Afterwards the prefix that others are copied from is made in the background.
 build_while_installing() {
     local installer compilers library BRV_LATER_PACKAGES='' BRV_INDEX_READ=''
     if ! command -v dpkg-query >/dev/null; then
@@ -312,14 +312,14 @@ make_template() {
     ) 6>"$1.lock"
 }
 
-# The one for programs of this width.
+# make_own_template: the template for programs of this width.
 make_own_template() {
     wine_environment
     make_template "$BRV_BUILD/wine$BRV_WIDTH-template"
 }
 
 # Makes the Wine prefix unless it is there, as a copy of the one that is kept for that. With BRV_SCREENLESS its windows are drawn nowhere, which
-# takes half of the processor's time: messages, focus, clipboard and controls are Wine's own, and only what would reach a display is left out.
+# takes half as much of the processor's time: messages, focus, clipboard and controls are Wine's own, and only what would reach a display is left out.
 make_prefix() {
     local template=$BRV_BUILD/wine$BRV_WIDTH-template
     make_odbc
