@@ -7,29 +7,6 @@
 
 namespace {
 
-// The object as a client gets it: through the class factory of the DLL beside this program, without registration.
-Object CreateDatabase() {
-    static const HMODULE module = LoadLibraryExW(L"brvADO.dll", nullptr, LOAD_LIBRARY_SEARCH_APPLICATION_DIR);
-    const CLSID id = {0xd4c3f42a, 0x48df, 0x4a7d, {0x90, 0xb6, 0xc6, 0x49, 0x2e, 0xf9, 0x07, 0x04}};
-    using GetClassObject = HRESULT(WINAPI*)(REFCLSID, REFIID, void**);
-    if (!module) throw std::runtime_error("brvADO.dll cannot be loaded");
-    const auto get =
-        reinterpret_cast<GetClassObject>(reinterpret_cast<void*>(GetProcAddress(module, "DllGetClassObject")));
-    IClassFactory* factory = nullptr;
-    CheckHresult(get(id, IID_IClassFactory, reinterpret_cast<void**>(&factory)));
-    IDispatch* object = nullptr;
-    const HRESULT created = factory->CreateInstance(nullptr, IID_IDispatch, reinterpret_cast<void**>(&object));
-    factory->Release();
-    CheckHresult(created);
-    return Object::Attach(object);
-}
-
-Object OpenDatabase() {
-    Object database = CreateDatabase();
-    database.Call(L"Open", SampleConnectionString());
-    return database;
-}
-
 template <class Call>
 RuntimeError ErrorOf(Call call) {
     try {
@@ -51,7 +28,7 @@ std::vector<std::wstring> NamesIn(const Variant& collection) {
 }
 
 TEST(DatabaseObject, IsNotConnectedAtFirst) {
-    const Object database = CreateDatabase();
+    const Object database = CreateDatabaseObject();
     EXPECT_FALSE(database.Get(L"Connected").ToBoolean());
     EXPECT_EQ(database.Get(L"DBType").ToLong(), 0);
     EXPECT_TRUE(database.Get(L"Dictionary").IsNothing());
@@ -64,7 +41,7 @@ TEST(DatabaseObject, IsNotConnectedAtFirst) {
 }
 
 TEST(DatabaseObject, TellsWhyItCannotConnect) {
-    const Object database = CreateDatabase();
+    const Object database = CreateDatabaseObject();
     const RuntimeError error = ErrorOf([&] { database.Call(L"Open", L"Driver=No such driver;Database=x"); });
     EXPECT_EQ(error.Source, L"brvADO");
     EXPECT_EQ(error.Number, DatabaseError::ConnectFailed);
@@ -73,7 +50,7 @@ TEST(DatabaseObject, TellsWhyItCannotConnect) {
 }
 
 TEST(DatabaseObject, TellsOfItsConnection) {
-    const Object database = OpenDatabase();
+    const Object database = OpenDatabaseObject();
     EXPECT_TRUE(database.Get(L"Connected").ToBoolean());
     EXPECT_EQ(database.Get(L"DBType").ToLong(), 17);
     EXPECT_EQ(database.Get(L"SchemaTerm").ToText(), L"");
@@ -85,7 +62,7 @@ TEST(DatabaseObject, TellsOfItsConnection) {
 }
 
 TEST(DatabaseObject, FormatsNamesByReferenceAndByValue) {
-    const Object database = OpenDatabase();
+    const Object database = OpenDatabaseObject();
     std::wstring name = L"Order Details";
     EXPECT_EQ(database.Get(L"FormatName", ByRef(name)).ToText(), L"\"Order Details\"");
     EXPECT_EQ(name, L"Order Details");
@@ -95,7 +72,7 @@ TEST(DatabaseObject, FormatsNamesByReferenceAndByValue) {
 }
 
 TEST(DatabaseObject, HandsOutADictionary) {
-    const Object dictionary = OpenDatabase().Get(L"Dictionary").ToObject();
+    const Object dictionary = OpenDatabaseObject().Get(L"Dictionary").ToObject();
     EXPECT_TRUE(dictionary.Get(L"Schemas", L"", true).IsNothing());
     const std::vector<std::wstring> views = NamesIn(dictionary.Get(L"Objects", 2, Variant::Null(), L"", false));
     EXPECT_EQ(views.size(), 6u);
@@ -106,7 +83,7 @@ TEST(DatabaseObject, HandsOutADictionary) {
 }
 
 TEST(DatabaseObject, GivesColumnsAsCollectionsOfArrays) {
-    const Object dictionary = OpenDatabase().Get(L"Dictionary").ToObject();
+    const Object dictionary = OpenDatabaseObject().Get(L"Dictionary").ToObject();
     const Object columns = dictionary.Get(L"Columns", Variant::Null(), L"survey").ToObject();
     EXPECT_EQ(columns.Get(L"Count").ToLong(), 60);
     const Object second = columns.Get(L"Item", 2).ToObject();
@@ -128,7 +105,7 @@ TEST(DatabaseObject, GivesColumnsAsCollectionsOfArrays) {
 }
 
 TEST(DatabaseObject, RaisesTheDictionarysErrors) {
-    const Object database = OpenDatabase();
+    const Object database = OpenDatabaseObject();
     const Object dictionary = database.Get(L"Dictionary").ToObject();
     RuntimeError error = ErrorOf([&] { dictionary.Get(L"Columns", Variant::Null(), L"no such table"); });
     EXPECT_EQ(error.Number, -2147221494);
@@ -144,7 +121,7 @@ TEST(DatabaseObject, RaisesTheDictionarysErrors) {
 }
 
 TEST(DatabaseObject, RefusesArgumentsOfTheWrongKind) {
-    const Object database = OpenDatabase();
+    const Object database = OpenDatabaseObject();
     const Object dictionary = database.Get(L"Dictionary").ToObject();
     EXPECT_EQ(ErrorOf([&] { dictionary.Get(L"Objects", L"tables"); }).Number, ErrorNumber::TypeMismatch);
     EXPECT_EQ(ErrorOf([&] { dictionary.Get(L"Objects", 7); }).Number, ErrorNumber::InvalidProcedureCall);
@@ -157,7 +134,7 @@ TEST(DatabaseObject, TheDialogOutlivesTheConnection) {
     static Object database;
     static std::wstring preview;
     static std::vector<std::wstring> churn;
-    database = OpenDatabase();
+    database = OpenDatabaseObject();
     preview.clear();
     const UINT_PTR timer = SetTimer(nullptr, 0, 20, [](HWND, UINT, UINT_PTR id, DWORD) WINAPI {
         HWND dialog = nullptr;
@@ -197,7 +174,7 @@ TEST(DatabaseObject, TheDialogLeavesAContextThatTheHostForgot) {
     ACTCTXW request = {};
     request.cbSize = sizeof request;
     request.dwFlags = ACTCTX_FLAG_HMODULE_VALID | ACTCTX_FLAG_RESOURCE_NAME_VALID;
-    Object database = OpenDatabase();
+    Object database = OpenDatabaseObject();
     request.hModule = GetModuleHandleW(L"brvADO.dll");
     request.lpResourceName = MAKEINTRESOURCEW(IDM_CONTROLS_MANIFEST);
     context = CreateActCtxW(&request);
@@ -219,7 +196,7 @@ TEST(DatabaseObject, TheDialogLeavesAContextThatTheHostForgot) {
 }
 
 TEST(DatabaseObject, RunsStatements) {
-    const Object database = OpenDatabase();
+    const Object database = OpenDatabaseObject();
     const Object rows = database.Call(L"Execute", L"select code, vat_rate from country order by code").ToObject();
     EXPECT_EQ(rows.Get(L"FieldCount").ToLong(), 2);
     EXPECT_EQ(rows.Get(L"FieldName", 1).ToText(), L"vat_rate");
@@ -236,7 +213,7 @@ TEST(DatabaseObject, RunsStatements) {
 }
 
 TEST(DatabaseObject, KeepsResultsAliveBeyondClose) {
-    const Object database = OpenDatabase();
+    const Object database = OpenDatabaseObject();
     const Object rows = database.Call(L"Execute", L"select code from country order by code").ToObject();
     database.Call(L"Close");
     EXPECT_EQ(rows.Call(L"NextRowText").ToArray()[0].ToText(), L"AT");

@@ -25,6 +25,28 @@ std::shared_ptr<Session> OpenSample() { return std::make_shared<Session>(SampleC
 
 std::shared_ptr<Session> OpenEmpty() { return std::make_shared<Session>(L"Driver=SQLite3;Database=:memory:", 5); }
 
+Object CreateDatabaseObject() {
+    static const HMODULE module = LoadLibraryExW(L"brvADO.dll", nullptr, LOAD_LIBRARY_SEARCH_APPLICATION_DIR);
+    const CLSID id = {0xd4c3f42a, 0x48df, 0x4a7d, {0x90, 0xb6, 0xc6, 0x49, 0x2e, 0xf9, 0x07, 0x04}};
+    using GetClassObject = HRESULT(WINAPI*)(REFCLSID, REFIID, void**);
+    if (!module) throw std::runtime_error("brvADO.dll cannot be loaded");
+    const auto get =
+        reinterpret_cast<GetClassObject>(reinterpret_cast<void*>(GetProcAddress(module, "DllGetClassObject")));
+    IClassFactory* factory = nullptr;
+    CheckHresult(get(id, IID_IClassFactory, reinterpret_cast<void**>(&factory)));
+    IDispatch* object = nullptr;
+    const HRESULT created = factory->CreateInstance(nullptr, IID_IDispatch, reinterpret_cast<void**>(&object));
+    factory->Release();
+    CheckHresult(created);
+    return Object::Attach(object);
+}
+
+Object OpenDatabaseObject() {
+    Object database = CreateDatabaseObject();
+    database.Call(L"Open", SampleConnectionString());
+    return database;
+}
+
 void RunSql(Session& session, const std::wstring& sql) {
     Odbc::Statement statement(*session.Live());
     statement.Execute(sql);

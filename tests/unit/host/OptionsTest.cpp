@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "support/Folder.h"
+
 namespace {
 
 TEST(ReadOptions, ReadsBothForms) {
@@ -49,6 +51,25 @@ TEST(ReadTextFile, TellsWhyItCannotRead) {
     std::wstring failure;
     EXPECT_FALSE(ReadTextFile(L"Z:\\no such folder\\x.sql", failure));
     EXPECT_FALSE(failure.empty());
+}
+
+TEST(ReadTextFile, TakesUtf8AndUtf16WithAMarkOrWithout) {
+    const Folder here;
+    const std::wstring path = here / L"a.sql";
+    std::wstring failure;
+    const auto read = [&](const std::string& bytes) {
+        PutBytes(path, bytes);
+        return ReadTextFile(path, failure);
+    };
+    EXPECT_EQ(read(""), L"");
+    EXPECT_EQ(read("select 'Gr\xC3\xB6\xC3\x9F"
+                   "e'"),
+              L"select 'Größe'");
+    EXPECT_EQ(read("\xEF\xBB\xBF"
+                   "select 1"),
+              L"select 1");
+    EXPECT_EQ(read(std::string("\xFF\xFE\xF6\0=\0", 6)), L"ö=");
+    EXPECT_EQ(failure, L"");
 }
 
 }  // namespace

@@ -96,6 +96,23 @@ TEST(KolvexDemo, StopsAtAFailingStatement) {
     EXPECT_TRUE(Contains(outcome, L"Statement 2 failed:"));
     EXPECT_TRUE(Contains(outcome, L"SQLSTATE"));
     EXPECT_FALSE(Contains(outcome, L"third"));
+    EXPECT_TRUE(Contains(outcome, L"\n1 statement behind it not run."));
+    EXPECT_TRUE(Contains(RunSql(L"nonsense; select 2; select 3"), L"\n2 statements behind it not run."));
+    EXPECT_FALSE(Contains(RunSql(L"nonsense"), L"not run"));
+}
+
+TEST(KolvexDemo, TellsWhatAStatementWithoutRowsHasDone) {
+    // In memory: nothing of it is left.
+    const auto run = [](const std::wstring& sql) {
+        return RunDemo({L"--connect", L"Driver=SQLite3;Database=:memory:", L"--no-editor", L"--sql", sql});
+    };
+    const Outcome outcome =
+        run(L"create table t (a integer); insert into t values (1); insert into t values (2), (3); select a from t");
+    EXPECT_EQ(outcome.ExitCode, 0u);
+    EXPECT_TRUE(Contains(outcome, L"-- Statement 2\nDone, 1 row changed.\n")) << testing::PrintToString(outcome.Output);
+    EXPECT_TRUE(Contains(outcome, L"-- Statement 3\nDone, 2 rows changed.\n"));
+    EXPECT_TRUE(Contains(outcome, L"(3 rows)\n"));
+    EXPECT_TRUE(Contains(run(L"-- nothing"), L"There is no statement to run.\n"));
 }
 
 // The server repeats a name of the statement in its error text; a terminal would obey it.
@@ -123,6 +140,16 @@ TEST(KolvexDemo, WritesCsv) {
                {L"--csv", path});
     EXPECT_EQ(outcome.ExitCode, 0u);
     EXPECT_EQ(BytesOf(path), "\xEF\xBB\xBFweekday,\"from, local\"\r\n1,\r\n2,09:30\r\n");
+    EXPECT_TRUE(Contains(outcome, (L"Wrote 2 rows to " + path).c_str()));
+    // The second statement's go beside it, no more of them than are wanted.
+    RunSql(L"select 1 as a; select weekday from opening_hours order by 1", {L"--csv", path, L"--max-rows", L"2"});
+    EXPECT_EQ(BytesOf(path),
+              "\xEF\xBB\xBF"
+              "a\r\n1\r\n");
+    EXPECT_EQ(BytesOf(here / L"a-2.csv"), "\xEF\xBB\xBFweekday\r\n1\r\n2\r\n");
+    const Outcome refused = RunSql(L"select 1", {L"--csv", here / L"no such folder\\a.csv"});
+    EXPECT_EQ(refused.ExitCode, 1u);
+    EXPECT_TRUE(Contains(refused, L"could not be written: "));
 }
 
 TEST(KolvexDemo, SaysThatTheSqlFileIsMissing) {

@@ -3,6 +3,7 @@
 #include <memory>
 #include <string>
 
+#include "automation/Object.h"
 #include "host/database/Session.h"
 
 // The connection string for the sample database that the environment variable BRV_SHOP_DB names. Throws when it is not
@@ -12,6 +13,11 @@ std::wstring SampleConnectionString();
 // A session on the sample database, and one on an empty database in memory.
 std::shared_ptr<Session> OpenSample();
 std::shared_ptr<Session> OpenEmpty();
+
+// The object as a client gets it: through the class factory of the DLL beside this program, without registration; and
+// one that is connected to the sample database.
+Object CreateDatabaseObject();
+Object OpenDatabaseObject();
 
 // Runs a statement that gives no rows.
 void RunSql(Session& session, const std::wstring& sql);
