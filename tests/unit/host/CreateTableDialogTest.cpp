@@ -136,6 +136,7 @@ TEST(CreateTableDialog, BeginsWithAKeyAndWantsAName) {
         EXPECT_EQ(20, SendMessageW(dialog.Item(IDC_COLUMN_SIZE), EM_GETLIMITTEXT, 0, 0));
         // The Enter key asks for the button that is disabled.
         SendMessageW(dialog.Window(), WM_COMMAND, IDOK, 0);
+        EXPECT_TRUE(IsWindowVisible(dialog.Window()));
         dialog.Type(IDC_TABLE_NAME, L" \t");
         EXPECT_FALSE(dialog.Enabled(IDOK));
         dialog.Type(IDC_TABLE_NAME, L"  my table\t");
@@ -346,6 +347,34 @@ TEST(CreateTableDialog, ItsPartsShareItsSizeAndDoNotOverlap) {
         GetObjectW(reinterpret_cast<HFONT>(SendMessageW(dialog.Window(), WM_GETFONT, 0, 0)), sizeof own, &own);
         EXPECT_EQ(own.lfHeight, font.lfHeight);
     });
+}
+
+TEST(CreateTableDialog, HasTheControlsOfItsManifest) {
+    const auto active = [] {
+        HANDLE context = nullptr;
+        GetCurrentActCtx(&context);
+        if (context != nullptr) ReleaseActCtx(context);
+        return context != nullptr;
+    };
+    EXPECT_FALSE(active());
+    const Answer answer = InDialog([&](const Dialog& dialog) {
+        EXPECT_TRUE(active());
+        constexpr DWORD Extended = LVS_EX_FULLROWSELECT | LVS_EX_DOUBLEBUFFER;
+        EXPECT_EQ(Extended,
+                  static_cast<DWORD>(SendMessageW(dialog.Item(IDC_COLUMNS), LVM_GETEXTENDEDLISTVIEWSTYLE, 0, 0)));
+        const wchar_t* const titles[] = {L"Name", L"Type", L"Size", L"Null", L"Key"};
+        for (WPARAM column = 0; column < 5; ++column) {
+            wchar_t text[50]{};
+            LVCOLUMNW asked{};
+            asked.mask = LVCF_TEXT;
+            asked.pszText = text;
+            asked.cchTextMax = 50;
+            SendMessageW(dialog.Item(IDC_COLUMNS), LVM_GETCOLUMNW, column, reinterpret_cast<LPARAM>(&asked));
+            EXPECT_STREQ(titles[column], text);
+        }
+    });
+    EXPECT_EQ(1, answer.Shown);
+    EXPECT_FALSE(active());
 }
 
 TEST(CreateTableDialog, OfATopmostWindowIsTopmostToo) {

@@ -31,7 +31,7 @@ TEST(SampleConnection, AnswersWhatTheEditorAsks) {
     std::wstring sql;
     bool cancel = true;
     sample.Call(L"ShowCreateTableDialog1", ByRef(sql), ByRef(cancel));
-    EXPECT_NE(sql.find(L"CREATE TABLE"), std::wstring::npos);
+    EXPECT_EQ(sql, L"CREATE TABLE new_table (\r\n    id INTEGER NOT NULL PRIMARY KEY,\r\n    name VARCHAR(40)\r\n)");
     EXPECT_FALSE(cancel);
 }
 
@@ -59,6 +59,50 @@ TEST(SampleConnection, HasTablesAndViewsWithColumns) {
     }
     EXPECT_THROW(dictionary.Get(L"Columns", Variant::Null(), L"no such table"), RuntimeError);
     EXPECT_EQ(dictionary.Get(L"DataTypeDesc", 4L, 0L).ToText(), L"INTEGER");
+}
+
+TEST(SampleConnection, DescribesEveryColumn) {
+    const Object dictionary = MakeSampleConnection().Get(L"Dictionary").ToObject();
+    const auto columnsOf = [&](const wchar_t* name) {
+        std::wstring all;
+        HostCollection(dictionary.Get(L"Columns", Variant::Null(), name)).ForEach([&](const Variant& column) {
+            std::wstring line;
+            HostCollection(column).ForEach([&](const Variant& property) {
+                const std::vector<Variant> parts = property.ToArray();
+                if (parts.at(0).ToText() == L"TABLE_NAME") {
+                    EXPECT_EQ(name, parts.at(1).ToText());
+                } else {
+                    line += parts.at(1).ToText() + L" ";
+                }
+                EXPECT_EQ(0, parts.at(2).ToLong());
+                return true;
+            });
+            all += line + L"\n";
+            return true;
+        });
+        return all;
+    };
+    EXPECT_EQ(columnsOf(L"category"),
+              L"category_id 4 INTEGER 10 NO \nparent_id 4 INTEGER 10 YES \nname 12 VARCHAR 40 NO \n"
+              L"description -1 TEXT 65535 YES \n");
+    EXPECT_EQ(columnsOf(L"country"),
+              L"code 1 CHAR 2 NO \nname 12 VARCHAR 40 NO \ncurrency 1 CHAR 3 NO \nvat_rate 3 DECIMAL 4 NO \n"
+              L"eu_member -7 BOOLEAN 1 NO \n");
+    EXPECT_EQ(columnsOf(L"customer"),
+              L"customer_id 4 INTEGER 10 NO \nFirstName 12 VARCHAR 30 NO \nLastName 12 VARCHAR 30 NO \n"
+              L"company 12 VARCHAR 60 YES \nemail 12 VARCHAR 80 YES \ncity 12 VARCHAR 40 NO \ncountry 1 CHAR 2 NO \n"
+              L"since 91 DATE 10 NO \n");
+    EXPECT_EQ(columnsOf(L"Order"),
+              L"order_id 4 INTEGER 10 NO \ncustomer_id 4 INTEGER 10 NO \nordered_at 93 TIMESTAMP 19 NO \n"
+              L"shipped_on 91 DATE 10 YES \nstatus 12 VARCHAR 10 NO \nfreight 3 DECIMAL 8 NO \n"
+              L"Gift Note -1 TEXT 65535 YES \n");
+    EXPECT_EQ(columnsOf(L"Order Details"),
+              L"order_id 4 INTEGER 10 NO \nline 5 SMALLINT 5 NO \nsku 1 CHAR 7 NO \nquantity 4 INTEGER 10 NO \n"
+              L"Unit Price 3 DECIMAL 10 NO \nDiscount % 3 DECIMAL 4 NO \n");
+    EXPECT_EQ(columnsOf(L"product"),
+              L"sku 1 CHAR 7 NO \nname 12 VARCHAR 60 NO \ncategory_id 4 INTEGER 10 NO \nprice 3 DECIMAL 10 NO \n"
+              L"weight_g 4 INTEGER 10 YES \nIn Stock 4 INTEGER 10 NO \nlisted_on 91 DATE 10 NO \n");
+    EXPECT_EQ(columnsOf(L"best_sellers"), L"sku 1 CHAR 7 NO \nname 12 VARCHAR 60 NO \nsold 4 INTEGER 10 NO \n");
 }
 
 // The demonstration host opens the window with the sample's best-sellers.
