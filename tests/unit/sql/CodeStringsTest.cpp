@@ -121,7 +121,7 @@ TEST(FromCodeTest, CharactersOfBasicHaveNumbers) {
     EXPECT_EQ(L"a\u8000", character(L"-32768"));
     // None of them is a character.
     for (const wchar_t* const number : {L"0", L"65536", L"-32769", L"&Z41", L"&O41", L"&G1", L"&I1", L"&g1", L"&i1",
-                                        L"&H", L"&H0", L"H41", L"x41", L""}) {
+                                        L"&H", L"&H0", L"H41", L"xH41", L"xh41", L"x41", L""}) {
         EXPECT_EQ(L"a", character(number)) << testing::PrintToString(number);
     }
     EXPECT_EQ(L"a", From(L"\"a\" & Chr 65"));

@@ -135,6 +135,7 @@ TEST_F(DictionaryTest, NoDictionaryComesFromObjectsUnderTheApplicationsName) {
     } catch (const RuntimeError& error) {
         EXPECT_EQ(-2147221503, error.Number);
         EXPECT_EQ(App::Title, error.Source);
+        EXPECT_EQ(L"as told", error.Description);
     }
     EXPECT_EQ(L"", Errors.Places());
     EXPECT_FALSE(dictionary.Schemas(L""));

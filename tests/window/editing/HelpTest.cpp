@@ -79,9 +79,28 @@ TEST_F(HelpTest, AnOpenListOfNamesGivesWayToTheTip) {
           [] { EXPECT_EQ(nullptr, EditorWindow::NameList()); }}});
 }
 
-TEST_F(HelpTest, APressInTheTitleBarHidesTheTip) {
-    Run({{Put(L"rollback|"), Press(VK_F1), Shows(L"ROLLBACK\r\n\r\nUndoes all changes made."),
-          [] { PostMessageW(EditorWindow::Find(), WM_NCLBUTTONDOWN, HTCLIENT, 0); }, Shows(L"<none>")}});
+// The first and the last message of each kind.
+TEST_F(HelpTest, APressOrAWheelAnywhereInTheWindowHidesTheTip) {
+    const std::wstring help = L"ROLLBACK\r\n\r\nUndoes all changes made.";
+    std::vector<Steps> all;
+    for (const UINT message :
+         {WM_LBUTTONDOWN, WM_MOUSEWHEEL, WM_MOUSEHWHEEL, WM_NCLBUTTONDOWN, WM_NCMBUTTONDBLCLK, WM_NCXBUTTONDBLCLK}) {
+        all.push_back({Put(L"rollback|"), Press(VK_F1), Shows(help),
+                       [message] { PostMessageW(EditorWindow::Find(), message, HTCLIENT, 0); }, Shows(L"<none>")});
+    }
+    // A mouse that moves is none.
+    all.push_back({Put(L"rollback|"), Press(VK_F1), Shows(help),
+                   [] {
+                       PostMessageW(EditorWindow::Find(), WM_MOUSEMOVE, 0, 0);
+                       PostMessageW(EditorWindow::Find(), WM_NCMOUSEMOVE, HTCLIENT, 0);
+                   },
+                   [] {}, Shows(help)});
+    Run(all);
+}
+
+TEST_F(HelpTest, ATipGoesWithTheWindow) {
+    Run({{Put(L"rollback|"), Press(VK_F1), Shows(L"ROLLBACK\r\n\r\nUndoes all changes made.")}});
+    EXPECT_EQ(L"<none>", Tip());
 }
 
 TEST_F(HelpTest, WhatIsNotKnownIsSaid) {
@@ -141,6 +160,18 @@ TEST_F(HelpTest, AColumnTellsItsTypeSizeAndWhetherItTakesNull) {
     kinds.push_back({L"D", {{L"DATA_TYPE", Variant(L"text")}, {L"IS_NULLABLE", Variant(L"NO")}}, L"D: text, not null"});
     kinds.push_back({L"E", {{L"REMARKS", Variant(L"none")}}, L"<none>"});
     kinds.push_back({L"L", {{L"TYPE_NAME", Variant::Null()}, {L"DATA_TYPE", Variant(L"text")}}, L"L: text"});
+    // Other interfaces have other names for the size and the digits.
+    kinds.push_back(
+        {L"M", {{L"TYPE_NAME", Variant(L"VARCHAR")}, {L"CHARACTER_MAXIMUM_LENGTH", Variant(20L)}}, L"M: VARCHAR(20)"});
+    kinds.push_back(
+        {L"N",
+         {{L"TYPE_NAME", Variant(L"NUMERIC")}, {L"NUMERIC_PRECISION", Variant(8L)}, {L"NUMERIC_SCALE", Variant(3L)}},
+         L"N: NUMERIC(8,3)"});
+    kinds.push_back(
+        {L"O",
+         {{L"TYPE_NAME", Variant(L"NUMBER")}, {L"COLUMN_SIZE", Variant(5L)}, {L"DECIMAL_DIGITS", Variant(0L)}},
+         L"O: NUMBER(5)"});
+    kinds.push_back({L"P", {{L"TYPE_NAME", Variant(12L)}, {L"COLUMN_SIZE", Variant(L"max")}}, L"P: type 12"});
     // What numbers and truth values of a driver say.
     for (const auto& [name, nullable, tip] :
          std::vector<std::tuple<const wchar_t*, Variant, const wchar_t*>>{{L"G", Variant(1L), L"G: null allowed"},

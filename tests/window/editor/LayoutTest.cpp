@@ -158,6 +158,21 @@ TEST_F(LayoutTest, TheWindowKeepsItsLeastSize) {
     });
 }
 
+// Whoever sets the size without the question for it that Windows sends.
+TEST_F(LayoutTest, ASizeThatTheWindowIsNotAskedForIsTheLeastToo) {
+    Inside([] {
+        const HWND window = EditorWindow::Find();
+        const int wide = Pixels(9000);
+        for (const POINT& size : {POINT{wide, Pixels(2000)}, POINT{Pixels(1500), wide}}) {
+            SetWindowPos(window, nullptr, 0, 0, size.x, size.y, SWP_NOMOVE | SWP_NOZORDER | SWP_NOSENDCHANGING);
+            RECT bounds;
+            GetWindowRect(window, &bounds);
+            EXPECT_EQ(std::max<LONG>(size.x, Pixels(3000)), bounds.right - bounds.left);
+            EXPECT_EQ(std::max<LONG>(size.y, Pixels(4000)), bounds.bottom - bounds.top);
+        }
+    });
+}
+
 TEST_F(LayoutTest, AMinimisedWindowIsLeftAlone) {
     Inside([] {
         const HWND window = EditorWindow::Find();

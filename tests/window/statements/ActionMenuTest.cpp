@@ -231,6 +231,16 @@ TEST_F(ActionMenuTest, TheRightButtonBringsItUpToDate) {
             SendMessageW(list, WM_RBUTTONDOWN, MK_RBUTTON, MAKELPARAM(5, 5));
             EXPECT_NE(std::wstring::npos, MenuEntries(L"Action").find(L"|Execute-|"));
             SendMessageW(list, WM_RBUTTONUP, 0, MAKELPARAM(5, 5));
+            // So does the key, and a click on a row.
+            SendMessageW(list, LB_SETCURSEL, 0, 0);
+            SendMessageW(list, WM_CONTEXTMENU, reinterpret_cast<WPARAM>(list), -1);
+            EXPECT_EQ(first, MenuEntries(L"Action"));
+            SendMessageW(list, LB_SETCURSEL, static_cast<WPARAM>(-1), 0);
+            SendMessageW(list, WM_CONTEXTMENU, reinterpret_cast<WPARAM>(list), -1);
+            EXPECT_NE(first, MenuEntries(L"Action"));
+            SendMessageW(list, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(5, 5));
+            SendMessageW(list, WM_LBUTTONUP, 0, MAKELPARAM(5, 5));
+            EXPECT_EQ(first, MenuEntries(L"Action"));
         }
     });
 }
