@@ -223,7 +223,7 @@ private:
     void m_PasteFromCode();
     std::wstring m_CopiedText();
     bool m_Copy(const std::wstring& Text, const wchar_t* Routine);
-    void m_ReplaceSelection(const std::wstring& Text);
+    void m_DeleteSelection();
     void m_ChangeCase(DWORD Mapping);          // LCMAP_LOWERCASE or LCMAP_UPPERCASE
     void rtbSQL_ContextMenu(const POINT& At);  // in pixels of the screen
     void rtbSQL_CopyRequested();

@@ -81,7 +81,7 @@ void frmSQLEditor::mnuEditCopy_Click() try { m_Copy(m_CopiedText(), L"mnuEditCop
 }
 
 void frmSQLEditor::mnuEditCut_Click() try {
-    if (m_Copy(m_CopiedText(), L"mnuEditCopy_Click")) m_ReplaceSelection(L"");
+    if (m_Copy(m_CopiedText(), L"mnuEditCopy_Click")) m_DeleteSelection();
 } catch (...) {
     ReportError(Module, L"mnuEditCut_Click");
 }
@@ -92,20 +92,18 @@ void frmSQLEditor::rtbSQL_CopyRequested() try { m_Copy(rtbSQL.SelText(), L"rtbSQ
 }
 
 void frmSQLEditor::rtbSQL_CutRequested() try {
-    if (m_Copy(rtbSQL.SelText(), L"rtbSQL_CutRequested")) m_ReplaceSelection(L"");
+    if (m_Copy(rtbSQL.SelText(), L"rtbSQL_CutRequested")) m_DeleteSelection();
 } catch (...) {
     ReportError(Module, L"rtbSQL_CutRequested");
 }
 
-void frmSQLEditor::mnuEditDelete_Click() try { m_ReplaceSelection(L""); } catch (...) {
+void frmSQLEditor::mnuEditDelete_Click() try { m_DeleteSelection(); } catch (...) {
     ReportError(Module, L"mnuEditDelete_Click");
 }
 
 // An empty selection is left alone: replacing nothing by nothing would count as a change.
-void frmSQLEditor::m_ReplaceSelection(const std::wstring& Text) {
-    if (rtbSQL.SelLength() == 0) return;
-    rtbSQL.SetSelText(Text);
-    rtbSQL.SetSelLength(0);
+void frmSQLEditor::m_DeleteSelection() {
+    if (rtbSQL.SelLength() > 0) rtbSQL.SetSelText(L"");
 }
 
 void frmSQLEditor::m_ChangeCase(DWORD Mapping) {
