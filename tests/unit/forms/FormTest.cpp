@@ -270,6 +270,33 @@ TEST(Form, IsModalAndGivesTheHostItsWindowsBack) {
     DestroyWindow(disabledBefore);
 }
 
+// Were the window hidden first, the system would find no window of this program to activate.
+TEST(Form, EnablesTheHostBeforeItHides) {
+    static HWND shown;
+    static std::wstring seen;
+    static WNDPROC before;
+    const HWND host = MakeHostWindow();
+    before = reinterpret_cast<WNDPROC>(SetWindowLongPtrW(
+        host, GWLP_WNDPROC,
+        reinterpret_cast<LONG_PTR>(
+            static_cast<WNDPROC>([](HWND window, UINT message, WPARAM wParam, LPARAM lParam) WINAPI -> LRESULT {
+                if (message == WM_ENABLE) {
+                    seen += wParam != 0 ? L"enabled " : L"disabled ";
+                    seen += IsWindowVisible(shown) ? L"seen " : L"hidden ";
+                }
+                return CallWindowProcW(before, window, message, wParam, lParam);
+            }))));
+    TestForm form;
+    form.Load();
+    shown = form.Handle();
+    seen.clear();
+    const Later later([&] { form.Hide(); });
+    form.ShowModal();
+    EXPECT_EQ(L"disabled hidden enabled seen ", seen);
+    EXPECT_FALSE(IsWindowVisible(form.Handle()));
+    DestroyWindow(host);
+}
+
 // The list of the host's windows is made while the system enumerates them: what fails there comes out of ShowModal.
 TEST(Form, IsNotShownWhenMemoryIsShortAndTheHostIsEnabled) {
     const Shortage shortage(GetModuleHandleW(nullptr));

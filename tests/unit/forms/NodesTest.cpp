@@ -393,3 +393,30 @@ TEST(Nodes, ABranchMayGoWhileItIsFilled) {
     EXPECT_EQ(0, tree.Items().Count());
     EXPECT_EQ(0, tree.Shown());
 }
+
+// The control selects its first item when the focus comes to it and none is selected.
+TEST(TreeView, TheFocusSelectsANodeForTheKeyboardAlone) {
+    Tree tree;
+    PictureBox other;
+    other.Create(tree.Top.Handle(), 9);
+    ShowWindow(tree.Top.Top(), SW_SHOWNA);
+    tree.View.Move(0, 0, 3000, 3000);
+    const Node first = tree.Root(L"A");
+    tree.Root(L"B");
+    std::vector<std::wstring> told;
+    tree.View.SelChange = [&](const Node& node) { told.push_back(node ? node.Text() : L"none"); };
+    // By the mouse or a program, which say themselves what is to be selected.
+    tree.View.SetFocus();
+    EXPECT_TRUE(tree.View.HasFocus());
+    EXPECT_FALSE(tree.View.SelectedItem());
+    EXPECT_EQ(std::vector<std::wstring>{}, told);
+    other.SetFocus();
+    // By the Tab key.
+    ::SetFocus(tree.View.Handle());
+    EXPECT_EQ(first, tree.View.SelectedItem());
+    EXPECT_EQ(std::vector<std::wstring>{L"A"}, told);
+    other.SetFocus();
+    tree.View.SetFocus();
+    EXPECT_EQ(first, tree.View.SelectedItem()) << "what was selected stays";
+    EXPECT_EQ(1U, told.size());
+}

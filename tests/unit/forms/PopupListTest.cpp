@@ -238,3 +238,27 @@ TEST(PopupList, APressElsewhereIsOneOfAnyButton) {
     names.List.Close();
     EXPECT_FALSE(elsewhere(WM_LBUTTONDOWN));
 }
+
+TEST(PopupList, AnAskerWithoutRoomGetsNothing) {
+    NameList names;
+    names.List.SetRows(3, L"");
+    wchar_t room[20] = L"before";
+    const auto asked = [&](UINT mask, wchar_t* text, int length) {
+        NMLVDISPINFOW info{};
+        info.hdr.hwndFrom = names.List.Handle();
+        info.hdr.code = static_cast<UINT>(LVN_GETDISPINFOW);
+        info.item.mask = mask;
+        info.item.iItem = 1;
+        info.item.pszText = text;
+        info.item.cchTextMax = length;
+        LRESULT result = 0;
+        EXPECT_TRUE(Control::Reflect(WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&info), result));
+        return std::wstring(room);
+    };
+    EXPECT_EQ(L"before", asked(LVIF_TEXT, nullptr, 20));
+    EXPECT_EQ(L"before", asked(LVIF_TEXT, room, 0));
+    EXPECT_EQ(L"before", asked(LVIF_TEXT, room, -1));
+    EXPECT_EQ(L"before", asked(LVIF_IMAGE, room, 20));
+    EXPECT_EQ(L"nam", asked(LVIF_TEXT, room, 4));
+    EXPECT_EQ(L"name 1", asked(LVIF_TEXT, room, 20));
+}

@@ -246,3 +246,19 @@ TEST(RichTextBox, TakesMoreThanTheControlsFirstLimit) {
     editor.Box.Send(WM_CHAR, L'y');
     EXPECT_EQ(40001, editor.Box.TextLength());
 }
+
+TEST(RichTextBox, ItsFontIsThatOfWhatIsTypedAndOfWhatStandsThere) {
+    TopWindow top;
+    RichTextBox box;
+    box.Create(top.Handle(), 2);
+    box.SetText(L"text");
+    box.SetEditorFont(L"Courier New", 11);
+    for (const WPARAM of : {SCF_DEFAULT, SCF_SELECTION}) {
+        CHARFORMAT2W format{};
+        format.cbSize = sizeof format;
+        box.Send(EM_GETCHARFORMAT, of, reinterpret_cast<LPARAM>(&format));
+        EXPECT_STREQ(L"Courier New", format.szFaceName) << of;
+        EXPECT_EQ(220, format.yHeight) << of;
+        EXPECT_EQ(0U, format.dwEffects & (CFE_BOLD | CFE_ITALIC)) << of;
+    }
+}

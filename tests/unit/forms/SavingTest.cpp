@@ -244,6 +244,61 @@ TEST(SavingTest, AFileThatOthersHaveOpenIsTriedAgainSixTimes) {
     }
 }
 
+TEST(SavingTest, AnOldFileThatWasPutAsideComesBackWhereTheNewOneCannotTakeItsPlace) {
+    static int moved;
+    const Folder folder;
+    AtomicFile::Write(folder / L"kept.sql", "before");
+    const PatchedFunction replace(
+        L"kernel32.dll", "ReplaceFileW",
+        reinterpret_cast<void*>(
+            static_cast<BOOL(WINAPI*)(const wchar_t*, const wchar_t*, const wchar_t*, DWORD, void*, void*)>(
+                [](const wchar_t* target, const wchar_t*, const wchar_t* aside, DWORD, void*, void*) WINAPI {
+                    CopyFileW(target, aside, TRUE);
+                    DeleteFileW(target);
+                    SetLastError(ERROR_UNABLE_TO_MOVE_REPLACEMENT_2);
+                    return FALSE;
+                })));
+    const PatchedFunction move(
+        L"kernel32.dll", "MoveFileExW",
+        reinterpret_cast<void*>(static_cast<BOOL(WINAPI*)(const wchar_t*, const wchar_t*, DWORD)>(
+            [](const wchar_t* from, const wchar_t* to, DWORD) WINAPI -> BOOL {
+                SetLastError(ERROR_DISK_FULL);
+                return ++moved > 1 && CopyFileW(from, to, TRUE) && DeleteFileW(from);
+            })));
+    ASSERT_TRUE(replace);
+    ASSERT_TRUE(move);
+    moved = 0;
+    EXPECT_EQ(ErrorNumber::DiskFull, NumberOf([&] { AtomicFile::Write(folder / L"kept.sql", "after"); }));
+    EXPECT_EQ(2, moved);
+    EXPECT_EQ("before", BytesOf(folder / L"kept.sql"));
+    EXPECT_EQ(Names{L"kept.sql"}, folder.Names());
+}
+
+TEST(SavingTest, WhatAFileIsMarkedAsStays) {
+    static DWORD given;
+    const Folder folder;
+    AtomicFile::Write(folder / L"kept.sql", "before");
+    const PatchedFunction get(
+        L"kernel32.dll", "GetFileAttributesW",
+        reinterpret_cast<void*>(static_cast<DWORD(WINAPI*)(const wchar_t*)>([](const wchar_t*) WINAPI -> DWORD {
+            return FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM | FILE_ATTRIBUTE_TEMPORARY |
+                   FILE_ATTRIBUTE_NOT_CONTENT_INDEXED;
+        })));
+    const PatchedFunction set(
+        L"kernel32.dll", "SetFileAttributesW",
+        reinterpret_cast<void*>(static_cast<BOOL(WINAPI*)(const wchar_t*, DWORD)>([](const wchar_t*, DWORD as) WINAPI {
+            given = as;
+            return TRUE;
+        })));
+    ASSERT_TRUE(get);
+    ASSERT_TRUE(set);
+    given = 0;
+    AtomicFile::Write(folder / L"kept.sql", "after");
+    EXPECT_EQ(static_cast<DWORD>(FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM | FILE_ATTRIBUTE_NOT_CONTENT_INDEXED |
+                                 FILE_ATTRIBUTE_ARCHIVE),
+              given);
+}
+
 TEST(SavingTest, SixTakenNamesAreEnough) {
     const Folder folder;
     AtomicFile::Write(folder / L"taken.tmp", "somebody else's");

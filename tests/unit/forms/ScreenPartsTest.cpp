@@ -189,6 +189,14 @@ TEST(Keyboard, CharactersWithShiftAreOnTheKeyboardToo) {
     EXPECT_FALSE(HasCharacter(L'\x4E2D'));
     EXPECT_TRUE(WritesCharacter(VK_DIVIDE, false, L'/'));
     EXPECT_FALSE(WritesCharacter(VK_DIVIDE, false, L'+'));
+    // The keys of the number pad write the same with and without Shift.
+    const std::pair<int, wchar_t> pad[] = {{VK_DIVIDE, L'/'}, {VK_ADD, L'+'}, {VK_SUBTRACT, L'-'}, {VK_NUMPAD0, L'0'}};
+    for (const auto& [key, written] : pad) {
+        for (const auto& [other, character] : pad) {
+            EXPECT_EQ(key == other, WritesCharacter(key, false, character)) << key;
+            EXPECT_EQ(key == other, WritesCharacter(key, true, character)) << key;
+        }
+    }
 }
 
 TEST(Painting, WhatEndsUnderABoxIsPaintedAfterIt) {

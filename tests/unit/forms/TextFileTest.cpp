@@ -340,3 +340,21 @@ TEST(TextFile, ANewTextTakesTheOldOnesPlaceAndAttributes) {
     EXPECT_TRUE(GetFileAttributesW(path.c_str()) & FILE_ATTRIBUTE_HIDDEN);
     EXPECT_EQ(1U, folder.Names().size());
 }
+
+TEST(TextFile, OneThatIsCutShortWhileItIsReadIsReadAsFarAsItGoes) {
+    static int reads;
+    const Folder folder;
+    PutBytes(folder / L"a.sql", std::string(10, 'x'));
+    const PatchedFunction read(
+        L"kernel32.dll", "ReadFile",
+        reinterpret_cast<void*>(static_cast<BOOL(WINAPI*)(HANDLE, void*, DWORD, DWORD*, OVERLAPPED*)>(
+            [](HANDLE, void* buffer, DWORD size, DWORD* done, OVERLAPPED*) WINAPI -> BOOL {
+                *done = ++reads > 2 || size < 2 ? 0 : 2;
+                if (*done > 0) memcpy(buffer, "ab", 2);
+                return TRUE;
+            })));
+    ASSERT_TRUE(read);
+    reads = 0;
+    EXPECT_EQ("abab", TextFile::ReadBytes(folder / L"a.sql", 100));
+    EXPECT_EQ(3, reads);
+}

@@ -230,6 +230,7 @@ TEST_F(DoorTest, TellsEarlyBoundHostsOfAFailedReport) {
     ISupportErrorInfo* support = nullptr;
     ASSERT_EQ(S_OK, editor->QueryInterface(IID_ISupportErrorInfo, reinterpret_cast<void**>(&support)));
     EXPECT_EQ(S_OK, support->InterfaceSupportsErrorInfo(IID__clsSQLEditor));
+    EXPECT_EQ(S_FALSE, support->InterfaceSupportsErrorInfo(IID_IProvideClassInfo));
     support->Release();
     Errors.CannotBeCreated = true;
     Database.Members.erase(L"Connected");
