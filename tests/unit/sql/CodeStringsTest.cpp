@@ -91,6 +91,8 @@ TEST(FromCodeTest, Basic) {
     EXPECT_EQ(L"\"Order Details\"", From(L"\"\"\"Order Details\"\"\""));
     EXPECT_EQ(L"it's", From(L"x = \"it's\" & y"));
     EXPECT_EQ(L"a\r\nb\r\n", From(L"sb.AppendLine(\"a\")\nsb.AppendLine(\"b\")"));
+    // A call without brackets ends with its line.
+    EXPECT_EQ(L"a\r\nb\r\n", From(L"sb.AppendLine \"a\" & \"\"\nsb.AppendLine \"b\""));
 }
 
 TEST(FromCodeTest, CSharpAndJava) {

@@ -160,6 +160,21 @@ TEST_F(BrowserTest, APropertyThatCannotBeReadIsToldAndTheNextStatementFollows) {
     EXPECT_EQ(L"The column has gone.", box.Text);
 }
 
+TEST_F(BrowserTest, ThatNumberOfAnotherSourceIsReported) {
+    auto* made = new DynamicObject;
+    const Object value = Object::Attach(made);
+    made->DefineDefault(
+        [](const Arguments&) -> Variant { RaiseError(ObjectErrorBase + 10, L"another", L"The column has gone."); });
+    Database.DictionaryMembers[L"Columns"] = [&](const Arguments&) {
+        return Variant(MakeCollection({Variant(MakeCollection({Property(L"COLUMN_NAME", Variant(value))}))}));
+    };
+    BoxAnswerer box;
+    Inside([this] { OpenDownTo({0, 0, 0}); });
+    EXPECT_EQ(0, box.Boxes);
+    EXPECT_EQ(L"modLists.PopulateDBObjColumns", Errors.Only().Place());
+    EXPECT_EQ(L"another", Errors.Only().Source);
+}
+
 TEST_F(BrowserTest, AFailureThatNamesNoSourceIsNotTakenForTheComponentsOwn) {
     long number = 0;
     auto* made = new DynamicObject;

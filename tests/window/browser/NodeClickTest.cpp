@@ -293,6 +293,12 @@ TEST_F(NodeClickTest, TheFirstPageDescribesItsNodeAgain) {
         ShowPage(0);
         EXPECT_EQ(L"Sales & Co schema: contains a list of database objects (tables and views).", Description());
         EXPECT_EQ(L"", Calls());
+        // And nothing where nothing is selected.
+        Tree.Select(nullptr);
+        ShowPage(1);
+        EXPECT_NE(L"", Description());
+        ShowPage(0);
+        EXPECT_EQ(L"", Description());
     });
 }
 

@@ -12,6 +12,7 @@ protected:
     struct Seen {
         std::wstring Root, Status;
         bool Shown = false;
+        int Reference = 0;  // nodes of the database's own reference
     };
     Seen Show(const Object& database) {
         const Object editor = Dll.Create();
@@ -22,7 +23,8 @@ protected:
         Seen seen;
         std::wstring sql = L"select 1";
         const WhenShown shown([&] {
-            seen = {EditorWindow::Root(), EditorWindow::Status(), true};
+            seen = {EditorWindow::Root(), EditorWindow::Status(), true,
+                    EditorTree(EditorTree::DatabaseSpecific).Count()};
             EditorWindow::Close();
         });
         editor.Call(L"Display", ByRef(sql));
@@ -181,11 +183,13 @@ TEST_F(ConstructorTest, NothingAfterAConnectionLeavesTheAdapterAndSoAFailingStat
 
 TEST_F(ConstructorTest, ADisconnectedDatabaseAfterAConnectionDisconnects) {
     const Object editor = Connected();
+    EXPECT_LT(100, ShowAgain(editor).Reference);
     Database.Members[L"Connected"] = [](const Arguments&) { return Variant(false); };
     editor.Call(L"Constructor", Database.Make());
     const Seen seen = ShowAgain(editor);
     EXPECT_EQ(L"Not connected to a database", seen.Status);
     EXPECT_EQ(L"<none>", seen.Root);
+    EXPECT_EQ(0, seen.Reference);  // the type is the former one's
 }
 
 TEST_F(ConstructorTest, AMissingMemberIsReportedAndWhatWasSetStays) {

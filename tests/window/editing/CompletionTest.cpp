@@ -176,6 +176,13 @@ TEST_F(CompletionTest, SchemasLeadToTheirTables) {
                   Press(VK_NEXT), Press(VK_RETURN), Holds(L"select * from hr.ORDERS")});
 }
 
+// The statement's own name for a table goes before a schema of that name.
+TEST_F(CompletionTest, AnAliasThatIsASchemasNameIsATable) {
+    InSteps(L"", {Ready(L"select hr.| from customer hr"), Press(VK_SPACE, FCONTROL),
+                  Shows(L"\"customer\" is not among the tables that the object browser has read."), Press(VK_ESCAPE),
+                  Holds(L"select hr. from customer hr")});
+}
+
 TEST_F(CompletionTest, AnEmptyListSaysWhy) {
     InSteps(L"", {Ready(L"select x.| from customer x"), Press(VK_SPACE, FCONTROL),
                   Shows(L"\"customer\" is not among the tables that the object browser has read."), Press(VK_DOWN),

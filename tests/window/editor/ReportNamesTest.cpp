@@ -7,9 +7,12 @@
 #include "errors/clsErrorHandler.h"
 #include "shared/modGlobal.h"
 #include "editor/ControlIds.h"
+#include "support/Dialogs.h"
+#include "support/Folder.h"
 #include "support/HostFakes.h"
 #include "support/PatchedFunction.h"
 #include "support/Settings.h"
+#include "support/TestData.h"
 
 // Each procedure reports under its own name. An event of a control that lets an error out makes the procedure fail that
 // raised it; where a procedure below it has a trap of its own, the first reports fail, and what failed travels up, each
@@ -124,6 +127,38 @@ TEST_F(ReportNamesTest, OfInsertions) {
     ShowTab(1);
     EXPECT_EQ(L"m_InsertSQL ", Reported([this] { Form().mnuActionExecute.Click(); }));
     EXPECT_EQ(L"mnuActionExecute_Click 429 ", Reported([this] { Form().mnuActionExecute.Click(); }, 1));
+}
+
+// What waits until the other program has its answer.
+TEST_F(ReportNamesTest, OfDropsThatAreInsertedLater) {
+    const Folder here;
+    const std::wstring file = here / L"a.sql";
+    PutBytes(file, "select 1");
+    ShowWindow(Form().Handle(), SW_SHOWNA);  // nothing is inserted into a window that was closed meanwhile
+    Form().rtbSQL.SetText(L"select 1");
+    BoxAnswerer box(IDOK);
+    for (const bool isFile : {true, false}) {
+        const auto drop = [&] {
+            // The insertion begins behind what is selected, and fails at that.
+            Form().rtbSQL.SelChange = nullptr;
+            Form().rtbSQL.Select(0, 6);
+            Form().rtbSQL.SelChange = Fail;
+            TestData data;
+            if (isFile) {
+                data.AddFiles({file});
+            } else {
+                data.AddText(std::wstring(1024 * 1024 + 1, L'x'));
+            }
+            Form().rtbSQL.OLEDragDrop(DroppedData(&data));
+            MSG message;
+            while (PeekMessageW(&message, Form().rtbSQL.Handle(), 0, 0, PM_REMOVE)) DispatchMessageW(&message);
+        };
+        EXPECT_EQ(L"m_InsertSQL ", Reported(drop)) << isFile;
+        EXPECT_EQ(L"rtbSQL_OLEDragDrop 429 ", Reported(drop, 1)) << isFile;
+    }
+    EXPECT_EQ(2, box.Boxes);
+    Form().rtbSQL.SelChange = nullptr;
+    ShowWindow(Form().Handle(), SW_HIDE);
 }
 
 TEST_F(ReportNamesTest, OfTheActiveItem) {

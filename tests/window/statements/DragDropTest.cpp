@@ -138,6 +138,40 @@ TEST_F(DragDropTest, TheCaretFollowsAndTheFocusGoesAndComes) {
     });
 }
 
+namespace {
+CHARRANGE atFocus{};  // what was selected in the editor when it was last given the focus
+}
+
+// A control scrolls to what is selected in it when it gets the focus.
+TEST_F(DragDropTest, TheCaretIsThereBeforeTheFocus) {
+    Inside(L"first\r\nsecond line\r\nthird", [this] {
+        Tree.Open(Tree.At({}));
+        SetFocus(Tree.Handle());
+        POINT at{};
+        ASSERT_TRUE(Tree.Place(Tree.At({3}), at));
+        SendMessageW(EditorWindow::Editor(), EM_SETSEL, 2, 6);
+        const HHOOK hook = SetWindowsHookExW(
+            WH_CALLWNDPROC,
+            [](int code, WPARAM wParam, LPARAM lParam) WINAPI -> LRESULT {
+                const auto& one = *reinterpret_cast<const CWPSTRUCT*>(lParam);
+                if (code == HC_ACTION && one.message == WM_SETFOCUS && one.hwnd == EditorWindow::Editor()) {
+                    atFocus = EditorWindow::Selection();
+                }
+                return CallNextHookEx(nullptr, code, wParam, lParam);
+            },
+            nullptr, GetCurrentThreadId());
+        const HWND tree = Tree.Handle();
+        SendMessageW(tree, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(at.x, at.y));
+        SendMessageW(tree, WM_MOUSEMOVE, MK_LBUTTON, Mapped(EditorWindow::Editor(), tree, PlaceOf(10)));
+        UnhookWindowsHookEx(hook);
+        EXPECT_EQ(EditorWindow::Editor(), GetFocus());
+        EXPECT_EQ(10, atFocus.cpMin);
+        EXPECT_EQ(10, atFocus.cpMax);
+        SendMessageW(tree, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(at.x, at.y));
+        SendMessageW(tree, WM_LBUTTONUP, 0, MAKELPARAM(at.x, at.y));
+    });
+}
+
 TEST_F(DragDropTest, LettingGoElsewhereDropsNothing) {
     Inside([this] {
         Tree.Open(Tree.At({}));

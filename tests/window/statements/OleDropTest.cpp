@@ -33,6 +33,19 @@ TEST_F(OleDropTest, TextGoesWhereItIsDropped) {
               }));
 }
 
+TEST_F(OleDropTest, AShortTextIsThereWithTheAnswer) {
+    Inside(L"one", [] {
+        const auto target = EditorDropTarget();
+        ASSERT_TRUE(target);
+        TestData data;
+        data.AddText(L"two");
+        DWORD effect = DROPEFFECT_COPY;
+        target->DragEnter(&data, MK_LBUTTON, PlaceOf(3), &effect);
+        EXPECT_EQ(S_OK, target->Drop(&data, 0, PlaceOf(3), &effect));
+        EXPECT_EQ(L"onetwo", EditorWindow::Text());
+    });
+}
+
 TEST_F(OleDropTest, ADropThatNamesNoPlaceInTheTextGoesBehindTheSelection) {
     EXPECT_EQ(L"oneX two", Inside(L"one two", [] {
                   SendMessageW(EditorWindow::Editor(), EM_SETSEL, 0, 3);
