@@ -420,4 +420,16 @@ TEST(Drag, ForgetsWhatGoes) {
     EXPECT_TRUE(Dragging::IsFrom(*passing));
     passing.reset();
     EXPECT_FALSE(Dragging::Active());
+    // A window that went is told nothing more.
+    struct Going : PictureBox {
+        using PictureBox::Destroy;
+    } going;
+    going.Create(boxes.Top.Handle(), 5);
+    std::vector<DragState> told;
+    going.DragOver = [&](Control&, float, float, DragState state) { told.push_back(state); };
+    boxes.Begin(going, 1, 2);
+    going.Destroy();
+    boxes.MoveOver(boxes.One, 1, 2);
+    EXPECT_EQ((std::vector<DragState>{DragState::Enter, DragState::Over}), told);
+    Dragging::Cancel();
 }
