@@ -190,6 +190,8 @@ function(brv_add_test name)
     # Wine's debugger ends a program that crashed, at times with 0.
     set_tests_properties(${name} PROPERTIES TIMEOUT ${arg_TIMEOUT} COST ${arg_TIMEOUT} LABELS "${arg_LABELS}"
         FAIL_REGULAR_EXPRESSION "Unhandled exception:")
+    math(EXPR limit "${arg_TIMEOUT} - 10")
+    set_property(TEST ${name} APPEND PROPERTY ENVIRONMENT BRV_TIME_LIMIT=${limit})
     if(arg_SHARED)
         set_property(TEST ${name} APPEND PROPERTY ENVIRONMENT BRV_IS_SHARED=1)
     endif()
