@@ -37,6 +37,38 @@ private:
     UINT_PTR timer_;
 };
 
+// Where the last dialog was when it was shown: a window manager may move it a moment later.
+class PlaceWhenShown {
+public:
+    PlaceWhenShown()
+        : hook_(SetWindowsHookExW(
+              WH_CALLWNDPROC,
+              [](int code, WPARAM wParam, LPARAM lParam) WINAPI -> LRESULT {
+                  const CWPSTRUCT& sent = *reinterpret_cast<const CWPSTRUCT*>(lParam);
+                  if (code == HC_ACTION && sent.message == WM_SHOWWINDOW && sent.wParam != FALSE &&
+                      GetClassLongPtrW(sent.hwnd, GCW_ATOM) == reinterpret_cast<ULONG_PTR>(WC_DIALOG))
+                      GetWindowRect(sent.hwnd, &place_);
+                  return CallNextHookEx(nullptr, code, wParam, lParam);
+              },
+              nullptr, GetCurrentThreadId())) {
+        place_ = {};
+    }
+    ~PlaceWhenShown() { UnhookWindowsHookEx(hook_); }
+    PlaceWhenShown(const PlaceWhenShown&) = delete;
+    PlaceWhenShown& operator=(const PlaceWhenShown&) = delete;
+    static void ExpectMiddleOf(HWND owner) {
+        RECT around{};
+        GetWindowRect(owner, &around);
+        EXPECT_LT(place_.left, place_.right);
+        EXPECT_NEAR((around.left + around.right) / 2, (place_.left + place_.right) / 2, 1);
+        EXPECT_NEAR((around.top + around.bottom) / 2, (place_.top + place_.bottom) / 2, 1);
+    }
+
+private:
+    static inline RECT place_;
+    HHOOK hook_;
+};
+
 RECT InClient(HWND dialog, HWND control) {
     RECT place{};
     GetWindowRect(control, &place);
@@ -108,6 +140,7 @@ DWORD WINAPI TickInstead() noexcept { return tick; }
 
 TEST(InputBox, HasItsControlsInTheirPlaces) {
     const TopWindow owner;
+    const PlaceWhenShown places;
     const Looker looker(L"a title", [&](HWND dialog) {
         EXPECT_EQ(owner.Top(), GetWindow(dialog, GW_OWNER));
         ExpectControls(dialog, {220, 62},
@@ -119,12 +152,7 @@ TEST(InputBox, HasItsControlsInTheirPlaces) {
         const HWND text = GetDlgItem(dialog, TextId);
         EXPECT_EQ(MAKELONG(0, 6), SendMessageW(text, EM_GETSEL, 0, 0));
         EXPECT_EQ(1000, SendMessageW(text, EM_GETLIMITTEXT, 0, 0));
-        RECT place{};
-        RECT around{};
-        GetWindowRect(dialog, &place);
-        GetWindowRect(owner.Top(), &around);
-        EXPECT_NEAR((around.left + around.right) / 2, (place.left + place.right) / 2, 1);
-        EXPECT_NEAR((around.top + around.bottom) / 2, (place.top + place.bottom) / 2, 1);
+        PlaceWhenShown::ExpectMiddleOf(owner.Top());
         SetWindowTextW(text, L"after");
         // Another notification, and a button that does not exist, close nothing.
         SendMessageW(dialog, WM_COMMAND, MAKEWPARAM(TextId, EN_CHANGE), reinterpret_cast<LPARAM>(text));
@@ -161,6 +189,7 @@ TEST(PrintingNotice, ComesAfterAMomentAndItsButtonStopsThePrinting) {
     const PatchedFunction clock(L"kernel32.dll", "GetTickCount", reinterpret_cast<void*>(&TickInstead));
     ASSERT_TRUE(clock);
     const TopWindow owner;
+    const PlaceWhenShown places;
     tick = 0xFFFFFF00;  // the clock of the system begins again at 0
     {
         PrintingNotice notice(owner.Top());
@@ -177,12 +206,7 @@ TEST(PrintingNotice, ComesAfterAMomentAndItsButtonStopsThePrinting) {
         ExpectControls(shown, {160, 48},
                        {{100, L"Static", L"Printing page 2 ...", {8, 8, 144, 10}, SS_LEFT, 0},
                         {IDCANCEL, L"Button", L"Cancel", {55, 26, 50, 14}, BS_PUSHBUTTON | WS_TABSTOP, 0}});
-        RECT place{};
-        RECT around{};
-        GetWindowRect(shown, &place);
-        GetWindowRect(owner.Top(), &around);
-        EXPECT_NEAR((around.left + around.right) / 2, (place.left + place.right) / 2, 1);
-        EXPECT_NEAR((around.top + around.bottom) / 2, (place.top + place.bottom) / 2, 1);
+        PlaceWhenShown::ExpectMiddleOf(owner.Top());
         EXPECT_TRUE(notice.Continue(13));
         EXPECT_EQ(shown, dialog()) << "the same one";
         wchar_t text[100]{};
