@@ -30,16 +30,18 @@ std::wstring FormatName(const std::wstring& Name) {
 // connection: the database, its type and the owner are read for each table.
 class TableNames {
 public:
-    explicit TableNames(std::wstring Schema) : schema_(std::move(Schema)) {}
+    // `Lead` stands before each reference: both are written at once, for folders have thousands.
+    explicit TableNames(std::wstring Schema, std::wstring_view Lead = {}) : schema_(std::move(Schema)), lead_(Lead) {}
 
-    // The schema, by what the connection is before the host is asked, and the name.
-    void AppendTo(std::wstring& To, const std::wstring& Table) {
+    // The lead without its first `Skipped` characters, the schema by what the connection is before the host is asked,
+    // and the name.
+    void AppendTo(std::wstring& To, const std::wstring& Table, size_t Skipped = 0) {
         if (prefix_ == std::nullopt || type_ != DBType || owner_ != OwnerName) {
-            prefix_ = Dialects::TablePrefix(DBType, OwnerName, schema_);
+            prefix_ = lead_ + Dialects::TablePrefix(DBType, OwnerName, schema_);
             type_ = DBType;
             owner_ = OwnerName;
         }
-        To.append(*prefix_);
+        To.append(*prefix_, Skipped);
         if (formatted_ == nullptr || !formatted_->IsOf(HostDatabase)) {
             formatted_ = std::make_unique<TextFunction>(HostDatabase, L"FormatName");
         }
@@ -48,21 +50,25 @@ public:
 
 private:
     const std::wstring schema_;
+    const std::wstring lead_;
     std::optional<std::wstring> prefix_;
     long type_ = 0;
     std::wstring owner_;
     std::unique_ptr<TextFunction> formatted_;
 };
 
-// Appends like the procedure of that name would: a failure is reported under its name and appends nothing.
+// Appends like the procedure of that name would: a failure is reported under its name and appends nothing. Whether it
+// has appended.
 template <class Append>
-void Trapped(const wchar_t* Routine, std::wstring& To, Append&& append) {
+bool Trapped(const wchar_t* Routine, std::wstring& To, Append&& append) {
     const size_t Before = To.size();
     try {
         append();
+        return true;
     } catch (...) {
         To.resize(Before);
         ReportError(frmSQLEditor::Module, Routine);
+        return false;
     }
 }
 
@@ -108,47 +114,56 @@ void WishFor(std::wstring& Text, uint64_t Length) noexcept {
     }
 }
 
-// One statement for each object of a folder: `append` puts it after the others for the object's name.
+// One statement for each object of a folder: `append` puts the separator, without its first `Skipped` characters, and
+// the statement after the others for the object's name.
 template <class Append>
 std::wstring JoinStatements(const Node& Folder, Append&& append) {
     const auto Count = static_cast<size_t>(Folder.Children());
     std::wstring Joined;
+    bool First = true;
     ForEachObject(Folder, [&](const Node& Object) {
-        const bool First = Joined.empty();
-        append(Joined, Object.Text());
-        Joined.append(Separator);
+        append(Joined, Object.Text(), First ? SeparatorLength : 0);
         // Room for as many that are half as long again.
-        if (First) WishFor(Joined, uint64_t{Count} * (Joined.size() + Joined.size() / 2));
+        if (First) WishFor(Joined, uint64_t{Count} * (Joined.size() + SeparatorLength) * 3 / 2);
+        First = false;
     });
-    if (!Joined.empty()) Joined.resize(Joined.size() - SeparatorLength);
     return Joined;
 }
 
 // `Start` and what m_BuildTable gives, for each object of a folder.
 std::wstring JoinTables(const Node& Folder, std::wstring_view Start) {
-    TableNames Names(Folder.Parent().Text());
-    return JoinStatements(Folder, [&](std::wstring& Joined, const std::wstring& Table) {
-        Joined.append(Start);
-        Trapped(L"m_BuildTable", Joined, [&] { Names.AppendTo(Joined, Table); });
+    const std::wstring Lead = Separator + std::wstring(Start);
+    TableNames Names(Folder.Parent().Text(), Lead);
+    return JoinStatements(Folder, [&](std::wstring& Joined, const std::wstring& Table, size_t Skipped) {
+        if (!Trapped(L"m_BuildTable", Joined, [&] { Names.AppendTo(Joined, Table, Skipped); }))
+            Joined.append(Lead, Skipped);
     });
 }
 
 // What m_BuildStmtSampleRows gives for each object of a folder.
 std::wstring JoinSampleRows(const Node& Folder) {
     TableNames Names(Folder.Parent().Text());
-    std::wstring Reference;
-    return JoinStatements(Folder, [&](std::wstring& Joined, const std::wstring& Table) {
+    return JoinStatements(Folder, [&](std::wstring& Joined, const std::wstring& Table, size_t Skipped) {
+        Joined.append(Separator + Skipped);
         Trapped(L"m_BuildStmtSampleRows", Joined, [&] {
-            Reference.clear();
-            Trapped(L"m_BuildTable", Reference, [&] { Names.AppendTo(Reference, Table); });
+            const size_t At = Joined.size();
+            const Dialects::Frame Expected = Dialects::SampleRows(DBType);
+            Joined.append(Expected.Before);
+            Trapped(L"m_BuildTable", Joined, [&] { Names.AppendTo(Joined, Table); });
+            // By what the connection is after the host was asked.
             const Dialects::Frame Frame = Dialects::SampleRows(DBType);
-            Joined.append(Frame.Before).append(Reference).append(Frame.Behind);
+            if (Frame.Before != Expected.Before) Joined.replace(At, Expected.Before.size(), Frame.Before);
+            Joined.append(Frame.Behind);
         });
     });
 }
 
-void AppendDescribe(std::wstring& Joined, const std::wstring& Prefix, const std::wstring& Name) {
-    Joined.append(L"DESCRIBE ").append(Prefix).append(Name);
+// What m_GetStmtDescribe gives for each object of a folder.
+std::wstring JoinDescriptions(const Node& Folder, const std::wstring& Prefix) {
+    const std::wstring Lead = Separator + (L"DESCRIBE " + Prefix);
+    return JoinStatements(Folder, [&](std::wstring& Joined, const std::wstring& Name, size_t Skipped) {
+        Joined.append(Lead, Skipped).append(Name);
+    });
 }
 
 }  // namespace
@@ -185,22 +200,13 @@ std::wstring frmSQLEditor::m_GetStmtCountRows(const Node& Node) try {
 std::wstring frmSQLEditor::m_GetStmtDescribe(const Node& Node) try {
     const std::wstring& Kind = Node.Tag();
     if (IsTableOrView(Kind)) return L"DESCRIBE " + Dialects::DescribePrefix(SchemaOfTable(Node)) + Node.Text();
-    if (IsFolder(Kind)) {
-        const std::wstring Prefix = Dialects::DescribePrefix(Node.Parent().Text());
-        return JoinStatements(
-            Node, [&](std::wstring& Joined, const std::wstring& Name) { AppendDescribe(Joined, Prefix, Name); });
-    }
+    if (IsFolder(Kind)) return JoinDescriptions(Node, Dialects::DescribePrefix(Node.Parent().Text()));
     if (Kind != modLists::NodeKind::Schema) return {};
     const std::wstring Prefix = Dialects::DescribePrefix(Node.Text());
-    std::wstring Joined;
-    for (const ::Node& Folder : {Node.Child().FirstSibling(), Node.Child().LastSibling()}) {
-        ForEachObject(Folder, [&](const ::Node& Object) {
-            AppendDescribe(Joined, Prefix, Object.Text());
-            Joined.append(Separator);
-        });
-    }
-    if (!Joined.empty()) Joined.resize(Joined.size() - SeparatorLength);
-    return Joined;
+    std::wstring Joined = JoinDescriptions(Node.Child().FirstSibling(), Prefix);
+    const std::wstring OfTheLast = JoinDescriptions(Node.Child().LastSibling(), Prefix);
+    if (!Joined.empty() && !OfTheLast.empty()) Joined.append(Separator);
+    return Joined.append(OfTheLast);
 } catch (...) {
     ReportError(Module, L"m_GetStmtDescribe");
     return {};
