@@ -282,24 +282,27 @@ TEST_F(BuildersTest, TheOwnerIsReadForEachStatementOfAFolder) {
 TEST_F(BuildersTest, EachStatementOfAFolderIsMadeByTheConnectionOfItsTime) {
     Type(4);
     const Object editor = Dll.Create();
-    FakeDatabase other;
-    other.Members[L"DBType"] = [](const Arguments&) { return Variant(17L); };
-    other.Members[L"FormatName"] = [](const Arguments& a) { return Variant(L"other " + a[0].ToText()); };
-    int asked = 0;
-    Database.Members[L"FormatName"] = [&](const Arguments& a) -> Variant {
-        const Variant name = a[0];
-        if (++asked == 5) editor.Call(L"Constructor", other.Make());
-        return name;
-    };
-    editor.Call(L"Constructor", Database.Make());
-    DisplayAndClose(editor, L"", [this] {
-        OpenAll(0);
-        Tree.Select(Tree.At({0, 0}));
-        // The schema is written before the host is asked for the name, what limits the rows after it.
-        EXPECT_EQ(L"SELECT * FROM SALES.ORDERS LIMIT 100;\r\nSELECT * FROM other order lines LIMIT 100",
-                  Written(L"Sample rows from all tables"));
-    });
-    EXPECT_EQ(5, asked);
+    // The schema is written before the host is asked for the name, what limits the rows after it.
+    for (const auto& [type, expected] : std::vector<std::pair<long, const wchar_t*>>{
+             {17, L"SELECT * FROM SALES.ORDERS LIMIT 100;\r\nSELECT * FROM other order lines LIMIT 100"},
+             {8, L"SELECT top 100 * FROM SALES.ORDERS;\r\nSELECT top 100 * FROM other order lines"}}) {
+        FakeDatabase other;
+        other.Members[L"DBType"] = [type](const Arguments&) { return Variant(type); };
+        other.Members[L"FormatName"] = [](const Arguments& a) { return Variant(L"other " + a[0].ToText()); };
+        int asked = 0;
+        Database.Members[L"FormatName"] = [&](const Arguments& a) -> Variant {
+            const Variant name = a[0];
+            if (++asked == 5) editor.Call(L"Constructor", other.Make());
+            return name;
+        };
+        editor.Call(L"Constructor", Database.Make());
+        DisplayAndClose(editor, L"", [&] {
+            OpenAll(0);
+            Tree.Select(Tree.At({0, 0}));
+            EXPECT_EQ(expected, Written(L"Sample rows from all tables"));
+        });
+        EXPECT_EQ(5, asked);
+    }
     EXPECT_EQ(L"", Errors.Places());
     editor.Call(L"Constructor", Object());
 }
