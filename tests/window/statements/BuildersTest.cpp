@@ -285,7 +285,7 @@ TEST_F(BuildersTest, EachStatementOfAFolderIsMadeByTheConnectionOfItsTime) {
     // The schema is written before the host is asked for the name, what limits the rows after it.
     for (const auto& [type, expected] : std::vector<std::pair<long, const wchar_t*>>{
              {17, L"SELECT * FROM SALES.ORDERS LIMIT 100;\r\nSELECT * FROM other order lines LIMIT 100"},
-             {8, L"SELECT top 100 * FROM SALES.ORDERS;\r\nSELECT top 100 * FROM other order lines"}}) {
+             {8, L"SELECT top 100 * FROM SALES.ORDERS;\r\nSELECT top 100 * FROM SALES.other order lines"}}) {
         FakeDatabase other;
         other.Members[L"DBType"] = [type](const Arguments&) { return Variant(type); };
         other.Members[L"FormatName"] = [](const Arguments& a) { return Variant(L"other " + a[0].ToText()); };
