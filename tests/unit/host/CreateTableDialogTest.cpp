@@ -91,15 +91,7 @@ Answer InDialog(std::function<void(const Dialog&)> work) {
     shown = 0;
     const WindowWatchdog watchdog(20000);
     const UINT_PTR timer = SetTimer(nullptr, 0, 10, [](HWND, UINT, UINT_PTR id, DWORD) WINAPI {
-        HWND window = nullptr;
-        EnumThreadWindows(
-            GetCurrentThreadId(),
-            [](HWND each, LPARAM found) WINAPI -> BOOL {
-                if (IsWindowVisible(each) && GetDlgItem(each, IDC_PREVIEW) != nullptr)
-                    *reinterpret_cast<HWND*>(found) = each;
-                return TRUE;
-            },
-            reinterpret_cast<LPARAM>(&window));
+        const HWND window = ShownTableDialog();
         if (window == nullptr) return;
         KillTimer(nullptr, id);
         ++shown;

@@ -137,15 +137,7 @@ TEST(DatabaseObject, TheDialogOutlivesTheConnection) {
     database = OpenDatabaseObject();
     preview.clear();
     const UINT_PTR timer = SetTimer(nullptr, 0, 20, [](HWND, UINT, UINT_PTR id, DWORD) WINAPI {
-        HWND dialog = nullptr;
-        EnumThreadWindows(
-            GetCurrentThreadId(),
-            [](HWND window, LPARAM found) WINAPI -> BOOL {
-                if (IsWindowVisible(window) && GetDlgItem(window, IDC_PREVIEW) != nullptr)
-                    *reinterpret_cast<HWND*>(found) = window;
-                return TRUE;
-            },
-            reinterpret_cast<LPARAM>(&dialog));
+        const HWND dialog = ShownTableDialog();
         if (dialog == nullptr) return;
         KillTimer(nullptr, id);
         database.Call(L"Close");

@@ -3,6 +3,7 @@
 #include <stdexcept>
 
 #include "automation/App.h"
+#include "host/database/Resources.h"
 #include "SampleDatabase.h"
 
 namespace App {
@@ -45,6 +46,19 @@ Object OpenDatabaseObject() {
     Object database = CreateDatabaseObject();
     database.Call(L"Open", SampleConnectionString());
     return database;
+}
+
+HWND ShownTableDialog() {
+    HWND shown = nullptr;
+    EnumThreadWindows(
+        GetCurrentThreadId(),
+        [](HWND window, LPARAM found) WINAPI -> BOOL {
+            if (IsWindowVisible(window) && GetDlgItem(window, IDC_PREVIEW) != nullptr)
+                *reinterpret_cast<HWND*>(found) = window;
+            return TRUE;
+        },
+        reinterpret_cast<LPARAM>(&shown));
+    return shown;
 }
 
 void RunSql(Session& session, const std::wstring& sql) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <windows.h>
+
 #include <memory>
 #include <string>
 
@@ -18,6 +20,9 @@ std::shared_ptr<Session> OpenEmpty();
 // one that is connected to the sample database.
 Object CreateDatabaseObject();
 Object OpenDatabaseObject();
+
+// The dialog of this thread that designs a table, or null while none is visible.
+HWND ShownTableDialog();
 
 // Runs a statement that gives no rows.
 void RunSql(Session& session, const std::wstring& sql);

@@ -50,7 +50,7 @@ TEST(Session, OpensAConnectionThatDiedOnce) {
     EXPECT_NE(first, second);
     dead = false;
     EXPECT_EQ(second, session->Live()) << "it is there again";
-    // A failure that is none of the connection's changes nothing; one that is has it opened at the next call.
+    // A failure of the statement keeps the connection. A failure of the connection makes the next call open it again.
     EXPECT_FALSE(session->NoteFailure(Odbc::Error({{L"42000", 0, L""}})));
     EXPECT_EQ(second, session->Live());
     EXPECT_TRUE(session->NoteFailure(Odbc::Error({{L"08S01", 0, L""}})));

@@ -88,7 +88,7 @@ TEST_F(HelpTest, APressOrAWheelAnywhereInTheWindowHidesTheTip) {
         all.push_back({Put(L"rollback|"), Press(VK_F1), Shows(help),
                        [message] { PostMessageW(EditorWindow::Find(), message, HTCLIENT, 0); }, Shows(L"<none>")});
     }
-    // A mouse that moves is none.
+    // The movement of the mouse hides no tip.
     all.push_back({Put(L"rollback|"), Press(VK_F1), Shows(help),
                    [] {
                        PostMessageW(EditorWindow::Find(), WM_MOUSEMOVE, 0, 0);
